@@ -1,0 +1,17 @@
+# One interface target with the flags that every target of the project takes.
+#
+# -ffp-contract=off and no fast-math: chord counts, speeds and table bytes are the same on every
+# machine and in every build type.
+add_library(norvik_flags INTERFACE)
+target_compile_options(norvik_flags INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Wnon-virtual-dtor -Werror
+  -ffp-contract=off)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  # False alarms of this compiler on std::optional and std::string in optimised builds.
+  target_compile_options(norvik_flags INTERFACE -Wno-maybe-uninitialized -Wno-restrict)
+endif()
+if(NORVIK_SANITIZE)
+  target_compile_options(norvik_flags INTERFACE
+    -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  target_link_options(norvik_flags INTERFACE -fsanitize=address,undefined)
+endif()

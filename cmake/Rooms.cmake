@@ -1,0 +1,57 @@
+# A room is one folder under src/, one library target, and the neighbours it may include.
+#
+#   Norvik_Room(compiler NEIGHBOURS core)
+#
+# Headers are included by room and name ("core/fault.h"). Each room publishes an include folder of
+# its own that holds nothing but a link to the room, so that the include of a room that is not a
+# declared neighbour (or a neighbour's neighbour) does not build.
+function(Norvik_Room name)
+  cmake_parse_arguments(ROOM "" "FOLDER" "NEIGHBOURS;LIBRARIES" ${ARGN})
+  if(NOT ROOM_FOLDER)
+    set(ROOM_FOLDER ${name})
+  endif()
+  set(target norvik_${name})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+  if(sources)
+    add_library(${target} STATIC ${sources})
+    set(scope PUBLIC)
+  else()
+    add_library(${target} INTERFACE)
+    set(scope INTERFACE)
+  endif()
+
+  set(published ${CMAKE_BINARY_DIR}/rooms/${name})
+  get_filename_component(parent ${published}/${ROOM_FOLDER} DIRECTORY)
+  file(MAKE_DIRECTORY ${parent})
+  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${published}/${ROOM_FOLDER} SYMBOLIC)
+  target_include_directories(${target} ${scope} ${published})
+
+  list(TRANSFORM ROOM_NEIGHBOURS PREPEND norvik_)
+  target_link_libraries(${target} ${scope} ${ROOM_NEIGHBOURS})
+  if(sources)
+    target_link_libraries(${target} PRIVATE norvik_flags ${ROOM_LIBRARIES})
+  endif()
+endfunction()
+
+# The tests of one room: every .cpp of tests/<name>/ in one program.
+#
+#   Norvik_Room_Tests(compiler NEIGHBOURS compiler platform_scripted)
+function(Norvik_Room_Tests name)
+  cmake_parse_arguments(ROOM "" "" "NEIGHBOURS;LIBRARIES" ${ARGN})
+  file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
+  if(NOT sources)
+    return()
+  endif()
+  set(target test_${name})
+  add_executable(${target} ${sources})
+  list(TRANSFORM ROOM_NEIGHBOURS PREPEND norvik_)
+  target_include_directories(${target} PRIVATE ${CMAKE_CURRENT_SOURCE_DIR})
+  target_compile_definitions(${target} PRIVATE
+    NORVIK_TEST_FOLDER="${CMAKE_CURRENT_SOURCE_DIR}/${name}"
+    NORVIK_SAMPLES_FOLDER="${CMAKE_SOURCE_DIR}/samples")
+  target_link_libraries(${target} PRIVATE
+    ${ROOM_NEIGHBOURS} norvik_flags GTest::gmock_main ${ROOM_LIBRARIES})
+  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+    PROPERTIES TIMEOUT 300)
+endfunction()

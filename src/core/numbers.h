@@ -1,0 +1,43 @@
+// numbers.h: text to numbers, under either decimal sign.
+//
+// Settings and programs may have been written in a region with the other decimal sign; every read of
+// a number passes here. Texts that are no number raise a type fault unless a rule says otherwise.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace norvik {
+
+// The number in a text: blanks around it, a sign, digits with one decimal sign (a point or the
+// region's), an exponent. Raises a type fault when the text is no number, an overflow fault when it
+// is too large.
+double To_Double(std::string_view text);
+
+// Settings conversions. `sentinel` is the stored text or number that takes the default: an empty
+// text (only a missing key or an empty value does) or 0 (a stored 0 does too).
+enum class Sentinel { Empty, Zero };
+std::int16_t GetInt(std::string_view value, Sentinel sentinel, std::int16_t otherwise);
+std::int32_t GetLong(std::string_view value, Sentinel sentinel, std::int32_t otherwise);
+float GetFloat(std::string_view value, Sentinel sentinel, float otherwise);
+double GetDouble(std::string_view value, Sentinel sentinel, double otherwise);
+std::string GetString(std::string_view value, std::string_view otherwise);
+
+double NullToZero(std::string_view value);          // any failure gives 0
+std::string RegionalFix(std::string_view text);     // every decimal sign becomes the region's
+double RegionalNumber(std::string_view text);       // nine decimals at most; the empty text gives 0
+std::string RegionalFormat(std::string_view text);  // by "############" + Axis_Format
+std::optional<std::string> NumbersOnly(std::string_view text);  // digits, "," and "."; absent: empty
+std::string ToPointDecimal(std::string_view text);
+std::string ToCommaDecimal(std::string_view text);
+std::optional<double> WordValue(char letter, std::string_view text);
+std::string WordText(char letter, std::string_view text);
+std::int16_t TrueToMinusOne(bool value);
+std::int16_t TrueToOne(bool value);
+bool ToBoolean(std::string_view value);  // -1, 1, any other number but 0, "True"; else false
+bool IsNumeric(std::string_view value);
+std::string FormatElapsed(double seconds);  // "00:00:00.000"
+
+}  // namespace norvik

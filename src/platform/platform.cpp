@@ -1,0 +1,7 @@
+#include "platform/platform.h"
+
+namespace norvik {
+
+Platform_Operations Platform;
+
+}  // namespace norvik
