@@ -10,6 +10,7 @@
 // are indexed from 1: X, Y, Z, A, B, C; an axis that was never mentioned is absent.
 #pragma once
 
+#include "compiler/record_list.h"
 #include "core/indexed.h"
 #include "core/nullable.h"
 
@@ -18,7 +19,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace norvik {
 
@@ -28,44 +28,50 @@ enum class Record_Type : std::uint8_t { Control = 0, Line = 1, Arc = 2, Other = 
 inline constexpr std::int16_t Output_Off = 0, Output_Unchanged = 1, Output_On = 2;
 
 // One motion or command as programmed. The text points into storage that the table's owner keeps.
+// The fields stand by size, which keeps a row at 208 bytes; their order in the file is that of the
+// field list (tables_io.cpp).
 struct LineArc {
   std::int32_t LineNumber = 0;  // line of the program or of the macro; 0 in a block compile
   Record_Type RecordType = Record_Type::Control;
+  bool FeedMove = false;        // true cutting, false travel
   std::int16_t RecordFlag = 0;  // 1 on lines and arcs
   Indexed<Nullable, 1, 6> Start, End;
-  Nullable CenterI, CenterJ;                 // centre words of an arc, first and second plane axis
-  std::optional<std::int16_t> ArcDirection;  // 0 clockwise (G2), 1 counter-clockwise (G3)
-  Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};  // spindle CW, CCW, mist, flood, auxiliary
+  Nullable CenterI, CenterJ;  // centre words of an arc, first and second plane axis
   Nullable ToolNumber;
-  bool FeedMove = false;      // true cutting, false travel
-  float PauseTime = 0;        // 0 none, -1 halt for the operator, above 0 a dwell
-  std::int16_t CompMode = 0;  // 0 none, 1 left, 2 right
-  Indexed<float, 1, 4> Feed;
-  std::string_view SourceText;
   Nullable SpindleSpeed;
-  std::int16_t SpareFlag = 0;
   Nullable SpareWord;
-  std::optional<std::int16_t> WaitInput;  // 1: M66
+  std::string_view SourceText;
+  Indexed<float, 1, 4> Feed;
+  float PauseTime = 0;  // 0 none, -1 halt for the operator, above 0 a dwell
+  Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};  // spindle CW, CCW, mist, flood, auxiliary
+  std::int16_t CompMode = 0;                         // 0 none, 1 left, 2 right
+  std::optional<std::int16_t> ArcDirection;          // 0 clockwise (G2), 1 counter-clockwise (G3)
+  std::optional<std::int16_t> WaitInput;             // 1: M66
+  std::int16_t SpareFlag = 0;
+
+  bool operator==(const LineArc&) const = default;
 };
 
 // One straight segment or command as executed.
 struct Wire {
-  std::int32_t Step = 0;  // the program line it belongs to; all chords of an arc share it
+  std::int32_t Step = 0;    // the program line it belongs to; all chords of an arc share it
   std::int16_t Motion = 0;  // 1: a move; anything else: no motion
-  Indexed<Nullable, 1, 6> Start, End;
-  Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};
-  Nullable Tool;
   bool FeedMove = false;
-  float Dwell = 0;               // 0 none, above 0 seconds, -1 program pause
-  std::int16_t Cutter_Comp = 0;  // 0 none, 1 left, 2 right
-  float IPM_D = 0;               // desired feed
-  float IPM_S = 0, IPM_R = 0;    // speed at the start, cruise speed
-  float IPM_E = 0;  // speed at the end; held as a whole number in the executing table
-  std::string_view Block_Text;
+  Indexed<Nullable, 1, 6> Start, End;
+  Nullable Tool;
   Nullable S_Word;
-  std::int16_t Reserved = 0;
   Nullable Repeat;
+  std::string_view Block_Text;
+  float IPM_D = 0;             // desired feed
+  float IPM_S = 0, IPM_R = 0;  // speed at the start, cruise speed
+  float IPM_E = 0;             // speed at the end; a whole number in the executing table
+  float Dwell = 0;             // 0 none, above 0 seconds, -1 program pause
+  Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};
+  std::int16_t Cutter_Comp = 0;          // 0 none, 1 left, 2 right
   std::optional<std::int16_t> Aux_Wait;  // 1: wait for the auxiliary input first
+  std::int16_t Reserved = 0;
+
+  bool operator==(const Wire&) const = default;
 };
 
 // The executing table holds at most so many wires; loaders stop there without a message.
@@ -74,7 +80,7 @@ inline constexpr std::size_t Wire_Table_Limit = 900'001;
 // A table with the texts that its records point into. Copying shares the texts.
 template <class Record>
 struct Table {
-  std::vector<Record> Rows;
+  Record_List<Record> Rows;
   std::shared_ptr<const void> Texts;
 };
 

@@ -1,0 +1,73 @@
+// wire_pass.h: records to wires.
+//
+//   Program_LineArc --NIST_ConvertLineArctoWire--> wires
+//     control record   copied, one wire without motion
+//     line             one wire
+//     arc              a chain of chords (arc_chords.h), each one wire
+//
+// The machine only ever executes straight wires. Coordinates stay in units of the setup; scales,
+// directions and backlash belong to the execution.
+//
+//   start            chord 1             chord 2          end of the record
+//     o-------------------->o-------------------->o-------------------->o
+//     record's Out here     Out 0..3 = 1          Out 0..3 = 1
+//     current start = start, then the end of each chord
+//
+// A line's or an arc's output commands ride on its first wire; spindle and coolant are back at
+// "unchanged" on the next, the auxiliary output repeats its command until another one comes. Dwell,
+// compensation and S word of line wires are the interpreter's as they stand when the pass runs,
+// that is at the end of the program, not those of the record.
+#pragma once
+
+#include "compiler/tables.h"
+#include "core/indexed.h"
+#include "core/nullable.h"
+
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+namespace norvik {
+
+struct Wire_Pass_State {
+  // --- Shared with the interpreter: taken from it at the start of a pass
+  // --------------------------
+  Indexed<Nullable, 1, 6> Start_Pos;  // where the wire before ended
+  Indexed<Nullable, 1, 6> End_Pos;    // target of the wire being emitted
+  Indexed<std::int16_t, 0, 8> Out_Flags{{1, 1, 1, 1, 1, 1, 1, 1, 1}};  // 0..4 in use
+  std::optional<std::int16_t> Plane, Distance;  // modal groups 2 and 3 at the program's end
+  float Dwell = 0;
+  std::int16_t Cutter_Comp = 0;
+  Nullable S_Word;
+
+  // --- Of the record at hand
+  // ----------------------------------------------------------------------
+  std::int32_t Step = 0;
+  Nullable Tool;
+  bool FeedMove = false;
+  std::string_view Block_Text;
+  Nullable Repeat;
+  std::optional<std::int16_t> Aux_Wait;
+  float IPM_D = 0;
+  Indexed<Nullable, 1, 4> Start;  // where the next wire begins
+
+  // --- Results
+  // ------------------------------------------------------------------------------------
+  Record_List<Wire>* Wires = nullptr;  // the table that takes the wires
+  std::int32_t Wire_Count = 0;         // emitted lines and chords; copied control records not
+};
+extern Wire_Pass_State Wire_Pass;
+
+// Cuts `records` into wires with the modes as they stand in `Compiler`. The rows of `records` leave
+// memory as they are used up; afterwards it is empty. ESC, polled once a record, ends the pass
+// early and is cleared. Any fault is logged as "NIST_ConvertLineArctoWire_Error" and what was made
+// so far stands.
+Table<Wire> NIST_ConvertLineArctoWire(Table<LineArc>&& records);
+// The same with the records left as they are.
+Table<Wire> NIST_ConvertLineArctoWire(const Table<LineArc>& records);
+
+// Appends one wire from the current start to the point given; an absent coordinate stands for the
+// target of the wire before. `flagDirect` is false in every call.
+void EmitWireLine(Nullable x, Nullable y, Nullable z, Nullable a, bool flagDirect);
+
+}  // namespace norvik
