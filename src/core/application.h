@@ -1,10 +1,10 @@
 // application.h: what lives as long as the process: folders, files and the process-wide flags.
 //
-// | flag              | set by                              | read by            | cleared by            |
+// | flag              | set by                              | read by            | cleared by |
 // |-------------------|-------------------------------------|--------------------|-----------------------|
-// | EscFlag           | ESC poll, failed serial move        | every long loop    | whoever consumes it   |
-// | ShutdownFlag      | bye                                 | timers, run loop   | never                 |
-// | Closing_Program   | bye                                 | run loop, waits    | never                 |
+// | EscFlag           | ESC poll, failed serial move        | every long loop    | whoever consumes
+// it   | | ShutdownFlag      | bye                                 | timers, run loop   | never |
+// | Closing_Program   | bye                                 | run loop, waits    | never |
 #pragma once
 
 #include "core/indexed.h"
@@ -16,12 +16,12 @@ namespace norvik {
 
 struct Application_State {
   // --- Folders and files, fixed at start -------------------------------------------------------
-  std::string AppDirectory;      // working folder; all working files hang under it
-  std::string Pointer_Folder;    // where Norvik.Ini lies
-  std::string Table_Folder;      // where the compile tables and traces lie
-  std::string MachineFile;       // full path of the machine file
-  std::string ErrorFile;         // full path of the error log
-  std::string Temporary_GCode;   // "TEMP_NORVIK999.GC": written by importers, loaded and deleted
+  std::string AppDirectory;     // working folder; all working files hang under it
+  std::string Pointer_Folder;   // where Norvik.Ini lies
+  std::string Table_Folder;     // where the compile tables and traces lie
+  std::string MachineFile;      // full path of the machine file
+  std::string ErrorFile;        // full path of the error log
+  std::string Temporary_GCode;  // "TEMP_NORVIK999.GC": written by importers, loaded and deleted
   std::string DXF_Scratch, HPGL_Scratch, Bitmap_Scratch, Gerber_Scratch;
 
   // The regional decimal sign, "." or ",".
@@ -43,7 +43,7 @@ struct Machine_State {
   Indexed<double, 1, 6> Position;         // live position
   Indexed<double, 1, 6> Theoretical_Pos;  // by counted commands
   std::int16_t CNCMode = CNC_Stopped;
-  std::int32_t Run_Step = 0;       // the step to run next
+  std::int32_t Run_Step = 0;  // the step to run next
   std::int32_t StartingStep = 1, EndingStep = 0;
   bool EStop_Flag = false;
   // False: a jog has been released and its move must end at the next full step.
@@ -51,7 +51,8 @@ struct Machine_State {
 };
 extern Machine_State Machine;
 
-// Tool table of the tool file: diameter and length in units of the setup, 0 where the file has none.
+// Tool table of the tool file: diameter and length in units of the setup, 0 where the file has
+// none.
 struct Tool_Table {
   Indexed<double, 0, 200> Diameter, Length;
 };

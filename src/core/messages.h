@@ -14,9 +14,9 @@
 namespace norvik {
 
 struct Message_State {
-  Indexed<std::string, 1, 4> Panel;                       // texts of the status bar
+  Indexed<std::string, 1, 4> Panel;                          // texts of the status bar
   Indexed<std::int16_t, 1, 3> Status_Timeout{{-1, -1, -1}};  // seconds left; -1 idle
-  std::array<std::string, 51> MessageLog;                 // slot 0 is the newest
+  std::array<std::string, 51> MessageLog;                    // slot 0 is the newest
   std::string Status_Box;  // the log joined, each slot followed by CR LF
   std::string LastMessage;
 };

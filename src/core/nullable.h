@@ -1,8 +1,8 @@
 // nullable.h: a number that may be absent, in eight bytes.
 //
 // Behaves as std::optional<double>. The tables hold a dozen of them a record and up to 900,000
-// records, where the sixteen bytes of std::optional would double the memory of a compile. Absence is
-// one quiet NaN pattern that no arithmetic yields; zero never stands for absent.
+// records, where the sixteen bytes of std::optional would double the memory of a compile. Absence
+// is one quiet NaN pattern that no arithmetic yields; zero never stands for absent.
 #pragma once
 
 #include "core/fault.h"
@@ -20,9 +20,7 @@ class Nullable {
   constexpr Nullable(double value) : Value(value) {}
   constexpr Nullable(std::optional<double> value) : Value(value ? *value : Absent()) {}
 
-  constexpr bool has_value() const {
-    return std::bit_cast<std::uint64_t>(Value) != Absent_Bits;
-  }
+  constexpr bool has_value() const { return std::bit_cast<std::uint64_t>(Value) != Absent_Bits; }
   constexpr explicit operator bool() const { return has_value(); }
   constexpr void reset() { Value = Absent(); }
 

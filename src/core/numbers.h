@@ -1,7 +1,8 @@
 // numbers.h: text to numbers, under either decimal sign.
 //
-// Settings and programs may have been written in a region with the other decimal sign; every read of
-// a number passes here. Texts that are no number raise a type fault unless a rule says otherwise.
+// Settings and programs may have been written in a region with the other decimal sign; every read
+// of a number passes here. Texts that are no number raise a type fault unless a rule says
+// otherwise.
 #pragma once
 
 #include <cstdint>
@@ -29,7 +30,8 @@ double NullToZero(std::string_view value);          // any failure gives 0
 std::string RegionalFix(std::string_view text);     // every decimal sign becomes the region's
 double RegionalNumber(std::string_view text);       // nine decimals at most; the empty text gives 0
 std::string RegionalFormat(std::string_view text);  // by "############" + Axis_Format
-std::optional<std::string> NumbersOnly(std::string_view text);  // digits, "," and "."; absent: empty
+std::optional<std::string> NumbersOnly(
+    std::string_view text);  // digits, "," and "."; absent: empty
 std::string ToPointDecimal(std::string_view text);
 std::string ToCommaDecimal(std::string_view text);
 std::optional<double> WordValue(char letter, std::string_view text);

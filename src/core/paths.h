@@ -19,8 +19,8 @@ std::string Join_Path(std::string_view folder, std::string_view name);
 
 // The whole file. Raises a file fault whose text says what is wrong (missing, a folder, no right).
 std::string Read_Whole_File(const std::string& path);
-// Writes a temporary neighbour, flushes and renames it over `path`, so that a failure leaves the old
-// file as it was. Raises a file fault that says what to do.
+// Writes a temporary neighbour, flushes and renames it over `path`, so that a failure leaves the
+// old file as it was. Raises a file fault that says what to do.
 void Replace_File(const std::string& path, std::string_view bytes);
 // Text cut at CR LF, LF or CR; a last line without an end counts.
 std::vector<std::string> Split_Lines(std::string_view text);

@@ -60,17 +60,18 @@ struct Machine_Setup {
   // --- Axis ------------------------------------------------------------------------------------
   std::int16_t UnitsofMeasurement = 0;  // 0 inch, 1 millimetre
   std::string Axis_Format = "00.0000";
-  Indexed<float, 1, 4> Axis_SPI;  // steps per unit of length
-  Indexed<float, 1, 4> Axis_Depth;  // length of travel
+  Indexed<float, 1, 4> Axis_SPI;      // steps per unit of length
+  Indexed<float, 1, 4> Axis_Depth;    // length of travel
   Indexed<bool, 1, 4> Axis_Polarity;  // inverted direction
   Indexed<float, 1, 4> Axis_Backlash;
-  Indexed<std::string, 1, 4> Axis_HomePos, Axis_ReToolPos, Axis_HomePath, Axis_HomeTarget;  // empty: unset
+  Indexed<std::string, 1, 4> Axis_HomePos, Axis_ReToolPos, Axis_HomePath,
+      Axis_HomeTarget;  // empty: unset
   Indexed<float, 1, 4> Axis_Max_Feed_Rate;
   Indexed<float, 0, 1> Axis_HomeIPM;  // 0 fast, 1 slow
   bool Axis_Ramping = false;
-  float Axis_Ramp_Start = 0;       // IPM
+  float Axis_Ramp_Start = 0;        // IPM
   std::int16_t Axis_Ramp_Rate = 0;  // hertz a step, 1..15
-  float Axis_CV_MotionAngle = 45;  // degrees
+  float Axis_CV_MotionAngle = 45;   // degrees
   std::int16_t Axis_Limit_Secondary_Velocity = 0;
   bool Axis_Backlash_Enable = false;
   float Axis_Feed_Rate_Travel = 0, Axis_Feed_Rate_Cut = 0, Axis_Feed_Rate_Jogging = 0;

@@ -37,7 +37,7 @@ struct Screen_Area {
 struct Joystick_State {
   std::int32_t Axis_X = 32767, Axis_Y = 32767, Axis_Z = 32767, Axis_R = 32767, Axis_U = 32767,
                Axis_V = 32767;
-  std::uint32_t Buttons = 0;             // bit 0 is button 1
+  std::uint32_t Buttons = 0;                   // bit 0 is button 1
   std::optional<std::int32_t> Pov_Hundredths;  // 0..35900, absent when the hat is centred
 };
 
@@ -123,8 +123,8 @@ struct Platform_Operations {
   std::function<std::uint8_t(std::uint16_t address)> Port_Read = [](std::uint16_t) {
     return std::uint8_t{255};
   };
-  std::function<void(std::uint16_t address, std::uint8_t value)> Port_Write =
-      [](std::uint16_t, std::uint8_t) {};
+  std::function<void(std::uint16_t address, std::uint8_t value)> Port_Write = [](std::uint16_t,
+                                                                                 std::uint8_t) {};
   // 0 normal, 1 high, 2 real time. Answers the words for the operator when a right was refused,
   // the empty text otherwise.
   std::function<std::string(int level)> Set_Priority = [](int) { return std::string(); };
@@ -139,6 +139,8 @@ extern Platform_Operations Platform;
 
 // The one yield. Long work calls it only where the behaviour names a yield; handlers that run in it
 // set flags, which the caller reads afterwards.
-inline void DoEvents() { Platform.Do_Events(); }
+inline void DoEvents() {
+  Platform.Do_Events();
+}
 
 }  // namespace norvik

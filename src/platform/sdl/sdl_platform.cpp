@@ -1,0 +1,114 @@
+#include "platform/sdl/sdl_platform.h"
+
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <memory>
+
+#include <SDL.h>
+
+namespace norvik {
+
+namespace {
+
+struct Sdl_State {
+  bool Joystick_Started = false;
+  SDL_Joystick* Joystick = nullptr;
+  int Joystick_Device = -1;
+  bool Audio_Started = false;
+  SDL_AudioDeviceID Audio = 0;
+};
+
+Sdl_State Sdl;
+
+// -32768..32767 of the library to 0..65535 of the setup.
+std::int32_t Game_Port_Axis(SDL_Joystick* joystick, int axis) {
+  if (axis >= SDL_JoystickNumAxes(joystick)) return 32767;
+  return std::clamp(SDL_JoystickGetAxis(joystick, axis) + 32767, 0, 65535);
+}
+
+std::optional<std::int32_t> Hat_Direction(SDL_Joystick* joystick) {
+  if (SDL_JoystickNumHats(joystick) < 1) return std::nullopt;
+  switch (SDL_JoystickGetHat(joystick, 0)) {
+    case SDL_HAT_UP:
+      return 0;
+    case SDL_HAT_RIGHTUP:
+      return 4500;
+    case SDL_HAT_RIGHT:
+      return 9000;
+    case SDL_HAT_RIGHTDOWN:
+      return 13500;
+    case SDL_HAT_DOWN:
+      return 18000;
+    case SDL_HAT_LEFTDOWN:
+      return 22500;
+    case SDL_HAT_LEFT:
+      return 27000;
+    case SDL_HAT_LEFTUP:
+      return 31500;
+    default:
+      return std::nullopt;
+  }
+}
+
+void Close_Joystick() {
+  if (Sdl.Joystick != nullptr) SDL_JoystickClose(Sdl.Joystick);
+  Sdl.Joystick = nullptr;
+}
+
+std::optional<Joystick_State> Read_Sdl_Joystick(int device) {
+  if (!Sdl.Joystick_Started) {
+    // Jogging must work while the plot or the editor has the focus.
+    SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    if (SDL_Init(SDL_INIT_JOYSTICK) != 0) return std::nullopt;
+    Sdl.Joystick_Started = true;
+  }
+  SDL_JoystickUpdate();
+  if (Sdl.Joystick != nullptr &&
+      (Sdl.Joystick_Device != device || SDL_JoystickGetAttached(Sdl.Joystick) == SDL_FALSE)) {
+    Close_Joystick();
+  }
+  if (Sdl.Joystick == nullptr) {
+    if (device >= SDL_NumJoysticks()) return std::nullopt;
+    Sdl.Joystick = SDL_JoystickOpen(device);
+    Sdl.Joystick_Device = device;
+    if (Sdl.Joystick == nullptr) return std::nullopt;
+  }
+  Joystick_State state;
+  std::int32_t* const axes[] = {&state.Axis_X, &state.Axis_Y, &state.Axis_Z,
+                                &state.Axis_R, &state.Axis_U, &state.Axis_V};
+  for (int axis = 0; axis < 6; ++axis) *axes[axis] = Game_Port_Axis(Sdl.Joystick, axis);
+  const int buttons = std::min(SDL_JoystickNumButtons(Sdl.Joystick), 32);
+  for (int button = 0; button < buttons; ++button) {
+    if (SDL_JoystickGetButton(Sdl.Joystick, button) != 0) state.Buttons |= 1U << button;
+  }
+  state.Pov_Hundredths = Hat_Direction(Sdl.Joystick);
+  return state;
+}
+
+void Play_Wave(const std::string& path) {
+  if (!Sdl.Audio_Started) {
+    SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
+    if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return;
+    Sdl.Audio_Started = true;
+  }
+  SDL_AudioSpec format;
+  Uint8* samples = nullptr;
+  Uint32 length = 0;
+  if (SDL_LoadWAV(path.c_str(), &format, &samples, &length) == nullptr) return;
+  const std::unique_ptr<Uint8, decltype(&SDL_FreeWAV)> held(samples, &SDL_FreeWAV);
+  if (Sdl.Audio != 0) SDL_CloseAudioDevice(Sdl.Audio);
+  Sdl.Audio = SDL_OpenAudioDevice(nullptr, 0, &format, nullptr, 0);
+  if (Sdl.Audio == 0) return;
+  if (SDL_QueueAudio(Sdl.Audio, samples, length) == 0) SDL_PauseAudioDevice(Sdl.Audio, 0);
+}
+
+}  // namespace
+
+void Install_Sdl_Platform() {
+  Platform.Read_Joystick = Read_Sdl_Joystick;
+  Platform.Play_Sound = Play_Wave;
+}
+
+}  // namespace norvik
