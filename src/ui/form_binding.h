@@ -8,13 +8,13 @@
 
 #include "control/form_controls.h"
 
+#include <functional>
+#include <vector>
+
 #include <QAbstractButton>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-
-#include <functional>
-#include <vector>
 
 namespace norvik {
 
@@ -28,8 +28,7 @@ class Form_Binding {
   void Button(QAbstractButton* widget, const QString& name, Button_Control& control,
               Handler clicked);
   void Label(QLabel* widget, const QString& name, Label_Control& control);
-  void Check(QAbstractButton* widget, const QString& name, Check_Control& control,
-             Handler changed);
+  void Check(QAbstractButton* widget, const QString& name, Check_Control& control, Handler changed);
   // `committed` runs when the operator presses Enter or leaves the field with another text.
   void Text(QLineEdit* widget, const QString& name, Text_Control& control, Handler committed);
   void Combo(QComboBox* widget, const QString& name, Combo_Control& control, Handler chosen);

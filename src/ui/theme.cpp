@@ -1,5 +1,8 @@
 #include "ui/theme.h"
 
+#include <algorithm>
+#include <cmath>
+
 #include <QApplication>
 #include <QFontDatabase>
 #include <QPainter>
@@ -8,9 +11,6 @@
 #include <QStyle>
 #include <QStyleFactory>
 #include <QWidget>
-
-#include <algorithm>
-#include <cmath>
 
 namespace norvik {
 
@@ -140,8 +140,17 @@ void Draw_Sign(QPainter& painter, Sign sign) {
     case Sign::Stop:
       return fill(Polygon({{4, 4}, {20, 4}, {20, 20}, {4, 20}}));
     case Sign::Home:
-      return fill(Polygon({{12, 2}, {22, 11}, {19, 11}, {19, 21}, {14, 21}, {14, 14}, {10, 14},
-                           {10, 21}, {5, 21}, {5, 11}, {2, 11}}));
+      return fill(Polygon({{12, 2},
+                           {22, 11},
+                           {19, 11},
+                           {19, 21},
+                           {14, 21},
+                           {14, 14},
+                           {10, 14},
+                           {10, 21},
+                           {5, 21},
+                           {5, 11},
+                           {2, 11}}));
     case Sign::Tool:
       fill(Polygon({{8, 2}, {16, 2}, {16, 9}, {8, 9}}));
       return fill(Polygon({{10, 10}, {14, 10}, {14, 18}, {12, 22}, {10, 18}}));
@@ -225,11 +234,17 @@ void Apply_Theme(QApplication& application) {
   application.setFont(font);
 }
 
-bool Theme_Is_Dark() { return Theme.Dark; }
+bool Theme_Is_Dark() {
+  return Theme.Dark;
+}
 
-int Text_Height() { return QFontMetrics(QApplication::font()).height(); }
+int Text_Height() {
+  return QFontMetrics(QApplication::font()).height();
+}
 
-int Finger_Height() { return static_cast<int>(std::lround(Text_Height() * 2.4)); }
+int Finger_Height() {
+  return static_cast<int>(std::lround(Text_Height() * 2.4));
+}
 
 QFont Readout_Font(double scale) {
   QFont font = QFontDatabase::systemFont(QFontDatabase::FixedFont);
@@ -245,7 +260,9 @@ QFont Bold_Font(double scale) {
   return font;
 }
 
-const Theme_Colors& Colors() { return Theme.Colors; }
+const Theme_Colors& Colors() {
+  return Theme.Colors;
+}
 
 void Set_Face(QWidget& control, const QColor& ground, const QColor& text) {
   QPalette palette = QApplication::palette(&control);

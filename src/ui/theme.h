@@ -1,8 +1,8 @@
 // theme.h: the one look of all windows.
 //
 // One drawn style on every desktop, with a light and a dark palette of our own; which of the two
-// follows the desktop. Sizes derive from the font, so that they follow the screen's scale, and every
-// control that moves the machine is at least a gloved finger wide.
+// follows the desktop. Sizes derive from the font, so that they follow the screen's scale, and
+// every control that moves the machine is at least a gloved finger wide.
 #pragma once
 
 #include <QColor>
@@ -38,9 +38,29 @@ void Set_Face(QWidget& control, const QColor& ground, const QColor& text);
 
 // Signs drawn as shapes, sharp at every scale.
 enum class Sign {
-  Play, Pause, Step, Stop, Home, Tool, Zoom_In, Zoom_Out, Zoom_Window, Zoom_All, Zoom_Table, Pan,
-  Refresh, Arrow_Up, Arrow_Down, Arrow_Left, Arrow_Right, Arrow_Up_Left, Arrow_Up_Right,
-  Arrow_Down_Left, Arrow_Down_Right, Turn_Left, Turn_Right
+  Play,
+  Pause,
+  Step,
+  Stop,
+  Home,
+  Tool,
+  Zoom_In,
+  Zoom_Out,
+  Zoom_Window,
+  Zoom_All,
+  Zoom_Table,
+  Pan,
+  Refresh,
+  Arrow_Up,
+  Arrow_Down,
+  Arrow_Left,
+  Arrow_Right,
+  Arrow_Up_Left,
+  Arrow_Up_Right,
+  Arrow_Down_Left,
+  Arrow_Down_Right,
+  Turn_Left,
+  Turn_Right
 };
 QIcon Sign_Icon(Sign sign, const QColor& color);
 QIcon Sign_Icon(Sign sign);  // in the colour of the theme's text
