@@ -7,8 +7,8 @@
 
 namespace norvik {
 
-// Adds one row for each axis to `grid`: name, position, unit, distance to go, switch lamps, Zero. The
-// A row is left out while `Hide_CNC_A_Axis` is set.
+// Adds one row for each axis to `grid`: name, position, unit, distance to go, switch lamps, Zero.
+// The A row is left out while `Hide_CNC_A_Axis` is set.
 void Build_Axis_Rows(QGridLayout& grid, Form_Binding& binding);
 
 }  // namespace norvik

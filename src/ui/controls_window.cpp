@@ -128,9 +128,7 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
 
   CNC_Controls_Host.Form_Changed = [this] { Show_Form(); };
   CNC_Controls_Host.Set_Timer_Interval = [this](int interval_ms) { Start_Timer(interval_ms); };
-  CNC_Controls_Host.Mouse_Button_Down = [] {
-    return QApplication::mouseButtons() != Qt::NoButton;
-  };
+  CNC_Controls_Host.Mouse_Button_Down = [] { return QApplication::mouseButtons() != Qt::NoButton; };
   Messages_Host.List_Changed = [this] { Show_Form(); };
   Load_CNC_Controls();
   Show_Form();
@@ -279,8 +277,8 @@ QWidget* Controls_Window::Build_Feeds() {
   Binding.Label(override_label, "Label_Feed_Overide", CNC_Controls.Label_Feed_Overide);
   grid->addWidget(override_label, line, 2);
   grid->setColumnStretch(1, 1);
-  return Group(MachineSetup.UnitsofMeasurement == 1 ? "Feeds, mm a minute" : "Feeds, inches a minute",
-               grid);
+  return Group(
+      MachineSetup.UnitsofMeasurement == 1 ? "Feeds, mm a minute" : "Feeds, inches a minute", grid);
 }
 
 QWidget* Controls_Window::Build_Levels() {
@@ -288,8 +286,8 @@ QWidget* Controls_Window::Build_Levels() {
   static constexpr const char* titles[] = {"Travel", "Cut", "Deep cut"};
   for (int level = 0; level <= 2; ++level) {
     form->addWidget(new QLabel(titles[level]), 0, level, Qt::AlignHCenter);
-    auto* value = new Value_Label("Click to change this level",
-                                  [level] { Label_Tool_Height_Click(level); });
+    auto* value =
+        new Value_Label("Click to change this level", [level] { Label_Tool_Height_Click(level); });
     Binding.Label(value, QString("Label_Tool_Height_%1").arg(level),
                   CNC_Controls.Label_Tool_Height[level]);
     form->addWidget(value, 1, level);

@@ -4,10 +4,10 @@
 #include "control/knob.h"
 #include "ui/theme.h"
 
+#include <algorithm>
+
 #include <QMouseEvent>
 #include <QPainter>
-
-#include <algorithm>
 
 namespace norvik {
 
@@ -31,8 +31,8 @@ void Knob_Widget::paintEvent(QPaintEvent*) {
   painter.setPen(QPen(palette().color(QPalette::Mid), 2));
   painter.setBrush(palette().color(QPalette::Button));
   painter.drawEllipse(QPointF(0, 0), radius, radius);
-  painter.setPen(QPen(palette().color(QPalette::Highlight), radius / 9, Qt::SolidLine,
-                      Qt::RoundCap));
+  painter.setPen(
+      QPen(palette().color(QPalette::Highlight), radius / 9, Qt::SolidLine, Qt::RoundCap));
   const auto& pointer = CNC_Controls.Pic_Knob_Pointer;
   const QPointF tip(pointer.X * radius * 0.82, -pointer.Y * radius * 0.82);
   painter.drawLine(tip * 0.35, tip);

@@ -5,7 +5,8 @@
 
 namespace norvik {
 
-// Draws the dial with the pointer of `CNC_Controls.Pic_Knob_Pointer`; dragging up and down turns it.
+// Draws the dial with the pointer of `CNC_Controls.Pic_Knob_Pointer`; dragging up and down turns
+// it.
 class Knob_Widget : public QWidget {
  public:
   explicit Knob_Widget(QWidget* parent = nullptr);
