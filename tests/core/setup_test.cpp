@@ -150,6 +150,7 @@ TEST_F(Setup_Test, Each_Field_Is_Loaded_From_Its_Key) {
       std::string value = Own_Value(row.Field(MachineSetup, index), number);
       if (row.Key == "INI_Save_Test") value = "123";
       if (row.Key == "Axis_Format") value = "0000.0000";
+      if (row.Key == "DRO_Format") value = "00.00";
       if (row.Key == "Axis_Ramp_Rate") value = "7";
       if (row.Key == "Axis_Ramping") value = "0";
       if (row.Rule == Read_Rule::Whole_Number) value = value.substr(0, value.find('.'));
