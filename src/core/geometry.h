@@ -14,10 +14,13 @@ inline constexpr double Motion_Angle_Pi = 3.1415926540001;
 // Brings an angle into -2*pi..2*pi by whole turns (single-precision pi).
 double NormalizeAngle(double angle);
 
-// Direction of the vector from (x1, y1) to (x0, y0), in 0..2*pi; 0 when `length` is 0.
+// Direction of the vector from (x1, y1) to (x0, y0), in 0..2*pi; 0 when `length` is 0. Within 0.001
+// below a full turn the turn is taken off. An error is logged and gives 0.
 double Motion_Angle(double length, double x0, double y0, double x1, double y1);
 
-// Bearing of the vector from (x0, y0) to (x1, y1): from +Y, clockwise. `r` is its length.
+// Bearing of the vector from (x1, y1) to (x0, y0), as `Motion_Angle` takes it: from +Y, clockwise,
+// in 0..2*pi. `r` is the vector's length; 0 where it is 0. Along X the sine is held a little below
+// 1, so that the bearing is off by 0.00045.
 double Arc_Angle(double r, double x0, double y0, double x1, double y1);
 
 // Length of an arc; an angle of 0 counts as 360. A result not above 0 counts as 0.
@@ -31,6 +34,12 @@ Nullable Line_Length(Nullable x0, Nullable y0, Nullable z0, Nullable x1, Nullabl
 // is kept.
 double Corner_Angle(double x0, double y0, double z0, double x1, double y1, double z1, double x2,
                     double y2, double z2);
+
+// What one call of Corner_Angle leaves to the next; lives as long as the process.
+struct Corner_Angle_State {
+  double Cosine = 0;
+};
+extern Corner_Angle_State Corner_Angle_Memory;
 
 // Angle swept from a0 to a1, in 0..2*pi: counter-clockwise for direction 1, clockwise otherwise.
 double ArcSweep(double a0, double a1, int direction);

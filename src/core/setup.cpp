@@ -1,0 +1,7 @@
+#include "core/setup.h"
+
+namespace norvik {
+
+Machine_Setup MachineSetup;
+
+}  // namespace norvik

@@ -1,0 +1,37 @@
+// import_distance.h: the two questions of every path sort.
+//
+// Both work in singles. Distances are scaled by 10000 in single precision before they are squared,
+// so that very short ones keep their order; the squares, their sum and the root run in doubles.
+#pragma once
+
+#include "core/nullable.h"
+
+#include <cmath>
+
+namespace norvik {
+
+// Scaled square of the distance on one axis.
+inline double Scaled_Square(float a, float b) {
+  const double scaled = static_cast<double>(std::abs(a - b) * 10000.0F);
+  return scaled * scaled;
+}
+
+// Scaled distance whose order the sorts go by.
+inline double Scaled_Distance(float cx, float cy, float px, float py) {
+  return std::sqrt(Scaled_Square(cx, px) + Scaled_Square(cy, py));
+}
+
+// True when b lies strictly nearer to c than a does; equal distances give false.
+inline bool Is_Closer(float cx, float cy, float ax, float ay, float bx, float by) {
+  return Scaled_Distance(cx, cy, bx, by) < Scaled_Distance(cx, cy, ax, ay);
+}
+// The same with values that may be missing; any missing value gives false.
+bool Is_Closer(Nullable cx, Nullable cy, Nullable ax, Nullable ay, Nullable bx, Nullable by);
+
+// True when point (x, y, z) meets a or b: each axis differs by less than `DXF_Line_Tolerance`
+// (strictly, so that a tolerance of 0 connects nothing); two missing Z meet, a missing and a
+// present one do not.
+bool Ends_Connect(Nullable x, Nullable y, Nullable z, Nullable ax, Nullable ay, Nullable az,
+                  Nullable bx, Nullable by, Nullable bz);
+
+}  // namespace norvik
