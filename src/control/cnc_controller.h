@@ -12,8 +12,8 @@
 //      +------------------+--- Stop, ESC, E-stop, limit, last ----+
 //                              step done
 //
-// `Machine.Run_Step` always names the step to run next (the running one during a pass). After a stop
-// it is `StartingStep`, after a pause the step behind the paused one.
+// `Machine.Run_Step` always names the step to run next (the running one during a pass). After a
+// stop it is `StartingStep`, after a pause the step behind the paused one.
 //
 // The loop re-enters: a handler in a yield may run `CNC_Stop`, which calls `NIST_CNC_Controller`
 // again; the inner call takes the stop branch and returns, and the outer one finds the mode changed
@@ -50,9 +50,9 @@ void Command_CNC_Stop_Click();
 void CNC_Controls_Esc();
 
 // --- For every operation that moves --------------------------------------------------------------
-// Called first. False, with a status text, while the E-stop is set or the drive is missing; false in
-// silence while the panel is busy. Otherwise clears what a past operation left (stop request, ESC,
-// its text).
+// Called first. False, with a status text, while the E-stop is set or the drive is missing; false
+// in silence while the panel is busy. Otherwise clears what a past operation left (stop request,
+// ESC, its text).
 bool Begin_Operation();
 // Why the operation ended before its time, in the operator's words; empty when it did not.
 std::string_view End_Reason();

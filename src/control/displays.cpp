@@ -7,6 +7,7 @@
 #include "control/goto.h"
 #include "control/jog_guard.h"
 #include "control/knob.h"
+#include "control/panel_edits.h"
 #include "control/panel_jog.h"
 #include "control/run_plot_host.h"
 #include "control/safety.h"

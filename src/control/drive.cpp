@@ -14,9 +14,12 @@ bool Never() {
 }
 
 constexpr Drive_Operations Missing_Drive(std::string_view text) {
-  return {text,    [](const Step_Request&, Nullable, std::int32_t) { return Move_End::Failed; },
-          Nothing, Nothing,
-          Never,   Never,
+  return {text,
+          [](const Step_Request&, Nullable, std::int32_t) { return Move_End::Failed; },
+          Nothing,
+          Nothing,
+          Never,
+          Never,
           [](int, bool) {}};
 }
 

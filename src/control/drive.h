@@ -1,8 +1,8 @@
 // drive.h: the drive behind the one operation that moves the machine.
 //
-// `Parallel_Port_Type` of the machine file chooses: 1 the parallel port, 2 and above a serial board.
-// Run loop, sequences and jogs call the drive through this record, so that they are the same on
-// each.
+// `Parallel_Port_Type` of the machine file chooses: 1 the parallel port, 2 and above a serial
+// board. Run loop, sequences and jogs call the drive through this record, so that they are the same
+// on each.
 #pragma once
 
 #include "core/nullable.h"

@@ -13,9 +13,9 @@ inline constexpr int Draw_Only = 0, Move_And_Draw = 2;
 // serves waits, dwells and repeats; other modes only draw.
 //
 // Between two wires, and after a wait or dwell, the closing program, the E-stop (button or input),
-// ESC and Stop end it, as does a move that did not arrive; nothing of what remains is executed. True
-// when every wire was executed. A wire with `Dwell` -1 sets `CNCMode` to paused and does not end the
-// step.
+// ESC and Stop end it, as does a move that did not arrive; nothing of what remains is executed.
+// True when every wire was executed. A wire with `Dwell` -1 sets `CNCMode` to paused and does not
+// end the step.
 bool Execute_Step(std::int32_t& step, int mode);
 
 }  // namespace norvik

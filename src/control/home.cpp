@@ -6,6 +6,7 @@
 #include "control/controller_state.h"
 #include "control/displays.h"
 #include "control/machine_move.h"
+#include "control/position_memory.h"
 #include "control/scope.h"
 #include "control/waits.h"
 #include "core/application.h"
@@ -55,10 +56,17 @@ Move_End Move_To(const Axis_Targets& target, Speeds speeds) {
   return Machine_Move(order);
 }
 
-Move_End Move_Axis(int axis, Nullable target, Speeds speeds) {
+Axis_Targets Only(int axis, Nullable target) {
   Axis_Targets targets;
   targets[axis] = target;
-  return Move_To(targets, speeds);
+  return targets;
+}
+
+// X, Y and A, without Z.
+Axis_Targets Across(const Axis_Targets& position) {
+  Axis_Targets targets = position;
+  targets[3] = std::nullopt;
+  return targets;
 }
 
 // A move that has to arrive for the sequence to go on.
@@ -70,11 +78,9 @@ bool Reach(const Axis_Targets& target, Speeds speeds) {
 
 // Z up, X, Y and A across, Z down.
 bool Move_By_Travel_Level(const Axis_Targets& position) {
-  const Axis_Targets up{{{}, {}, MachineSetup.Axis_Tool_Height[0], {}}};
-  const Axis_Targets across{{position[1], position[2], {}, position[4]}};
-  const Axis_Targets down{{{}, {}, position[3], {}}};
   const Speeds speeds = Travel_Speeds();
-  return Reach(up, speeds) && Reach(across, speeds) && Reach(down, speeds);
+  return Reach(Only(3, MachineSetup.Axis_Tool_Height[0]), speeds) &&
+         Reach(Across(position), speeds) && Reach(Only(3, position[3]), speeds);
 }
 
 Axis_Targets Targets_Of(const Indexed<std::string, 1, 4>& texts) {
@@ -87,7 +93,7 @@ Axis_Targets Targets_Of(const Indexed<std::string, 1, 4>& texts) {
 
 // A seek, back-off or tap: it may end at the switch. False when the sequence must be left.
 bool Seek(int axis, double target, float run) {
-  const Move_End end = Move_Axis(axis, target, {Edge_Speed, run});
+  const Move_End end = Move_To(Only(axis, target), {Edge_Speed, run});
   if (!Arrived(end) && end != Move_End::Limit) return false;
   constexpr double settle = 0.1;  // seconds
   return Look_At_Stops() && Wait_Seconds(settle);
@@ -100,7 +106,7 @@ bool Validate_Axis(int axis) {
   const double home = RegionalNumber(MachineSetup.Axis_HomeTarget[axis]);
   if (!Seek(axis, path, Home_IPM(0))) return false;
 
-  const int sign = home >= path ? 1 : -1;
+  const double sign = home >= path ? 1 : -1;
   const double backed_off = Machine.Position[axis] + Backoff_Distance * sign;
   Machine.Theoretical_Pos[axis] = Machine.Position[axis];
   if (!Seek(axis, backed_off, Home_IPM(0))) return false;
@@ -126,10 +132,10 @@ void Home_Validated() {
   const Speeds seek{Edge_Speed, Home_IPM(0)};
   const Axis_Targets home = Targets_Of(MachineSetup.Axis_HomePos);
   if (!Validate_Axis(3)) return;
-  if (!Reach({{{}, {}, home[3], {}}}, seek)) return;
+  if (!Reach(Only(3, home[3]), seek)) return;
   for (const int axis : {1, 2, 4})
     if (!Validate_Axis(axis)) return;
-  Reach({{home[1], home[2], {}, home[4]}}, seek);
+  Reach(Across(home), seek);
 }
 
 void Home_Plain() {

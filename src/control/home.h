@@ -1,7 +1,7 @@
 // home.h: the fixed sequences: to the ReTool position and back, Home, Home with validation.
 //
-// All are plain calls of Machine_Move with the outputs unchanged. Targets are texts of the setup; an
-// empty text means that the axis takes no part.
+// All are plain calls of Machine_Move with the outputs unchanged. Targets are texts of the setup;
+// an empty text means that the axis takes no part.
 //
 //   ReTool      Z up to the travel level | X, Y, A together | Z down
 //   Home        the same three moves to `Axis_HomePos_<n>`

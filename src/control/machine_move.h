@@ -4,8 +4,8 @@
 //   target - Theoretical_Pos --> steps and direction of each axis --> Drive().Move --> Position
 //
 // A move is measured from `Theoretical_Pos`, the position by commanded steps, and adds to it what
-// the whole steps really come to, so that rounding never adds up. A move that ended early made other
-// steps than those asked for: `Theoretical_Pos` then takes the live position.
+// the whole steps really come to, so that rounding never adds up. A move that ended early made
+// other steps than those asked for: `Theoretical_Pos` then takes the live position.
 //
 // Lengths in units of the setup, speeds in units per minute, axes 1..4.
 #pragma once

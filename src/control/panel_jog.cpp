@@ -7,6 +7,7 @@
 #include "control/displays.h"
 #include "control/drive.h"
 #include "control/jog_key.h"
+#include "control/machine_move.h"
 #include "control/scope.h"
 #include "core/application.h"
 #include "core/fault.h"

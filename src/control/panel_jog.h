@@ -4,10 +4,12 @@
 // Machine_Move: 1000 units that end when the button is released, or one `CNC_Jog_Increment` with
 // `Check_SingleStep` on.
 //
-//   speed  _________________          ____________
-//         /                 | release            \       single step
-//        /                  |                      \
-//        Axis_Ramp_Start -> Axis_Feed_Rate_Jogging   Axis_Ramp_Start
+//            held button                    single step
+//
+//   speed     _________|  Axis_Feed_Rate_     _________    |
+//            /         |  Jogging            /         .   |
+//           /       release                 /           .  |
+//         Axis_Ramp_Start           Axis_Ramp_Start on both ends
 //
 // On the parallel port the press handler runs for as long as the jog does; the release arrives in a
 // yield of the step loop and sets `Machine.Jog_Stop_Request` false, and the loop ends at its next
