@@ -59,7 +59,7 @@ struct CNC_Controls_Form {
 
   // --- Positions --------------------------------------------------------------------------------
   Indexed<Label_Control, 1, 4> Label_Axis_Pos;
-  Indexed<Label_Control, 1, 4> Label_Axis_DTG;  // distance to go of the running move
+  Indexed<Label_Control, 1, 4> Label_Axis_DTG;     // distance to go of the running move
   Indexed<Label_Control, 0, 2> Label_Tool_Height;  // travel, normal cut, deep cut
 
   // --- Feeds ------------------------------------------------------------------------------------
@@ -70,7 +70,8 @@ struct CNC_Controls_Form {
 
   // --- Home and ReTool --------------------------------------------------------------------------
   Button_Control Command_Home{"Home"}, Command_ReTool{"ReTool"};
-  Indexed<Button_Control, 0, 1> Command_AutoRetool{{{"AutoRetool"}, {"Return", false}}};
+  Indexed<Button_Control, 0, 1> Command_AutoRetool{
+      {Button_Control{"AutoRetool"}, Button_Control{"Return", false}}};
 
   // --- Jog and Goto -----------------------------------------------------------------------------
   Check_Control Check_SingleStep;

@@ -3,18 +3,18 @@
 // One thread: a handler that runs in a yield of a move sets flags here, the routine that yielded
 // reads them when it comes back.
 //
-// | flag              | set by                          | read by                | cleared by        |
+// | flag              | set by                          | read by                | cleared by |
 // |-------------------|---------------------------------|------------------------|-------------------|
-// | Panel_Busy        | each operation of the panel     | every operation        | the same, at end  |
-// | Controller_Active | NIST_CNC_Controller             | jogs, displays         | the same, at end  |
-// | Program_Busy      | a pass of the run loop          | other windows          | its end, Stop     |
-// | Stop_Request      | CNC_Stop, a drive that stopped  | waits, Execute_Step,   | start of the next |
-// |                   |                                 | Home, ReTool           | operation, E-stop |
-// |                   |                                 |                        | button            |
-// | Retool_Request    | CNC_Retool                      | NIST_CNC_Controller    | the same          |
-// | From_Rest         | buttons Play and Step           | Execute_Step           | first wire with   |
-// |                   |                                 |                        | steps             |
-// | Jog_Held          | press of a jog without end      | release, jog guard     | end of the jog    |
+// | Panel_Busy        | each operation of the panel     | every operation        | the same, at end
+// | | Controller_Active | NIST_CNC_Controller             | jogs, displays         | the same, at
+// end  | | Program_Busy      | a pass of the run loop          | other windows          | its end,
+// Stop     | | Stop_Request      | CNC_Stop, a drive that stopped  | waits, Execute_Step,   | start
+// of the next | |                   |                                 | Home, ReTool           |
+// operation, E-stop | |                   |                                 | | button            |
+// | Retool_Request    | CNC_Retool                      | NIST_CNC_Controller    | the same | |
+// From_Rest         | buttons Play and Step           | Execute_Step           | first wire with |
+// |                   |                                 |                        | steps | |
+// Jog_Held          | press of a jog without end      | release, jog guard     | end of the jog |
 //
 // Lengths in units of the setup, speeds in units per minute, times in seconds. Axes 1..4.
 #pragma once
@@ -42,9 +42,9 @@ struct Controller_State {
   std::string Stop_Text;
 
   // --- Run time ---------------------------------------------------------------------------------
-  double Machine_Run_Time = 0;     // of the running or last run; pauses do not count
-  std::int64_t Run_Clock = 0;      // last reading of the monotonic clock, nanoseconds
-  bool Run_Started = false;        // the pass before started the run
+  double Machine_Run_Time = 0;      // of the running or last run; pauses do not count
+  std::int64_t Run_Clock = 0;       // last reading of the monotonic clock, nanoseconds
+  bool Run_Started = false;         // the pass before started the run
   std::int32_t Steps_Executed = 0;  // of the running or last run
 
   // --- Repeat of a step range -------------------------------------------------------------------
@@ -63,9 +63,9 @@ struct Controller_State {
   bool Retool_Active = false;                     // the AutoRetool button blinks
 
   // --- For the display --------------------------------------------------------------------------
-  std::optional<double> Tool;                       // of the last wire that named one
-  std::optional<double> Estimated_Process_Time;     // seconds
-  std::int16_t Blink_Ticks = 0;                     // of the panel's timer
+  std::optional<double> Tool;                    // of the last wire that named one
+  std::optional<double> Estimated_Process_Time;  // seconds
+  std::int16_t Blink_Ticks = 0;                  // of the panel's timer
 };
 extern Controller_State Controller;
 
