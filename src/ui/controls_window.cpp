@@ -156,7 +156,7 @@ void Controls_Window::Show_Form() {
 }
 
 void Controls_Window::hideEvent(QHideEvent* event) {
-  Jog_Guard_Window_Hidden();
+  Jog_Guard_Window_Lost();
   QWidget::hideEvent(event);
 }
 

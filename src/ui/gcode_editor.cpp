@@ -9,6 +9,7 @@
 #include <QHelpEvent>
 #include <QMimeData>
 #include <QPainter>
+#include <QScrollBar>
 #include <QTextBlock>
 #include <QTextLayout>
 #include <QToolTip>

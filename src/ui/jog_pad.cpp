@@ -19,26 +19,35 @@ struct Jog_Button {
   int Row, Column;
   Sign Arrow;
   const char* Caption;
-  void (*Press)(int index);
-  void (*Release)(int index);
+  int Axis;  // 0: the diagonals
   int Index;
 };
 
 // The corners of `Jog_XY` lie as one looks at the block.
 constexpr Jog_Button Jog_Buttons[] = {
-    {"Jog_XY_0", 0, 0, Sign::Arrow_Up_Left, "", Jog_XY_MouseDown, Jog_XY_MouseUp, 0},
-    {"Jog_Y_1", 0, 1, Sign::Arrow_Up, "Y+", Jog_Y_MouseDown, Jog_Y_MouseUp, 1},
-    {"Jog_XY_1", 0, 2, Sign::Arrow_Up_Right, "", Jog_XY_MouseDown, Jog_XY_MouseUp, 1},
-    {"Jog_X_0", 1, 0, Sign::Arrow_Left, "X-", Jog_X_MouseDown, Jog_X_MouseUp, 0},
-    {"Jog_X_1", 1, 2, Sign::Arrow_Right, "X+", Jog_X_MouseDown, Jog_X_MouseUp, 1},
-    {"Jog_XY_2", 2, 0, Sign::Arrow_Down_Left, "", Jog_XY_MouseDown, Jog_XY_MouseUp, 2},
-    {"Jog_Y_0", 2, 1, Sign::Arrow_Down, "Y-", Jog_Y_MouseDown, Jog_Y_MouseUp, 0},
-    {"Jog_XY_3", 2, 2, Sign::Arrow_Down_Right, "", Jog_XY_MouseDown, Jog_XY_MouseUp, 3},
-    {"Jog_Z_1", 0, 4, Sign::Arrow_Up, "Z+", Jog_Z_MouseDown, Jog_Z_MouseUp, 1},
-    {"Jog_Z_0", 2, 4, Sign::Arrow_Down, "Z-", Jog_Z_MouseDown, Jog_Z_MouseUp, 0},
-    {"Jog_A_1", 0, 6, Sign::Turn_Left, "A+", Jog_A_MouseDown, Jog_A_MouseUp, 1},
-    {"Jog_A_0", 2, 6, Sign::Turn_Right, "A-", Jog_A_MouseDown, Jog_A_MouseUp, 0},
+    {"Jog_XY_0", 0, 0, Sign::Arrow_Up_Left, "", 0, 0},
+    {"Jog_Y_1", 0, 1, Sign::Arrow_Up, "Y+", 2, 1},
+    {"Jog_XY_1", 0, 2, Sign::Arrow_Up_Right, "", 0, 1},
+    {"Jog_X_0", 1, 0, Sign::Arrow_Left, "X-", 1, 0},
+    {"Jog_X_1", 1, 2, Sign::Arrow_Right, "X+", 1, 1},
+    {"Jog_XY_2", 2, 0, Sign::Arrow_Down_Left, "", 0, 2},
+    {"Jog_Y_0", 2, 1, Sign::Arrow_Down, "Y-", 2, 0},
+    {"Jog_XY_3", 2, 2, Sign::Arrow_Down_Right, "", 0, 3},
+    {"Jog_Z_1", 0, 4, Sign::Arrow_Up, "Z+", 3, 1},
+    {"Jog_Z_0", 2, 4, Sign::Arrow_Down, "Z-", 3, 0},
+    {"Jog_A_1", 0, 6, Sign::Turn_Left, "A+", 4, 1},
+    {"Jog_A_0", 2, 6, Sign::Turn_Right, "A-", 4, 0},
 };
+
+void Press(const Jog_Button& row) {
+  if (row.Axis == 0) return Jog_XY_MouseDown(row.Index);
+  Jog_MouseDown(row.Axis, row.Index);
+}
+
+void Release(const Jog_Button& row) {
+  if (row.Axis == 0) return Jog_XY_MouseUp(row.Index);
+  Jog_MouseUp(row.Axis, row.Index);
+}
 
 // Pressing starts the motion and returns when it has ended; the release arrives in a yield of it.
 QPushButton* Build_Button(const Jog_Button& row) {
@@ -51,8 +60,8 @@ QPushButton* Build_Button(const Jog_Button& row) {
   button->setFont(Bold_Font(1.0));
   button->setFocusPolicy(Qt::NoFocus);
   const Jog_Button* const data = &row;
-  QObject::connect(button, &QPushButton::pressed, button, [data] { data->Press(data->Index); });
-  QObject::connect(button, &QPushButton::released, button, [data] { data->Release(data->Index); });
+  QObject::connect(button, &QPushButton::pressed, button, [data] { Press(*data); });
+  QObject::connect(button, &QPushButton::released, button, [data] { Release(*data); });
   return button;
 }
 
