@@ -168,10 +168,10 @@ class Control_Test : public ::testing::Test {
   // --- A program by its wires --------------------------------------------------------------------
   struct Row {
     std::int32_t Step = 1;
-    Nullable X, Y, Z, A;
+    Nullable X = {}, Y = {}, Z = {}, A = {};
     float Dwell = 0;
-    Nullable Repeat;
-    std::optional<std::int16_t> Aux_Wait;
+    Nullable Repeat = {};
+    std::optional<std::int16_t> Aux_Wait = {};
     std::array<std::int16_t, 5> Out{1, 1, 1, 1, 1};
     std::int16_t Motion = 1;
     float Feed = 60;

@@ -151,7 +151,7 @@ INSTANTIATE_TEST_SUITE_P(
                       Range_Row{"at_the_end", 3, 1, 3, {3}},
                       Range_Row{"start_behind_end", 1, 3, 2, {3}},
                       Range_Row{"no_program", 0, 1, 0, {1}}),
-    [](const auto& info) { return std::string(info.param.Name); });
+    [](const auto& row) { return std::string(row.param.Name); });
 
 TEST_F(Run_Loop_Test, The_run_timer_starts_anew_with_each_run_of_a_single_step) {
   Load({{1, 1}});
@@ -174,8 +174,8 @@ TEST_F(Run_Loop_Test, Jumping_clocks_neither_hang_nor_count) {
 
 TEST_F(Run_Loop_Test, Serial_boards_are_refused_in_words) {
   Load({{1, 1}});
-  for (const std::int16_t type : {2, 3}) {
-    MachineSetup.Parallel_Port_Type = type;
+  for (const int type : {2, 3}) {
+    MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(type);
     Messages = {};
     Command_CNC_Play_Click();
     EXPECT_EQ(Messages.Panel[1], control_text::No_Serial_Board);
