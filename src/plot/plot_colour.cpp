@@ -7,8 +7,11 @@ namespace norvik {
 
 namespace {
 
-// Lines are thin, so they need the contrast of graphics (3 : 1); the grid stays behind them.
-constexpr double Line_Contrast = 3.0, Grid_Contrast = 1.35;
+// Lines need the contrast of graphics (3 : 1), and more where thin lines glow on a dark ground.
+constexpr double Line_Contrast = 3.0, Glowing_Line_Contrast = 4.5;
+// The grid is seen, and no stronger than the lines.
+constexpr double Faintest_Grid = 1.35, Strongest_Grid = 2.7;
+constexpr int Mixing_Steps = 20;
 
 constexpr int Channel(std::int32_t color, int place) {
   return color >> 8 * place & 0xFF;
@@ -33,12 +36,20 @@ std::int32_t Mixed(std::int32_t color, std::int32_t target, double part) {
   return result;
 }
 
-std::int32_t Readable(std::int32_t color, std::int32_t background, double contrast) {
-  const std::int32_t target = Ink_On(background);
+// The first mixture of the colour and `target` that `fits`.
+template <class Fits>
+std::int32_t Mixed_Until(std::int32_t color, std::int32_t target, const Fits& fits) {
   std::int32_t result = color;
-  for (int step = 1; step <= 20 && Contrast(result, background) < contrast; ++step)
-    result = Mixed(color, target, step / 20.0);
+  for (int step = 1; step <= Mixing_Steps && !fits(result); ++step)
+    result = Mixed(color, target, static_cast<double>(step) / Mixing_Steps);
   return result;
+}
+
+std::int32_t Grid_Color(std::int32_t color, std::int32_t background) {
+  const std::int32_t seen = Readable_Color(color, background, Faintest_Grid);
+  return Mixed_Until(seen, background, [background](std::int32_t mixed) {
+    return Contrast(mixed, background) <= Strongest_Grid;
+  });
 }
 
 }  // namespace
@@ -52,12 +63,18 @@ std::int32_t Ink_On(std::int32_t background) {
   return Contrast(Black, background) >= Line_Contrast ? Black : White;
 }
 
+std::int32_t Readable_Color(std::int32_t color, std::int32_t background, double contrast) {
+  return Mixed_Until(color, Ink_On(background), [background, contrast](std::int32_t mixed) {
+    return Contrast(mixed, background) >= contrast;
+  });
+}
+
 Plot_Palette Readable_Palette(const Plot_Palette& palette, std::int32_t background) {
+  const double contrast = Ink_On(background) == White ? Glowing_Line_Contrast : Line_Contrast;
   Plot_Palette result;
-  for (int role = Plot_Palette::first; role <= Plot_Palette::last; ++role) {
-    const double contrast = role == plot_role::Grid ? Grid_Contrast : Line_Contrast;
-    result[role] = Readable(palette[role], background, contrast);
-  }
+  for (int role = Plot_Palette::first; role <= Plot_Palette::last; ++role)
+    result[role] = Readable_Color(palette[role], background, contrast);
+  result[plot_role::Grid] = Grid_Color(palette[plot_role::Grid], background);
   result[plot_role::Background] = background;
   return result;
 }

@@ -36,8 +36,12 @@ double Contrast(std::int32_t one, std::int32_t other);
 // Black, or white on a background on which black could not be seen.
 std::int32_t Ink_On(std::int32_t background);
 
-// The colours for another background: those with too little contrast to it move towards black or
-// white until they are readable, keeping their hue. The grid may be fainter than the rest.
+// A colour moved towards black or white until it has a contrast to the background, keeping its hue;
+// one that has it stays.
+std::int32_t Readable_Color(std::int32_t color, std::int32_t background, double contrast);
+inline constexpr double Text_Contrast = 4.5;
+
+// The colours for another background: lines become readable on it, the grid stays behind them.
 Plot_Palette Readable_Palette(const Plot_Palette& palette, std::int32_t background);
 
 // Backgrounds for a light and a dark desktop.

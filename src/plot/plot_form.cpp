@@ -327,14 +327,18 @@ void Paint_Shapes(Plot_Surface& over_picture) {
   for (const Line_Shape& shape : Plot_Form.Band) paint(shape);
 }
 
-void Paint_Spindle(Plot_Surface& over_strip, std::int32_t strip_height_pixels) {
+void Paint_Spindle(Plot_Surface& over_strip, std::int32_t strip_width_pixels,
+                   std::int32_t strip_height_pixels) {
+  constexpr double middle_x = 8;  // of the strip's scale: beside the line, over the ticks' ends
   const Spindle_Image& image = Plot_Form.Image_Spindle;
   if (!image.Visible) return;
   const Plot_Scale scale = Z_Strip_Scale();
   const double pixels = std::fabs(image.Height / scale.Height()) * strip_height_pixels;
-  const Plot_Image picture = Spindle_Picture(image.Frame, static_cast<std::int32_t>(pixels),
-                                             Current_Palette()[plot_role::Background]);
-  over_strip.Draw_Picture(8.2, image.Top, picture);
+  const Plot_Image picture =
+      Spindle_Picture(image.Frame, static_cast<std::int32_t>(std::lround(pixels)),
+                      Current_Palette()[plot_role::Background]);
+  const double half_width = picture.Width / 2.0 / strip_width_pixels * scale.Width();
+  over_strip.Draw_Picture(middle_x - half_width, image.Top, picture);
 }
 
 }  // namespace norvik

@@ -141,6 +141,7 @@ World_Point Plot_World_To_Pixel(double x, double y, double width, double height)
 // Draws the visible shapes over a copy of the picture, the spindle over a copy of the strip. The
 // surfaces must have the scales of the originals.
 void Paint_Shapes(Plot_Surface& over_picture);
-void Paint_Spindle(Plot_Surface& over_strip, std::int32_t strip_height_pixels);
+void Paint_Spindle(Plot_Surface& over_strip, std::int32_t strip_width_pixels,
+                   std::int32_t strip_height_pixels);
 
 }  // namespace norvik

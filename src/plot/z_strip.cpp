@@ -51,10 +51,13 @@ void Draw_Z_Strip(Plot_Surface& strip, const Plot_Palette& palette) {
   strip.Clear(palette[plot_role::Background]);
   const double step = Z_Length() / Tick_Divisor * Z_Display_Sign();
   if (!(std::fabs(step) > 0)) return;
-  const std::int32_t ink = Ink_On(palette[plot_role::Background]);
+  const std::int32_t ground = palette[plot_role::Background];
+  const std::int32_t ink = Ink_On(ground);
+  const std::int32_t text_color =
+      Readable_Color(palette[plot_role::Grid], ground, Text_Contrast);
   for (double y = -l; step > 0 ? y <= l : y >= l; y += step) {
     Draw_Strip_Line(strip, Line_X, y, Tick_End_X, y, ink);
-    strip.Draw_Text(Text_X, y + t / 6, Tick_Text(y), palette[plot_role::Grid]);
+    strip.Draw_Text(Text_X, y + t / 6, Tick_Text(y), text_color);
   }
   Draw_Strip_Line(strip, Line_X, -l, Line_X, l, ink);
   for (int level = plot_role::Travel; level <= plot_role::Deep_Cut; ++level) {
