@@ -364,8 +364,8 @@ TEST_F(Setup_Test, Garbage_File_Is_Repaired_Around_The_Garbage) {
 TEST_F(Setup_Test, Kill_Leaves_A_Whole_File) {
   Restore_Factory_Setup();
   std::set<std::string> whole;
-  for (const std::int16_t folder : {0, 1}) {
-    MachineSetup.Goto_Command_Index = folder;
+  for (const std::int16_t turn : {std::int16_t{0}, std::int16_t{1}}) {
+    MachineSetup.Goto_Command_Index = turn;
     ASSERT_TRUE(SaveMachineSetup());
     whole.insert(Read_Whole_File(Application.MachineFile));
   }
