@@ -25,7 +25,10 @@ namespace norvik {
 enum class Record_Type : std::uint8_t { Control = 0, Line = 1, Arc = 2, Other = 255 };
 
 // Output commands of a record.
+namespace output_command {  // beside the drive's operations Output_On and Output_Off
 inline constexpr std::int16_t Output_Off = 0, Output_Unchanged = 1, Output_On = 2;
+}
+using namespace output_command;
 
 // One motion or command as programmed. The text points into storage that the table's owner keeps.
 // The fields stand by size, which keeps a row at 208 bytes; their order in the file is that of the

@@ -1,7 +1,8 @@
 // import_distance.h: the two questions of every path sort.
 //
 // Both work in singles. Distances are scaled by 10000 in single precision before they are squared,
-// so that very short ones keep their order; the squares, their sum and the root run in doubles.
+// so that very short ones keep their order; the squares, their sum and the root run in doubles. The
+// order of two distances is that of their roots.
 #pragma once
 
 #include "core/nullable.h"
@@ -16,10 +17,19 @@ inline double Scaled_Square(float a, float b) {
   return scaled * scaled;
 }
 
+// Scaled distance, squared.
+inline double Distance_Square(float cx, float cy, float px, float py) {
+  return Scaled_Square(cx, px) + Scaled_Square(cy, py);
+}
 // Scaled distance whose order the sorts go by.
 inline double Scaled_Distance(float cx, float cy, float px, float py) {
-  return std::sqrt(Scaled_Square(cx, px) + Scaled_Square(cy, py));
+  return std::sqrt(Distance_Square(cx, cy, px, py));
 }
+
+// Two squares that differ can have the same root. A scan that compares squares without taking roots
+// asks for the largest square whose root is at most, or is below, a distance.
+double Largest_Square_Within(double distance);
+double Largest_Square_Below(double distance);  // negative where there is none
 
 // True when b lies strictly nearer to c than a does; equal distances give false.
 inline bool Is_Closer(float cx, float cy, float ax, float ay, float bx, float by) {

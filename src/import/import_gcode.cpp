@@ -1,5 +1,6 @@
 #include "import/import_gcode.h"
 
+#include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/setup.h"
@@ -148,19 +149,36 @@ void GCode_File::Rapid_XY_Formatted(double x, double y) {
   Import_Report.Motion.Rapid(x, y, {});
 }
 
+// After a failed write nothing more is written, so that no program with a hole comes out; Close
+// says so.
 void GCode_File::Flush() {
   const std::size_t wanted = Buffer.size();
-  const std::size_t written = std::fwrite(Buffer.data(), 1, wanted, File.get());
+  if (!Failed) Failed = std::fwrite(Buffer.data(), 1, wanted, File.get()) != wanted;
   Buffer.clear();
   Line_Start = 0;
-  if (written != wanted) Raise_Write_Fault(Path);
 }
 
 void GCode_File::Close() {
   Buffer.resize(Line_Start);
   Flush();
   std::FILE* file = File.release();
-  if (std::fclose(file) != 0) Raise_Write_Fault(Path);
+  if (std::fclose(file) != 0 || Failed) Raise_Write_Fault(Path);
+}
+
+bool Write_Program(Import_Kind kind, std::string_view fault_name, double travel,
+                   const std::function<void(GCode_File&)>& body) {
+  const bool written = Trap(fault_name, [&] {
+    GCode_File file(Application.Temporary_GCode);
+    Write_Header(file, kind, Import_Report.Source);
+    body(file);
+    Write_Footer(file, kind, travel);
+    file.Close();
+  });
+  Clear_Import_Status();
+  if (written) return true;
+  std::remove(Application.Temporary_GCode.c_str());
+  Report_Note("The program could not be written; nothing was opened. See the error log.");
+  return false;
 }
 
 // --- Header and footer -------------------------------------------------------------------------

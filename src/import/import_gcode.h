@@ -54,6 +54,7 @@ class GCode_File {
   File_Handle File;
   std::string Buffer;
   std::size_t Line_Start = 0;
+  bool Failed = false;
   std::int64_t Sequence = 1;
 };
 
@@ -63,6 +64,12 @@ void Write_Header(GCode_File& file, Import_Kind kind, std::string_view source_pa
 
 // Ends the contour and the program. `travel` is the Z to lift to; Excellon has lifted already.
 void Write_Footer(GCode_File& file, Import_Kind kind, double travel);
+
+// The writer phase of an importer: header, `body`, footer, all into the working file. A failure is
+// logged under `fault_name` and leaves no file: a program without its end never reaches the editor.
+// True when the program is complete.
+bool Write_Program(Import_Kind kind, std::string_view fault_name, double travel,
+                   const std::function<void(GCode_File&)>& body);
 
 // Where the record before ended, for the contour start of DXF, HPGL and bitmap.
 struct Last_End {

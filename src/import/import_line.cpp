@@ -110,15 +110,17 @@ std::optional<std::int16_t> Whole_In(std::string_view field) {
 
 }  // namespace
 
+std::optional<std::int16_t> Reversed_Type(std::optional<std::int16_t> type) {
+  if (type == Arc_Clockwise) return Arc_Counter_Clockwise;
+  if (type == Arc_Counter_Clockwise) return Arc_Clockwise;
+  return type;
+}
+
 void Reverse_Line(ImportLine& line) {
   std::swap(line.X1, line.X2);
   std::swap(line.Y1, line.Y2);
   std::swap(line.Z1, line.Z2);
-  if (line.Type == Arc_Clockwise) {
-    line.Type = Arc_Counter_Clockwise;
-  } else if (line.Type == Arc_Counter_Clockwise) {
-    line.Type = Arc_Clockwise;
-  }
+  line.Type = Reversed_Type(line.Type);
 }
 
 Line_File_Writer::Line_File_Writer(std::string path, Line_Form form, Mode mode,

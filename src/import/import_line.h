@@ -42,6 +42,8 @@ struct ImportLine {
   std::int16_t Pen = -9999;           // -9999: before the first pen selection
 };
 
+// Clockwise for counter-clockwise and back; a straight line stays one.
+std::optional<std::int16_t> Reversed_Type(std::optional<std::int16_t> type);
 // Swaps the ends and turns a clockwise arc counter-clockwise and back; the centre stays.
 void Reverse_Line(ImportLine& line);
 

@@ -3,11 +3,14 @@
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/numbers.h"
+#include "core/setup.h"
 
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <iterator>
 #include <limits>
+#include <optional>
 
 namespace norvik {
 
@@ -96,11 +99,49 @@ double Round_12(double value) {
   return std::nearbyint(scaled) / scale;
 }
 
-double Axis_Number(std::string_view text) {
-  return To_Double(RegionalFormat(text));
+// A number with few digits is rounded as a whole number of the last place, which gives the same
+// value as the text would (dividing whole numbers by a power of ten rounds once, as reading the
+// text does). Near a tie only the text decides.
+double Decimal_Rounding::operator()(double value) const {
+  constexpr double scales[] = {1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
+  constexpr double largest = 1e12, near_tie = 1e-3;
+  if (Pattern.Decimals < static_cast<int>(std::size(scales))) {
+    const double scale = scales[Pattern.Decimals];
+    const double scaled = std::abs(value) * scale;
+    if (scaled < largest) {
+      const double whole = std::nearbyint(scaled);
+      if (std::abs(std::abs(scaled - whole) - 0.5) > near_tie) {
+        return whole == 0 ? 0 : std::copysign(whole / scale, value);
+      }
+    }
+  }
+  Number_Pattern digits = Pattern;
+  digits.Front.clear();
+  digits.Back.clear();
+  digits.Grouped = false;
+  char text[Formatted_Number_Limit];
+  return To_Double({text, Write_Number(text, value, digits, '.')});
 }
-double Axis_Number(double value) {
-  return To_Double(Format_Axis_Number(value));
+
+double Foreign_Number(std::string_view text) {
+  const std::optional<double> number = Try_Number(text);
+  const auto shown = [&] { return "\"" + std::string(text.substr(0, 40)) + "\""; };
+  if (!number) throw Fault(Fault_Number::Type_Mismatch, shown() + " is no number");
+  if (std::abs(*number) > static_cast<double>(std::numeric_limits<float>::max())) {
+    throw Fault(Fault_Number::Overflow, shown() + " is too large");
+  }
+  return *number;
+}
+
+Axis_Rounding::Axis_Rounding() : Rounding("############" + MachineSetup.Axis_Format) {}
+
+double Axis_Rounding::operator()(double value) const {
+  return Rounding(value);
+}
+
+double Axis_Rounding::operator()(std::string_view text) const {
+  if (text.find_first_not_of(' ') == std::string_view::npos) return 0;
+  return Rounding(Foreign_Number(text));
 }
 
 }  // namespace norvik

@@ -6,6 +6,8 @@
 // `Format_Axis_Number` (core/format.h) instead.
 #pragma once
 
+#include "core/format.h"
+
 #include <cstddef>
 #include <string>
 #include <string_view>
@@ -27,14 +29,38 @@ std::string General_Text(float value);
 // next to it, so that sums with it stay readable.
 double Decimal_Of(float value);
 
+// Rounds to the number that a pattern's text reads back as.
+class Decimal_Rounding {
+ public:
+  explicit Decimal_Rounding(std::string_view pattern) : Pattern(pattern) {}
+  double operator()(double value) const;
+
+ private:
+  Number_Pattern Pattern;
+};
+
 // Rounded to 12 decimals, halves to the even neighbour; the coordinates of every line read from a
 // line file pass here. Numbers too large to have 12 decimals stay.
 double Round_12(double value);
 
-// The number that `Format_Axis_Number` makes of a coordinate text of a foreign file: trimmed,
-// either decimal sign, empty is 0, rounded to the decimals of `Axis_Format`. Raises a type fault
-// when the text is no number, an overflow fault when it is too large.
-double Axis_Number(std::string_view text);
-double Axis_Number(double value);
+// The number in a text of a foreign file, with either decimal sign in any region. Raises a type
+// fault when it is no number, an overflow fault when it does not fit a single: nothing that a
+// machine could reach.
+double Foreign_Number(std::string_view text);
+
+// What `Format_Axis_Number` makes of numbers, as numbers: rounded to the decimals of `Axis_Format`,
+// ties away from zero on the decimal text. For readers that pass every coordinate through it; one
+// instance for a phase, since it takes `Axis_Format` when it is made.
+class Axis_Rounding {
+ public:
+  Axis_Rounding();
+  double operator()(double value) const;
+  // A text of a foreign file: trimmed, either decimal sign, empty is 0. Raises a type fault when it
+  // is no number, an overflow fault when the number does not fit a single.
+  double operator()(std::string_view text) const;
+
+ private:
+  Decimal_Rounding Rounding;
+};
 
 }  // namespace norvik

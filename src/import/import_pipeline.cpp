@@ -147,7 +147,7 @@ bool Text_Source::Fill() {
 
 bool Text_Source::Next_Line(std::string_view& line) {
   Long_Line.clear();
-  bool any = false, cut = false;
+  bool any = false, cut = false, line_ended = false;
   for (;;) {
     if (At == Held && !Fill()) break;
     any = true;
@@ -166,7 +166,7 @@ bool Text_Source::Next_Line(std::string_view& line) {
       line = Long_Line;
     }
     if (!ended) continue;
-
+    line_ended = true;
     const bool carriage_return = *stop == '\r';
     ++At;
     if (carriage_return) {
@@ -179,9 +179,11 @@ bool Text_Source::Next_Line(std::string_view& line) {
     }
     break;
   }
-  if (any) ++Lines;
+  if (!any) return false;
+  ++Lines;
+  Line_Ended = line_ended;
   if (cut) ++Cut;
-  return any;
+  return true;
 }
 
 }  // namespace norvik

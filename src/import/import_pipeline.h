@@ -146,6 +146,8 @@ class Text_Source {
   double Share() const;
   std::int64_t Line_Number() const { return Lines; }
   std::int64_t Lines_Cut() const { return Cut; }
+  // False when the last line read was ended by the end of the file.
+  bool Last_Line_Ended() const { return Line_Ended; }
 
  private:
   bool Fill();
@@ -155,6 +157,7 @@ class Text_Source {
   std::size_t At = 0, Held = 0;
   std::uint64_t Bytes_Before = 0, Bytes_Total = 0;
   std::int64_t Lines = 0, Cut = 0;
+  bool Line_Ended = true;
 };
 
 }  // namespace norvik

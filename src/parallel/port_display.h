@@ -43,5 +43,7 @@ void Port_IO_ResetColor(int pin);
 // Address in a text: "&H378" is hexadecimal, other texts are decimal; 16-bit values that read as
 // negative count from 65536 down, so "&HD000" is 53248. Raises a type fault when it is no number.
 std::int32_t Port_Address(const std::string& text);
+// The other way: 888 is "&H378".
+std::string Port_Text(std::int32_t address);
 
 }  // namespace norvik

@@ -55,12 +55,13 @@ enum class Move_End { Done, No_Steps, Limit, Released, EStop, Escape, Stopped, F
 
 // What the engine keeps between moves, and the numbers of the last move for the diagnostics.
 struct Step_Engine_State {
-  bool Active = false;  // a move runs; another one is refused
+  bool Active = false;          // a move runs; another one is refused
+  bool Stepping_Began = false;  // the last move came as far as its step loop
 
   // --- Kept between moves ----------------------------------------------------------------------
   Indexed<bool, 1, 4> Last_Dir;  // direction of the last move of each axis, for backlash
   Indexed<bool, 1, 4> Safe_Dir;  // the direction not travelled when the switch was last off
-  // Toggles that a take-up cut short still owes; absent: none was cut short.
+  // Toggles that a take-up cut short still owes against Last_Dir; absent: none was cut short.
   Indexed<std::optional<std::int64_t>, 1, 4> Take_Up_Left;
   // Value of `Parallel_Time_Constant` that the machine file holds; absent: not known.
   std::optional<std::int32_t> Stored_Time_Constant;

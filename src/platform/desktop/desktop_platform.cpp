@@ -1,6 +1,6 @@
 #include "platform/desktop/desktop_platform.h"
 
-#include "platform/desktop/key_codes.h"
+#include "platform/keys/key_codes.h"
 #include "platform/platform.h"
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "platform/desktop/key_codes.h"
+#include "platform/keys/key_codes.h"
 
 #include <iterator>
 

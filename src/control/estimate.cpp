@@ -1,0 +1,110 @@
+#include "control/estimate.h"
+
+#include "compiler/compiler_state.h"
+#include "compiler/tables_io.h"
+#include "control/cnc_controls_form.h"
+#include "control/controller_state.h"
+#include "control/displays.h"
+#include "control/drive.h"
+#include "control/scope.h"
+#include "core/application.h"
+#include "core/fault.h"
+#include "core/messages.h"
+#include "core/rounding.h"
+#include "core/setup.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace norvik {
+
+namespace {
+
+struct Way {
+  Indexed<double, 1, 4> Steps;
+  double MaxSteps = 0;
+};
+
+Way Way_Of(const Wire& wire, Indexed<double, 1, 4>& from) {
+  Way way;
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (!wire.End[axis]) continue;
+    const double scale = MachineSetup.Axis_SPI[axis];
+    way.Steps[axis] = Round_Half_Even(scale * std::abs(*wire.End[axis] - from[axis]));
+    from[axis] = *wire.End[axis];
+    way.MaxSteps = std::max(way.MaxSteps, way.Steps[axis]);
+  }
+  return way;
+}
+
+// Cruise ceiling: the limit of the first axis that would run too fast.
+double Cruise_Limit(const Way& way, double run) {
+  double limit = run;
+  for (int axis = 1; axis <= 4; ++axis) {
+    const double highest = MachineSetup.Axis_Max_Feed_Rate[axis];
+    const double axis_ipm = way.Steps[axis] / way.MaxSteps * run;
+    if (highest < limit && axis_ipm > highest) limit = highest;
+  }
+  return limit;
+}
+
+double Half_Step_Seconds(double ipm) {
+  return 60 / (MachineSetup.Axis_SPI[1] * std::clamp(ipm, 0.001, 2000.0)) / 2;
+}
+
+// Half steps whose speed changes by `change` each, from `ipm` on; `ipm` is left at the end.
+double Ramp_Seconds(double count, double& ipm, double change, double low, double high) {
+  double seconds = 0;
+  for (double i = 0; i < count; ++i) {
+    seconds += Half_Step_Seconds(ipm);
+    ipm = std::clamp(ipm + change, low, high);
+  }
+  return seconds;
+}
+
+double Move_Seconds(const Way& way, const Wire& wire) {
+  const double total = 2 * way.MaxSteps;
+  const double cruise = Cruise_Limit(way, wire.IPM_R);
+  const double change = MachineSetup.Axis_Ramp_Rate / 100.0;
+  if (!MachineSetup.Axis_Ramping || !(change > 0)) return total * Half_Step_Seconds(cruise);
+  const double low = std::min({99999.0, double{wire.IPM_S}, double{cruise}, double{wire.IPM_E}});
+  double up = std::max(0.0, (cruise - wire.IPM_S) / change);
+  if (up > total) up = way.MaxSteps;
+  double down_from = total - std::max(0.0, (cruise - wire.IPM_E) / change);
+  if (down_from < way.MaxSteps - up) down_from = up;
+  up = std::min(up, down_from);
+  double ipm = std::min(double{wire.IPM_S}, cruise);
+  double seconds = Ramp_Seconds(std::floor(up), ipm, change, low, cruise);
+  const double held = std::max(0.0, std::floor(down_from) - std::floor(up));
+  seconds += held * Half_Step_Seconds(ipm);
+  const double rest = total - std::floor(up) - held;
+  return seconds + Ramp_Seconds(rest, ipm, -change, low, cruise);
+}
+
+}  // namespace
+
+double Find_Material_ProcessTime(const Wire& wire, Indexed<double, 1, 4>& from) {
+  const double dwell = std::max(0.0, double{wire.Dwell});
+  if (wire.Motion != 1) return dwell;
+  const Way way = Way_Of(wire, from);
+  return way.MaxSteps > 0 ? dwell + Move_Seconds(way, wire) : dwell;
+}
+
+void Command_Estimate_Process_Time_Click() {
+  if (!Drive().Missing.empty()) {
+    SetStatus(1, Drive().Missing, 10);
+    return;
+  }
+  Controller.Estimated_Process_Time.reset();
+  Trap("Estimate_Process_Time_Error", [] {
+    const Table<Wire> wires = Read_Wire_Table(Compile_Tables.Wire_Path);
+    Indexed<double, 1, 4> from;
+    for (int axis = 1; axis <= 4; ++axis) from[axis] = Machine.Position[axis];
+    double seconds = 0;
+    for (const Wire& wire : wires.Rows) seconds += Find_Material_ProcessTime(wire, from);
+    Controller.Estimated_Process_Time = seconds;
+  });
+  CNC_Display();
+}
+
+}  // namespace norvik

@@ -1,0 +1,55 @@
+// machine_move.h: from targets to step counts; the one door through which programs and sequences
+// enter the drive.
+//
+//   target - Theoretical_Pos --> steps and direction of each axis --> Drive().Move --> Position
+//
+// A move is measured from `Theoretical_Pos`, the position by commanded steps, and adds to it what
+// the whole steps really come to, so that rounding never adds up. A move that ended early made
+// other steps than those asked for: `Theoretical_Pos` then takes the live position.
+//
+// Lengths in units of the setup, speeds in units per minute, axes 1..4.
+#pragma once
+
+#include "core/indexed.h"
+#include "core/nullable.h"
+#include "parallel/step_engine.h"
+
+#include <cstdint>
+#include <optional>
+#include <string>
+
+namespace norvik {
+
+inline constexpr double Unchanged_S_Word = 32767;
+
+struct Move_Order {
+  Indexed<Nullable, 1, 4> Target;                    // absent: the axis stays
+  float Start = 0, Run = 0, End = 0;                 // speeds
+  Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};  // outputs 1..5: 0 off, 1 unchanged, 2 on
+  Nullable S_Word = Unchanged_S_Word;
+  std::int32_t Step = 0;  // program step, for a serial board
+};
+
+// Runs one move and returns when it has ended. Refused while the E-stop flag is set. A target or
+// scale that gives no step count is logged as "Machine_Move_Error" and moves nothing. Raises
+// nothing.
+Move_End Machine_Move(const Move_Order& order) noexcept;
+
+// Every step asked for was made.
+constexpr bool Arrived(Move_End end) {
+  return end == Move_End::Done || end == Move_End::No_Steps;
+}
+
+// `Theoretical_Pos` of the four axes takes the live position.
+void Resynchronise_Position();
+
+// Every move is appended to a trace, one line: X, Y, Z, A, start, run and end speed, five outputs.
+// A trace that cannot be written is reported once and stops nothing.
+struct Move_Trace_State {
+  // Absent: "TestFile.csv" in the folder of the tables. Empty: no trace.
+  std::optional<std::string> Path;
+  std::string Failed_Path;  // reported already
+};
+extern Move_Trace_State Move_Trace;
+
+}  // namespace norvik

@@ -1,0 +1,107 @@
+#include "control/run_program.h"
+
+#include "compiler/compile.h"
+#include "compiler/compiler_state.h"
+#include "compiler/program_text.h"
+#include "compiler/program_wire.h"
+#include "control/cnc_controller.h"
+#include "control/controller_state.h"
+#include "control/displays.h"
+#include "control/machine_move.h"
+#include "control/scope.h"
+#include "core/application.h"
+#include "core/fault.h"
+#include "core/format.h"
+#include "core/messages.h"
+#include "core/setup.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+
+namespace norvik {
+
+namespace {
+
+constexpr int Panel_Interval_ms = 250;
+
+// The panel's timer for as long as the run lasts: it watches switches and E-stop in every yield.
+class Panel_Timer {
+ public:
+  explicit Panel_Timer(const Run_Options& options)
+      : Id(Platform.Start_Timer(Panel_Interval_ms, [&options] {
+          CNC_Controls_Timer1();
+          options.Progress(Machine.Run_Step, Machine.EndingStep);
+        })) {}
+  ~Panel_Timer() { Platform.Stop_Timer(Id); }
+  Panel_Timer(const Panel_Timer&) = delete;
+  Panel_Timer& operator=(const Panel_Timer&) = delete;
+
+ private:
+  Timer_Id Id;
+};
+
+Run_Summary Sum_Up() {
+  Run_Summary summary;
+  summary.Ended_By = End_Reason();
+  summary.Finished =
+      summary.Ended_By.empty() && Machine.CNCMode == CNC_Stopped && !Application.Closing_Program;
+  summary.Steps = Controller.Steps_Executed;
+  summary.Last_Step = Machine.EndingStep;
+  summary.Wires = static_cast<std::int64_t>(Program_Wire.Count());
+  summary.Machine_Run_Time = Controller.Machine_Run_Time;
+  for (int axis = 1; axis <= 4; ++axis) summary.Position[axis] = Machine.Position[axis];
+  return summary;
+}
+
+Run_Summary Failed(std::string_view why) {
+  Run_Summary summary = Sum_Up();
+  summary.Finished = false;
+  summary.Steps = 0;
+  summary.Ended_By = why.empty() ? "The program could not be compiled." : why;
+  return summary;
+}
+
+}  // namespace
+
+Run_Summary Run_Compiled_Program(const Run_Options& options) {
+  const Value_In_Scope trace(Move_Trace.Path, options.Trace_File);
+  const Panel_Timer timer(options);
+  Machine.StartingStep = std::max(Machine.StartingStep, 1);
+  Controller.Steps_Executed = 0;
+  if (!Begin_Operation()) return Failed(Messages.Panel[1]);
+  do {
+    Command_CNC_Play_Click();
+  } while (Machine.CNCMode == CNC_Paused && options.At_Pause(Machine.Run_Step));
+  if (Machine.CNCMode != CNC_Paused) return Sum_Up();
+  CNC_Stop();
+  return Sum_Up();
+}
+
+Run_Summary Run_Program(const Run_Options& options) {
+  if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
+  if (!CompileProgram()) return Failed(Messages.Panel[1]);
+  if (!Trap("Run_Program_Error", [] {
+        Table<Wire> wires = Compile_Tables.Program_Wire;
+        Take_Program_Wire(std::move(wires));
+      }))
+    return Failed(Messages.Panel[1]);
+  Machine.StartingStep = 1;
+  Machine.EndingStep = GCodeLineCount();
+  return Run_Compiled_Program(options);
+}
+
+std::string Summary_Text(const Run_Summary& summary) {
+  std::string text = summary.Finished ? "Finished" : "Ended early: " + summary.Ended_By;
+  text += "\nSteps: " + std::to_string(summary.Steps) + " of " + std::to_string(summary.Last_Step);
+  text += "\nWires: " + std::to_string(summary.Wires);
+  text += "\nRun time: " + Convert_Process_Time(summary.Machine_Run_Time);
+  text += " (" + Format_Number_Point(summary.Machine_Run_Time, "0.000") + " s)";
+  text += "\nPosition:";
+  constexpr char letters[] = " XYZA";
+  for (int axis = 1; axis <= 4; ++axis)
+    text +=
+        std::string(" ") + letters[axis] + Format_Number_Point(summary.Position[axis], "0.000000");
+  return text + "\n";
+}
+
+}  // namespace norvik

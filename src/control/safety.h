@@ -1,0 +1,33 @@
+// safety.h: what protects the machine while it is idle and while it runs.
+//
+//   software E-stop   button Command_EStop; `Machine.EStop_Flag` true: motors disabled
+//   E-stop input      polled in moves by the drive, elsewhere here; does the same as Stop
+//   limit switches    the drive's guard ends a move; the run-mode watch trips the E-stop
+//   home safety       a switch that is on at start: no direction is known to be safe
+//   outputs           five check boxes, the two spindle directions exclude each other
+//
+// The hardware E-stop input only stops the run; it does not set `EStop_Flag`.
+#pragma once
+
+namespace norvik {
+
+// The E-stop button: sets or clears the flag. While a move is still ending, it only sets.
+void Command_EStop_Click();
+// The one-way form: trips, and makes no log line.
+void EStop_Engage();
+// The end of a ReTool request: flag, red button, stopped, sound.
+void Engage_EStop_State();
+
+// Looks for a switch that is on; once, after the ports were set up. Says so in a box.
+void Home_Safety_Check();
+
+// Check box 0..4 was changed by the operator.
+void Toggle_Outputs(int index);
+
+// --- From the panel's timer ----------------------------------------------------------------------
+// The E-stop input stops whatever runs.
+void Watch_EStop_Input();
+// Only with `LimitDisableinRunMode` 1: a switch of X, Y or Z that is on in a run trips the E-stop.
+void Watch_Limits_In_Run();
+
+}  // namespace norvik

@@ -1,0 +1,150 @@
+#include "parallel/pin_map.h"
+
+#include "core/application.h"
+#include "core/rounding.h"
+#include "core/setup.h"
+#include "parallel/ports.h"
+
+#include <string>
+
+namespace norvik {
+
+Pin_State Pins;
+
+namespace {
+
+// One function's place; `Mask` 0: not used.
+struct Pin {
+  std::int32_t Port = 0;
+  std::uint8_t Mask = 0;
+  bool Invert = false;
+};
+
+// Whole numbers 0..7 with blanks around them. Called at every access, so texts of the usual form
+// (one digit, or "99") are seen without a scan.
+std::optional<int> Bit_Of(const std::string& text) {
+  const auto digit = [](char c) { return c >= '0' && c <= '9'; };
+  if (text.size() == 1 && text[0] >= '0' && text[0] <= '7') return text[0] - '0';
+  const auto first = text.find_first_not_of(' ');
+  if (first == std::string::npos) return std::nullopt;
+  const auto last = text.find_last_not_of(' ');
+  int bit = 0;
+  for (auto place = first; place <= last; ++place) {
+    if (!digit(text[place])) return std::nullopt;
+    bit = bit * 10 + (text[place] - '0');
+    if (bit > 7) return std::nullopt;
+  }
+  return bit;
+}
+
+std::uint8_t Mask_Of(const std::string& text) {
+  const auto bit = Bit_Of(text);
+  return bit ? static_cast<std::uint8_t>(1u << *bit) : std::uint8_t{0};
+}
+
+Pin Output_Pin(int slot) {
+  return {MachineSetup.Output_Port[slot], Mask_Of(MachineSetup.Parallel_Output_Bit[slot]),
+          MachineSetup.Parallel_Output_Bit_Invert[slot]};
+}
+
+Pin Input_Pin(int slot) {
+  return {MachineSetup.Input_Port[slot], Mask_Of(MachineSetup.Parallel_Input_Bit[slot]),
+          MachineSetup.Parallel_Input_Bit_Invert[slot]};
+}
+
+std::uint8_t With_Bit(std::uint8_t value, std::uint8_t mask, bool high) {
+  return static_cast<std::uint8_t>(high ? value | mask : value & (255 - mask));
+}
+
+void Set_Pin(const Pin& pin, bool high) {
+  if (pin.Mask == 0) return;
+  PPSetPort(pin.Port, With_Bit(PPGetPort(pin.Port), pin.Mask, high), true);
+}
+
+// Brings a function to a logic state through its invert flag.
+void Set_Function(int slot, bool on) {
+  const Pin pin = Output_Pin(slot);
+  Set_Pin(pin, on != pin.Invert);
+}
+
+// A step, on the rising edge only.
+void Count_Step(int axis, bool negative) {
+  const double scale = MachineSetup.Axis_SPI[axis];
+  if (scale == 0) {
+    throw Fault(Fault_Number::Division_By_Zero,
+                "Axis_SPI_" + std::to_string(axis) + " is 0: set the steps per unit of the axis");
+  }
+  const double delta = (1 / scale) * (negative ? -1 : 1);
+  Machine.Position[axis] += delta;
+  Pins.Home_Distance[axis] = static_cast<float>(Pins.Home_Distance[axis] + delta);
+}
+
+}  // namespace
+
+std::optional<int> Output_Bit(int slot) {
+  return Bit_Of(MachineSetup.Parallel_Output_Bit[slot]);
+}
+std::optional<int> Input_Bit(int slot) {
+  return Bit_Of(MachineSetup.Parallel_Input_Bit[slot]);
+}
+
+bool Read_Input(int slot) {
+  const Pin pin = Input_Pin(slot);
+  if (pin.Mask == 0) return false;
+  const bool high = (PPGetPort(pin.Port) & pin.Mask) != 0;
+  return high == pin.Invert;
+}
+
+void Read_Limits() {
+  for (int axis = 1; axis <= Axis_Count; ++axis) {
+    Pins.Limit_State[axis] = Read_Input(Limit_Input(axis));
+    if (Pins.Limit_State[axis]) Pins.Home_Distance[axis] = 0;
+  }
+  for (int n = 1; n <= 4; ++n) {
+    const Pin pin = Output_Pin(Output_Slot(n));
+    Pins.Output_State[n] = pin.Mask != 0 && ((PPGetPort(pin.Port) & pin.Mask) != 0) != pin.Invert;
+  }
+}
+
+void Set_Direction(int axis, bool negative) {
+  Set_Function(Direction_Slot(axis), negative);
+}
+void Motor_Enable(int axis) {
+  Set_Function(Enable_Slot(axis), true);
+}
+void Motor_Disable(int axis) {
+  Set_Function(Enable_Slot(axis), false);
+}
+void Output_On(int n) {
+  Set_Function(Output_Slot(n), true);
+}
+void Output_Off(int n) {
+  Set_Function(Output_Slot(n), false);
+}
+
+void Idle_All_Outputs() {
+  for (int axis = 1; axis <= Axis_Count; ++axis) {
+    const Pin pin = Output_Pin(Step_Slot(axis));
+    Set_Pin(pin, pin.Invert);
+    Pins.Step_Bit[axis] = pin.Invert ? 1 : 0;
+  }
+  for (int axis = 1; axis <= Axis_Count; ++axis) Motor_Disable(axis);
+}
+
+void All_Outputs_Off() {
+  Idle_All_Outputs();
+  for (int n = 1; n <= 5; ++n) Output_Off(n);
+}
+
+void Toggle_Step(int axis, bool negative, bool enabled, bool is_backlash) {
+  if (enabled) Pins.Motor_Enable_Timer[axis] = MachineSetup.Parallel_MotorEnable_Time;
+  const Pin pin = Output_Pin(Step_Slot(axis));
+  if (pin.Mask == 0) return;
+  const std::uint8_t value = PPGetPort(pin.Port);
+  std::int16_t& level = Pins.Step_Bit[axis];
+  level = level == 0 ? 1 : 0;
+  if (level != 0 && enabled && !is_backlash) Count_Step(axis, negative);
+  PPSetPort(pin.Port, With_Bit(value, pin.Mask, level != 0), enabled);
+}
+
+}  // namespace norvik

@@ -1,0 +1,132 @@
+#include "parallel/ports.h"
+
+#include "core/error_log.h"
+#include "core/fault.h"
+#include "core/setup.h"
+#include "platform/platform.h"
+
+#include <array>
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace norvik {
+
+Port_Recorder_State Port_Recorder;
+
+namespace {
+
+constexpr std::int32_t Highest_Port = 65535;
+
+bool Accessible(std::int32_t port) {
+  const std::int16_t way = MachineSetup.Parallel_IODLL;
+  return port >= Lowest_Port && port <= Highest_Port && (way == 1 || way == 2);
+}
+
+void Record(std::int32_t port, std::uint8_t value, bool real) {
+  auto& block = Port_Recorder.Block;
+  block.push_back({Platform.Monotonic_Clock(), static_cast<std::uint16_t>(port), value, real});
+  if (block.size() < Port_Recorder_State::Block_Size) return;
+  Port_Recorder.Take_Block(block);
+  block.clear();
+}
+
+}  // namespace
+
+std::uint8_t PPGetPort(std::int32_t port) noexcept {
+  if (!Accessible(port)) return 0;
+  std::uint8_t value = 0;
+  Trap("PPGetPort_Error", [&] { value = Platform.Port_Read(static_cast<std::uint16_t>(port)); });
+  return value;
+}
+
+void PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept {
+  const std::int32_t target = real ? port : port + Dummy_Port_Offset;
+  if (!Accessible(port) || !Accessible(target)) return;
+  Trap("PPSetPort_Error", [&] {
+    Platform.Port_Write(static_cast<std::uint16_t>(target), value);
+    if (Port_Recorder.Active) Record(port, value, real);
+  });
+}
+
+void Start_Port_Recorder(std::function<void(const std::vector<Port_Write_Record>&)> take_block) {
+  Stop_Port_Recorder();
+  Port_Recorder.Take_Block = std::move(take_block);
+  Port_Recorder.Block.reserve(Port_Recorder_State::Block_Size);
+  Port_Recorder.Active = true;
+}
+
+void Stop_Port_Recorder() {
+  if (!Port_Recorder.Active) return;
+  // Off first: what fails below must not come back at the next write.
+  Port_Recorder.Active = false;
+  const Port_Recorder_State last = std::move(Port_Recorder);
+  Port_Recorder = {};
+  Trap("Port_Recorder_Error", [&] { last.Take_Block(last.Block); });
+}
+
+namespace {
+
+using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+// The lines of one block: 4096 lines of at most 40 characters.
+class Port_File {
+ public:
+  Port_File(const std::string& path, std::int64_t start)
+      : Path(path), Start(start), Out(std::fopen(path.c_str(), "w"), &std::fclose) {
+    if (!Out) {
+      throw Fault(Fault_Number::Path_Access, "The port record \"" + path +
+                                                 "\" cannot be written: " + std::strerror(errno) +
+                                                 ". Choose a folder that you may write to.");
+    }
+    std::fputs("microseconds,port,value,real\n", Out.get());
+    Text.reserve(Port_Recorder_State::Block_Size * 40);
+  }
+
+  void Write(const std::vector<Port_Write_Record>& block) {
+    Text.clear();
+    for (const Port_Write_Record& record : block) Append_Line(record);
+    const bool written = std::fwrite(Text.data(), 1, Text.size(), Out.get()) == Text.size();
+    if (written && std::fflush(Out.get()) == 0) return;
+    Port_Recorder.Active = false;
+    ErrorLogWrite("The port record \"" + Path + "\" ends here: " + std::strerror(errno));
+  }
+
+ private:
+  void Append_Number(std::int64_t number) {
+    std::array<char, 24> digits;
+    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    Text.append(digits.data(), end);
+  }
+
+  void Append_Line(const Port_Write_Record& record) {
+    const std::int64_t time = record.Time - Start;
+    Append_Number(time / 1000);
+    const auto thousandths = static_cast<int>(time % 1000);
+    Text += '.';
+    for (const int place : {100, 10, 1}) {
+      Text += static_cast<char>('0' + thousandths / place % 10);
+    }
+    for (const int field : {int{record.Port}, int{record.Value}, record.Real ? 1 : 0}) {
+      Text += ',';
+      Append_Number(field);
+    }
+    Text += '\n';
+  }
+
+  std::string Path;
+  std::int64_t Start;
+  File Out;
+  std::string Text;
+};
+
+}  // namespace
+
+void Record_Ports_To_File(const std::string& path) {
+  const auto file = std::make_shared<Port_File>(path, Platform.Monotonic_Clock());
+  Start_Port_Recorder([file](const std::vector<Port_Write_Record>& block) { file->Write(block); });
+}
+
+}  // namespace norvik

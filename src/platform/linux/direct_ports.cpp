@@ -1,0 +1,169 @@
+#include "platform/linux/linux_platform.h"
+#include "platform/linux/port_instructions.h"
+#include "platform/linux/program_path.h"
+#include "platform/platform.h"
+
+#include <array>
+#include <bitset>
+#include <cerrno>
+#include <cstring>
+#include <stdexcept>
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace norvik {
+
+namespace {
+
+constexpr std::uint16_t Usual_Port = 888;
+
+// What one way of access has been refused; each is said once.
+struct Refusals {
+  bool Read_Said = false, Write_Said = false;
+};
+
+struct Direct_Port_State {
+  const std::int16_t* Way = nullptr;
+  std::bitset<65536> Allowed;  // way 1: addresses that ioperm has given
+  std::string Device = "/dev/port";
+  int File = -1;  // way 2; -1 not open
+  int Open_Error = 0;
+  std::array<Refusals, 3> Refused;  // by way
+};
+Direct_Port_State Ports;
+
+// --- Words for the operator
+// --------------------------------------------------------------------------
+
+const std::string Simulated_Hint =
+    " Or set Port_Access to Simulated to work on the simulated machine.";
+
+std::string Raw_IO_Words() {
+  return "Give the program the capability CAP_SYS_RAWIO with the command \"sudo setcap "
+         "cap_sys_rawio,cap_sys_nice,cap_ipc_lock+ep " +
+         Program_Path() +
+         "\" and start it again. If that does not help, Secure Boot has locked the kernel down: "
+         "switch it off in the firmware.";
+}
+
+std::string Instruction_Words(int error) {
+  const std::string refused =
+      "Direct port access was refused (" + std::string(std::strerror(error)) + "). ";
+  if (error == EPERM) return refused + Raw_IO_Words() + Simulated_Hint;
+  return refused +
+         "This processor or kernel has no port instructions for programs: choose the second port "
+         "access library (Parallel_IODLL 2)." +
+         Simulated_Hint;
+}
+
+std::string Device_Group() {
+  struct stat device {};
+  if (::stat(Ports.Device.c_str(), &device) != 0) return "kmem";
+  const struct group* owner = ::getgrgid(device.st_gid);
+  return owner != nullptr ? owner->gr_name : std::to_string(device.st_gid);
+}
+
+std::string Device_Words(int error) {
+  const std::string refused = "Access to the port device " + Ports.Device + " was refused (" +
+                              std::string(std::strerror(error)) + "). ";
+  if (error == EACCES) {
+    const std::string group = Device_Group();
+    return refused + "Join the group \"" + group + "\" with the command \"sudo usermod -aG " +
+           group + " $USER\" and log in again. " + Raw_IO_Words() + Simulated_Hint;
+  }
+  if (error == EPERM) return refused + Raw_IO_Words() + Simulated_Hint;
+  return refused + "Choose the first port access library (Parallel_IODLL 1)." + Simulated_Hint;
+}
+
+// Throws once for each flag; later refusals pass quietly.
+void Refuse(bool& said, const std::string& words) {
+  if (said) return;
+  said = true;
+  throw std::runtime_error(words);
+}
+
+// --- Way 1
+// -------------------------------------------------------------------------------------------
+
+// 0, or the error number. Also after an earlier refusal: the right may have been given meanwhile.
+int Allow(std::uint16_t address) {
+  if (Ports.Allowed[address]) return 0;
+  const int error = Allow_Port(address);
+  if (error == 0) Ports.Allowed[address] = true;
+  return error;
+}
+
+std::uint8_t Read_By_Instruction(std::uint16_t address) {
+  if (const int error = Allow(address)) {
+    Refuse(Ports.Refused[1].Read_Said, Instruction_Words(error));
+    return 0;
+  }
+  return In_Byte(address);
+}
+
+void Write_By_Instruction(std::uint16_t address, std::uint8_t value) {
+  if (const int error = Allow(address))
+    return Refuse(Ports.Refused[1].Write_Said, Instruction_Words(error));
+  Out_Byte(address, value);
+}
+
+// --- Way 2
+// -------------------------------------------------------------------------------------------
+
+// True when the device is open; otherwise `Open_Error` says why. Tried once.
+bool Device_Open() {
+  if (Ports.File >= 0) return true;
+  if (Ports.Open_Error != 0) return false;
+  Ports.File = ::open(Ports.Device.c_str(), O_RDWR | O_CLOEXEC);
+  if (Ports.File < 0) Ports.Open_Error = errno;
+  return Ports.File >= 0;
+}
+
+std::uint8_t Read_By_Device(std::uint16_t address) {
+  std::uint8_t value = 0;
+  if (Device_Open() && ::pread(Ports.File, &value, 1, address) == 1) return value;
+  Refuse(Ports.Refused[2].Read_Said, Device_Words(Ports.Open_Error != 0 ? Ports.Open_Error : EIO));
+  return 0;
+}
+
+void Write_By_Device(std::uint16_t address, std::uint8_t value) {
+  if (Device_Open() && ::pwrite(Ports.File, &value, 1, address) == 1) return;
+  Refuse(Ports.Refused[2].Write_Said, Device_Words(Ports.Open_Error != 0 ? Ports.Open_Error : EIO));
+}
+
+}  // namespace
+
+Port_Right Direct_Port_Right(int way) {
+  if (way == 1) {
+    const int error = Allow(Usual_Port);
+    return {error == 0, error == 0 ? "" : Instruction_Words(error)};
+  }
+  if (way == 2) {
+    const bool open = Device_Open();
+    return {open, open ? "" : Device_Words(Ports.Open_Error)};
+  }
+  return {false, "No port access library is chosen: set Parallel_IODLL to 1 or 2."};
+}
+
+void Install_Direct_Ports(const std::int16_t* way) {
+  Ports.Way = way;
+  Platform.Port_Read = [](std::uint16_t address) {
+    return *Ports.Way == 1 ? Read_By_Instruction(address) : Read_By_Device(address);
+  };
+  Platform.Port_Write = [](std::uint16_t address, std::uint8_t value) {
+    return *Ports.Way == 1 ? Write_By_Instruction(address, value) : Write_By_Device(address, value);
+  };
+}
+
+void Set_Port_Device(const std::string& path) {
+  if (Ports.File >= 0) ::close(Ports.File);
+  Ports.File = -1;
+  Ports.Open_Error = 0;
+  Ports.Refused[2] = {};
+  Ports.Device = path;
+}
+
+}  // namespace norvik

@@ -1,0 +1,64 @@
+// linux_platform.h: time, ports and priority as this operating system gives them.
+//
+// Each part is installed into `Platform` by itself, so that a program takes the dialogs from one
+// back end and the hardware from here. Nothing needs a right until it is used; what the system
+// refuses is said in words that name what gives it.
+//
+// Port access, by the way chosen in `Parallel_IODLL`:
+//
+//   1  port instructions, allowed address by address with ioperm (x86 only; capability
+//      CAP_SYS_RAWIO)
+//   2  the device /dev/port: read and write at the offset of the address (its group and
+//      CAP_SYS_RAWIO; a system call for each access, on every architecture that has the device)
+//
+// Priority levels are nice values. A fixed-priority scheduling class would be wrong for a loop that
+// never sleeps: the kernel takes the processor away from it for about 50 ms in every second.
+//
+//   level            nice                        memory
+//   0 normal         as the program was started  not locked
+//   1 high           -10                         not locked
+//   2 real time      -20                         locked
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace norvik {
+
+// --- Time
+// ------------------------------------------------------------------------------------------
+
+// Fills Monotonic_Clock, Delay_Microseconds and Delay_In_Period. Waits spin on the time-stamp
+// counter where it runs at one rate in all states of the processor, on the monotonic clock
+// elsewhere. Calibrates for about 20 ms.
+void Install_Linux_Clock();
+// True when waits use the time-stamp counter.
+bool Waits_Use_Time_Stamp_Counter();
+
+// --- Ports
+// -----------------------------------------------------------------------------------------
+
+// Whether this process may access ports in the way 1 or 2. `Words` says how to get the right when
+// it may not; empty when it may. Reads and writes no port.
+struct Port_Right {
+  bool Granted = false;
+  std::string Words;
+};
+Port_Right Direct_Port_Right(int way);
+
+// Fills Port_Read and Port_Write with direct access. `way` is read at every access, so that the
+// setting acts at once, and must live as long as the process. The first refused read and the first
+// refused write of each way throw a std::runtime_error with the words; later ones answer 0 and do
+// nothing.
+void Install_Direct_Ports(const std::int16_t* way);
+
+// The device of way 2; another path in tests.
+void Set_Port_Device(const std::string& path);
+
+// --- Priority
+// --------------------------------------------------------------------------------------
+
+// Fills Set_Priority.
+void Install_Linux_Priority();
+
+}  // namespace norvik

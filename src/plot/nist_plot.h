@@ -1,0 +1,79 @@
+// nist_plot.h: drawing the program.
+//
+//   NIST_Plot(rebuild)    Program_Wire --> PlotLines, grid, strip;  then NIST_RePlot
+//   NIST_RePlot           the lists --> projection --> Picture1      (rotations end here)
+//   NIST_Plot_Block       the wires of one step over the finished picture, while the machine runs
+//
+// `View.PlotBusy` is held through a rebuild. The rebuild yields to the event queue, so handlers run
+// in it; every tool and rotation looks at the flag. Without an open plot window the lists are built
+// and nothing is painted.
+//
+// A wire is drawn in the colour of its kind: travel, cut, or deep cut where it starts on the deep
+// level. Its pen is as wide as the pixel factor makes of the tool's diameter.
+//
+// Units: lengths in units of the setup, pens in pixels. `Plot_Form.Picture1` has its size in window
+// units, 15 to a pixel.
+#pragma once
+
+#include "compiler/tables.h"
+#include "core/nullable.h"
+#include "plot/display_list.h"
+#include "plot/plot_colour.h"
+
+#include <cstdint>
+#include <optional>
+
+namespace norvik {
+
+struct Plot_State {
+  // --- Built by NIST_Plot -----------------------------------------------------------------------
+  Display_List PlotLines, GridLines;
+
+  // --- Kept from drawing to drawing -------------------------------------------------------------
+  Line_Memory Last_Line{};                // stands for coordinates that are absent
+  Nullable Remembered_Tool;               // the last tool that a wire of a run named
+  Indexed<Nullable, 1, 3> Current_Point;  // end of the last wire drawn by a run
+
+  // --- Set by the window ------------------------------------------------------------------------
+  // Colours for a background that the setup does not know (a dark desktop); absent: the setup's.
+  std::optional<Plot_Palette> Palette;
+};
+extern Plot_State Plot;
+
+// The seven colours in use.
+const Plot_Palette& Current_Palette();
+
+// What turns a tool's diameter into a pen's width: the width of the shown world over the width of
+// the surface in window units, and a constant.
+double Pixel_Factor(const Plot_Scale& window, double surface_width);
+
+// Highlights in NIST_Plot_Block: `displayMode` above this.
+inline constexpr std::int32_t Highlight_Above = 65534, Highlight_On = 65535;
+// `lineMode` of a run: the point is recorded and the tool forgotten.
+inline constexpr std::int32_t Line_Mode_Run = 2;
+
+// Rebuilds the lists when asked to and paints. Does nothing while a plot runs.
+void NIST_Plot(bool rebuild);
+// The same; what every change of the view calls with true.
+void Plot_Redraw(bool rebuild);
+// Paints the lists as they are.
+void NIST_RePlot();
+// Draws the wires of one step; with a `displayMode` above 65534 as a highlight, in the ink of the
+// background and five times as wide.
+void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode);
+// A full redraw; panel 1 says how long it took.
+void Plot_Refresh();
+// After a compile or load: extents of the program, then a redraw.
+void Plot_New_Program();
+// Marks a step of the program: paints the lists and the step's highlight.
+void Plot_Highlight_Step(std::int32_t step);
+
+// Drawing primitives on the open window, in units of the program. An absent coordinate stands for
+// the last value at its place.
+void DrawLine3D(Nullable x1, Nullable y1, Nullable z1, Nullable x2, Nullable y2, Nullable z2,
+                std::int32_t color, std::int16_t width);
+// A circle around (x, y, z), drawn at the end of a line; (x2, y2, z2) is the line's other end.
+void DrawNodeCircle(double x, double y, double z, double x2, double y2, double z2,
+                    std::int32_t color);
+
+}  // namespace norvik

@@ -1,0 +1,13 @@
+// output_model.h: spindle, coolant and the auxiliary output.
+#pragma once
+
+#include <cstdint>
+
+namespace norvik {
+
+// Output 1..5 has been switched.
+void Output_Changed(int n, bool on, std::int64_t time);
+// -1..1 at a time; full speed after the run-up, standstill after coasting.
+double Spindle_Speed(std::int64_t time);
+
+}  // namespace norvik

@@ -1,0 +1,142 @@
+#include "simulate/virtual_clock.h"
+
+#include <algorithm>
+#include <chrono>
+#include <cmath>
+#include <thread>
+
+namespace norvik {
+
+Virtual_Clock_State Virtual_Clock;
+
+namespace {
+
+constexpr std::int64_t Millisecond = 1'000'000, Longest_Jump = Millisecond;
+constexpr std::int64_t Pace_Interval = 5 * Millisecond;  // of virtual time at factor 1
+constexpr double Day_Seconds = 86'400;
+
+// Lets the real clock catch up where the operator wants to see the machine move.
+void Pace() {
+  Virtual_Clock_State& clock = Virtual_Clock;
+  const std::int64_t real = clock.Below.Monotonic_Clock();
+  if (clock.Speed_Factor != clock.Pace_Factor) {
+    clock.Pace_Factor = clock.Speed_Factor;
+    clock.Pace_Start = clock.Now;
+    clock.Pace_Real_Start = real;
+  }
+  const double factor = std::max(clock.Speed_Factor, 1e-3);
+  clock.Pace_Due = clock.Now + static_cast<std::int64_t>(Pace_Interval * factor);
+  const auto passed = static_cast<double>(clock.Now - clock.Pace_Start) / factor;
+  const std::int64_t early = clock.Pace_Real_Start + std::llround(passed) - real;
+  if (early > 0) std::this_thread::sleep_for(std::chrono::nanoseconds(early));
+}
+
+void Delay(std::int32_t microseconds) {
+  Virtual_Clock.Delayed = true;
+  Advance_Virtual_Clock(std::int64_t{microseconds} * 1'000);
+}
+
+void Delay_In_Period(std::int32_t microseconds, std::int64_t period_ns) {
+  Virtual_Clock_State& clock = Virtual_Clock;
+  const std::int64_t asked = std::int64_t{microseconds} * 1'000;
+  const std::int64_t end = clock.Keeper.Deadline(clock.Now, asked, period_ns);
+  clock.Delayed = true;
+  Advance_Virtual_Clock(end - clock.Now);
+  clock.Keeper.Ended(end);
+}
+
+Virtual_Clock_State::Timer* Due_Timer(std::int64_t until) {
+  Virtual_Clock_State::Timer* next = nullptr;
+  for (auto& timer : Virtual_Clock.Timers) {
+    if (timer.Running || timer.Due > until) continue;
+    if (next == nullptr || timer.Due < next->Due) next = &timer;
+  }
+  return next;
+}
+
+// Each due timer once, in the order in which they fell due. A handler may start and stop timers and
+// may yield.
+void Run_Due_Timers() {
+  const std::int64_t round = Virtual_Clock.Now;
+  while (auto* timer = Due_Timer(round)) {
+    const Timer_Id id = timer->Id;
+    const auto handler = timer->Handler;
+    timer->Due = std::max(timer->Due + timer->Interval, round + 1);
+    timer->Running = true;
+    handler();
+    for (auto& other : Virtual_Clock.Timers) {
+      if (other.Id == id) other.Running = false;
+    }
+  }
+}
+
+// Someone waits by yielding.
+void Jump() {
+  const std::int64_t horizon = Virtual_Clock.Now + Longest_Jump;
+  const auto* timer = Due_Timer(horizon);
+  const std::int64_t target = timer == nullptr ? horizon : std::max(timer->Due, Virtual_Clock.Now);
+  Advance_Virtual_Clock(target - Virtual_Clock.Now);
+}
+
+void Yield() {
+  if (!Virtual_Clock.Delayed) Jump();
+  Virtual_Clock.Delayed = false;
+  Run_Due_Timers();
+  Virtual_Clock.Below.Do_Events();
+}
+
+Timer_Id Start_Timer(int interval_ms, std::function<void()> handler) {
+  Virtual_Clock_State& clock = Virtual_Clock;
+  const std::int64_t interval = std::max(interval_ms, 1) * Millisecond;
+  clock.Timers.push_back(
+      {++clock.Last_Timer, interval, clock.Now + interval, std::move(handler), false});
+  // Apart from the ids of the environment below, whose timers may be stopped through here.
+  return -clock.Last_Timer;
+}
+
+void Stop_Timer(Timer_Id id) {
+  if (id > 0) return Virtual_Clock.Below.Stop_Timer(id);
+  std::erase_if(Virtual_Clock.Timers, [id](const auto& timer) { return timer.Id == -id; });
+}
+
+double Day_Clock() {
+  return std::fmod(Virtual_Clock.Day_Start + static_cast<double>(Virtual_Clock.Now) / 1e9,
+                   Day_Seconds);
+}
+
+}  // namespace
+
+void Install_Virtual_Clock() {
+  if (Virtual_Clock.Installed) return;
+  Virtual_Clock = {};
+  Virtual_Clock.Installed = true;
+  Virtual_Clock.Below = Platform;
+  Virtual_Clock.Day_Start = Platform.Day_Clock();
+  Platform.Monotonic_Clock = [] { return Virtual_Clock.Now; };
+  Platform.Day_Clock = Day_Clock;
+  Platform.Delay_Microseconds = Delay;
+  Platform.Delay_In_Period = Delay_In_Period;
+  Platform.Do_Events = Yield;
+  Platform.Start_Timer = Start_Timer;
+  Platform.Stop_Timer = Stop_Timer;
+}
+
+void Remove_Virtual_Clock() {
+  if (!Virtual_Clock.Installed) return;
+  const Platform_Operations below = std::move(Virtual_Clock.Below);
+  Platform.Monotonic_Clock = below.Monotonic_Clock;
+  Platform.Day_Clock = below.Day_Clock;
+  Platform.Delay_Microseconds = below.Delay_Microseconds;
+  Platform.Delay_In_Period = below.Delay_In_Period;
+  Platform.Do_Events = below.Do_Events;
+  Platform.Start_Timer = below.Start_Timer;
+  Platform.Stop_Timer = below.Stop_Timer;
+  Virtual_Clock = {};
+}
+
+void Advance_Virtual_Clock(std::int64_t ns) {
+  Virtual_Clock.Now += ns;
+  if (Virtual_Clock.Speed_Factor > 0 && Virtual_Clock.Now >= Virtual_Clock.Pace_Due) Pace();
+}
+
+}  // namespace norvik

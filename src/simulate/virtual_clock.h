@@ -1,0 +1,59 @@
+// virtual_clock.h: time that passes only when someone waits for it.
+//
+// Installed over the time operations of `Platform`, it lets a two-hour job run in seconds with the
+// same pulses in the same order and at the same times:
+//
+//   delays        move the clock by what was asked for, no instruction takes time
+//   port accesses of the simulated machine move it by their settable cost
+//   Do_Events     runs the timers that are due, then the handlers of the environment below. Two
+//                 yields without a delay in between mean that someone waits by yielding: the clock
+//                 then jumps to the next timer, by one millisecond at most.
+//
+// The day clock starts at the real time and goes on with virtual time, midnight included.
+#pragma once
+
+#include "platform/period.h"
+#include "platform/platform.h"
+
+#include <cstdint>
+#include <functional>
+#include <vector>
+
+namespace norvik {
+
+struct Virtual_Clock_State {
+  bool Installed = false;
+  std::int64_t Now = 0;  // ns; the monotonic clock
+
+  // 0: as fast as it goes. Otherwise virtual seconds in a real second: 1 is real time for the eye,
+  // 10 is ten times as fast. Held to the real clock in steps of a few milliseconds.
+  double Speed_Factor = 0;
+
+  // --- Inner ------------------------------------------------------------------------------------
+  struct Timer {
+    Timer_Id Id = 0;
+    std::int64_t Interval = 0, Due = 0;  // ns
+    std::function<void()> Handler;
+    bool Running = false;  // inside its own handler
+  };
+  std::vector<Timer> Timers;
+  Timer_Id Last_Timer = 0;
+  bool Delayed = false;  // a delay has passed since the last yield
+  Period_Keeper Keeper;
+  double Day_Start = 0;                                            // day clock at Now = 0, seconds
+  std::int64_t Pace_Due = 0, Pace_Start = 0, Pace_Real_Start = 0;  // ns
+  double Pace_Factor = 0;
+  Platform_Operations Below;  // what was installed before
+};
+extern Virtual_Clock_State Virtual_Clock;
+
+// Takes over clocks, delays, timers and the yield of `Platform`; everything else stays. Timers
+// started before stay with the environment below.
+void Install_Virtual_Clock();
+// Puts back what was installed before.
+void Remove_Virtual_Clock();
+
+// Moves the clock. Runs no timer.
+void Advance_Virtual_Clock(std::int64_t ns);
+
+}  // namespace norvik

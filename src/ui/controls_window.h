@@ -1,0 +1,48 @@
+// controls_window.h: the panel `CNC_Controls`.
+//
+// Lays out the controls, forwards events to the handlers of control/, and copies the record to the
+// widgets when told that it changed.
+#pragma once
+
+#include "platform/platform.h"
+#include "ui/form_binding.h"
+
+#include <QWidget>
+
+class QBoxLayout;
+class QPlainTextEdit;
+
+namespace norvik {
+
+class Knob_Widget;
+
+class Controls_Window : public QWidget {
+ public:
+  explicit Controls_Window(QWidget* parent = nullptr);
+  ~Controls_Window() override;
+
+  // Copies the record and the message list to the widgets.
+  void Show_Form();
+
+ protected:
+  void hideEvent(QHideEvent* event) override;
+
+ private:
+  QWidget* Build_Status();
+  QWidget* Build_Run_Buttons();
+  QWidget* Build_Sequences();
+  QWidget* Build_Feeds();
+  QWidget* Build_Levels();
+  QWidget* Build_Outputs();
+  QWidget* Build_Goto();
+  QWidget* Build_Messages();
+  void Start_Timer(int interval_ms);
+
+  Form_Binding Binding;
+  Knob_Widget* Knob = nullptr;
+  QPlainTextEdit* Status_Box = nullptr;
+  std::string Shown_Status;
+  Timer_Id Timer = 0;
+};
+
+}  // namespace norvik

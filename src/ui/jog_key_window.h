@@ -1,0 +1,38 @@
+// jog_key_window.h: the window `JogKey`: jogging by held keys or by the joystick.
+#pragma once
+
+#include "platform/platform.h"
+#include "ui/form_binding.h"
+
+#include <QWidget>
+
+class QListWidget;
+class QRadioButton;
+
+namespace norvik {
+
+class JogKey_Window : public QWidget {
+ public:
+  explicit JogKey_Window(QWidget* parent = nullptr);
+  ~JogKey_Window() override;
+
+ protected:
+  void keyPressEvent(QKeyEvent* event) override;
+  void keyReleaseEvent(QKeyEvent* event) override;
+  void focusOutEvent(QFocusEvent* event) override;
+  void hideEvent(QHideEvent* event) override;
+  bool focusNextPrevChild(bool) override { return false; }  // Tab must not take the keys away
+
+ private:
+  QWidget* Build_Key_Map();
+  QWidget* Build_Joystick();
+  void Show_Form();
+
+  Form_Binding Binding;
+  std::array<QRadioButton*, 2> Devices{};
+  QWidget* Stick = nullptr;
+  QListWidget* Raw_Values = nullptr;
+  Timer_Id Joystick_Timer = 0, Stop_Timer = 0;
+};
+
+}  // namespace norvik

@@ -1,0 +1,48 @@
+// plot_view.h: a surface of the plot as a widget.
+//
+// Keeps the drawn picture and shows it; what moves over the picture (rubber bands, cursor, spindle)
+// is drawn over a copy, so that it costs no redraw of the program.
+#pragma once
+
+#include "platform/qt/picture_surface.h"
+
+#include <functional>
+
+#include <QWidget>
+
+namespace norvik {
+
+class Plot_View : public QWidget {
+ public:
+  // `draw_over` paints what moves over the picture.
+  explicit Plot_View(std::function<void(Picture_Surface&)> draw_over, QWidget* parent = nullptr);
+
+  Picture_Surface& Surface() { return Frame; }
+  // Handler of a new size; the picture must be drawn again.
+  std::function<void()> Resized = [] {};
+
+ protected:
+  void paintEvent(QPaintEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
+
+ private:
+  std::function<void(Picture_Surface&)> Draw_Over;
+  Picture_Surface Frame, Over;
+};
+
+// The view of the program: its mouse goes to the handlers of `Plot_Form`.
+class Program_View : public Plot_View {
+ public:
+  explicit Program_View(QWidget* parent = nullptr);
+
+ protected:
+  void mousePressEvent(QMouseEvent* event) override;
+  void mouseMoveEvent(QMouseEvent* event) override;
+  void mouseReleaseEvent(QMouseEvent* event) override;
+  void wheelEvent(QWheelEvent* event) override;
+
+ private:
+  QPointF Last_Middle;
+};
+
+}  // namespace norvik

@@ -1,0 +1,68 @@
+// theme.h: the one look of all windows.
+//
+// One drawn style on every desktop, with a light and a dark palette of our own; which of the two
+// follows the desktop. Sizes derive from the font, so that they follow the screen's scale, and
+// every control that moves the machine is at least a gloved finger wide.
+#pragma once
+
+#include <QColor>
+#include <QFont>
+#include <QIcon>
+
+class QApplication;
+class QWidget;
+
+namespace norvik {
+
+// Chooses light or dark from the desktop's own palette and applies style and palette.
+void Apply_Theme(QApplication& application);
+bool Theme_Is_Dark();
+
+// Height of a line of text in pixels; every other size is a multiple of it.
+int Text_Height();
+// The smallest height and width of a control that moves the machine.
+int Finger_Height();
+
+// Figures of equal width for readouts, `scale` times the size of the text.
+QFont Readout_Font(double scale);
+QFont Bold_Font(double scale);
+
+// Colours with a meaning, readable on the ground of the theme.
+struct Theme_Colors {
+  QColor Run, Stop, Warn, Muted, Readout, Readout_Ground;
+};
+const Theme_Colors& Colors();
+
+// Paints the face of a button or label: invalid colours give it back its normal look.
+void Set_Face(QWidget& control, const QColor& ground, const QColor& text);
+
+// Signs drawn as shapes, sharp at every scale.
+enum class Sign {
+  Play,
+  Pause,
+  Step,
+  Stop,
+  Home,
+  Tool,
+  Zoom_In,
+  Zoom_Out,
+  Zoom_Window,
+  Zoom_All,
+  Zoom_Table,
+  Pan,
+  Refresh,
+  Arrow_Up,
+  Arrow_Down,
+  Arrow_Left,
+  Arrow_Right,
+  Arrow_Up_Left,
+  Arrow_Up_Right,
+  Arrow_Down_Left,
+  Arrow_Down_Right,
+  Turn_Left,
+  Turn_Right
+};
+QIcon Sign_Icon(Sign sign, const QColor& color);
+QIcon Sign_Icon(Sign sign);  // in the colour of the theme's text
+
+}  // namespace norvik
