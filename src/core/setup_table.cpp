@@ -69,7 +69,7 @@ float Single(const Setup_Row& row, std::string_view text, std::string_view other
 
 bool Is_Numeral_Format(std::string_view text) {
   return text.find_first_of("0#") != std::string_view::npos &&
-         text.find_first_not_of("0#.,") == std::string_view::npos &&
+         text.find_first_not_of("0#.") == std::string_view::npos &&
          text.find('.') == text.rfind('.');
 }
 

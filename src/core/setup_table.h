@@ -28,7 +28,7 @@ using Setup_Field =
 enum class Read_Rule {
   By_Type,
   Whole_Number,    // through the integer rule, so that fractions are dropped
-  Numeral_Format,  // text of 0, #, point and comma; any other text gives the default
+  Numeral_Format,  // text of 0, # and one point; any other text gives the default
   Axis_Number,     // through the regional re-format of axis words
 };
 
