@@ -84,7 +84,8 @@ Plot_Window::Plot_Window(QWidget* parent) : QWidget(parent) {
   Picture1 = new Program_View(this);
   Picture_ZAxis = new Plot_View(
       [this](Picture_Surface& over) {
-        Paint_Spindle(over, Picture_ZAxis->Surface().Image().Height);
+        Paint_Spindle(over, Picture_ZAxis->Surface().Image().Width,
+                      Picture_ZAxis->Surface().Image().Height);
       },
       this);
   Picture_ZAxis->setObjectName("Picture_ZAxis");
