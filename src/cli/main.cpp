@@ -1,1 +1,41 @@
-int main() { return 0; }
+// norvik-cli: chooses the back ends and hands over to the commands.
+#include "cli/companion.h"
+#include "core/application.h"
+#include "core/setup.h"
+#include "platform/headless/headless_platform.h"
+#include "platform/linux/linux_platform.h"
+#include "plot/plot_picture.h"
+#include "simulate/findings.h"
+#include "simulate/simulated_machine.h"
+#include "simulate/virtual_clock.h"
+#include "wiring/port_choice.h"
+#ifdef NORVIK_PICTURES
+#include "platform/qt/picture_files.h"
+
+#include <QGuiApplication>
+#endif
+
+int main(int argument_count, char** arguments) {
+  using namespace norvik;
+  Install_Headless_Platform();
+  Install_Linux_Clock();
+  Install_Linux_Priority();
+
+  Companion_Environment environment;
+  environment.Use_Simulated_Machine = Use_Simulated_Machine;
+  environment.Use_Port = Choose_Port;
+  environment.Use_Virtual_Clock = Install_Virtual_Clock;
+  environment.Findings = [] {
+    return Port_Is_Simulated() ? Findings_Text() : std::vector<std::string>();
+  };
+#ifdef NORVIK_PICTURES
+  // Texts in pictures need the toolkit's fonts, which need its application object; no display.
+  qputenv("QT_QPA_PLATFORM", "offscreen");
+  QGuiApplication fonts(argument_count, arguments);
+  Install_Picture_Reader();
+  environment.Write_Picture = Write_Picture_File;
+#else
+  environment.Write_Picture = Write_Pixmap_File;
+#endif
+  return Run_Companion(argument_count, arguments, std::move(environment));
+}

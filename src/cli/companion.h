@@ -1,0 +1,71 @@
+// companion.h: what the commands of norvik-cli share.
+//
+// The companion is for scripts, tests and machines without a display. It owns no logic: a command
+// reads its options, calls the rooms and prints. Results go to standard output, progress and
+// messages to standard error. Exit status: 0 done, 1 the work failed, 2 wrong usage.
+#pragma once
+
+#include "plot/plot_image.h"
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+namespace norvik {
+
+enum Exit_Status { Done = 0, Failed = 1, Wrong_Usage = 2 };
+
+// Options in front of the command.
+struct Companion_Options {
+  std::string Home;                   // folder of everything; empty: the folders of the desktop
+  std::string Machine;                // machine file instead of the one in use
+  std::vector<std::string> Settings;  // SECTION.KEY=VALUE for this call only
+  bool Decimal_Comma = false;
+};
+
+// What main wires in: back ends that the commands may not see.
+struct Companion_Environment {
+  // The simulated machine takes the place of the port.
+  std::function<void()> Use_Simulated_Machine = [] {};
+  // Direct access where the process may use it and the setup asks for it, the simulated machine
+  // otherwise. Answers in words which one it is.
+  std::function<std::string()> Use_Port = [] { return std::string(); };
+  std::function<void()> Use_Virtual_Clock = [] {};
+  // What the simulated machine noticed; empty on real ports.
+  std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };
+  // Raises a file fault that says what to do.
+  std::function<void(const std::string& path, const Plot_Image& picture)> Write_Picture =
+      [](const std::string&, const Plot_Image&) {};
+};
+
+struct Companion {
+  Companion_Options Options;
+  Companion_Environment Environment;
+  std::function<int()> Command;  // set by the chosen command
+
+  // Folders, region, setup and settings of this call. False when one of them is wrong; the reason
+  // is printed.
+  bool Start() const;
+};
+
+// Reads a program into the line table. False, with the reason printed, when it cannot be read.
+bool Load_Program(const std::string& path);
+
+// Prints "norvik-cli: text" on standard error.
+void Complain(const std::string& text);
+// Prints what the logic reported: message boxes and the error log of this call, on standard error.
+void Print_Status_Line(const std::string& text);
+
+// Each adds its commands to the application.
+void Add_Compile_Commands(CLI::App& app, Companion& companion);
+void Add_Setup_Command(CLI::App& app, Companion& companion);
+void Add_Run_Commands(CLI::App& app, Companion& companion);
+void Add_Plot_Command(CLI::App& app, Companion& companion);
+void Add_Import_Command(CLI::App& app, Companion& companion);
+
+// Parses and runs; the exit status of the process.
+int Run_Companion(int argument_count, char** arguments, Companion_Environment environment);
+
+}  // namespace norvik

@@ -1,0 +1,123 @@
+// The commands `compile` and `check`.
+#include "cli/companion.h"
+#include "compiler/compile.h"
+#include "compiler/compiler_state.h"
+#include "compiler/program_check.h"
+#include "compiler/program_text.h"
+#include "core/application.h"
+#include "core/paths.h"
+
+#include <filesystem>
+#include <iostream>
+#include <map>
+#include <memory>
+
+namespace norvik {
+
+namespace {
+
+struct Compile_Options {
+  std::string Program, Tables;
+  bool Block = false;
+};
+
+std::string Faults_In_Log(std::size_t start) {
+  try {
+    return Read_Whole_File(Application.ErrorFile).substr(start);
+  } catch (const std::exception&) {
+    return {};  // no log, no faults
+  }
+}
+
+std::size_t Log_Size() {
+  std::error_code missing;
+  const auto size = std::filesystem::file_size(Application.ErrorFile, missing);
+  return missing ? 0 : static_cast<std::size_t>(size);
+}
+
+int Compile(const Compile_Options& options) {
+  if (!options.Tables.empty()) {
+    std::error_code failure;
+    std::filesystem::create_directories(options.Tables, failure);
+    if (failure) {
+      Complain("The folder " + options.Tables + " cannot be made: " + failure.message());
+      return Failed;
+    }
+    Application.Table_Folder = options.Tables;
+    Application.ErrorFile = Join_Path(options.Tables, "NorvikErr.txt");
+  }
+  if (!Load_Program(options.Program)) return Failed;
+  const std::size_t log_start = Log_Size();
+  const bool complete =
+      options.Block ? CompileBlock(GCodeLineCount() > 0 ? GCode_Line(1) : std::string_view())
+                    : CompileProgram();
+  std::cerr << Faults_In_Log(log_start);
+  if (!complete) {
+    Complain("The tables were not written; the earlier ones stand.");
+    return Failed;
+  }
+  std::cout << "Lines    " << GCodeLineCount() << '\n'
+            << "Records  " << Compile_Tables.Program_LineArc.Rows.size() << '\n'
+            << "Wires    " << Compile_Tables.Program_Wire.Rows.size() << '\n'
+            << "Table    " << Compile_Tables.LineArc_Path << '\n'
+            << "Table    " << Compile_Tables.Wire_Path << '\n';
+  return Done;
+}
+
+struct Check_Options {
+  std::string Program;
+  int Most = 20;  // findings of one kind that are printed; 0: all
+};
+
+void Print_Finding(const std::string& file, const Check_Finding& finding) {
+  std::cout << file;
+  if (finding.Macro) std::cout << " (macro " << *finding.Macro << ')';
+  if (finding.Line > 0) std::cout << ':' << finding.Line;
+  if (finding.Column > 0) std::cout << ':' << finding.Column;
+  std::cout << ": " << Name_Of(Info_Of(finding.Kind).Grade) << ": " << finding.What;
+  if (!finding.Instead.empty()) std::cout << " -> " << finding.Instead;
+  std::cout << '\n';
+}
+
+// Nothing that changes the job: 0. Otherwise 1, so that a script may stop there.
+int Check(const Check_Options& options) {
+  if (!Load_Program(options.Program)) return Failed;
+  const auto findings = Check_Program(GCode_Program.Text);
+  std::map<Check_Kind, int> counts;
+  bool serious = false;
+  for (const Check_Finding& finding : findings) {
+    if (Info_Of(finding.Kind).Grade != Check_Grade::Note) serious = true;
+    if (options.Most > 0 && ++counts[finding.Kind] > options.Most) continue;
+    Print_Finding(options.Program, finding);
+  }
+  for (const auto& [kind, count] : counts) {
+    if (options.Most > 0 && count > options.Most) {
+      std::cout << options.Program << ": " << count - options.Most
+                << " more of: " << Info_Of(kind).Title << " (--all shows them)\n";
+    }
+  }
+  std::cout << findings.size() << (findings.size() == 1 ? " finding" : " findings") << '\n';
+  return serious ? Failed : Done;
+}
+
+}  // namespace
+
+void Add_Compile_Commands(CLI::App& app, Companion& companion) {
+  const auto compile = std::make_shared<Compile_Options>();
+  CLI::App* command = app.add_subcommand("compile", "Compile a program into both tables");
+  command->add_option("program", compile->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_flag("--block", compile->Block, "Only the first line, as a Goto does");
+  command->add_option("--tables", compile->Tables, "Folder for the tables and the error log")
+      ->type_name("DIR");
+  command->callback(
+      [&companion, compile] { companion.Command = [compile] { return Compile(*compile); }; });
+
+  const auto check = std::make_shared<Check_Options>();
+  command = app.add_subcommand("check", "List what the compiler ignores or would misread, by line");
+  command->add_option("program", check->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_flag_callback(
+      "--all", [check] { check->Most = 0; }, "Print every finding, however many of a kind");
+  command->callback([&companion, check] { companion.Command = [check] { return Check(*check); }; });
+}
+
+}  // namespace norvik

@@ -1,0 +1,24 @@
+// port_choice.h: which port the drive talks to: real hardware or the simulated machine.
+#pragma once
+
+#include <string>
+
+namespace norvik {
+
+// Puts the simulated machine behind the port, at the positions where the axes stand.
+void Use_Simulated_Machine();
+
+// As `Port_Access` in section `Platform` of the pointer file says:
+//
+//   Direct      the hardware; without the right to it every access fails with words that say what
+//               gives the right
+//   Simulated   the simulated machine
+//   Auto        the hardware where this process may use it, the simulated machine otherwise; also
+//               taken when the key is missing
+//
+// Answers the words for the operator, which also stand in status panel 3.
+std::string Choose_Port();
+
+bool Port_Is_Simulated();
+
+}  // namespace norvik
