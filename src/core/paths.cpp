@@ -60,6 +60,7 @@ Fault File_Fault(const std::string& path, const char* what, int reason) {
       return said(Fault_Number::Permission_Denied, "the disk is read-only; choose another place");
     case ENOSPC:
     case EDQUOT:
+    case EFBIG:
       return said(Fault_Number::Disk_Full, "the disk is full; make room and try again");
     case ENAMETOOLONG:
       return said(Fault_Number::Path_Access, "the name is too long");
@@ -105,9 +106,9 @@ std::string Join_Path(std::string_view folder, std::string_view name) {
   return path + std::string(name);
 }
 
-std::string Read_Whole_File(const std::string& path) {
-  const Open_File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.Number < 0) throw File_Fault(path, "Cannot read", errno);
+namespace {
+
+std::string Read_Open_File(const Open_File& file, const std::string& path) {
   struct stat about {};
   if (::fstat(file.Number, &about) != 0) throw File_Fault(path, "Cannot read", errno);
   if (S_ISDIR(about.st_mode)) throw File_Fault(path, "Cannot read", EISDIR);
@@ -125,6 +126,21 @@ std::string Read_Whole_File(const std::string& path) {
   }
   bytes.resize(length);
   return bytes;
+}
+
+}  // namespace
+
+std::optional<std::string> Read_If_There(const std::string& path) {
+  const Open_File file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (file.Number < 0 && errno == ENOENT) return std::nullopt;
+  if (file.Number < 0) throw File_Fault(path, "Cannot read", errno);
+  return Read_Open_File(file, path);
+}
+
+std::string Read_Whole_File(const std::string& path) {
+  std::optional<std::string> bytes = Read_If_There(path);
+  if (!bytes) throw File_Fault(path, "Cannot read", ENOENT);
+  return std::move(*bytes);
 }
 
 void Replace_File(const std::string& path, std::string_view bytes) {

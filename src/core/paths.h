@@ -3,6 +3,7 @@
 
 #include "core/fault.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -21,6 +22,8 @@ std::string Join_Path(std::string_view folder, std::string_view name);
 
 // The whole file. Raises a file fault whose text says what is wrong (missing, a folder, no right).
 std::string Read_Whole_File(const std::string& path);
+// The same, but absent where there is no such file.
+std::optional<std::string> Read_If_There(const std::string& path);
 // Writes a temporary neighbour, flushes and renames it over `path`, so that a failure leaves the
 // old file as it was. Raises a file fault that says what to do.
 void Replace_File(const std::string& path, std::string_view bytes);

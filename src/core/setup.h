@@ -13,7 +13,10 @@
 #include "core/indexed.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
+#include <string_view>
+#include <vector>
 
 namespace norvik {
 
@@ -27,7 +30,11 @@ struct Machine_Setup {
   Indexed<std::string, 0, 9> Goto_Command;
   bool ErrorFile_AutoClear = false;
   std::int16_t Application_Priority = 0;  // 0 normal, 1 high, 2 real time
-  Indexed<std::int32_t, 0, 6> Plot_Color;
+  // Travel, cut, deep cut, background, grid, cursor, cursor blinking. The first three differ in hue
+  // and can be told from a light and from a dark ground, also by people who do not see red and
+  // green.
+  Indexed<std::int32_t, 0, 6> Plot_Color{
+      {0xFF0000, 0x005ED5, 0x6B8F00, 0xFAFAFA, 0xA0A0A0, 0x1414DC, 0x0096FF}};
   std::int16_t Arc_Resolution = 32;  // segments per unit of radius
   std::int16_t Arc_Max_Segments = 0;
   std::int16_t Arc_Radius_Ignore = 0;
@@ -170,18 +177,53 @@ struct Machine_Setup {
 };
 extern Machine_Setup MachineSetup;
 
-// Reads every key from `Application.MachineFile` in the order of the load.
+// What goes on with the machine file.
+struct Setup_Store_State {
+  bool SetupLoading = false;       // a load runs; windows leave their controls alone
+  bool RestoringDefaults = false;  // every key reads as empty
+  // Values of the last load that were no value of their key's type: "[Axis] Axis_SPI_1=abc ...".
+  std::vector<std::string> Findings;
+};
+extern Setup_Store_State Setup_Store;
+
+// What the drives do when a load brings their values. Each does nothing by default.
+struct Setup_Host_Operations {
+  // `Application_Priority` has been read.
+  std::function<void(std::int16_t level)> Apply_Priority = [](std::int16_t) {};
+  // `Axis_SPI` has been read: the drives copy it to their working slots.
+  std::function<void()> Copy_Steps_Per_Unit = [] {};
+  // All keys of a serial board have been read: its setup goes to the controller.
+  std::function<void()> Send_To_Controller = [] {};
+};
+extern Setup_Host_Operations Setup_Host;
+
+// Reads every key from `Application.MachineFile` in the order of the load. A missing file gives
+// every key its default; one that cannot be read does so too, with a message. A file without the
+// mark of a good save is repaired: the operator is warned and the whole setup is written.
 void LoadMachineSetup();
-// Writes every key in the order of the save; a file that cannot be written gives a message.
-void SaveMachineSetup();
+// Writes every key in the order of the save, the file whole or not at all. True when it was
+// written; otherwise the operator has been told why.
+bool SaveMachineSetup();
 // Every field to its default, as the factory reset and a missing file give it; touches no file.
 void Restore_Factory_Setup();
+// Makes `path` the active machine file and remembers it in the pointer file. What the pointer file
+// then says counts; if it says nothing, "Default_Machine.ini" of the working folder.
+void SetMachineName(const std::string& path);
 
-// One key of `Application.MachineFile`: empty when missing, cut at 255 characters.
-std::string ReadSetup(const std::string& section, const std::string& key);
-void WriteSetup(const std::string& section, const std::string& key, const std::string& value);
-// The same for the pointer file Norvik.Ini.
-std::string ReadPointer(const std::string& section, const std::string& key);
-void WritePointer(const std::string& section, const std::string& key, const std::string& value);
+// One key of `Application.MachineFile`: empty when missing, cut at 255 characters. A file that
+// cannot be read is logged once and reads as empty.
+std::string ReadSetup(std::string_view section, std::string_view key);
+// Writes one key; a file that cannot be written is logged and shown in the message list, and false.
+// Does nothing before the start has named the file.
+bool WriteSetup(std::string_view section, std::string_view key, std::string_view value);
+// The same for the pointer file Norvik.Ini of `Application.Pointer_Folder`.
+std::string ReadPointer(std::string_view section, std::string_view key);
+bool WritePointer(std::string_view section, std::string_view key, std::string_view value);
+// Collects the writes that `body` makes to the machine file, or to the pointer file, and brings
+// them to the disk together. False when that failed; it has been told then.
+bool Write_Setup_Together(const std::function<void()>& body);
+bool Write_Pointer_Together(const std::function<void()>& body);
+// Path of the pointer file; empty before the start.
+std::string Pointer_File();
 
 }  // namespace norvik

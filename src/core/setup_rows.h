@@ -1,0 +1,104 @@
+// setup_rows.h: how the rows of the settings table are written down.
+//
+//   Family<&Machine_Setup::Axis_SPI>("Axis", "Axis_SPI_<n>").Star("4000").In("steps per unit")
+//       .Between(0.001, 1e7).Saved(Save_Place::Axis).Says("Steps that move the axis by one unit."),
+//
+// `Plain` gives a default that only a missing or empty value takes, `Star` one that a stored 0
+// takes too.
+#pragma once
+
+#include "core/setup_table.h"
+
+namespace norvik {
+
+struct Row_Builder : Setup_Row {
+  Row_Builder& Plain(std::string_view text) { return With_Default(Sentinel::Empty, text); }
+  Row_Builder& Star(std::string_view text) { return With_Default(Sentinel::Zero, text); }
+  Row_Builder& Computed(std::string (*default_of)(const Machine_Setup&, int)) {
+    Default_Of = default_of;
+    return *this;
+  }
+  Row_Builder& By(Read_Rule rule) {
+    Rule = rule;
+    return *this;
+  }
+  Row_Builder& Held_To(double limit) {
+    Load_Limit = limit;
+    return *this;
+  }
+  Row_Builder& In(std::string_view unit) {
+    Unit = unit;
+    return *this;
+  }
+  Row_Builder& Between(double low, double high) {
+    Bounds = {low, high};
+    return *this;
+  }
+  Row_Builder& Loads(int first, int last) {
+    Setup_Row::Loaded = {first, last};
+    return *this;
+  }
+  Row_Builder& Saves(int first, int last) {
+    Setup_Row::Saved = {first, last};
+    return *this;
+  }
+  Row_Builder& Saved(Save_Place place, std::string_view save_key = {}) {
+    Save = place;
+    Save_Key = save_key;
+    return *this;
+  }
+  Row_Builder& Then(After_Load what) {
+    After = what;
+    return *this;
+  }
+  Row_Builder& Says(std::string_view help) {
+    Help = help;
+    return *this;
+  }
+
+ private:
+  Row_Builder& With_Default(Sentinel sentinel, std::string_view text) {
+    Takes_Default = sentinel;
+    Default = text;
+    return *this;
+  }
+};
+
+// A key with a field of its own.
+template <auto Member>
+Row_Builder Key(std::string_view section, std::string_view key) {
+  Row_Builder row;
+  row.Section = section;
+  row.Key = key;
+  row.Field = [](Machine_Setup& setup, int) -> Setup_Field { return &(setup.*Member); };
+  return row;
+}
+
+// A family of keys with a table, "<n>" in the key.
+template <auto Member>
+Row_Builder Family(std::string_view section, std::string_view key) {
+  using Items = std::remove_reference_t<decltype(std::declval<Machine_Setup&>().*Member)>;
+  Row_Builder row;
+  row.Section = section;
+  row.Key = key;
+  row.Is_Family = true;
+  row.Field = [](Machine_Setup& setup, int index) -> Setup_Field {
+    return &(setup.*Member)[index];
+  };
+  return row.Loads(Items::first, Items::last).Saves(Items::first, Items::last);
+}
+
+using Setup_Row_List = std::vector<Setup_Row>;
+
+// The groups, in the order of the load.
+Setup_Row_List General_Rows();   // General head, tools, macros, Goto, scales, log
+Setup_Row_List Axis_Rows();      // Axis, tool heights, throttle, displays
+Setup_Row_List Input_Rows();     // jog, keys, joystick, priority
+Setup_Row_List Parallel_Rows();  // parallel port
+Setup_Row_List Board_Rows();     // serial boards
+Setup_Row_List Plot_Rows();      // colours, arcs, plot, offsets
+Setup_Row_List Drawing_Rows();   // DXF, HPGL, Gerber
+Setup_Row_List GCode_Rows();     // arc centres, insertions, Excellon, scales
+Setup_Row_List Bitmap_Rows();    // pictures, sounds
+
+}  // namespace norvik

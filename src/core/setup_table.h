@@ -1,0 +1,125 @@
+// setup_table.h: the one table of the machine file's keys.
+//
+// A row describes one key or one family of keys ("Axis_SPI_<n>"). The load walks the rows as they
+// stand, the save by their `Save` place, the factory reset lets every row take its default; option
+// windows, the companion's `setup` command and the reference page read the same rows. What is said
+// about a key is said here and nowhere else.
+#pragma once
+
+#include "core/numbers.h"
+#include "core/setup.h"
+
+#include <limits>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace norvik {
+
+// A field of `MachineSetup` and the type that it is read and written by.
+using Setup_Field =
+    std::variant<std::int16_t*, std::int32_t*, float*, double*, bool*, std::string*>;
+
+// How the text becomes the field where the field's type alone does not say it.
+enum class Read_Rule {
+  By_Type,
+  Whole_Number,    // through the integer rule, so that fractions are dropped
+  Numeral_Format,  // text of 0, # and one point; any other text gives the default
+  Axis_Number,     // through the regional re-format of axis words
+};
+
+// The save's groups, in the order in which they are written; inside a group rows keep the table's
+// order. Rows of `Nowhere` are written by the window that changes them.
+enum class Save_Place {
+  Self_Test,
+  Plot_Colors,
+  Plot_And_Arcs,
+  Offsets,
+  DXF_Layer,
+  DXF_Lines,
+  DXF,
+  HPGL_Pen,
+  HPGL,
+  Gerber,
+  Arc_Centers,
+  Dwell_And_Insertion,
+  Excellon,
+  Scales,
+  Bitmap,
+  Log_Clearing,
+  Motion_Analyzer,
+  Output_Names,
+  Parallel,
+  Axis,
+  Tool,
+  Displays,
+  Keyboard,
+  Joystick,
+  Priority,
+  Time_Constant,
+  Macros,
+  Goto_Index,
+  Goto,
+  GCode_Scales,
+  Sounds,
+  Nowhere,
+};
+
+// What happens right after a row has been loaded.
+enum class After_Load { Nothing, Apply_Priority, Send_To_Controller };
+
+// A span of indices; a row without one has the single index 0 and no number in its key.
+struct Index_Span {
+  int First = 0, Last = 0;
+};
+
+struct Value_Bounds {
+  double Low = -std::numeric_limits<double>::infinity();
+  double High = std::numeric_limits<double>::infinity();
+};
+
+struct Setup_Row {
+  std::string_view Section;
+  std::string_view Key;  // "<n>" stands for the index
+  Setup_Field (*Field)(Machine_Setup&, int index) = nullptr;
+  bool Is_Family = false;
+  Index_Span Loaded, Saved;
+
+  Sentinel Takes_Default = Sentinel::Empty;  // Zero: a stored 0 takes the default too
+  std::string_view Default;  // entries of a family parted by "|"; one entry stands for all
+  // Where the default depends on other values.
+  std::string (*Default_Of)(const Machine_Setup&, int index) = nullptr;
+  Read_Rule Rule = Read_Rule::By_Type;
+  double Load_Limit = std::numeric_limits<double>::infinity();  // larger values are held to it
+
+  std::string_view Unit;  // empty: none. "units": inches or millimetres
+  Value_Bounds Bounds;    // what makes sense; the load takes other values as they are
+  Save_Place Save = Save_Place::Nowhere;
+  After_Load After = After_Load::Nothing;
+  std::string_view Save_Key;  // where the save spells the key differently
+  std::string_view Help;
+};
+
+// The rows in the order of the load.
+std::span<const Setup_Row> Setup_Rows();
+// The same in the order of the save, without those that the save does not write.
+std::span<const Setup_Row* const> Setup_Rows_In_Save_Order();
+
+// The key of a row with its index.
+std::string Setup_Key_Name(const Setup_Row& row, int index);
+// The default's text, as if it stood in the file with a point as decimal sign.
+std::string Setup_Default_Text(const Setup_Row& row, int index);
+
+// True when the text is a value of the field's type, or empty.
+bool Is_Setup_Text(const Setup_Row& row, int index, std::string_view text);
+// Reads a text into the field by the row's rules. False when the text is there but is no value of
+// the field's type; the field then has what the rules give for that.
+bool Read_Setup_Text(const Setup_Row& row, int index, std::string_view text);
+// The field as the file holds it: numbers with the region's decimal sign, booleans as words.
+std::string Setup_Text(const Setup_Row& row, int index);
+
+}  // namespace norvik

@@ -1,0 +1,414 @@
+// The settings table, load, save and factory reset.
+#include "core/setup.h"
+
+#include "core/application.h"
+#include "core/messages.h"
+#include "core/paths.h"
+#include "core/profile_file.h"
+#include "core/setup_table.h"
+#include "platform/scripted/scripted_platform.h"
+#include "support/temporary_folder.h"
+
+#include <csignal>
+#include <filesystem>
+#include <map>
+#include <set>
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace norvik {
+namespace {
+
+using testing::HasSubstr;
+
+class Setup_Test : public testing::Test {
+ protected:
+  Setup_Test() {
+    Application = {};
+    Messages = {};
+    MachineSetup = {};
+    Setup_Store = {};
+    Setup_Host = {};
+    Application.AppDirectory = Folder.Path;
+    Application.Pointer_Folder = Folder.Path;
+    Application.MachineFile = Folder.File("Machine One.ini");
+    Application.ErrorFile = Folder.File("NorvikErr.txt");
+  }
+  ~Setup_Test() override { Application = {}; }
+
+  // A machine file with these lines behind the mark of a good save.
+  void Write_Machine_File(const std::string& lines) {
+    Replace_File(Application.MachineFile, "[General]\nINI_Save_Test=123\n" + lines);
+  }
+  std::string Stored(const std::string& section, const std::string& key) {
+    return ReadSetup(section, key);
+  }
+
+  Temporary_Folder Folder;
+  Scripted_Platform scripted;
+};
+
+// Every key once, with its section; the number of keys of a family counts.
+TEST_F(Setup_Test, Table_Has_Each_Key_Once) {
+  std::set<std::string> seen;
+  for (const Setup_Row& row : Setup_Rows()) {
+    EXPECT_FALSE(row.Help.empty()) << row.Key;
+    EXPECT_EQ(row.Is_Family, row.Key.find("<n>") != std::string_view::npos) << row.Key;
+    for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
+      const std::string name = Upper(std::string(row.Section) + "/" + Setup_Key_Name(row, index));
+      EXPECT_TRUE(seen.insert(name).second) << name;
+    }
+  }
+  std::map<std::string, int> counts;
+  for (const std::string& name : seen) ++counts[name.substr(0, name.find('/'))];
+  const std::map<std::string, int> expected{{"GENERAL", 45},
+                                            {"TOOLS", 2},
+                                            {"MACROS", 151},
+                                            {"G_CODE", 3},
+                                            {"AXIS", 63},
+                                            {"TOOL", 3},
+                                            {"JOG", 1},
+                                            {"KEYBOARD", 15},
+                                            {"JOYSTICK", 9},
+                                            {"PARALLEL SETUP", 84},
+                                            {"PARALLEL DISPLAY", 1},
+                                            {"DRAVON SETUP", 29},
+                                            {"DXF_INFO", 91},
+                                            {"HPGL_INFO", 30},
+                                            {"GERBER_INFO", 10},
+                                            {"EXCELLON", 6},
+                                            {"BITMAP", 13},
+                                            {"SOUNDS", 11}};
+  EXPECT_EQ(counts, expected);
+}
+
+TEST_F(Setup_Test, Missing_File_Gives_Defaults_And_Is_Repaired) {
+  LoadMachineSetup();
+  EXPECT_EQ(MachineSetup.Arc_Resolution, 180);
+  EXPECT_EQ(MachineSetup.Parallel_Port_Type, 1);
+  EXPECT_EQ(MachineSetup.Arc_Max_Segments, 360);
+  EXPECT_EQ(MachineSetup.Axis_Format, "000.000");
+  EXPECT_EQ(MachineSetup.Axis_SPI[4], 4000);
+  EXPECT_EQ(MachineSetup.Axis_HomeIPM[0], 5);
+  EXPECT_EQ(MachineSetup.Axis_HomeIPM[1], 0.5F);
+  EXPECT_TRUE(MachineSetup.Axis_Ramping);
+  EXPECT_EQ(MachineSetup.Axis_Tool_Height[1], 0.5F);
+  EXPECT_EQ(MachineSetup.KeyJog_KeyValue[14], 191);
+  EXPECT_EQ(MachineSetup.JoyJog_KeyValue[8], "Right Stick");
+  EXPECT_EQ(MachineSetup.Output_Names[5], "Auxillary");
+  EXPECT_EQ(MachineSetup.Output_Names[0], "");
+  EXPECT_EQ(MachineSetup.Plot_Color[0], 16711680);
+  EXPECT_NE(MachineSetup.Plot_Color[1], 16711680);
+  EXPECT_EQ(MachineSetup.DXF_MultiDepth_StartingDepth[19], 1);
+  EXPECT_EQ(MachineSetup.DXF_MultiDepth_EndingDepth[19], 0.5F);
+  EXPECT_EQ(MachineSetup.Tool_File_Name, Folder.File("Tools/Default.tol"));
+  EXPECT_EQ(MachineSetup.Scale_Cnvrt_Imperial_Z, 0.039370078);
+
+  ASSERT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_EQ(scripted.Boxes[0].Title, "Warning");
+  EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("Your machine parameters are not valid.  Please"));
+  EXPECT_EQ(Application.SelfTestValue, 123);
+  EXPECT_EQ(Stored("General", "INI_Save_Test"), "123");
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_4"), "4000");
+  EXPECT_EQ(ReadPointer("Machine", "Name"), Application.MachineFile);
+  EXPECT_EQ(ReadPointer("General", "INI_File_Source_Directory"), Folder.Path + "/");
+  EXPECT_EQ(Messages.Panel[4], "Machine One");
+  LoadMachineSetup();
+  EXPECT_EQ(scripted.Boxes.size(), 1U);  // once
+}
+
+// A value of its own for each field, by type: what one row wrote no other row reads.
+std::string Own_Value(const Setup_Field& field, int number) {
+  struct Maker {
+    int Number;
+    std::string operator()(const std::int16_t*) const { return std::to_string(Number + 1); }
+    std::string operator()(const std::int32_t*) const { return std::to_string(100'000 + Number); }
+    std::string operator()(const float*) const { return std::to_string(Number) + ".125"; }
+    std::string operator()(const double*) const { return std::to_string(Number) + ".0625"; }
+    std::string operator()(const bool*) const { return Number % 2 == 0 ? "True" : "False"; }
+    std::string operator()(const std::string*) const { return "text " + std::to_string(Number); }
+  };
+  return std::visit(Maker{number}, field);
+}
+
+std::vector<std::string> All_Texts(bool saved_only) {
+  std::vector<std::string> texts;
+  for (const Setup_Row& row : Setup_Rows()) {
+    if (saved_only && row.Save == Save_Place::Nowhere) continue;
+    for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
+      texts.push_back(Setup_Key_Name(row, index) + "=" + Setup_Text(row, index));
+    }
+  }
+  return texts;
+}
+
+TEST_F(Setup_Test, Each_Field_Is_Loaded_From_Its_Key) {
+  Profile_Text file{""};
+  int number = 1;
+  std::map<std::string, std::string> given;
+  for (const Setup_Row& row : Setup_Rows()) {
+    for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index, ++number) {
+      std::string value = Own_Value(row.Field(MachineSetup, index), number);
+      if (row.Key == "INI_Save_Test") value = "123";
+      if (row.Key == "Axis_Format") value = "0000.0000";
+      if (row.Key == "DRO_Format") value = "00.00";
+      if (row.Key == "Axis_Ramp_Rate") value = "7";
+      if (row.Key == "Axis_Ramping") value = "0";
+      if (row.Rule == Read_Rule::Whole_Number) value = value.substr(0, value.find('.'));
+      file.Set(row.Section, Setup_Key_Name(row, index), value);
+      given[Setup_Key_Name(row, index)] = value;
+    }
+  }
+  Replace_File(Application.MachineFile, file.Bytes());
+  LoadMachineSetup();
+  EXPECT_THAT(Setup_Store.Findings, testing::IsEmpty());
+  EXPECT_TRUE(scripted.Boxes.empty());
+  for (const std::string& text : All_Texts(false)) {
+    EXPECT_EQ(text, text.substr(0, text.find('=')) + "=" + given[text.substr(0, text.find('='))]);
+  }
+  // Spot checks past the table, against rows that point to a wrong field.
+  EXPECT_EQ(std::to_string(MachineSetup.Dravon_Enc_MaxError[3]), given["Dravon_Enc_MaxError3"]);
+  EXPECT_EQ(MachineSetup.MacroFile[150], given["MacroFile150"]);
+  EXPECT_EQ(std::to_string(MachineSetup.Input_Port[5]), given["Input_Port_5"]);
+  EXPECT_EQ(MachineSetup.Parallel_MCode_Low[0], given["Parallel_MCode_low_0"]);
+}
+
+TEST_F(Setup_Test, Save_Then_Load_Is_Identity_In_Both_Regions) {
+  for (const char sign : {'.', ','}) {
+    Application.DecimalSeparator = sign;
+    Restore_Factory_Setup();
+    int number = 1;
+    for (const Setup_Row& row : Setup_Rows()) {
+      for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index, ++number) {
+        if (row.Key != "Axis_Format" && row.Key != "Axis_Ramp_Rate") {
+          Read_Setup_Text(row, index, Own_Value(row.Field(MachineSetup, index), number));
+        }
+      }
+    }
+    MachineSetup.INI_Save_Test = 123;
+    MachineSetup.Axis_HomePos[2] = " -0,5 ";
+    MachineSetup.Goto_Command[3] = "\"quoted\"";
+    const auto before = All_Texts(true);
+    ASSERT_TRUE(SaveMachineSetup());
+    Application.DecimalSeparator = sign == '.' ? ',' : '.';  // read on the other kind of system
+    MachineSetup = {};
+    LoadMachineSetup();
+    Application.DecimalSeparator = sign;
+    EXPECT_EQ(All_Texts(true), before);
+  }
+}
+
+TEST_F(Setup_Test, Save_Keeps_The_Order_Told_And_Foreign_Lines) {
+  Replace_File(Application.MachineFile,
+               "; mine\n[Other]\nGauge=7\n[Axis]\nAxis_SPI_1=1\nMy_Key=2\n");
+  Restore_Factory_Setup();
+  ASSERT_TRUE(SaveMachineSetup());
+  const std::string text = Read_Whole_File(Application.MachineFile);
+  EXPECT_THAT(text,
+              testing::StartsWith("; mine\n[Other]\nGauge=7\n[Axis]\nAxis_SPI_1=4000\nMy_Key=2\n"));
+  EXPECT_THAT(text, HasSubstr("\nApplication_Version=Norvik 4 Version 4.0.0\n"));
+
+  std::filesystem::remove(Application.MachineFile);
+  ASSERT_TRUE(SaveMachineSetup());
+  const std::string fresh = Read_Whole_File(Application.MachineFile);
+  std::size_t place = 0;
+  for (const char* line :
+       {"[AppInfo]",
+        "[General]\r\nINI_Save_Test=123\r\nPlot_Color_0=16711680",
+        "Plot_Color_6=",
+        "Arc_Resolution=180",
+        "Default_Offset_3=",
+        "ErrorFile_AutoClear=False",
+        "Motion_Analyzer_Enable=0\r\nApplication_Priority=0\r\nParallel_Time_Constant=50\r\n"
+        "Goto_Command_Index=0\r\nGoto_Command0=",
+        "[DXF_Info]\r\nDXF_Cut_2_Layer=\r\nDXF_Sort_Lines=False\r\nDXF_Sort_Layers=False\r\n",
+        "[HPGL_Info]\r\nHPGL_PenSize=0.03\r\nHPGL_Sort_Lines=False\r\n",
+        "[Gerber_Info]",
+        "[G_CODE]\r\nGC_IJ_Incremental=False\r\nGC_ScaleX=1\r\nGC_ScaleY=1",
+        "[Excellon]",
+        "[Bitmap]",
+        "[Parallel Setup]\r\nOutput_Names_0=\r\nOutput_Names_1=Spindle CW\r\n",
+        "Parallel_MCode_Low_0=\r\n",
+        "[Dravon Setup]",
+        "[Axis]",
+        "Axis_Ramping=-1\r\n",
+        "Slave_A_Axis_to=None",
+        "[Tool]\r\nAxis_Tool_Height(0)=1\r\n",
+        "[Keyboard]",
+        "[Joystick]",
+        "[Macros]\r\nMacroFile0=",
+        "[Sounds]\r\nSound_Files_0="}) {
+    const auto found = fresh.find(line, place);
+    ASSERT_NE(found, std::string::npos) << line;
+    place = found;
+  }
+  for (const char* elsewhere : {"KeyJog_Device", "CNC_Jog_Increment", "Tool_Directory",
+                                "Tool_File_Name", "Parallel_Display_IO_Address", "Recent_Folder"}) {
+    EXPECT_EQ(fresh.find(elsewhere), std::string::npos) << elsewhere;
+  }
+}
+
+TEST_F(Setup_Test, Load_Rules) {
+  Write_Machine_File(
+      "Arc_Resolution=0\nArc_Radius_Ignore=0\nArc_Max_Segments=12,5\nPlot_Centered=-1\n"
+      "Plot_Bit_Radious=,\nApplication_Priority=2\n"
+      "[axis]\nAXIS_RAMP_RATE=99\nAxis_CV_MotionAngle=12.5\nAxis_Ramping=True\nThrottleMaxLim=120,"
+      "9\n"
+      "Axis_SPI_1=2000\nAxis_Format=00.0\n"
+      "[Tool]\nAxis_Tool_Height(0)=1,26\nAxis_Tool_Height(1)=\n"
+      "[Parallel Setup]\nPARALLEL_MCODE_LOW_0=67\nParallel_Port_Type=2\n");
+  std::vector<std::string> calls;
+  Setup_Host.Apply_Priority = [&](std::int16_t level) {
+    calls.push_back("priority " + std::to_string(level));
+  };
+  Setup_Host.Copy_Steps_Per_Unit = [&] {
+    calls.push_back("steps " + std::to_string(static_cast<int>(MachineSetup.Axis_SPI[1])));
+  };
+  Setup_Host.Send_To_Controller = [&] {
+    calls.push_back("board, bitmap passes " + std::to_string(MachineSetup.BMAP_Passes_to_Depth));
+  };
+  scripted.On_Yield = [&] { EXPECT_TRUE(Setup_Store.SetupLoading); };
+  LoadMachineSetup();
+  EXPECT_GE(scripted.Now, 250'000'000);  // a quarter of a second, yielding
+  EXPECT_FALSE(Setup_Store.SetupLoading);
+  EXPECT_EQ(MachineSetup.Arc_Resolution, 180);
+  EXPECT_EQ(MachineSetup.Arc_Radius_Ignore, 0);
+  EXPECT_EQ(MachineSetup.Arc_Max_Segments, 12);
+  EXPECT_TRUE(MachineSetup.Plot_Centered);
+  EXPECT_EQ(MachineSetup.Plot_Bit_Radious, 0.0001F);
+  EXPECT_EQ(MachineSetup.Axis_Ramp_Rate, 15);
+  EXPECT_EQ(MachineSetup.Axis_CV_MotionAngle, 12);
+  EXPECT_TRUE(MachineSetup.Axis_Ramping);
+  EXPECT_EQ(MachineSetup.ThrottleMaxLim, 120);
+  EXPECT_EQ(MachineSetup.Axis_Tool_Height[0], 1.3F);  // re-formatted by Axis_Format
+  EXPECT_EQ(MachineSetup.Axis_Tool_Height[1], 0.5F);
+  EXPECT_EQ(MachineSetup.Parallel_MCode_Low[0], "67");
+  EXPECT_THAT(calls, testing::ElementsAre("priority 2", "steps 2000", "board, bitmap passes 1"));
+}
+
+// Each field once with text that is nothing of its kind.
+TEST_F(Setup_Test, Nonsense_Gives_Defaults_And_Is_Named) {
+  Restore_Factory_Setup();
+  const auto defaults = All_Texts(false);
+  Profile_Text file{""};
+  std::size_t numeric = 0;
+  for (const Setup_Row& row : Setup_Rows()) {
+    for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
+      const bool is_text = std::holds_alternative<std::string*>(row.Field(MachineSetup, index));
+      if (!is_text) file.Set(row.Section, Setup_Key_Name(row, index), "\x01 no-number \xFF");
+      if (!is_text) ++numeric;
+    }
+  }
+  Replace_File(Application.MachineFile, file.Bytes());
+  LoadMachineSetup();
+  EXPECT_EQ(Setup_Store.Findings.size(), numeric);
+  EXPECT_THAT(Setup_Store.Findings[0],
+              testing::StartsWith("[General] INI_Save_Test=\x01 no-number"));
+  std::size_t row_number = 0;
+  for (const Setup_Row& row : Setup_Rows()) {
+    for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index, ++row_number) {
+      // Whole numbers that may be 0 become 0, and so does what is read as a whole number.
+      const Setup_Field field = row.Field(MachineSetup, index);
+      const bool is_whole = std::holds_alternative<std::int16_t*>(field) ||
+                            std::holds_alternative<std::int32_t*>(field) ||
+                            row.Rule == Read_Rule::Whole_Number;
+      if (row.Key == "INI_Save_Test" || (is_whole && row.Takes_Default == Sentinel::Empty))
+        continue;
+      EXPECT_EQ(Setup_Key_Name(row, index) + "=" + Setup_Text(row, index), defaults[row_number]);
+    }
+  }
+  EXPECT_EQ(MachineSetup.ThrottleMinLim, 0);
+  Write_Machine_File("Arc_Resolution=1e30\nParallel_Time_Constant=-9e9\nPlot_Bit_Radious=1e99\n");
+  LoadMachineSetup();
+  EXPECT_EQ(Setup_Store.Findings.size(), 3U);
+  EXPECT_EQ(MachineSetup.Arc_Resolution, 32767);
+  EXPECT_EQ(MachineSetup.Parallel_Time_Constant, -2147483647 - 1);
+  EXPECT_EQ(MachineSetup.Plot_Bit_Radious, 0.0001F);
+}
+
+TEST_F(Setup_Test, File_Out_Of_Reach_Is_Told_And_Left_Alone) {
+  Application.MachineFile = Folder.Path;  // a folder
+  LoadMachineSetup();
+  ASSERT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("this is a folder, please name a file"));
+  EXPECT_EQ(MachineSetup.Arc_Resolution, 180);
+  EXPECT_FALSE(SaveMachineSetup());
+  ASSERT_EQ(scripted.Boxes.size(), 2U);
+  EXPECT_THAT(scripted.Boxes[1].Text, HasSubstr("Your parameters are not saved."));
+  EXPECT_FALSE(WriteSetup("Jog", "CNC_Jog_Increment", "1"));
+  EXPECT_THAT(Messages.LastMessage, HasSubstr("this is a folder"));
+
+  Application.MachineFile = Folder.File("no such folder/Machine.ini");
+  LoadMachineSetup();
+  EXPECT_EQ(Application.SelfTestValue, 999);  // not repaired
+  const auto log_lines = Split_Lines(Read_Whole_File(Application.ErrorFile)).size();
+  ReadSetup("Form Position", "Main_Top");
+  ReadSetup("Form Position", "Main_Left");
+  EXPECT_EQ(Split_Lines(Read_Whole_File(Application.ErrorFile)).size(), log_lines);
+}
+
+TEST_F(Setup_Test, Garbage_File_Is_Repaired_Around_The_Garbage) {
+  std::string garbage(3'000'000, 'x');  // one endless line, then all bytes
+  for (int i = 0; i < 100'000; ++i) garbage += static_cast<char>(i * 31 % 256);
+  Replace_File(Application.MachineFile, garbage);
+  LoadMachineSetup();
+  EXPECT_EQ(scripted.Boxes.size(), 1U);
+  LoadMachineSetup();
+  EXPECT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_THAT(Read_Whole_File(Application.MachineFile), testing::StartsWith(garbage));
+}
+
+// Killed at any moment of a save, the file is the old one or the new one, never a part.
+TEST_F(Setup_Test, Kill_Leaves_A_Whole_File) {
+  Restore_Factory_Setup();
+  std::set<std::string> whole;
+  for (const std::int16_t turn : {std::int16_t{0}, std::int16_t{1}}) {
+    MachineSetup.Goto_Command_Index = turn;
+    ASSERT_TRUE(SaveMachineSetup());
+    whole.insert(Read_Whole_File(Application.MachineFile));
+  }
+  for (int round = 0; round < 15; ++round) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      for (std::int16_t turn = 0;; turn = static_cast<std::int16_t>(1 - turn)) {
+        MachineSetup.Goto_Command_Index = turn;
+        SaveMachineSetup();
+      }
+    }
+    ::usleep(static_cast<useconds_t>(3000 + 1700 * round));
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    EXPECT_TRUE(whole.contains(Read_Whole_File(Application.MachineFile))) << round;
+  }
+}
+
+TEST_F(Setup_Test, Factory_Reset_Reads_No_Key) {
+  Write_Machine_File(
+      "Arc_Resolution=99\n[Axis]\nAxis_Format=0.0\n[Parallel Setup]\nParallel_Port_Type=3\n");
+  LoadMachineSetup();
+  EXPECT_EQ(MachineSetup.Arc_Resolution, 99);
+  Setup_Store.RestoringDefaults = true;
+  LoadMachineSetup();
+  Setup_Store.RestoringDefaults = false;
+  EXPECT_EQ(MachineSetup.Arc_Resolution, 180);
+  EXPECT_EQ(MachineSetup.Axis_Format, "000.000");
+  EXPECT_EQ(MachineSetup.Parallel_Port_Type, 1);
+  EXPECT_TRUE(scripted.Boxes.empty());  // empty keys are no damage
+  ASSERT_TRUE(SaveMachineSetup());
+  EXPECT_EQ(Stored("General", "Arc_Resolution"), "180");
+}
+
+TEST_F(Setup_Test, Machine_Name_Goes_Through_The_Pointer_File) {
+  SetMachineName("/machines/router.ini");
+  EXPECT_EQ(Application.MachineFile, "/machines/router.ini");
+  EXPECT_EQ(Read_Whole_File(Folder.File("Norvik.Ini")),
+            "[Machine]\r\nName=/machines/router.ini\r\n");
+  SetMachineName("");
+  EXPECT_EQ(Application.MachineFile, Folder.File("Default_Machine.ini"));
+}
+
+}  // namespace
+}  // namespace norvik
