@@ -160,7 +160,7 @@ void Write_Row(const Setup_Row& row) {
 void Write_All_Rows() {
   Profile_Session session(Application.MachineFile, Profile_Use::Writing);
   Write_Profile(Application.MachineFile, "AppInfo", "Application_Version",
-                std::string(Program_Title) + " Version " + std::string(Program_Version));
+                std::string(Program_Title) + " Version " + std::string(Program_Version()));
   bool announced = false;
   for (const Setup_Row* row : Setup_Rows_In_Save_Order()) {
     if (row->Save == Save_Place::Sounds && !std::exchange(announced, true)) {
