@@ -26,7 +26,6 @@ namespace {
 
 constexpr std::int16_t Good_Save = 123;
 constexpr std::string_view Pointer_Name = "Norvik.Ini";
-constexpr std::string_view Default_Machine_Name = "Default_Machine.ini";
 constexpr const char* Not_Valid_Text =
     "Your machine parameters are not valid.  Please create a new machine ini file.  If you "
     "continue "
