@@ -66,8 +66,7 @@ class Field_Buffer {
     for (;;) {
       const std::size_t quote = text.find('"');
       const std::string_view piece = text.substr(0, quote);
-      std::memcpy(At, piece.data(), piece.size());
-      At += piece.size();
+      At += piece.copy(At, piece.size());
       if (quote == std::string_view::npos) break;
       *At++ = '"';
       *At++ = '"';

@@ -14,6 +14,7 @@
 #include "control/scope.h"
 #include "control/waits.h"
 #include "core/application.h"
+#include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/setup.h"
 #include "parallel/timing.h"
@@ -93,7 +94,7 @@ void End_Run() {
             std::string(control_text::Machine_Run_Time) +
                 Convert_Process_Time(Controller.Machine_Run_Time),
             -1);
-  Play_Event_Sound(sound::Finished);
+  Play_Event_Sound(sound::Motion_Finished);
 }
 
 // One step. False when the loop must be left.
@@ -215,7 +216,7 @@ void Command_CNC_Pause_Click() {
 }
 
 void Command_CNC_Stop_Click() {
-  Play_Event_Sound(sound::Stop);
+  Play_Event_Sound(sound::Stopped);
   CNC_Stop();
   Controller.Program_Busy = false;
 }
@@ -268,11 +269,6 @@ bool Stopped_For(std::string_view what) {
   const bool runs = Machine.CNCMode == CNC_Running || Anything_Moves();
   SetStatus(1, std::string(what) + (runs ? " while CNC running" : " while a run is paused"), 5);
   return false;
-}
-
-void Play_Event_Sound(int slot) {
-  const std::string& path = MachineSetup.Sound_Files[slot];
-  if (!path.empty() && path != "Disabled") Platform.Play_Sound(path);
 }
 
 }  // namespace norvik

@@ -63,10 +63,4 @@ void Announce_End();
 // ("Can't open file", ...) has to wait. For opening, compiling and loading a machine setup.
 bool Stopped_For(std::string_view what);
 
-// Plays the sound of a slot of `Sound_Files`; "Disabled" and the empty text are silent.
-void Play_Event_Sound(int slot);
-namespace sound {
-inline constexpr int Play = 0, Step = 1, Pause = 2, Retool = 3, Stop = 4, EStop = 5, Finished = 7;
-}
-
 }  // namespace norvik

@@ -97,8 +97,7 @@ void Combo_Goto_Click() {
   const int index = CNC_Controls.Combo_Goto.ListIndex;
   if (index < 0 || index >= Memories) return;
   MachineSetup.Goto_Command_Index = To_Int16(index);
-  Trap("Combo_Goto_Error",
-       [&] { WriteSetup("General", "Goto_Command_Index", std::to_string(index)); });
+  WriteSetup("General", "Goto_Command_Index", std::to_string(index));
   Load_Goto_Controls();
 }
 
@@ -106,8 +105,7 @@ void Text_Goto_KeyUp(int key_code) {
   const int index = Selected_Memory();
   const std::string& text = CNC_Controls.Text_Goto.Text;
   MachineSetup.Goto_Command[index] = text;
-  Trap("Text_Goto_Error",
-       [&] { WriteSetup("General", "Goto_Command" + std::to_string(index), text); });
+  WriteSetup("General", "Goto_Command" + std::to_string(index), text);
   Load_Goto_Controls();
   if (key_code == Key_Enter) Run_Goto();
 }

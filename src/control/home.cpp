@@ -6,10 +6,11 @@
 #include "control/controller_state.h"
 #include "control/displays.h"
 #include "control/machine_move.h"
-#include "control/position_memory.h"
 #include "control/scope.h"
 #include "control/waits.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
+#include "core/event_sounds.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -201,7 +202,7 @@ void Command_Home_Click() {
 void Command_ReTool_Click() {
   if (!Begin_Operation()) return;
   const Value_In_Scope busy(Controller.Panel_Busy, true);
-  Play_Event_Sound(sound::Retool);
+  Play_Event_Sound(sound::ReTooling);
   ResetRetoolDisplay();
   Machine.Jog_Stop_Request = true;
   ReTool();

@@ -164,8 +164,7 @@ void Option_JoyCtrl_Click(int index) {
   Reset_Joystick();
   JogKey_Form.Option_JoyCtrl = {{index == 0, index == 1}};
   MachineSetup.KeyJog_Device = To_Int16(index);
-  Trap("KeyJog_Device_Error",
-       [&] { WriteSetup("General", "KeyJog_Device", std::to_string(index)); });
+  WriteSetup("General", "KeyJog_Device", std::to_string(index));
   JogKey_Host.Form_Changed();
 }
 

@@ -6,8 +6,8 @@
 #include "control/displays.h"
 #include "control/home.h"
 #include "control/panel_jog.h"
-#include "control/position_memory.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -38,10 +38,8 @@ std::optional<double> Ask(const std::string& title, const std::string& prompt,
                           const std::string& present) {
   const auto answer = Platform.Input_Box(title, prompt, present);
   if (!answer || answer->empty() || *answer == present) return std::nullopt;
-  std::optional<double> value;
-  Trap_With(
-      [&](const Fault&) { SetStatus(1, "\"" + *answer + "\" is no number: nothing changed.", 5); },
-      [&] { value = RegionalNumber(*answer); });
+  const std::optional<double> value = Try_Number(*answer);
+  if (!value) SetStatus(1, "\"" + *answer + "\" is no number: nothing changed.", 5);
   return value;
 }
 
@@ -56,7 +54,7 @@ bool Ask_Feed(const char* prompt, const char* key, float& feed) {
   }
   return Trap("FEED RATE CHANGE", [&] {
     feed = To_Single(*value);
-    WriteSetup("Axis", key, Shortest_Text(feed));
+    WriteSetup("Axis", key, RegionalFix(Shortest_Text(feed)));
   });
 }
 
@@ -87,7 +85,7 @@ void Label_Tool_Height_Click(int index) {
   Trap("Axis Depth", [&] {
     MachineSetup.Axis_Tool_Height[index] = To_Single(*value);
     WriteSetup("Tool", "Axis_Tool_Height(" + std::to_string(index) + ")",
-               Shortest_Text(MachineSetup.Axis_Tool_Height[index]));
+               RegionalFix(Shortest_Text(MachineSetup.Axis_Tool_Height[index])));
   });
   Load_Z_Levels();
 }

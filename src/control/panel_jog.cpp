@@ -157,8 +157,7 @@ void Combo_SStep_Distance_Change() {
             [&] { value = To_Single(RegionalNumber(CNC_Controls.Combo_SStep_Distance.Text)); });
   if (!(value > 0)) return;
   MachineSetup.CNC_Jog_Increment = value;
-  Trap("CNC_Jog_Increment_Error",
-       [&] { WriteSetup("Jog", "CNC_Jog_Increment", Shortest_Text(value)); });
+  WriteSetup("Jog", "CNC_Jog_Increment", RegionalFix(Shortest_Text(value)));
 }
 
 void Combo_SStep_Distance_Click() {

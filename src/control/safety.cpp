@@ -8,6 +8,7 @@
 #include "control/drive.h"
 #include "core/application.h"
 #include "core/error_log.h"
+#include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
@@ -37,7 +38,7 @@ void Trip() {
     for (Check_Control& box : CNC_Controls.Check_Outputs) box.Value = false;
   }
   Show_EStop_Button();
-  Play_Event_Sound(sound::EStop);
+  Play_Event_Sound(sound::E_Stop);
 }
 
 void Clear() {
@@ -81,7 +82,7 @@ void Engage_EStop_State() {
   Machine.EStop_Flag = true;
   Machine.CNCMode = CNC_Stopped;
   Show_EStop_Button();
-  Play_Event_Sound(sound::EStop);
+  Play_Event_Sound(sound::E_Stop);
 }
 
 void Home_Safety_Check() {

@@ -53,8 +53,7 @@ void Draw_Z_Strip(Plot_Surface& strip, const Plot_Palette& palette) {
   if (!(std::fabs(step) > 0)) return;
   const std::int32_t ground = palette[plot_role::Background];
   const std::int32_t ink = Ink_On(ground);
-  const std::int32_t text_color =
-      Readable_Color(palette[plot_role::Grid], ground, Text_Contrast);
+  const std::int32_t text_color = Readable_Color(palette[plot_role::Grid], ground, Text_Contrast);
   for (double y = -l; step > 0 ? y <= l : y >= l; y += step) {
     Draw_Strip_Line(strip, Line_X, y, Tick_End_X, y, ink);
     strip.Draw_Text(Text_X, y + t / 6, Tick_Text(y), text_color);

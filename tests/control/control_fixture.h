@@ -34,10 +34,6 @@
 #include "platform/scripted/scripted_platform.h"
 #include "simulate/simulated_machine.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <filesystem>
@@ -45,6 +41,10 @@
 #include <map>
 #include <string>
 #include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace norvik {
 
@@ -54,8 +54,8 @@ inline constexpr std::int32_t Step_Port = 888, Input_Port_Address = 889, Enable_
 class Control_Test : public ::testing::Test {
  protected:
   Control_Test() {
-    Folder = std::filesystem::temp_directory_path() /
-             ("norvik_control_" + std::to_string(::getpid()));
+    Folder =
+        std::filesystem::temp_directory_path() / ("norvik_control_" + std::to_string(::getpid()));
     std::filesystem::create_directories(Folder);
     Reset_State();
     Set_Up_Files();
@@ -133,6 +133,15 @@ class Control_Test : public ::testing::Test {
   static void Wire_Input(int slot, std::int32_t port, int bit) {
     MachineSetup.Input_Port[slot] = port;
     MachineSetup.Parallel_Input_Bit[slot] = std::to_string(bit);
+  }
+
+  // Axes without ends and switches.
+  static void Free_Axes() {
+    for (int axis = 1; axis <= 4; ++axis) {
+      Simulated_Machine.Axes[axis].Settings.Limited = false;
+      Simulated_Machine.Inputs[axis].Zones = {};
+      Settings_Changed(axis);
+    }
   }
 
   // --- Acting at a half step ---------------------------------------------------------------------

@@ -1,7 +1,6 @@
 // The run loop: states, order of steps, and what it leaves behind.
-#include "control_fixture.h"
-
 #include "control/run_program.h"
+#include "control_fixture.h"
 
 namespace norvik {
 namespace {
@@ -144,14 +143,13 @@ TEST_P(Step_Range, Bounds_the_run) {
   EXPECT_EQ(Executed, row.Expected);
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
 }
-INSTANTIATE_TEST_SUITE_P(
-    Rows, Step_Range,
-    ::testing::Values(Range_Row{"beyond_the_end", 9, 1, 3, {1, 2, 3}},
-                      Range_Row{"below_the_start", 1, 2, 3, {2, 3}},
-                      Range_Row{"at_the_end", 3, 1, 3, {3}},
-                      Range_Row{"start_behind_end", 1, 3, 2, {3}},
-                      Range_Row{"no_program", 0, 1, 0, {1}}),
-    [](const auto& row) { return std::string(row.param.Name); });
+INSTANTIATE_TEST_SUITE_P(Rows, Step_Range,
+                         ::testing::Values(Range_Row{"beyond_the_end", 9, 1, 3, {1, 2, 3}},
+                                           Range_Row{"below_the_start", 1, 2, 3, {2, 3}},
+                                           Range_Row{"at_the_end", 3, 1, 3, {3}},
+                                           Range_Row{"start_behind_end", 1, 3, 2, {3}},
+                                           Range_Row{"no_program", 0, 1, 0, {1}}),
+                         [](const auto& row) { return std::string(row.param.Name); });
 
 TEST_F(Run_Loop_Test, The_run_timer_starts_anew_with_each_run_of_a_single_step) {
   Load({{1, 1}});

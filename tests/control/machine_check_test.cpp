@@ -1,0 +1,119 @@
+// The machine check: each hazard is found by its key, and a harmless setup gives no finding.
+#include "control/machine_check.h"
+
+#include "control_fixture.h"
+
+namespace norvik {
+namespace {
+
+using ::testing::HasSubstr;
+
+class Machine_Check_Test : public Control_Test {
+ protected:
+  // A setup that surprises nobody.
+  static void Harmless() {
+    Set_Up_Machine();
+    auto& setup = MachineSetup;
+    setup.Axis_SPI.Fill(3000);
+    setup.Axis_Max_Feed_Rate.Fill(100);
+    setup.Axis_Ramping = true;
+    setup.Axis_Ramp_Rate = 2;
+    setup.Parallel_Time_Constant = 12;
+    setup.E_Stop_Output_Disable = true;
+    setup.LimitDisableinRunMode = 1;
+    setup.Parallel_MotorEnable_Option = 2;
+    setup.Parallel_Input_Bit_Invert[EStop_Input] = true;
+    setup.Axis_Backlash_Enable = false;
+  }
+  static std::vector<std::string> Keys() {
+    std::vector<std::string> keys;
+    for (const auto& finding : Machine_Check()) keys.push_back(finding.Key);
+    return keys;
+  }
+};
+
+struct Hazard_Row {
+  const char* Key;
+  const char* Words;
+  std::function<void(Machine_Setup&)> Make;
+};
+const Hazard_Row Hazards[] = {
+    {"Axis_SPI_2", "2 times the speed", [](auto& s) { s.Axis_SPI[2] = 1500; }},
+    {"Axis_SPI_3", "cannot move", [](auto& s) { s.Axis_SPI[3] = 0; }},
+    {"Axis_Ramp_Rate", "3 times as fast", [](auto& s) { s.Axis_SPI.Fill(9000); }},
+    {"Axis_Ramp_Rate", "never changes", [](auto& s) { s.Axis_Ramp_Rate = 0; }},
+    {"Axis_Max_Feed_Rate_1", "faster than 2000",
+     [](auto& s) {
+       s.Axis_SPI.Fill(1500);
+       s.Axis_Max_Feed_Rate = {{2500, 100, 100, 100}};
+       s.Parallel_Output_Bit[1] = "99";
+     }},
+    {"Axis_Max_Feed_Rate_2", "does not make it",
+     [](auto& s) {
+       s.Axis_Max_Feed_Rate = {{100, 1500, 100, 100}};
+     }},
+    {"Parallel_Time_Constant", "never calibrated", [](auto& s) { s.Parallel_Time_Constant = 50; }},
+    {"Axis_HomeTarget_1", "does not lie behind the switch",
+     [](auto& s) {
+       s.Validate_Home_Position = true;
+       s.Axis_HomePath[1] = "-900";
+       s.Axis_HomeTarget[1] = "-800";  // the tap goes to -300
+     }},
+    {"UnitsofMeasurement", "0.05 millimetre",
+     [](auto& s) {
+       s.Validate_Home_Position = true;
+       s.UnitsofMeasurement = 1;
+     }},
+    {"Axis_HomeTarget_4", "no number",
+     [](auto& s) {
+       s.Validate_Home_Position = true;
+       s.Axis_HomePath[4] = "left";
+       s.Axis_HomeTarget[4] = "0";
+     }},
+    {"Axis_Backlash_Enable", "one toggle too many", [](auto& s) { s.Axis_Backlash_Enable = true; }},
+    {"LimitDisableinRunMode", "not engaged", [](auto& s) { s.LimitDisableinRunMode = 0; }},
+    {"LimitSwitchDisable", "not looked at", [](auto& s) { s.LimitSwitchDisable = 1; }},
+    {"E_Stop_Output_Disable", "keeps turning", [](auto& s) { s.E_Stop_Output_Disable = false; }},
+    {"Parallel_MotorEnable_Option", "after every move",
+     [](auto& s) { s.Parallel_MotorEnable_Option = 0; }},
+    {"Parallel_MotorEnable_Option", "stay enabled",
+     [](auto& s) { s.Parallel_MotorEnable_Option = 1; }},
+    {"Parallel_Input_Bit_Invert_0", "broken wire",
+     [](auto& s) { s.Parallel_Input_Bit_Invert[0] = false; }},
+    {"Parallel_Input_Bit_0", "No E-stop input", [](auto& s) { s.Parallel_Input_Bit[0] = "99"; }},
+    {"Parallel_Output_Bit_5", "X direction and Y direction are both on bit 1 of port 888",
+     [](auto& s) { s.Parallel_Output_Bit[5] = "1"; }},
+    {"Parallel_Input_Bit_2", "X switch and Y switch",
+     [](auto& s) { s.Parallel_Input_Bit[2] = s.Parallel_Input_Bit[1]; }},
+    {"Input_Port_3", "counts as on for ever", [](auto& s) { s.Input_Port[3] = 5; }},
+    {"Output_Port_7", "never written", [](auto& s) { s.Output_Port[7] = 70000; }},
+    {"Parallel_IODLL", "nothing is read or written", [](auto& s) { s.Parallel_IODLL = 3; }},
+};
+
+TEST_F(Machine_Check_Test, Each_hazard_is_found_once_by_its_key) {
+  Harmless();
+  EXPECT_THAT(Keys(), ::testing::IsEmpty());
+  for (const Hazard_Row& row : Hazards) {
+    Harmless();
+    row.Make(MachineSetup);
+    const Machine_Setup before = MachineSetup;
+    const auto findings = Machine_Check();
+    ASSERT_EQ(findings.size(), 1U) << row.Key << ": " << row.Words;
+    EXPECT_EQ(findings[0].Key, row.Key);
+    EXPECT_THAT(findings[0].Text, HasSubstr(row.Words));
+    EXPECT_EQ(before.Axis_SPI, MachineSetup.Axis_SPI);
+  }
+}
+
+TEST_F(Machine_Check_Test, Unwired_axes_and_serial_boards_are_not_blamed) {
+  Harmless();
+  MachineSetup.Axis_SPI[4] = 100;
+  MachineSetup.Parallel_Output_Bit[Step_Slot(4)] = "99";
+  EXPECT_THAT(Keys(), ::testing::IsEmpty());
+  MachineSetup.Parallel_Port_Type = 2;
+  MachineSetup.Parallel_IODLL = 3;
+  EXPECT_THAT(Keys(), ::testing::IsEmpty());
+}
+
+}  // namespace
+}  // namespace norvik

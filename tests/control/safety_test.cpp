@@ -1,0 +1,235 @@
+// E-stop button, switches, outputs, knob and the panel's timer.
+#include "control/safety.h"
+
+#include "control_fixture.h"
+
+namespace norvik {
+namespace {
+
+using ::testing::Contains;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class Safety_Test : public Control_Test {};
+
+TEST_F(Safety_Test, The_EStop_button_toggles) {
+  MachineSetup.E_Stop_Output_Disable = true;
+  CNC_Controls.Check_Outputs[0].Value = true;
+  Toggle_Outputs(0);
+  Machine.CNCMode = CNC_Paused;
+  Command_EStop_Click();
+  EXPECT_TRUE(Machine.EStop_Flag);
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_EQ(CNC_Controls.Command_EStop.Caption, "MOTORS DISABLED");
+  EXPECT_EQ(CNC_Controls.Command_EStop.Color, Control_Color::Red);
+  EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "EStop Pressed");
+  EXPECT_FALSE(Simulated_Machine.Outputs[1].On);
+  EXPECT_FALSE(CNC_Controls.Check_Outputs[0].Value);
+  EXPECT_THAT(scripted.Sounds, ElementsAre("5"));
+  CNC_Controls_Timer1();  // the panel's timer leaves the words where they are
+  EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "EStop Pressed");
+  EXPECT_EQ(CNC_Controls.Label_EStop_State.Caption, "E-Stop Tripped");
+
+  Command_EStop_Click();
+  EXPECT_FALSE(Machine.EStop_Flag);
+  EXPECT_EQ(CNC_Controls.Command_EStop.Caption, "MOTORS ENABLED");
+  EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "CNC Stopped");
+  CNC_Controls_Timer1();
+  EXPECT_EQ(CNC_Controls.Label_EStop_State.Caption, "E-Stop Cleared");
+  const std::string log = Read_Whole_File(Application.ErrorFile);
+  EXPECT_THAT(log, HasSubstr("Motor Enable Tripped"));
+  EXPECT_THAT(log, HasSubstr("Motor Enable Cleared"));
+}
+
+TEST_F(Safety_Test, The_one_way_form_makes_no_log_line_and_never_clears) {
+  EStop_Engage();
+  EStop_Engage();
+  EXPECT_TRUE(Machine.EStop_Flag);
+  EXPECT_FALSE(FileExists(Application.ErrorFile));
+  EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "EStop Pressed");
+}
+
+// Two presses in one yield of a move: the second would otherwise take back the first unseen.
+TEST_F(Safety_Test, A_double_click_in_a_move_still_stops_it) {
+  Load({{1, 2}, {2, 0}});
+  In_Yield_After(100, [] {
+    Command_EStop_Click();
+    Command_EStop_Click();
+  });
+  Command_CNC_Play_Click();
+  EXPECT_TRUE(Machine.EStop_Flag);
+  EXPECT_LT(Machine.Position[1], 1);
+  Command_EStop_Click();
+  EXPECT_FALSE(Machine.EStop_Flag);
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);  // clearing moves nothing
+  Expect_Position_True();
+}
+
+TEST_F(Safety_Test, The_watch_trips_the_EStop_for_X_Y_Z_in_a_run_only) {
+  MachineSetup.LimitDisableinRunMode = 1;
+  struct {
+    int Switch;
+    std::int16_t Mode, Watch, Disable;
+    bool Trips;
+  } const rows[] = {{1, CNC_Running, 1, 0, true},  {3, CNC_Stepped, 1, 0, true},
+                    {4, CNC_Running, 1, 0, false}, {2, CNC_Paused, 1, 0, false},
+                    {2, CNC_Running, 0, 0, false}, {2, CNC_Running, 1, 1, false}};
+  for (const auto& row : rows) {
+    Force_Input(row.Switch, Input_Force::On);
+    MachineSetup.LimitDisableinRunMode = row.Watch;
+    MachineSetup.LimitSwitchDisable = row.Disable;
+    Machine.EStop_Flag = false;
+    Machine.CNCMode = row.Mode;
+    CNC_Controls_Timer1();
+    EXPECT_EQ(Machine.EStop_Flag, row.Trips) << row.Switch << " in mode " << row.Mode;
+    if (row.Trips) {
+      EXPECT_THAT(Messages.MessageLog[0], HasSubstr("a limit switch tripped"));
+    }
+    Force_Input(row.Switch, Input_Force::Automatic);
+    Pins.Limit_State = {};
+  }
+}
+
+TEST_F(Safety_Test, The_panels_timer_stops_a_paused_run_at_the_EStop_input) {
+  Load({{1, 1}});
+  Machine.CNCMode = CNC_Paused;
+  Press_EStop(true);
+  CNC_Controls_Timer1();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_FALSE(Machine.EStop_Flag);
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("E-stop input"));
+  EXPECT_EQ(CNC_Controls.Label_EStop_State.Caption, "E-Stop Tripped");
+  Messages = {};
+  CNC_Controls_Timer1();  // at rest it stays quiet
+  EXPECT_EQ(Messages.Panel[1], "");
+}
+
+TEST_F(Safety_Test, A_switch_closed_at_the_start_blocks_nothing_until_all_are_off) {
+  Force_Input(1, Input_Force::On);
+  Home_Safety_Check();
+  EXPECT_TRUE(Pins.Home_Safety_Off);
+  ASSERT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_EQ(scripted.Boxes[0].Title, "Caution");
+  EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("which direction to needs to be halted"));
+  CNC_Controls_Timer1();
+  EXPECT_EQ(CNC_Controls.Label_Home_Safety.Caption, control_text::Home_Safety_Off);
+  Load({{1, 0.5}});
+  Command_CNC_Play_Click();
+  EXPECT_NEAR(Machine.Position[1], 0.5, 1e-9);
+
+  Force_Input(1, Input_Force::Automatic);
+  CNC_Controls_Timer1();
+  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_EQ(CNC_Controls.Label_Home_Safety.Caption, "");
+}
+
+TEST_F(Safety_Test, The_check_at_start_is_quiet_without_switches_or_with_unread_ones) {
+  Home_Safety_Check();
+  MachineSetup.Input_Port[2] = 1;  // never read: counts as on
+  Home_Safety_Check();
+  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_TRUE(scripted.Boxes.empty());
+}
+
+TEST_F(Safety_Test, The_spindle_directions_exclude_each_other_off_first) {
+  CNC_Controls.Check_Outputs[0].Value = true;
+  Toggle_Outputs(0);
+  CNC_Controls_Timer1();
+  EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle On");
+  bool both = false;
+  Platform.Port_Write = [&, inner = Platform.Port_Write](std::uint16_t port, std::uint8_t value) {
+    inner(port, value);
+    both = both || (port == Output_Port_Address && (value & 3) == 3);
+  };
+  CNC_Controls.Check_Outputs[1].Value = true;
+  Toggle_Outputs(1);
+  EXPECT_FALSE(both || Simulated_Machine.Outputs[1].On || CNC_Controls.Check_Outputs[0].Value);
+  EXPECT_TRUE(Simulated_Machine.Outputs[2].On);
+  CNC_Controls.Check_Outputs[4].Value = true;
+  Toggle_Outputs(4);
+  CNC_Controls.Check_Outputs[1].Value = false;
+  Toggle_Outputs(1);
+  EXPECT_FALSE(Simulated_Machine.Outputs[2].On);
+  EXPECT_TRUE(Simulated_Machine.Outputs[5].On);
+  CNC_Controls_Timer1();
+  EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
+}
+
+TEST_F(Safety_Test, Limit_lamps_follow_and_latch) {
+  Force_Input(2, Input_Force::On);
+  CNC_Controls_Timer1();
+  Force_Input(2, Input_Force::Automatic);
+  CNC_Controls_Timer1();
+  EXPECT_EQ(CNC_Controls.Command_Limit1[2].Color, Control_Color::Normal);
+  EXPECT_EQ(CNC_Controls.Command_Lim_Latch[2].Color, Control_Color::Red);
+  Command_Lim_Latch_Click(2);
+  EXPECT_EQ(CNC_Controls.Command_Lim_Latch[2].Color, Control_Color::Normal);
+}
+
+TEST_F(Safety_Test, The_panel_shows_step_timer_and_positions) {
+  Load({{1, 1}, {2, 1.5}});
+  std::vector<std::string> steps, to_go;
+  scripted.On_Yield = [&] {
+    CNC_Controls_Timer1();
+    if (!Step_Engine.Active) return;
+    steps.push_back(CNC_Controls.Label_CNC_Step.Caption);
+    to_go.push_back(CNC_Controls.Label_Axis_DTG[1].Caption);
+  };
+  Command_CNC_Play_Click();
+  EXPECT_THAT(steps, Contains("Step 1 of 2"));
+  EXPECT_THAT(steps, Contains("Step 2 of 2"));
+  EXPECT_THAT(to_go, Contains(HasSubstr("00.7")));
+  EXPECT_EQ(CNC_Controls.Label_Run_Timer.Caption, "Timer: 00:00:01");
+  CNC_Axis_Display();
+  EXPECT_EQ(CNC_Controls.Label_Axis_Pos[1].Caption, "01.5000000");
+}
+
+TEST_F(Safety_Test, The_retool_button_blinks_with_a_period_of_ten_ticks) {
+  Controller.Retool_Active = true;
+  std::string lamps;
+  for (int tick = 0; tick < 20; ++tick) {
+    CNC_Controls_Timer1();
+    lamps += CNC_Controls.Command_AutoRetool[1].Color == Control_Color::Red ? '#' : '.';
+  }
+  EXPECT_EQ(lamps, "####.....#####.....#");
+}
+
+// --- Knob ----------------------------------------------------------------------------------------
+
+TEST_F(Safety_Test, The_knob_maps_its_ends_to_the_limits) {
+  MachineSetup.ThrottleMaxLim = 200;
+  MachineSetup.ThrottleMinLim = 50;
+  EXPECT_EQ(Knob_Override(100), 2048);
+  EXPECT_EQ(Knob_Override(75), 1536);
+  EXPECT_EQ(Knob_Override(50), 1024);
+  EXPECT_EQ(Knob_Override(0), 512);
+  Knob.Knob_Position = 120;
+  Knob_Process();  // the parallel port stays at 100 percent
+  EXPECT_EQ(Knob.Knob_Position, 100);
+  EXPECT_EQ(CNC_Controls.Label_Feed_Overide.Caption, "100%");
+  EXPECT_EQ(Timing.Feed_Override_Target, 1);
+  MachineSetup.Parallel_Port_Type = 2;
+  Knob_Process();
+  EXPECT_EQ(CNC_Controls.Label_Feed_Overide.Caption, "200%");
+  EXPECT_EQ(Knob.Override, 2048);
+}
+
+TEST_F(Safety_Test, A_drag_turns_the_knob_and_a_double_click_centres_it) {
+  Pic_Knob_MouseMove(400);
+  EXPECT_EQ(Knob.Knob_Position, 50);  // no button is down
+  Pic_Knob_MouseDown(1, 100);
+  Pic_Knob_MouseMove(141);
+  EXPECT_EQ(Knob.Knob_Position, 70);  // 70.5: to the even neighbour
+  Pic_Knob_MouseMove(900);
+  EXPECT_EQ(Knob.Knob_Position, 100);
+  EXPECT_GT(CNC_Controls.Pic_Knob_Pointer.X, 0.7);
+  Pic_Knob_MouseUp();
+  Pic_Knob_MouseMove(0);
+  EXPECT_EQ(Knob.Knob_Position, 100);
+  Label_Feed_Overide_DblClick();
+  EXPECT_EQ(Knob.Knob_Position, 50);
+  EXPECT_NEAR(CNC_Controls.Pic_Knob_Pointer.Y, 1, 1e-12);
+}
+
+}  // namespace
+}  // namespace norvik

@@ -1,0 +1,210 @@
+// Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
+#include "control/home.h"
+#include "control/panel_jog.h"
+#include "control/safety.h"
+#include "control_fixture.h"
+
+#include <random>
+
+namespace norvik {
+namespace {
+
+using ::testing::HasSubstr;
+
+// The half step in which the last real edge of a step pin left.
+class Latency : public Control_Test, public ::testing::WithParamInterface<int> {
+ protected:
+  Latency() { Record_Edges(); }
+  std::int64_t Last_Edge() const { return Edges.empty() ? 0 : Edges.back(); }
+};
+
+// An input or a key changes in the delay of half step n; the loop looks at the input before the
+// edges of n + 1, at the key behind those of every second one.
+TEST_P(Latency, EStop_input_lets_no_further_edge_out) {
+  Load({{1, 2, 1}, {2, 0}});
+  At_Half_Step(GetParam(), [] { Press_EStop(true); });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Last_Edge(), GetParam());
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("E-stop input"));
+  Expect_Position_True();
+}
+
+TEST_P(Latency, EStop_flag_lets_no_further_edge_out) {
+  Load({{1, 2, 1}, {2, 0}});
+  At_Half_Step(GetParam(), [] { Command_EStop_Click(); });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Last_Edge(), GetParam());
+  EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "EStop Pressed");
+  Expect_Position_True();
+}
+
+TEST_P(Latency, Escape_acts_within_two_half_steps_however_short_the_press) {
+  Load({{1, 2, 1}, {2, 0}});
+  At_Half_Step(GetParam(), [this] { scripted.Press(key::Escape); });
+  Command_CNC_Play_Click();
+  EXPECT_LE(Last_Edge(), GetParam() + 1);
+  EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_Esc);
+  EXPECT_TRUE(Application.EscFlag);
+  Expect_Position_True();
+}
+
+TEST_P(Latency, A_released_jog_ends_at_the_next_full_step) {
+  At_Half_Step(GetParam(), [] { Jog_MouseUp(1, 1); });
+  Jog_MouseDown(1, 1);
+  EXPECT_LE(Last_Edge(), GetParam() + 2);
+  EXPECT_TRUE(Machine.Jog_Stop_Request);
+  Expect_Position_True();
+}
+
+TEST_P(Latency, A_limit_switch_ends_the_move_at_the_next_half_step) {
+  Load({{1, 2, 1}, {2, 0}});
+  At_Half_Step(GetParam(), [] { Force_Input(1, Input_Force::On); });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Last_Edge(), GetParam());
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_Limit);
+  Expect_Position_True();
+}
+
+// Pause and Stop stand still at the end of the step and of the wire.
+TEST_P(Latency, Pause_and_Stop_end_with_the_step_and_with_the_wire) {
+  Load({{1, 1}, {1, 2}, {2, 3}});
+  In_Yield_After(GetParam(), [] { Command_CNC_Pause_Click(); });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Last_Edge(), 2 * 2 * 400);
+  Command_CNC_Stop_Click();
+  In_Yield_After(GetParam(), [] { Command_CNC_Stop_Click(); });
+  const std::int64_t before = Half_Steps;
+  Command_CNC_Play_Click();
+  EXPECT_LE(Last_Edge(), before + 2 * 400);
+  Expect_Position_True();
+}
+INSTANTIATE_TEST_SUITE_P(Half_Steps, Latency, ::testing::Values(1, 2, 7, 100, 333));
+
+class Stops_Test : public Control_Test {};
+
+TEST_F(Stops_Test, A_late_release_does_not_swallow_a_move) {
+  Load({{1, 0.5}});
+  Jog_MouseUp(1, 0);  // no jog runs
+  Command_CNC_Play_Click();
+  EXPECT_DOUBLE_EQ(Machine.Position[1], 0.5);
+  // The release of a jog that has ended by itself arrives in the yield of a run.
+  Program_Wire.Rows()[0].End[1] = 2;
+  In_Yield_After(50, [] { Jog_MouseUp(1, 0); });
+  Command_CNC_Play_Click();
+  EXPECT_NEAR(Machine.Position[1], 2, 1e-9);
+}
+
+TEST_F(Stops_Test, An_EStop_held_at_the_start_lets_nothing_out) {
+  Press_EStop(true);
+  Load({{1, {}, {}, {}, {}, 0, {}, {}, {2, 1, 1, 1, 1}, 0}, {2, 1}});
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Half_Steps, 0);
+  EXPECT_EQ(Simulated_Machine.Outputs[1].Switchings, 0);
+  EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
+  Jog_MouseDown(1, 1);
+  MachineSetup.Axis_HomePos[1] = "1";
+  Command_Home_Click();
+  EXPECT_EQ(Half_Steps, 0);
+  EXPECT_EQ(Simulated_Machine.Axes[1].Edges, 0);
+  Press_EStop(false);
+  Command_CNC_Play_Click();
+  EXPECT_NEAR(Machine.Position[1], 1, 1e-9);
+}
+
+TEST_F(Stops_Test, A_limit_in_mid_arc_leaves_the_commanded_position_where_the_machine_is) {
+  std::vector<Row> rows;
+  for (int chord = 1; chord <= 10; ++chord) rows.push_back({1, chord * 0.1, chord * 0.05});
+  Load(rows);
+  Simulated_Machine.Inputs[1].Zones[1] = {0.4275, 2};
+  Settings_Changed(1);
+  Command_CNC_Play_Click();
+  EXPECT_NEAR(Machine.Position[1], 0.4275, 2.0 / 400);
+  Expect_Position_True();
+  // The next run leaves the switch in the free direction.
+  Load({{1, 0, 0}});
+  Command_CNC_Play_Click();
+  EXPECT_NEAR(Machine.Position[1], 0, 1e-9);
+  Expect_Position_True();
+}
+
+struct Port_Row {
+  const char* Name;
+  std::uint8_t Answer;
+};
+void PrintTo(const Port_Row& row, std::ostream* out) {
+  *out << row.Name;
+}
+class Dead_Port : public Control_Test, public ::testing::WithParamInterface<Port_Row> {};
+// A port that answers the same for ever: all inputs on (0) or off (255).
+TEST_P(Dead_Port, Neither_hangs_nor_loses_the_position) {
+  Platform.Port_Read = [answer = GetParam().Answer](std::uint16_t) { return answer; };
+  Load({{1, 0.1, 0.2}, {2, 0, 0, 0, 0, 0, {}, std::int16_t{1}}, {3, 0.5}});
+  In_Yield(3000, [] { Application.EscFlag = true; });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_NEAR(Machine.Position[1], GetParam().Answer == 0 ? 0 : 0.1, 1e-9);
+  EXPECT_EQ(Machine.Theoretical_Pos[1], Machine.Position[1]);
+}
+INSTANTIATE_TEST_SUITE_P(Rows, Dead_Port,
+                         ::testing::Values(Port_Row{"zero", 0}, Port_Row{"ones", 255}),
+                         [](const auto& row) { return std::string(row.param.Name); });
+
+TEST_F(Stops_Test, A_chattering_switch_never_breaks_the_count) {
+  std::mt19937 random(20240506);
+  for (int round = 0; round < 40; ++round) {
+    Load({{1, (round % 2 == 0) ? 0.5 : 0.0, 0.25}});
+    for (int n = 0; n < 3; ++n) {
+      const bool on = random() % 2 == 0;
+      At_Half_Step(1 + static_cast<std::int64_t>(random() % 300),
+                   [on] { Force_Input(1, on ? Input_Force::On : Input_Force::Off); });
+    }
+    Command_CNC_Play_Click();
+    Expect_Position_True();
+    EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  }
+}
+
+struct Scale_Row {
+  float Scale;
+  bool Moves;
+};
+TEST_F(Stops_Test, Absurd_scales_are_refused_or_run_but_never_hang) {
+  const Scale_Row rows[] = {{0, true}, {-400, false}, {1e-6F, true}, {3e8F, false}, {3e38F, false}};
+  for (const auto& [scale, moves] : rows) {
+    Messages = {};
+    MachineSetup.Axis_SPI[2] = scale;
+    Load({{1, {}, 8}});
+    Command_CNC_Play_Click();
+    EXPECT_EQ(Machine.CNCMode, CNC_Stopped) << scale;
+    EXPECT_EQ(Half_Steps, 0) << scale;
+    EXPECT_EQ(Machine.Position[2], 0) << scale;
+    EXPECT_EQ(Messages.Panel[1] == control_text::Ended_By_Failure, !moves) << scale;
+  }
+}
+
+TEST_F(Stops_Test, Motion_is_refused_in_words_while_the_EStop_is_set) {
+  Load({{1, 1}});
+  Command_EStop_Click();
+  const std::function<void()> requests[] = {[] { Command_CNC_Play_Click(); },
+                                            [] { Command_CNC_Step_Click(); },
+                                            [] { Jog_MouseDown(1, 0); },
+                                            [] { Command_Home_Click(); },
+                                            [] { Command_ReTool_Click(); },
+                                            [] { Command_AutoRetool_Click(0); },
+                                            [] { CNC_Retool(); },
+                                            [] {
+                                              Start_Key_Jog({{2, false}});
+                                            }};
+  for (const auto& request : requests) {
+    Messages = {};
+    request();
+    EXPECT_EQ(Messages.Panel[1], control_text::Motors_Are_Disabled);
+  }
+  EXPECT_EQ(Half_Steps, 0);
+  EXPECT_FALSE(Controller.Retool_Request);
+  EXPECT_FALSE(Controller.Retool_Active);
+}
+
+}  // namespace
+}  // namespace norvik
