@@ -26,7 +26,6 @@ namespace {
 
 constexpr std::int16_t Good_Save = 123;
 constexpr std::string_view Pointer_Name = "Norvik.Ini";
-constexpr std::string_view Default_Machine_Name = "Default_Machine.ini";
 constexpr const char* Not_Valid_Text =
     "Your machine parameters are not valid.  Please create a new machine ini file.  If you "
     "continue "
@@ -160,7 +159,7 @@ void Write_Row(const Setup_Row& row) {
 void Write_All_Rows() {
   Profile_Session session(Application.MachineFile, Profile_Use::Writing);
   Write_Profile(Application.MachineFile, "AppInfo", "Application_Version",
-                std::string(Program_Title) + " Version " + std::string(Program_Version));
+                std::string(Program_Title) + " Version " + std::string(Program_Version()));
   bool announced = false;
   for (const Setup_Row* row : Setup_Rows_In_Save_Order()) {
     if (row->Save == Save_Place::Sounds && !std::exchange(announced, true)) {

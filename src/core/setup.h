@@ -206,6 +206,8 @@ void LoadMachineSetup();
 bool SaveMachineSetup();
 // Every field to its default, as the factory reset and a missing file give it; touches no file.
 void Restore_Factory_Setup();
+// The machine file in the working folder where the pointer file names none.
+inline constexpr std::string_view Default_Machine_Name = "Default_Machine.ini";
 // Makes `path` the active machine file and remembers it in the pointer file. What the pointer file
 // then says counts; if it says nothing, "Default_Machine.ini" of the working folder.
 void SetMachineName(const std::string& path);

@@ -2,6 +2,6 @@
 
 namespace norvik {
 
-const std::string_view Program_Version = NORVIK_VERSION;
+std::string_view Program_Version() { return NORVIK_VERSION; }
 
 }  // namespace norvik

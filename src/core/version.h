@@ -7,6 +7,6 @@ namespace norvik {
 
 inline constexpr std::string_view Program_Title = "Norvik 4";
 // Major, minor and revision numbers joined by points.
-extern const std::string_view Program_Version;
+std::string_view Program_Version();
 
 }  // namespace norvik

@@ -83,9 +83,11 @@ void Write_Form_Place(Form_Id form, const Window_Place& place) {
   });
 }
 
-bool Form_Was_Open(Form_Id form) {
+std::optional<bool> Form_Was_Open(Form_Id form) {
   const std::string_view key = Words_Of(form).Open_Key;
-  return !key.empty() && ToBoolean(ReadSetup(Section, key));
+  const std::string text = key.empty() ? std::string() : ReadSetup(Section, key);
+  if (text.empty()) return std::nullopt;
+  return ToBoolean(text);
 }
 
 void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views) {

@@ -10,6 +10,7 @@
 #include "platform/platform.h"
 
 #include <array>
+#include <optional>
 #include <string_view>
 
 namespace norvik {
@@ -42,8 +43,9 @@ std::string_view Form_Name(Form_Id form);
 Window_Place Read_Form_Place(Form_Id form);
 // Writes the four edges and the state of one window.
 void Write_Form_Place(Form_Id form, const Window_Place& place);
-// True when the window was open at the last save of the layout. The main window has no such key.
-bool Form_Was_Open(Form_Id form);
+// Whether the window was open at the last save of the layout; absent when that is not known, as
+// always of the main window.
+std::optional<bool> Form_Was_Open(Form_Id form);
 // Writes the whole layout, in the order of All_Forms; the open mark only of windows that have been
 // loaded in this run.
 void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views);

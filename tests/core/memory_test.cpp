@@ -95,9 +95,9 @@ TEST_F(Memory_Test, Windows_Come_Back_Where_They_Stood) {
   Write_Form_Views(views);
   EXPECT_EQ(ReadSetup("Form Position", "GCode_Left"), "450");  // a fifteenth of a pixel
   EXPECT_EQ(Read_Form_Place(Form_Id::GCode), views[1].Place);
-  EXPECT_TRUE(Form_Was_Open(Form_Id::GCode));
-  EXPECT_FALSE(Form_Was_Open(Form_Id::Plot));
-  EXPECT_EQ(ReadSetup("Form Position", "JogKey_Open"), "");  // not loaded in this run
+  EXPECT_EQ(Form_Was_Open(Form_Id::GCode), true);
+  EXPECT_EQ(Form_Was_Open(Form_Id::Plot), false);
+  EXPECT_EQ(Form_Was_Open(Form_Id::JogKey), std::nullopt);  // not loaded in this run
   EXPECT_EQ(ReadSetup("Form Position", "Main_Open"), "");
   // The main window's left edge is never restored from the layout.
   EXPECT_EQ(ReadSetup("Form Position", "Main_Left"), "300");

@@ -1,0 +1,100 @@
+#include "app/folders.h"
+
+#include "core/application.h"
+#include "core/error_log.h"
+#include "core/paths.h"
+#include "core/setup.h"
+
+#include <cstdlib>
+#include <filesystem>
+#include <langinfo.h>
+#include <locale.h>
+
+namespace norvik {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Environment_Folder(const char* name, const std::string& otherwise) {
+  const char* value = std::getenv(name);
+  // A relative path would depend on where the program was started.
+  if (value == nullptr || !fs::path(value).is_absolute()) return otherwise;
+  return value;
+}
+
+bool Make_Folder(const std::string& folder) {
+  std::error_code failure;
+  fs::create_directories(folder, failure);
+  if (fs::is_directory(folder, failure)) return true;
+  ErrorLogWrite("The folder " + folder + " cannot be made: " + failure.message());
+  return false;
+}
+
+void Set_Working_Files(const std::string& working) {
+  Application.AppDirectory = working;
+  const auto under = [&](std::string_view name) { return Join_Path(working, name); };
+  Application.Temporary_GCode = under("TEMP_NORVIK999.GC");
+  Application.DXF_Scratch = under("DXFtmp.txt");
+  Application.HPGL_Scratch = under("HPGLtmp.txt");
+  Application.Bitmap_Scratch = under("Bitmaptmp.txt");
+  Application.Gerber_Scratch = under("Graftmp.txt");
+  Application.ErrorFile = under("NorvikErr.txt");
+}
+
+// A folder that the operator chose for the tables and that is not there must not lose a compile.
+void Set_Table_Folder() {
+  const fs::path chosen = ReadPointer("Platform", "Table_Directory");
+  Application.Table_Folder = (Application.AppDirectory / chosen).string();
+  if (!chosen.empty() && Make_Folder(Application.Table_Folder)) return;
+  Application.Table_Folder = Application.AppDirectory;
+}
+
+}  // namespace
+
+Folder_Set Usual_Folders() {
+  const std::string home = Environment_Folder("HOME", "/");
+  return {Join_Path(Environment_Folder("XDG_DATA_HOME", Join_Path(home, ".local/share")), "norvik"),
+          Join_Path(Environment_Folder("XDG_CONFIG_HOME", Join_Path(home, ".config")), "norvik")};
+}
+
+void Read_Machine_Name() {
+  Application.MachineFile = ReadPointer("Machine", "Name");
+  if (Application.MachineFile.empty()) {
+    Application.MachineFile = Join_Path(Application.AppDirectory, Default_Machine_Name);
+  }
+}
+
+bool Use_Folders(const Folder_Set& folders) {
+  if (!Make_Folder(folders.Working) || !Make_Folder(folders.Pointer)) return false;
+  Set_Working_Files(folders.Working);
+  Application.Pointer_Folder = folders.Pointer;
+  Set_Table_Folder();
+  Read_Machine_Name();
+  return true;
+}
+
+bool Enter_Desktop_Folders() {
+  const Folder_Set folders = Usual_Folders();
+  if (!Use_Folders(folders)) return false;
+  std::error_code failure;
+  fs::current_path(folders.Working, failure);
+  return !failure;
+}
+
+bool Set_Companion_Folders(const std::string& home) {
+  if (home.empty()) return Use_Folders(Usual_Folders());
+  std::error_code failure;
+  const std::string folder = fs::absolute(home, failure).string();
+  return !failure && Use_Folders({folder, folder});
+}
+
+char Regional_Decimal_Sign() {
+  const locale_t region = ::newlocale(LC_NUMERIC_MASK, "", locale_t{});
+  if (region == locale_t{}) return '.';  // The environment names a region that is not installed.
+  const char sign = ::nl_langinfo_l(RADIXCHAR, region)[0];
+  ::freelocale(region);
+  return sign == ',' ? ',' : '.';
+}
+
+}  // namespace norvik

@@ -1,0 +1,23 @@
+// forms.h: the layout of the windows as a whole.
+#pragma once
+
+namespace norvik {
+
+struct Forms_State {
+  // Which of the three main tool windows `UnLoad_Forms` found open.
+  bool Plot_Was_Open = false, GCode_Was_Open = false, CNC_Controls_Was_Open = false;
+};
+extern Forms_State Forms;
+
+// Writes place and state of every window, and which of those opened in this run are open.
+void Save_Default_Form_View();
+
+// Before another machine setup: remembers which of the windows are open and closes all tool windows.
+void UnLoad_Forms();
+// After it: the layout of that setup; where it says nothing about a window, as it was before.
+void ReLoad_Forms();
+
+// Opens `CNC_Controls`, `Plot` and `Gcode`, each when the machine file says that it was open.
+void Show_Open_Forms();
+
+}  // namespace norvik

@@ -1,0 +1,140 @@
+#include "app/gcode_file.h"
+
+#include "app/gcode_form.h"
+#include "app/main_form.h"
+#include "app/openers.h"
+#include "compiler/compile.h"
+#include "compiler/compiler_state.h"
+#include "compiler/program_text.h"
+#include "control/cnc_controller.h"
+#include "core/application.h"
+#include "core/error_log.h"
+#include "core/fault.h"
+#include "core/messages.h"
+#include "core/paths.h"
+#include "core/recent_files.h"
+#include "core/remembered_files.h"
+#include "core/setup.h"
+#include "platform/platform.h"
+
+#include <filesystem>
+
+namespace norvik {
+
+namespace {
+
+constexpr std::int32_t Lines_Per_Yield = 500;
+constexpr const char* Temporary_Name = "TEMP_NORVIK999.GC";
+constexpr const char* Trap_Name = "GCode File Load Error";  // of the save too
+
+void Become_Current(const std::string& path) {
+  Main_Form.Current_File = path;
+  Set_Caption(path);
+}
+
+// What follows once the lines of a program stand in the table.
+void Show_New_Program() {
+  Machine.StartingStep = 1;
+  Compile_Status.CurrentStep = 1;
+  Machine.EndingStep = GCodeLineCount();
+  Gcode_Form.Text_Edited = false;
+  Gcode_Host.Show_Program();
+  Display_Gcode_Steps();
+  if (MachineSetup.Plot_Auto_Loading != 0) GCode_Compile_All();
+  Display_Gcode_Steps();
+}
+
+void Delete_If_Temporary(const std::string& path) {
+  if (Upper(PathFileName(path)) != Temporary_Name) return;
+  std::error_code ignored;
+  std::filesystem::remove(path, ignored);
+}
+
+bool Load_Lines(const std::string& path) {
+  const auto before = GCode_Program.Text;
+  SetStatus(1, "Open GCode: Loading File...", 5);
+  SaveChanges(Read_Whole_File(path));
+  return GCode_Program.Text != before;  // a text that is too large was refused and told
+}
+
+std::string Program_Bytes() {
+  const auto program = GCode_Program.Text;
+  std::string bytes;
+  bytes.reserve(program->Whole().size());
+  for (std::int32_t line = 1; line <= program->Line_Count(); ++line) {
+    bytes.append(program->Line(line)).append("\r\n");
+    if (line % Lines_Per_Yield == 0) DoEvents();
+  }
+  return bytes;
+}
+
+}  // namespace
+
+bool Open_GCode(const std::string& path) {
+  if (!Stopped_For("Can't open file")) return false;
+  if (!FileExists(path)) {
+    Platform.Beep();
+    return false;
+  }
+  bool loaded = false;
+  Trap(Trap_Name, [&] {
+    loaded = Load_Lines(path);
+    if (!loaded) return;
+    Delete_If_Temporary(path);
+    Show_New_Program();
+  });
+  return loaded;
+}
+
+bool Save_GCode(const std::string& path) {
+  return Trap_With(
+      [](const Fault& fault) {
+        ErrorLogWrite(std::string(Trap_Name) + " # " + fault.Description);
+        Platform.Message_Box("Norvik 4", fault.Description + "\n\nThe program is not saved.",
+                             Box_Buttons::Ok);
+      },
+      [&] {
+        Take_Typed_Text();
+        SetStatus(1, "Save GCode: Saving File...", -1);
+        Replace_File(path, Program_Bytes());
+        SetStatus(1, "", -1);
+      });
+}
+
+void Menu_File_Open() {
+  if (!Stopped_For("Can't open file")) return;
+  const auto path = Platform.Open_File_Dialog({"Open", "All Files (*.*)|*.*|G Code Files (*.gc)|*.gc",
+                                               Last_File(File_Kind::GCode).Directory, "", "gc"});
+  if (!path) return;
+  RememberFile(File_Kind::GCode, *path);
+  Become_Current(*path);
+  Add_Recent_File(*path);
+  Open_GCode(*path);
+}
+
+void Menu_File_Save() {
+  const auto& last = Last_File(File_Kind::GCode);
+  const std::string offered = ChangeExtension(PathFileName(Main_Form.Current_File), "GC");
+  auto path = Platform.Save_File_Dialog({"Save", "All Files(*.*)|*.*|G Code Files(*.GC)|*.GC",
+                                         last.Directory, offered, "GC"});
+  if (!path) return;
+  if (PathFileName(*path).find('.') == std::string::npos) *path += ".GC";
+  if (!Save_GCode(*path)) return;
+  RememberFile(File_Kind::GCode, *path);
+  Become_Current(*path);
+  Add_Recent_File(*path);
+}
+
+void Menu_File_New() {
+  if (!Stopped_For("Can't open file")) return;
+  const Box_Answer answer = Platform.Message_Box(
+      "New File",
+      "Are you sure you want to create a new G-Code file, this will erase the current G-Code data?",
+      Box_Buttons::Yes_No_Cancel);
+  if (answer != Box_Answer::Yes) return;
+  Become_Current(Last_File(File_Kind::GCode).Directory + "New_GCode_File.GC");
+  SaveChanges("");
+  Show_New_Program();
+}
+
+}  // namespace norvik

@@ -1,0 +1,236 @@
+#include "app/gcode_form.h"
+
+#include "compiler/compile.h"
+#include "compiler/compiler_state.h"
+#include "compiler/program_text.h"
+#include "control/cnc_controller.h"
+#include "core/application.h"
+#include "core/format.h"
+#include "core/messages.h"
+#include "core/numbers.h"
+#include "core/setup.h"
+#include "platform/platform.h"
+#include "plot/nist_plot.h"
+
+#include <algorithm>
+#include <vector>
+
+namespace norvik {
+
+Gcode_Form_Record Gcode_Form;
+Gcode_Host_Operations Gcode_Host;
+
+namespace {
+
+constexpr std::int32_t Lines_Per_Yield = 500;
+
+std::int32_t& Current_Step() { return Compile_Status.CurrentStep; }
+
+// Percent of `part` in the count of lines.
+std::string Line_Percent(std::int32_t part, std::string_view pattern) {
+  const std::int32_t all = std::max(GCodeLineCount(), 1);
+  return Format_Number(100.0 * part / all, pattern);
+}
+
+// A whole number typed by the operator; what is none counts as 0.
+std::int32_t Typed_Step(const std::string& text) { return GetLong(text, Sentinel::Empty, 0); }
+
+// Counts line ends from where the last question left off, so that following a run through a long
+// program costs little.
+struct Line_Count_State {
+  const GCode_Text* Text = nullptr;
+  std::size_t Offset = 0;
+  std::int32_t Line = 1;
+};
+Line_Count_State Line_Count;
+
+// True when a line of the text ends with the character at `at`.
+bool Ends_Line(std::string_view text, std::size_t at) {
+  return text[at] == '\n' || (text[at] == '\r' && (at + 1 == text.size() || text[at + 1] != '\n'));
+}
+
+std::int32_t Line_At(std::size_t offset) {
+  const GCode_Text* text = GCode_Program.Text.get();
+  if (Line_Count.Text != text || Line_Count.Offset > offset) Line_Count = {text, 0, 1};
+  const std::string_view whole = text->Whole();
+  for (; Line_Count.Offset < offset; ++Line_Count.Offset) {
+    if (Ends_Line(whole, Line_Count.Offset)) ++Line_Count.Line;
+  }
+  return Line_Count.Line;
+}
+
+std::size_t Offset_Of_Step(std::int32_t step) {
+  return static_cast<std::size_t>(GCode_Line(step).data() - GCode_Program.Text->Whole().data());
+}
+
+}  // namespace
+
+void Text_GCode_Change() {
+  Gcode_Form.Text_Edited = true;
+  SetStatus(1, "GCode has changed and needs to be compiled.", 5);
+}
+
+void Take_Typed_Text() {
+  if (!Gcode_Form.Text_Edited) return;
+  const auto before = GCode_Program.Text;
+  SaveChanges(Gcode_Host.Typed_Text());
+  Gcode_Form.Text_Edited = GCode_Program.Text == before;  // a text that was refused still waits
+  Display_Gcode_Steps();
+}
+
+void Gcode_Step_Display() {
+  Current_Step() = std::min(Current_Step(), GCodeLineCount());
+  SetStatus(1, "GCode Step Display: Displaying data...", 5);
+  const auto program = GCode_Program.Text;  // a handler in a yield may replace it
+  std::string text;
+  text.reserve(program->Whole().size());
+  for (std::int32_t line = 1; line <= program->Line_Count(); ++line) {
+    text.append(program->Line(line)).append("\r\n");
+    if (line % Lines_Per_Yield != 0) continue;
+    SetStatus(1,
+              "GCode Step Display: Displaying data " + Line_Percent(line, "###.00") + "% completed",
+              5);
+    DoEvents();
+  }
+  if (GCode_Program.Text == program) GCode_Program.Text = std::make_shared<const GCode_Text>(text);
+  Gcode_Host.Show_Program();
+  Gcode_Form.Text_Edited = false;
+  Machine.EndingStep = GCodeLineCount();
+  Display_Gcode_Steps();
+}
+
+void Text_GCode_DblClick(std::int32_t text_line) {
+  const std::int32_t step = Step_Of_Text_Line(text_line);
+  if (step < 1) return;
+  Plot_Highlight_Step(step);
+  SetStatus(1, GCode_Line(step), 5);
+}
+
+void Print_Data() {
+  Take_Typed_Text();
+  const auto program = GCode_Program.Text;
+  std::vector<std::string> lines;
+  lines.reserve(static_cast<std::size_t>(program->Line_Count()));
+  for (std::int32_t line = 1; line <= program->Line_Count(); ++line) {
+    lines.emplace_back(program->Line(line));
+    if (line % Lines_Per_Yield != 0) continue;
+    SetStatus(1, "GCode Printing. " + Line_Percent(line, "##0.00") + "% completed", 5);
+    DoEvents();
+  }
+  const bool printed = Platform.Print_Lines(lines);
+  SetStatus(1, printed ? "" : "Nothing was printed: there is no printer, or it was cancelled.", 5);
+}
+
+std::int32_t Step_Of_Text_Line(std::int32_t text_line) {
+  const std::string_view whole = GCode_Program.Text->Whole();
+  std::size_t start = 0;
+  for (std::int32_t line = 1; line < text_line && start < whole.size(); ++start) {
+    if (Ends_Line(whole, start)) ++line;
+  }
+  // The last step that begins at or before the start of the line.
+  std::int32_t low = 0, high = GCodeLineCount();
+  while (low < high) {
+    const std::int32_t middle = low + (high - low + 1) / 2;
+    if (Offset_Of_Step(middle) <= start) {
+      low = middle;
+    } else {
+      high = middle - 1;
+    }
+  }
+  return low;
+}
+
+std::int32_t Text_Line_Of_Step(std::int32_t step) { return Line_At(Offset_Of_Step(step)); }
+
+void Command_Update_Click() {
+  static bool in_handler = false;
+  if (in_handler || Compile_Status.CompileRunning) {
+    Platform.Beep();
+    return;
+  }
+  if (!Stopped_For("Can't compile")) return;
+  in_handler = true;
+  Take_Typed_Text();
+  Gcode_Host.GCode_HighlightAll();
+  GCode_Compile_All();
+  Display_Gcode_Steps();
+  in_handler = false;
+}
+
+void Command_GStep_Click() {
+  if (Machine.CNCMode != CNC_Stopped || Compile_Status.CompileRunning) {
+    Platform.Beep();
+    return;
+  }
+  Compile_Status.CompileRunning = true;  // keeps other compile actions out
+  Current_Step() = std::max(Current_Step(), Machine.StartingStep);
+  Plot_Highlight_Step(Current_Step());
+  if (Current_Step() < GCodeLineCount()) ++Current_Step();
+  Display_Gcode_Steps();
+  Compile_Status.CompileRunning = false;
+}
+
+void Command_GCode_Reset_Click() {
+  Current_Step() = Machine.StartingStep;
+  Display_Gcode_Steps();
+  if (MachineSetup.Plot_Show_Grid == 1) NIST_RePlot();
+}
+
+void Text_StartingStep_Change() {
+  Machine.StartingStep = std::max(Typed_Step(Gcode_Form.Text_StartingStep.Text), 1);
+}
+
+void Text_EndingStep_Change() {
+  const std::int32_t typed = Typed_Step(Gcode_Form.Text_EndingStep.Text);
+  Machine.EndingStep = std::max(Machine.StartingStep, std::min(typed, GCodeLineCount()));
+}
+
+void Display_Gcode_Steps() {
+  const std::int32_t step = Current_Step();
+  const bool has_line = step >= 1 && step <= GCodeLineCount();
+  Gcode_Form.Label_GC_NOS.Caption = std::to_string(GCodeLineCount());
+  Gcode_Form.Label_GStep.Caption = std::to_string(step);
+  Gcode_Form.Label_CGStep.Caption = has_line ? std::string(GCode_Line(step)) : std::string();
+  Gcode_Form.Text_StartingStep.Text = std::to_string(Machine.StartingStep);
+  Gcode_Form.Text_EndingStep.Text = std::to_string(Machine.EndingStep);
+  Gcode_Host.Form_Changed();
+}
+
+namespace {
+
+struct Feed_Box {
+  std::string_view Key;
+  float Machine_Setup::*Field;
+  float Compiler_State::*Working;
+};
+constexpr Feed_Box Feed_Boxes[] = {
+    {"Axis_Feed_Rate_Travel", &Machine_Setup::Axis_Feed_Rate_Travel, &Compiler_State::TravelFeed},
+    {"Axis_Feed_Rate_Cut", &Machine_Setup::Axis_Feed_Rate_Cut, &Compiler_State::CutFeed},
+};
+
+std::string Feed_Text(float feed) { return RegionalFix(Shortest_Text(feed)); }
+
+}  // namespace
+
+void Display_Parameters() {
+  Gcode_Form.Label_FRUnits.Caption =
+      std::string(MachineSetup.UnitsofMeasurement == 1 ? "mm" : "I") + "PM";
+  for (int index = 0; index <= 1; ++index) {
+    Gcode_Form.Text_Feed_Rates[index].Text = Feed_Text(MachineSetup.*Feed_Boxes[index].Field);
+  }
+  Gcode_Host.Form_Changed();
+}
+
+void Text_Feed_Rates_Change(int index) {
+  const std::string typed = Gcode_Form.Text_Feed_Rates[index].Text;
+  const Feed_Box& box = Feed_Boxes[index];
+  float& feed = MachineSetup.*box.Field;
+  const float wanted = GetFloat(typed, Sentinel::Zero, feed);
+  if (wanted > 0 && wanted != feed) {
+    feed = Compiler.*box.Working = wanted;
+    WriteSetup("Axis", box.Key, Feed_Text(feed));
+  }
+  Display_Parameters();
+}
+
+}  // namespace norvik

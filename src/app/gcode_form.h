@@ -1,0 +1,87 @@
+// gcode_form.h: the window `Gcode` as a record of its controls, and its handlers.
+//
+// The text box is the operator's; the program is what the last `SaveChanges` took from it. A typed
+// text is taken when something needs the program (compile, save, print), never in passing, and the
+// status line says that it waits.
+//
+//   Text_GCode --typed--> Text_Edited --Take_Typed_Text--> GCode_Program --compile--> tables
+//
+// The box itself is reached through `Gcode_Host`, so that a program of a million lines is not copied
+// with every change of a label.
+#pragma once
+
+#include "control/form_controls.h"
+#include "core/indexed.h"
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace norvik {
+
+struct Gcode_Form_Record {
+  bool Text_Edited = false;  // Text_GCode holds what the program does not have yet
+  Text_Control Text_StartingStep, Text_EndingStep;
+  Indexed<Text_Control, 0, 1> Text_Feed_Rates;  // 0 travel, 1 cut; IPM
+  Label_Control Label_GC_NOS;                   // number of lines
+  Label_Control Label_GStep;                    // current step
+  Label_Control Label_CGStep;                   // text of the current line
+  Label_Control Label_FRUnits;                  // "IPM" or "mmPM"
+};
+extern Gcode_Form_Record Gcode_Form;
+
+// What the logic asks of the window. Each does nothing by default.
+struct Gcode_Host_Operations {
+  std::function<void()> Form_Changed = [] {};
+  // The text as it stands in Text_GCode; asked only while Text_Edited.
+  std::function<std::string()> Typed_Text = [] { return std::string(); };
+  // `GCode_Program` is to be shown in Text_GCode.
+  std::function<void()> Show_Program = [] {};
+  // Colours all lines anew and drops every mark.
+  std::function<void()> GCode_HighlightAll = [] {};
+  // Marks one line, counted from 1 over the lines of the text, empty ones included.
+  std::function<void(std::int32_t text_line)> GCode_HighlightWords = [](std::int32_t) {};
+  // Selects the first place of a text.
+  std::function<void(const std::string& text)> Select_Text = [](const std::string&) {};
+};
+extern Gcode_Host_Operations Gcode_Host;
+
+// --- The text ------------------------------------------------------------------------------------
+
+// The operator has typed.
+void Text_GCode_Change();
+// Takes a typed text as the program; nothing happens when none waits.
+void Take_Typed_Text();
+// The program's lines, without empty ones, back into the box. Yields.
+void Gcode_Step_Display();
+// Marks the plot element of a line of the text, counted with empty ones, and shows its words.
+void Text_GCode_DblClick(std::int32_t text_line);
+// Prints the lines. Yields.
+void Print_Data();
+
+// The program step of a line of the text (the last step that begins at or before it, 0: none), and
+// the line on which a step stands.
+std::int32_t Step_Of_Text_Line(std::int32_t text_line);
+std::int32_t Text_Line_Of_Step(std::int32_t step);
+
+// --- Compile and steps ---------------------------------------------------------------------------
+
+// Takes the text and compiles it.
+void Command_Update_Click();
+// Marks the current step in the plot and goes on to the next.
+void Command_GStep_Click();
+// Back to the first step.
+void Command_GCode_Reset_Click();
+// The operator has changed a step box; the record holds the text.
+void Text_StartingStep_Change();
+void Text_EndingStep_Change();
+
+// --- Displays ------------------------------------------------------------------------------------
+
+void Display_Gcode_Steps();  // the three labels and the two boxes
+void Display_Parameters();   // feeds and their unit
+// The operator has changed a feed: 0 travel, 1 cut. What is no number above 0 is put back.
+void Text_Feed_Rates_Change(int index);
+
+}  // namespace norvik

@@ -1,0 +1,16 @@
+// machine_menu.h: choosing, making and resetting the machine setup.
+#pragma once
+
+namespace norvik {
+
+// Asks for a name and writes the present parameters there; that file is the machine file from then
+// on. When it cannot be written the old one stays.
+void Menu_Machine_Create_New_Machine();
+// Asks for a machine file and takes it over, windows included. Refused unless the machine stands.
+void Menu_Machine_Load_Machine_Setup();
+// The three Z levels to section `Tool` of the machine file.
+void Save_Cut_Depths();
+// Every parameter to its factory value and into the machine file, after a question.
+void Command_Parameter_Reset_Click();
+
+}  // namespace norvik

@@ -1,0 +1,15 @@
+#include "app/main_form.h"
+
+#include "core/paths.h"
+
+namespace norvik {
+
+Main_Form_Record Main_Form;
+Main_Host_Operations Main_Host;
+
+void Set_Caption(const std::string& path) {
+  Main_Form.Caption = "Norvik 4  " + PathFileName(path);
+  Main_Host.Caption_Changed();
+}
+
+}  // namespace norvik

@@ -1,0 +1,44 @@
+// main_form.h: the main window as a record, and what the spine asks of the windows and of drives that
+// are not built in.
+//
+// Every operation does nothing by default, so that the spine runs without windows.
+#pragma once
+
+#include "core/window_memory.h"
+
+#include <functional>
+#include <string>
+
+namespace norvik {
+
+struct Main_Form_Record {
+  std::string Caption = "Norvik 4";
+  std::string Current_File;  // the file that was opened or saved last, with its folder
+};
+extern Main_Form_Record Main_Form;
+
+struct Main_Host_Operations {
+  // --- Windows -----------------------------------------------------------------------------------
+  std::function<void()> Caption_Changed = [] {};
+  std::function<void(const Window_Place&)> Place_Main = [](const Window_Place&) {};
+  // Opens a tool window where it stood; brings an open one to the front.
+  std::function<void(Form_Id)> Show_Form = [](Form_Id) {};
+  // Closes a tool window; it writes its place before.
+  std::function<void(Form_Id)> Unload_Form = [](Form_Id) {};
+  std::function<void(Form_Id)> Focus_Form = [](Form_Id) {};
+  std::function<Form_View(Form_Id)> View_Of = [](Form_Id) { return Form_View(); };
+  // Closes every other window: options, lists, dialogs.
+  std::function<void()> Unload_Other_Windows = [] {};
+
+  // --- Devices of other rooms --------------------------------------------------------------------
+  std::function<void()> Open_Serial_Link = [] {};
+  // Sends the four axis positions to the board.
+  std::function<void()> Send_Positions = [] {};
+  std::function<void(int device)> Open_Joystick = [](int) {};
+};
+extern Main_Host_Operations Main_Host;
+
+// "Norvik 4  " and the file's name.
+void Set_Caption(const std::string& path);
+
+}  // namespace norvik

@@ -1,0 +1,76 @@
+#include "app/shutdown.h"
+
+#include "app/main_form.h"
+#include "app/startup.h"
+#include "compiler/compile.h"
+#include "compiler/compiler_state.h"
+#include "control/controller_state.h"
+#include "core/application.h"
+#include "core/axis_memory.h"
+#include "parallel/pin_map.h"
+#include "platform/platform.h"
+
+namespace norvik {
+
+namespace {
+
+constexpr int Yields = 500'000;
+
+// True when nobody is left who would have to see the flags: no run, move or compile, and no input.
+bool Nothing_Runs() {
+  return !Anything_Moves() && Machine.CNCMode == CNC_Stopped && !Compile_Status.CompileRunning &&
+         !Platform.Input_Pending();
+}
+
+// Yields so often that every loop and timer meets the flags. A yield of a desktop with windows may
+// cost many microseconds, and half a million of them would look like a hanging program; so the count
+// is cut short once the queue is empty and no loop is active.
+void Let_Loops_End() {
+  constexpr int at_least = 100;
+  for (int count = 0; count < Yields; ++count) {
+    if (count >= at_least && Nothing_Runs()) return;
+    DoEvents();
+  }
+}
+
+void Stop_Timers() {
+  for (Timer_Id* timer : {&Main.Timer1, &Main.Timer2}) {
+    if (*timer != 0) Platform.Stop_Timer(*timer);
+    *timer = 0;
+  }
+}
+
+void Unload_Windows() {
+  for (const Form_Id form : {Form_Id::CNC_Controls, Form_Id::GCode, Form_Id::Plot, Form_Id::JogKey,
+                             Form_Id::Port_IO}) {
+    Main_Host.Unload_Form(form);
+  }
+  Main_Host.Unload_Other_Windows();
+}
+
+}  // namespace
+
+void bye() {
+  if (Application.ShutdownFlag) return;
+  const bool is_second_instance = Main.Timer1 == 0;  // Nothing was read, so nothing may be written.
+  if (!is_second_instance) All_Outputs_Off();
+  Application.ShutdownFlag = true;
+  Application.Closing_Program = true;
+  Let_Loops_End();
+  if (!is_second_instance) {
+    Save_Axis_Positions();
+    for (int axis = 1; axis <= 4; ++axis) Motor_Disable(axis);
+  }
+  DoEvents();
+  Unload_Windows();
+  Let_Loops_End();
+  Stop_Timers();
+  Platform.End_Process();
+}
+
+bool Unload_Main() {
+  bye();
+  return false;
+}
+
+}  // namespace norvik

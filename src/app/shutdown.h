@@ -1,0 +1,14 @@
+// shutdown.h: the one way out of the program.
+#pragma once
+
+namespace norvik {
+
+// Outputs off, all loops told to end, positions saved, motors off, windows closed, process ended.
+// Called a second time it does nothing.
+void bye();
+
+// The operator closes the main window: `bye` alone ends the process, so the close itself is refused.
+// Always false.
+bool Unload_Main();
+
+}  // namespace norvik

@@ -1,0 +1,112 @@
+#include "app/startup.h"
+
+#include "app/folders.h"
+#include "app/forms.h"
+#include "app/main_form.h"
+#include "app/shutdown.h"
+#include "app/timers.h"
+#include "compiler/compiler_state.h"
+#include "core/application.h"
+#include "core/axis_memory.h"
+#include "core/error_log.h"
+#include "core/messages.h"
+#include "core/numbers.h"
+#include "core/paths.h"
+#include "core/recent_files.h"
+#include "core/remembered_files.h"
+#include "core/setup.h"
+#include "core/tool_file.h"
+#include "parallel/pin_map.h"
+#include "parallel/timing.h"
+#include "plot/view.h"
+
+#include <filesystem>
+
+namespace norvik {
+
+Main_State Main;
+
+namespace {
+
+constexpr int Timer1_ms = 100, Timer2_ms = 1000;
+constexpr int Joystick_Device = 0;
+constexpr const char* No_Pointer_Text =
+    "Norvik.ini could not be found.  Use the Setup menus to initialize all parameters before using "
+    "Norvik 4";
+
+bool On_Parallel_Port() { return MachineSetup.Parallel_Port_Type == 1; }
+bool On_Serial_Board() { return MachineSetup.Parallel_Port_Type > 1; }
+
+void Read_Pointer_File() {
+  Main.Pointer_File_Was_There = FileExists(Pointer_File());
+  Read_Remembered_Files();
+  Read_Machine_Name();
+}
+
+void Read_Machine_File() {
+  Application.SelfTestValue = GetInt(ReadSetup("General", "INI_Save_Test"), Sentinel::Zero, 999);
+  ReadPointer("test", "test1234");  // a touch of the file, without effect
+  LoadMachineSetup();
+  if (MachineSetup.ErrorFile_AutoClear) Reset_Error_Log();
+}
+
+void Read_Tools() {
+  const std::string folder = Join_Path(Application.AppDirectory, "Tools");
+  std::error_code ignored;
+  std::filesystem::create_directory(folder, ignored);
+  MachineSetup.Tool_Directory = folder;
+  Read_Tool_File(MachineSetup.Tool_File_Name);
+}
+
+void Restore_Positions() {
+  Load_Axis_Positions();
+  if (On_Serial_Board()) Main_Host.Send_Positions();
+}
+
+void Start_Timers() {
+  Main.Timer1 = Platform.Start_Timer(Timer1_ms, Main_Timer1);
+  Main.Timer2 = Platform.Start_Timer(Timer2_ms, Main_Timer2);
+}
+
+void Open_Drive() {
+  if (MachineSetup.Parallel_Port_Type != 2) Idle_All_Outputs();
+  if (On_Serial_Board()) Main_Host.Open_Serial_Link();
+  if (On_Parallel_Port()) All_Outputs_Off();
+  Set_Application_Priority(MachineSetup.Application_Priority);
+}
+
+}  // namespace
+
+void Load_Main() {
+  if (Platform.Other_Instance_Runs()) {
+    bye();
+    return;
+  }
+  Application.DecimalSeparator = Regional_Decimal_Sign();
+  Read_Pointer_File();
+  Read_Machine_File();
+  Read_Tools();
+  Restore_Positions();
+  Start_Timers();
+  Read_Recent_Files();
+  Compiler.TravelFeed = MachineSetup.Axis_Feed_Rate_Travel;
+  Compiler.CutFeed = MachineSetup.Axis_Feed_Rate_Cut;
+  Open_Drive();
+  Main_Host.Place_Main(Read_Form_Place(Form_Id::Main));
+  Show_Open_Forms();
+  Main_Host.Open_Joystick(Joystick_Device);
+  AddMessage("Starting Norvik");
+}
+
+void Activate_Main() {
+  if (Main.Was_Activated) return;
+  Main.Was_Activated = true;
+  Main_Host.Show_Form(Form_Id::Plot);
+  if (!Main.Pointer_File_Was_There) {
+    Platform.Message_Box("Norvik 4", No_Pointer_Text, Box_Buttons::Ok);
+    ErrorLogWrite("New Norvik.ini Created");
+  }
+  Zoom_Table();
+}
+
+}  // namespace norvik

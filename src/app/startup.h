@@ -1,0 +1,24 @@
+// startup.h: the start of the program, in its fixed order.
+#pragma once
+
+#include "platform/platform.h"
+
+namespace norvik {
+
+struct Main_State {
+  Timer_Id Timer1 = 0, Timer2 = 0;  // 0: not running
+  // Whether the pointer file was there before this run wrote to it.
+  bool Pointer_File_Was_There = false;
+  bool Was_Activated = false;
+};
+extern Main_State Main;
+
+// Load of the main window. The folders are set (`Enter_Desktop_Folders`) and the back ends chosen.
+// A second instance ends itself. Raises nothing.
+void Load_Main();
+
+// Each time the main window becomes active; only the first does something: shows the plot, says when
+// there was no pointer file, and draws the table.
+void Activate_Main();
+
+}  // namespace norvik
