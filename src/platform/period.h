@@ -8,31 +8,33 @@
 // microsecond in each round: one percent at 100, four at 25. A wait that is "accurate to about a
 // microsecond" has the room to close that gap. Two rules, in nanoseconds:
 //
-// 1. When period - work lies within one microsecond of the wait asked for, that is the wait. A loop
-//    whose work is known to the microsecond so keeps its period exactly, fractions included. A work
-//    that is not known (or a period that cannot be kept) leaves the wait as asked.
+// 1. The wait asked for is period - W cut to whole microseconds, where W is the work that the loop
+//    takes itself to have. When its real work lies within one microsecond of W, so that period -
+//    work lies from 1 below to 2 above the wait asked for, that is the wait: the period is kept
+//    exactly, fractions included. A work that is not known (or a period that cannot be kept) leaves
+//    the wait as asked.
 // 2. Time lost inside a wait, because the system ran something else, is paid back by waits that are
 //    up to one microsecond shorter; a loss above the limit is not.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 
 namespace norvik {
 
 // Feeds on the times around each wait; one instance for each loop that waits.
 class Period_Keeper {
  public:
-  static constexpr std::int64_t Tolerance = 1'000;     // ns
+  static constexpr std::int64_t Microsecond = 1'000;   // ns
   static constexpr std::int64_t Debt_Limit = 500'000;  // ns
 
   // When a wait that begins at `now` is to end; all in ns of one clock.
   std::int64_t Deadline(std::int64_t now, std::int64_t asked, std::int64_t period) {
+    const std::int64_t shortest = std::max<std::int64_t>(asked - Microsecond, 0);
     const std::int64_t wanted = period - (now - Last_End);
-    std::int64_t wait = std::abs(wanted - asked) <= Tolerance ? wanted : asked;
-    const std::int64_t shortest = std::max<std::int64_t>(asked - Tolerance, 0);
-    const std::int64_t paid = std::clamp<std::int64_t>(wait - shortest, 0, Debt);
+    const bool kept = wanted >= shortest && wanted <= asked + 2 * Microsecond;
+    const std::int64_t wait = kept ? wanted : asked;
+    const std::int64_t paid = std::min({Debt, wait - shortest, Microsecond});
     Debt -= paid;
     return Due = now + wait - paid;
   }

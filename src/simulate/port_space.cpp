@@ -163,6 +163,8 @@ void Wire_Ports(const Wired_Map& map) {
     if (pin.Mask == 0) continue;
     Register& wired = Add_Register(pin.Port);
     wired.Output |= pin.Mask;
+    // As a program that ended in order leaves it: steps at rest, motors and outputs off.
+    if (pin.Invert) wired.Latch |= pin.Mask;
     wired.Output_Slot[Bit_Index(pin.Mask)] = static_cast<std::int8_t>(slot);
   }
   for (int slot = 0; slot <= 5; ++slot) {
@@ -186,6 +188,11 @@ void Wire_Ports(const Wired_Map& map) {
 
 const Wired_Map& Wiring() {
   return Space.Map;
+}
+
+bool Latched_High(int slot) {
+  const Wired_Pin& pin = Space.Map.Outputs[slot];
+  return pin.Mask != 0 && (Register_At(pin.Port)->Latch & pin.Mask) != 0;
 }
 
 void Refresh_Reads() {

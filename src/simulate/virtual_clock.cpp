@@ -61,7 +61,8 @@ void Run_Due_Timers() {
   while (auto* timer = Due_Timer(round)) {
     const Timer_Id id = timer->Id;
     const auto handler = timer->Handler;
-    timer->Due = std::max(timer->Due + timer->Interval, round + 1);
+    // The next of its intervals that lies ahead: those that were missed are not made up.
+    timer->Due += ((round - timer->Due) / timer->Interval + 1) * timer->Interval;
     timer->Running = true;
     handler();
     for (auto& other : Virtual_Clock.Timers) {

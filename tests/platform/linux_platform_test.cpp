@@ -1,0 +1,117 @@
+// Clock, ports and priority of this system. What the process may do here differs from machine to
+// machine, so rights are tested both ways.
+#include "platform/linux/linux_platform.h"
+
+#include "platform/platform.h"
+#include "support/temporary_folder.h"
+
+#include <fstream>
+
+#include <gmock/gmock.h>
+#include <sys/mman.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+
+namespace norvik {
+namespace {
+
+using testing::AnyOf;
+using testing::HasSubstr;
+
+class Linux_Platform_Test : public testing::Test {
+ protected:
+  ~Linux_Platform_Test() override { Platform = {}; }
+};
+
+// Never shorter than asked; how close is a matter of the machine's load and is measured elsewhere.
+TEST_F(Linux_Platform_Test, Waits_Last_At_Least_As_Long_As_Asked) {
+  Install_Linux_Clock();
+  for (const std::int32_t us : {1, 20, 300, 5'000}) {
+    const std::int64_t before = Platform.Monotonic_Clock();
+    Platform.Delay_Microseconds(us);
+    // The counter and the kernel's clock may differ by a few parts in a million.
+    EXPECT_GE(Platform.Monotonic_Clock() - before, std::int64_t{us} * 999 - 100) << us;
+  }
+}
+
+TEST_F(Linux_Platform_Test, Waits_In_A_Period_Keep_The_Period_On_The_Average) {
+  Install_Linux_Clock();
+  constexpr int rounds = 2'000;
+  constexpr std::int64_t period = 33'333;
+  Platform.Delay_In_Period(32, period);
+  const std::int64_t before = Platform.Monotonic_Clock();
+  for (int i = 0; i < rounds; ++i) Platform.Delay_In_Period(33, period);
+  // Each wait may be a microsecond short of the 33 and no more.
+  EXPECT_GE(Platform.Monotonic_Clock() - before, std::int64_t{rounds} * 32'000);
+}
+
+// Refused words name what gives the right; each operation says them once and then stays quiet.
+void Expect_Refused_Once(const std::string& words) {
+  std::string read, write;
+  try {
+    Platform.Port_Read(889);
+  } catch (const std::exception& refused) {
+    read = refused.what();
+  }
+  try {
+    Platform.Port_Write(888, 1);
+  } catch (const std::exception& refused) {
+    write = refused.what();
+  }
+  EXPECT_EQ(read, words);
+  EXPECT_EQ(write, words);
+  EXPECT_EQ(Platform.Port_Read(889), 0);
+  EXPECT_NO_THROW(Platform.Port_Write(888, 1));
+}
+
+TEST_F(Linux_Platform_Test, Port_Instructions) {
+  static const std::int16_t way = 1;
+  Install_Direct_Ports(&way);
+  const Port_Right right = Direct_Port_Right(1);
+  if (right.Granted) {
+    EXPECT_NO_THROW(Platform.Port_Read(889));
+    return;
+  }
+  EXPECT_THAT(right.Words, AnyOf(HasSubstr("cap_sys_rawio"), HasSubstr("Parallel_IODLL 2")));
+  EXPECT_THAT(right.Words, HasSubstr("Port_Access to Simulated"));
+  Expect_Refused_Once(right.Words);
+}
+
+TEST_F(Linux_Platform_Test, Port_Device_Reads_And_Writes_At_The_Address) {
+  Temporary_Folder folder;
+  const std::string device = folder.File("port");
+  std::ofstream(device) << std::string(1000, '\x2A');
+  Set_Port_Device(device);
+  static std::int16_t way = 2;
+  Install_Direct_Ports(&way);
+  EXPECT_TRUE(Direct_Port_Right(2).Granted);
+  EXPECT_EQ(Platform.Port_Read(889), 0x2A);
+  Platform.Port_Write(888, 7);
+  EXPECT_EQ(Platform.Port_Read(888), 7);
+  EXPECT_EQ(Platform.Port_Read(889), 0x2A);
+  Set_Port_Device(folder.File("missing"));
+  const Port_Right refused = Direct_Port_Right(2);
+  EXPECT_FALSE(refused.Granted);
+  EXPECT_THAT(refused.Words, HasSubstr("Parallel_IODLL 1"));
+  Expect_Refused_Once(refused.Words);
+  EXPECT_FALSE(Direct_Port_Right(0).Granted);
+  Set_Port_Device("/dev/port");
+}
+
+TEST_F(Linux_Platform_Test, Priority_Levels_Are_Nice_Values) {
+  Install_Linux_Priority();
+  const int started = ::getpriority(PRIO_PROCESS, 0);
+  // Real time is left out: locking all memory does not go with the checking builds.
+  const std::string refused = Platform.Set_Priority(1);
+  if (refused.empty()) {
+    EXPECT_EQ(::getpriority(PRIO_PROCESS, 0), -10);
+    EXPECT_EQ(Platform.Set_Priority(0), "");
+  } else {
+    EXPECT_THAT(refused, HasSubstr("cap_sys_nice"));
+    EXPECT_THAT(refused, HasSubstr("limits.conf"));
+  }
+  EXPECT_EQ(::getpriority(PRIO_PROCESS, 0), started);
+}
+
+}  // namespace
+}  // namespace norvik
