@@ -44,9 +44,10 @@ class Programs_Test : public Control_Test {
     }
     return rows;
   }
-  // Speeds that start and end low, as at sharp corners.
+  // Speeds that start and end low, as at sharp corners, the first of them from rest.
   static void Slow_Ends(float speed) {
     for (Wire& wire : Program_Wire.Rows()) wire.IPM_S = wire.IPM_E = speed;
+    Program_Wire.Rows()[0].IPM_S = MachineSetup.Axis_Ramp_Start;
   }
 };
 
