@@ -1,13 +1,13 @@
 // main_window.h: the window `Main`: menus, status bar and the tool windows inside it.
 #pragma once
 
-#include <QLabel>
-#include <QMainWindow>
-#include <QMdiArea>
-
 #include <array>
 #include <functional>
 #include <map>
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
 
 class QMdiSubWindow;
 
