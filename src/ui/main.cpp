@@ -1,15 +1,15 @@
 // norvik: the desktop program. Chooses the back ends, builds the main window and runs the start.
+#include "app/connect.h"
 #include "app/folders.h"
+#include "app/main_form.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
-#include "control/connect.h"
 #include "control/jog_guard.h"
 #include "core/application.h"
 #include "platform/desktop/desktop_platform.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/qt/picture_files.h"
 #include "platform/sdl/sdl_platform.h"
-#include "ui/connect_windows.h"
 #include "ui/main_window.h"
 #include "ui/simulated/simulated_window.h"
 #include "ui/theme.h"
@@ -55,11 +55,10 @@ int main(int argument_count, char** arguments) {
   Install_Sdl_Platform();
   Install_Picture_Reader();
   Enter_Desktop_Folders();
-  Application.DecimalSeparator = Regional_Decimal_Sign();
 
   Main_Window window;
-  Connect_Control();
-  Connect_Windows(window);
+  Connect_App();
+  Main_Host.Open_Port = [] { Choose_Port(); };
   End_On_Signals(application);
   Load_Main();
   if (Port_Is_Simulated()) {
