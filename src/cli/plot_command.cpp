@@ -8,6 +8,7 @@
 #include "plot/view.h"
 
 #include <memory>
+#include <utility>
 
 namespace norvik {
 
@@ -22,7 +23,7 @@ struct Plot_Options {
 int Plot_Program(const Companion& companion, const Plot_Options& options) {
   if (!Load_Program(options.Program)) return Failed;
   if (!CompileProgram()) return Failed;
-  Take_Program_Wire(Compile_Tables.Program_Wire);
+  Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
   Picture_Request request;
   request.View = Find_Preset(options.View).value();
   request.Size = options.Size;

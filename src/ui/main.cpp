@@ -56,7 +56,7 @@ int main(int argument_count, char** arguments) {
   Install_Picture_Reader();
   Enter_Desktop_Folders();
 
-  Main_Window window;
+  Main_Frame window;
   Connect_App();
   Main_Host.Open_Port = [] { Choose_Port(); };
   End_On_Signals(application);

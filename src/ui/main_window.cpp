@@ -132,7 +132,7 @@ Window_Place Place_Of(const QWidget& window) {
 
 }  // namespace
 
-Main_Window::Main_Window() : Area(new QMdiArea) {
+Main_Frame::Main_Frame() : Area(new QMdiArea) {
   setObjectName("Main");
   setAcceptDrops(true);
   setCentralWidget(Area);
@@ -149,7 +149,7 @@ Main_Window::Main_Window() : Area(new QMdiArea) {
   setWindowTitle(QString::fromStdString(Main_Form.Caption));
 }
 
-Main_Window::~Main_Window() {
+Main_Frame::~Main_Frame() {
   Close_Tool_Windows();
   Main_Host = {};
   Compile_Host.Show_Progress = [](const std::string&) {};
@@ -159,7 +159,7 @@ Main_Window::~Main_Window() {
 
 // --- Menus and status bar ------------------------------------------------------------------------
 
-void Main_Window::Build_Menus() {
+void Main_Frame::Build_Menus() {
   std::map<QString, QMenu*> menus;
   for (const char* title : {"&File", "&Edit", "&View", "&Machine", "&Window"}) {
     menus[title] = menuBar()->addMenu(title);
@@ -202,7 +202,7 @@ void Main_Window::Build_Menus() {
   }
 }
 
-void Main_Window::Build_Recent_Menu(QMenu& menu) {
+void Main_Frame::Build_Recent_Menu(QMenu& menu) {
   menu.clear();
   int slot = 0;
   for (const std::string& text : Recent_Menu_Texts()) {
@@ -215,7 +215,7 @@ void Main_Window::Build_Recent_Menu(QMenu& menu) {
   menu.setEnabled(!menu.isEmpty());
 }
 
-void Main_Window::Build_Status_Bar() {
+void Main_Frame::Build_Status_Bar() {
   static constexpr int stretches[] = {5, 3, 3, 2};
   for (std::size_t panel = 0; panel < Panels.size(); ++panel) {
     auto* label = new QLabel;
@@ -235,14 +235,14 @@ void Main_Window::Build_Status_Bar() {
   statusBar()->addPermanentWidget(Banner);
 }
 
-void Main_Window::Set_Banner(const QString& text) {
+void Main_Frame::Set_Banner(const QString& text) {
   Banner->setText(text);
   Banner->setVisible(!text.isEmpty());
 }
 
 // --- Hooks ---------------------------------------------------------------------------------------
 
-void Main_Window::Connect_Hosts() {
+void Main_Frame::Connect_Hosts() {
   Main_Host.Caption_Changed = [this] { setWindowTitle(QString::fromStdString(Main_Form.Caption)); };
   Main_Host.Place_Main = [this](const Window_Place& place) {
     setGeometry(place.Left, place.Top, place.Width, place.Height);
@@ -283,14 +283,14 @@ void Main_Window::Connect_Hosts() {
 
 // --- Tool windows --------------------------------------------------------------------------------
 
-void Main_Window::Add_Tool_Window(const QString& name, const QString& menu_text,
+void Main_Frame::Add_Tool_Window(const QString& name, const QString& menu_text,
                                   std::function<QWidget*()> make) {
   Tool_Windows[name] = {menu_text, std::move(make), nullptr};
   Window_Menu->addAction(menu_text, this, [this, name] { Show_Tool_Window(name); })
       ->setObjectName("Menu_Window_" + name);
 }
 
-void Main_Window::Show_Tool_Window(const QString& name) {
+void Main_Frame::Show_Tool_Window(const QString& name) {
   const auto found = Tool_Windows.find(name);
   if (found == Tool_Windows.end()) return;
   QMdiSubWindow*& frame = found->second.Frame;
@@ -302,7 +302,7 @@ void Main_Window::Show_Tool_Window(const QString& name) {
     frame->installEventFilter(this);
     Restore_Place(name, *frame);
     if (auto* program = qobject_cast<GCode_Window*>(window)) {
-      connect(program, &GCode_Window::File_Dropped, this, &Main_Window::Open_Path);
+      connect(program, &GCode_Window::File_Dropped, this, &Main_Frame::Open_Path);
     }
   }
   if (frame->isMinimized()) frame->showNormal();
@@ -311,13 +311,13 @@ void Main_Window::Show_Tool_Window(const QString& name) {
   Area->setActiveSubWindow(frame);
 }
 
-bool Main_Window::Tool_Window_Is_Open(const QString& name) const {
+bool Main_Frame::Tool_Window_Is_Open(const QString& name) const {
   const auto found = Tool_Windows.find(name);
   return found != Tool_Windows.end() && found->second.Frame != nullptr &&
          found->second.Frame->isVisible();
 }
 
-void Main_Window::Restore_Place(const QString& name, QMdiSubWindow& frame) {
+void Main_Frame::Restore_Place(const QString& name, QMdiSubWindow& frame) {
   const auto form = Form_Of(name);
   if (!form) return frame.resize(frame.sizeHint());
   const Window_Place place = Read_Form_Place(*form);
@@ -325,11 +325,11 @@ void Main_Window::Restore_Place(const QString& name, QMdiSubWindow& frame) {
   if (place.WindowState == Window_Maximized) frame.setWindowState(Qt::WindowMaximized);
 }
 
-void Main_Window::Keep_Place(const QString& name, const QWidget& frame) {
+void Main_Frame::Keep_Place(const QString& name, const QWidget& frame) {
   if (const auto form = Form_Of(name)) Write_Form_Place(*form, Place_Of(frame));
 }
 
-void Main_Window::Close_Tool_Windows() {
+void Main_Frame::Close_Tool_Windows() {
   for (auto& [name, window] : Tool_Windows) {
     if (window.Frame == nullptr) continue;
     Keep_Place(name, *window.Frame);
@@ -339,7 +339,7 @@ void Main_Window::Close_Tool_Windows() {
 }
 
 // A tool window that the operator closes is hidden and keeps what it shows.
-bool Main_Window::eventFilter(QObject* watched, QEvent* event) {
+bool Main_Frame::eventFilter(QObject* watched, QEvent* event) {
   if (event->type() == QEvent::Close) {
     if (auto* frame = qobject_cast<QMdiSubWindow*>(watched)) {
       Jog_Guard_Window_Lost();
@@ -353,7 +353,7 @@ bool Main_Window::eventFilter(QObject* watched, QEvent* event) {
 
 // --- The window itself ---------------------------------------------------------------------------
 
-void Main_Window::changeEvent(QEvent* event) {
+void Main_Frame::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ActivationChange) {
     if (isActiveWindow()) {
       Activate_Main();
@@ -365,7 +365,7 @@ void Main_Window::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
 }
 
-void Main_Window::closeEvent(QCloseEvent* event) {
+void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (Gcode_Form.Text_Edited) {
     const auto answer = QMessageBox::question(
@@ -381,17 +381,17 @@ void Main_Window::closeEvent(QCloseEvent* event) {
   Unload_Main();
 }
 
-void Main_Window::dragEnterEvent(QDragEnterEvent* event) {
+void Main_Frame::dragEnterEvent(QDragEnterEvent* event) {
   if (event->mimeData()->hasUrls()) event->acceptProposedAction();
 }
 
-void Main_Window::dropEvent(QDropEvent* event) {
+void Main_Frame::dropEvent(QDropEvent* event) {
   for (const QUrl& url : event->mimeData()->urls()) {
     if (url.isLocalFile()) return Open_Path(url.toLocalFile());
   }
 }
 
-void Main_Window::Open_Path(const QString& path) {
+void Main_Frame::Open_Path(const QString& path) {
   LoadRecentFile(path.toStdString());
 }
 

@@ -16,10 +16,10 @@ namespace norvik {
 class GCode_Window;
 class Progress_Window;
 
-class Main_Window : public QMainWindow {
+class Main_Frame : public QMainWindow {
  public:
-  Main_Window();
-  ~Main_Window() override;
+  Main_Frame();
+  ~Main_Frame() override;
 
   // Another tool window that the program offers, made at its first opening.
   void Add_Tool_Window(const QString& name, const QString& menu_text,
