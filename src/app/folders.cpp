@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <filesystem>
+
 #include <langinfo.h>
 #include <locale.h>
 

@@ -28,8 +28,8 @@ void UnLoad_Forms() {
   Forms.Plot_Was_Open = Main_Host.View_Of(Form_Id::Plot).Visible;
   Forms.GCode_Was_Open = Main_Host.View_Of(Form_Id::GCode).Visible;
   Forms.CNC_Controls_Was_Open = Main_Host.View_Of(Form_Id::CNC_Controls).Visible;
-  for (const Form_Id form : {Form_Id::Plot, Form_Id::GCode, Form_Id::CNC_Controls, Form_Id::JogKey,
-                             Form_Id::Port_IO}) {
+  for (const Form_Id form :
+       {Form_Id::Plot, Form_Id::GCode, Form_Id::CNC_Controls, Form_Id::JogKey, Form_Id::Port_IO}) {
     Main_Host.Unload_Form(form);
   }
 }

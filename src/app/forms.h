@@ -12,7 +12,8 @@ extern Forms_State Forms;
 // Writes place and state of every window, and which of those opened in this run are open.
 void Save_Default_Form_View();
 
-// Before another machine setup: remembers which of the windows are open and closes all tool windows.
+// Before another machine setup: remembers which of the windows are open and closes all tool
+// windows.
 void UnLoad_Forms();
 // After it: the layout of that setup; where it says nothing about a window, as it was before.
 void ReLoad_Forms();

@@ -103,8 +103,9 @@ bool Save_GCode(const std::string& path) {
 
 void Menu_File_Open() {
   if (!Stopped_For("Can't open file")) return;
-  const auto path = Platform.Open_File_Dialog({"Open", "All Files (*.*)|*.*|G Code Files (*.gc)|*.gc",
-                                               Last_File(File_Kind::GCode).Directory, "", "gc"});
+  const auto path =
+      Platform.Open_File_Dialog({"Open", "All Files (*.*)|*.*|G Code Files (*.gc)|*.gc",
+                                 Last_File(File_Kind::GCode).Directory, "", "gc"});
   if (!path) return;
   RememberFile(File_Kind::GCode, *path);
   Become_Current(*path);
@@ -115,8 +116,8 @@ void Menu_File_Open() {
 void Menu_File_Save() {
   const auto& last = Last_File(File_Kind::GCode);
   const std::string offered = ChangeExtension(PathFileName(Main_Form.Current_File), "GC");
-  auto path = Platform.Save_File_Dialog({"Save", "All Files(*.*)|*.*|G Code Files(*.GC)|*.GC",
-                                         last.Directory, offered, "GC"});
+  auto path = Platform.Save_File_Dialog(
+      {"Save", "All Files(*.*)|*.*|G Code Files(*.GC)|*.GC", last.Directory, offered, "GC"});
   if (!path) return;
   if (PathFileName(*path).find('.') == std::string::npos) *path += ".GC";
   if (!Save_GCode(*path)) return;

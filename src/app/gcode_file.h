@@ -11,9 +11,9 @@ void Menu_File_Save();
 void Menu_File_New();
 
 // Loads a program into the window and the line table and compiles it when `Plot_Auto_Loading` says
-// so. Refused with a beep and a status text unless the machine stands; a missing file only beeps. The
-// temporary file of the importers is deleted once it is loaded, whatever its case and folder. True
-// when it was loaded.
+// so. Refused with a beep and a status text unless the machine stands; a missing file only beeps.
+// The temporary file of the importers is deleted once it is loaded, whatever its case and folder.
+// True when it was loaded.
 bool Open_GCode(const std::string& path);
 
 // Writes the lines of the program, the file whole or not at all. Yields. True when it was written;

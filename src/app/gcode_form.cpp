@@ -24,7 +24,9 @@ namespace {
 
 constexpr std::int32_t Lines_Per_Yield = 500;
 
-std::int32_t& Current_Step() { return Compile_Status.CurrentStep; }
+std::int32_t& Current_Step() {
+  return Compile_Status.CurrentStep;
+}
 
 // Percent of `part` in the count of lines.
 std::string Line_Percent(std::int32_t part, std::string_view pattern) {
@@ -33,7 +35,9 @@ std::string Line_Percent(std::int32_t part, std::string_view pattern) {
 }
 
 // A whole number typed by the operator; what is none counts as 0.
-std::int32_t Typed_Step(const std::string& text) { return GetLong(text, Sentinel::Empty, 0); }
+std::int32_t Typed_Step(const std::string& text) {
+  return GetLong(text, Sentinel::Empty, 0);
+}
 
 // Counts line ends from where the last question left off, so that following a run through a long
 // program costs little.
@@ -140,7 +144,9 @@ std::int32_t Step_Of_Text_Line(std::int32_t text_line) {
   return low;
 }
 
-std::int32_t Text_Line_Of_Step(std::int32_t step) { return Line_At(Offset_Of_Step(step)); }
+std::int32_t Text_Line_Of_Step(std::int32_t step) {
+  return Line_At(Offset_Of_Step(step));
+}
 
 void Command_Update_Click() {
   static bool in_handler = false;
@@ -208,7 +214,9 @@ constexpr Feed_Box Feed_Boxes[] = {
     {"Axis_Feed_Rate_Cut", &Machine_Setup::Axis_Feed_Rate_Cut, &Compiler_State::CutFeed},
 };
 
-std::string Feed_Text(float feed) { return RegionalFix(Shortest_Text(feed)); }
+std::string Feed_Text(float feed) {
+  return RegionalFix(Shortest_Text(feed));
+}
 
 }  // namespace
 

@@ -6,8 +6,8 @@
 //
 //   Text_GCode --typed--> Text_Edited --Take_Typed_Text--> GCode_Program --compile--> tables
 //
-// The box itself is reached through `Gcode_Host`, so that a program of a million lines is not copied
-// with every change of a label.
+// The box itself is reached through `Gcode_Host`, so that a program of a million lines is not
+// copied with every change of a label.
 #pragma once
 
 #include "control/form_controls.h"

@@ -21,14 +21,15 @@ constexpr const char* Filter = "All Files (*.*)|*.*|INI Files (*.ini)|*.ini";
 constexpr const char* Reset_Question =
     "Proceeding with this function will destroy your current settings.  Are you sure you want to "
     "restore all parameters back to factory defaults?";
-constexpr const char* Reset_Done =
-    "Your parameters have been restored the the factory settings";
+constexpr const char* Reset_Done = "Your parameters have been restored the the factory settings";
 
 File_Dialog Setup_Dialog(const char* title) {
   return {title, Filter, Last_File(File_Kind::Setup).Directory, "", "ini"};
 }
 
-void Show_Machine_Name() { Set_Panel(4, FileNameStem(PathFileName(Application.MachineFile))); }
+void Show_Machine_Name() {
+  Set_Panel(4, FileNameStem(PathFileName(Application.MachineFile)));
+}
 
 // Every key read as empty, then written.
 void Restore_All_Parameters() {

@@ -1,5 +1,5 @@
-// main_form.h: the main window as a record, and what the spine asks of the windows and of drives that
-// are not built in.
+// main_form.h: the main window as a record, and what the spine asks of the windows and of drives
+// that are not built in.
 //
 // Every operation does nothing by default, so that the spine runs without windows.
 #pragma once

@@ -46,9 +46,9 @@ void Open_By_Kind(const std::string& path) {
   const Opened_Kind kind = Kind_Of_File(path);
   const auto opener = Opener_Of(kind);
   if (!opener) {
-    Platform.Message_Box("Norvik 4",
-                         "This version opens no " + std::string(Kind_Name(kind)) + " files : " + path,
-                         Box_Buttons::Ok);
+    Platform.Message_Box(
+        "Norvik 4", "This version opens no " + std::string(Kind_Name(kind)) + " files : " + path,
+        Box_Buttons::Ok);
     return;
   }
   const std::int64_t start = Platform.Monotonic_Clock();
@@ -72,7 +72,9 @@ Opened_Kind Kind_Of_File(std::string_view path) {
   return Opened_Kind::GCode;
 }
 
-std::string_view Kind_Name(Opened_Kind kind) { return Kinds.at(static_cast<std::size_t>(kind)).Name; }
+std::string_view Kind_Name(Opened_Kind kind) {
+  return Kinds.at(static_cast<std::size_t>(kind)).Name;
+}
 
 void Register_Opener(Opened_Kind kind, Opener opener) {
   Openers.Openers.at(static_cast<std::size_t>(kind)) = std::move(opener);

@@ -1,7 +1,7 @@
 // openers.h: opening any file by its extension.
 //
-// Each room that can open a kind of file registers how at start. A kind that nobody registered is not
-// offered: the operator is told instead of seeing a drawing in the program's text.
+// Each room that can open a kind of file registers how at start. A kind that nobody registered is
+// not offered: the operator is told instead of seeing a drawing in the program's text.
 #pragma once
 
 #include <functional>

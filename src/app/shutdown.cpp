@@ -23,8 +23,8 @@ bool Nothing_Runs() {
 }
 
 // Yields so often that every loop and timer meets the flags. A yield of a desktop with windows may
-// cost many microseconds, and half a million of them would look like a hanging program; so the count
-// is cut short once the queue is empty and no loop is active.
+// cost many microseconds, and half a million of them would look like a hanging program; so the
+// count is cut short once the queue is empty and no loop is active.
 void Let_Loops_End() {
   constexpr int at_least = 100;
   for (int count = 0; count < Yields; ++count) {
@@ -34,15 +34,15 @@ void Let_Loops_End() {
 }
 
 void Stop_Timers() {
-  for (Timer_Id* timer : {&Main.Timer1, &Main.Timer2}) {
+  for (Timer_Id* timer : {&Main_Window.Timer1, &Main_Window.Timer2}) {
     if (*timer != 0) Platform.Stop_Timer(*timer);
     *timer = 0;
   }
 }
 
 void Unload_Windows() {
-  for (const Form_Id form : {Form_Id::CNC_Controls, Form_Id::GCode, Form_Id::Plot, Form_Id::JogKey,
-                             Form_Id::Port_IO}) {
+  for (const Form_Id form :
+       {Form_Id::CNC_Controls, Form_Id::GCode, Form_Id::Plot, Form_Id::JogKey, Form_Id::Port_IO}) {
     Main_Host.Unload_Form(form);
   }
   Main_Host.Unload_Other_Windows();
@@ -52,7 +52,8 @@ void Unload_Windows() {
 
 void bye() {
   if (Application.ShutdownFlag) return;
-  const bool is_second_instance = Main.Timer1 == 0;  // Nothing was read, so nothing may be written.
+  const bool is_second_instance =
+      Main_Window.Timer1 == 0;  // Nothing was read, so nothing may be written.
   if (!is_second_instance) All_Outputs_Off();
   Application.ShutdownFlag = true;
   Application.Closing_Program = true;

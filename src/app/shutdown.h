@@ -7,8 +7,8 @@ namespace norvik {
 // Called a second time it does nothing.
 void bye();
 
-// The operator closes the main window: `bye` alone ends the process, so the close itself is refused.
-// Always false.
+// The operator closes the main window: `bye` alone ends the process, so the close itself is
+// refused. Always false.
 bool Unload_Main();
 
 }  // namespace norvik

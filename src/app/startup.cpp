@@ -24,7 +24,7 @@
 
 namespace norvik {
 
-Main_State Main;
+Main_Window_State Main_Window;
 
 namespace {
 
@@ -34,11 +34,15 @@ constexpr const char* No_Pointer_Text =
     "Norvik.ini could not be found.  Use the Setup menus to initialize all parameters before using "
     "Norvik 4";
 
-bool On_Parallel_Port() { return MachineSetup.Parallel_Port_Type == 1; }
-bool On_Serial_Board() { return MachineSetup.Parallel_Port_Type > 1; }
+bool On_Parallel_Port() {
+  return MachineSetup.Parallel_Port_Type == 1;
+}
+bool On_Serial_Board() {
+  return MachineSetup.Parallel_Port_Type > 1;
+}
 
 void Read_Pointer_File() {
-  Main.Pointer_File_Was_There = FileExists(Pointer_File());
+  Main_Window.Pointer_File_Was_There = FileExists(Pointer_File());
   Read_Remembered_Files();
   Read_Machine_Name();
 }
@@ -64,8 +68,8 @@ void Restore_Positions() {
 }
 
 void Start_Timers() {
-  Main.Timer1 = Platform.Start_Timer(Timer1_ms, Main_Timer1);
-  Main.Timer2 = Platform.Start_Timer(Timer2_ms, Main_Timer2);
+  Main_Window.Timer1 = Platform.Start_Timer(Timer1_ms, Main_Timer1);
+  Main_Window.Timer2 = Platform.Start_Timer(Timer2_ms, Main_Timer2);
 }
 
 void Open_Drive() {
@@ -99,10 +103,10 @@ void Load_Main() {
 }
 
 void Activate_Main() {
-  if (Main.Was_Activated) return;
-  Main.Was_Activated = true;
+  if (Main_Window.Was_Activated) return;
+  Main_Window.Was_Activated = true;
   Main_Host.Show_Form(Form_Id::Plot);
-  if (!Main.Pointer_File_Was_There) {
+  if (!Main_Window.Pointer_File_Was_There) {
     Platform.Message_Box("Norvik 4", No_Pointer_Text, Box_Buttons::Ok);
     ErrorLogWrite("New Norvik.ini Created");
   }

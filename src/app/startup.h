@@ -5,20 +5,20 @@
 
 namespace norvik {
 
-struct Main_State {
+struct Main_Window_State {
   Timer_Id Timer1 = 0, Timer2 = 0;  // 0: not running
   // Whether the pointer file was there before this run wrote to it.
   bool Pointer_File_Was_There = false;
   bool Was_Activated = false;
 };
-extern Main_State Main;
+extern Main_Window_State Main_Window;
 
 // Load of the main window. The folders are set (`Enter_Desktop_Folders`) and the back ends chosen.
 // A second instance ends itself. Raises nothing.
 void Load_Main();
 
-// Each time the main window becomes active; only the first does something: shows the plot, says when
-// there was no pointer file, and draws the table.
+// Each time the main window becomes active; only the first does something: shows the plot, says
+// when there was no pointer file, and draws the table.
 void Activate_Main();
 
 }  // namespace norvik

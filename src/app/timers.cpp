@@ -38,7 +38,7 @@ void Look_At_Function_Keys() {
 
 void Main_Timer1() {
   if (Application.ShutdownFlag) {
-    Platform.Stop_Timer(std::exchange(Main.Timer1, 0));
+    Platform.Stop_Timer(std::exchange(Main_Window.Timer1, 0));
     return;
   }
   CheckEsc();
@@ -49,7 +49,7 @@ void Main_Timer1() {
 
 void Main_Timer2() {
   if (Application.ShutdownFlag) {
-    Platform.Stop_Timer(std::exchange(Main.Timer2, 0));
+    Platform.Stop_Timer(std::exchange(Main_Window.Timer2, 0));
     return;
   }
   Age_Status_Panels();

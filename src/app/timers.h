@@ -1,7 +1,7 @@
 // timers.h: the two timers of the main window.
 //
-// They run from the event queue, so only while no code runs or where it yields. ESC and the function
-// keys are polled as states of the keyboard and act whichever window has the focus.
+// They run from the event queue, so only while no code runs or where it yields. ESC and the
+// function keys are polled as states of the keyboard and act whichever window has the focus.
 #pragma once
 
 namespace norvik {

@@ -1,0 +1,64 @@
+#include "app/connect.h"
+
+#include "app/gcode_file.h"
+#include "app/gcode_form.h"
+#include "app/openers.h"
+#include "compiler/compile_host.h"
+#include "compiler/program_text.h"
+#include "compiler/program_wire.h"
+#include "control/connect.h"
+#include "control/run_plot_host.h"
+#include "core/application.h"
+#include "core/event_sounds.h"
+#include "core/setup.h"
+#include "import/dxf_import.h"
+#include "import/import_pipeline.h"
+#include "parallel/timing.h"
+#include "plot/cursor.h"
+#include "plot/nist_plot.h"
+#include "plot/plot_host.h"
+
+namespace norvik {
+
+namespace {
+
+// The compiler names lines of macros too; only a line of the program can be marked.
+void Highlight_Program_Line(std::int32_t line_number, std::string_view text) {
+  if (line_number < 1 || line_number > GCodeLineCount()) return;
+  if (GCode_Line(line_number) == text) {
+    Gcode_Host.GCode_HighlightWords(Text_Line_Of_Step(line_number));
+  }
+}
+
+// The plot draws a step at a time: with its first wire.
+void Draw_Wire_Of_Run(std::size_t k, const Wire& wire) {
+  if (Program_Wire.Next_Of_Step(wire.Step, 0) == k) NIST_Plot_Block(wire.Step, 0, Line_Mode_Run);
+}
+
+void Draw_Machine_Position() {
+  Draw_Spindle_Position(Machine.Position[1], Machine.Position[2], Machine.Position[3]);
+  Draw_Spindle();
+}
+
+void Register_Openers() {
+  Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
+  Register_Opener(Opened_Kind::DXF, [](const std::string& path) { Import_DXF_File(path); });
+}
+
+}  // namespace
+
+void Connect_App() {
+  Connect_Control();
+  Setup_Host.Apply_Priority = [](std::int16_t level) { Set_Application_Priority(level); };
+  Compile_Host.Highlight_Line = Highlight_Program_Line;
+  Compile_Host.Play_Sound_Slot = Play_Event_Sound;
+  Compile_Host.Refresh_Plot = Plot_New_Program;
+  Import_Host.Open_GCode = [](const std::string& path) { Open_GCode(path); };
+  Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
+  Run_Plot_Host.Draw_Segment = Draw_Wire_Of_Run;
+  Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;
+  Run_Plot_Host.Refresh = Plot_Refresh;
+  Register_Openers();
+}
+
+}  // namespace norvik
