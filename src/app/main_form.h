@@ -31,6 +31,8 @@ struct Main_Host_Operations {
   std::function<void()> Unload_Other_Windows = [] {};
 
   // --- Devices of other rooms --------------------------------------------------------------------
+  // Real or simulated port, by the pointer file and the machine file, before the first access.
+  std::function<void()> Open_Port = [] {};
   std::function<void()> Open_Serial_Link = [] {};
   // Sends the four axis positions to the board.
   std::function<void()> Send_Positions = [] {};

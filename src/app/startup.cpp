@@ -73,6 +73,7 @@ void Start_Timers() {
 }
 
 void Open_Drive() {
+  Main_Host.Open_Port();
   if (MachineSetup.Parallel_Port_Type != 2) Idle_All_Outputs();
   if (On_Serial_Board()) Main_Host.Open_Serial_Link();
   if (On_Parallel_Port()) All_Outputs_Off();

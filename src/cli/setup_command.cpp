@@ -35,7 +35,7 @@ int Show(bool reference) {
     return Done;
   }
   for (const Setup_Key& key : Setup_Keys()) {
-    std::cout << Setup_Full_Name(key) << '=' << Setup_Value_Text(key) << '\n';
+    std::cout << Setup_Full_Name(key) << '=' << Setup_Text(*key.Row, key.Index) << '\n';
   }
   return Done;
 }
@@ -76,7 +76,7 @@ void Add_Setup_Command(CLI::App& app, Companion& companion) {
   get->callback([&companion, name] {
     companion.Command = [name] {
       return With_Key(*name, [](const Setup_Key& key) -> int {
-        std::cout << Setup_Value_Text(key) << '\n';
+        std::cout << Setup_Text(*key.Row, key.Index) << '\n';
         return Done;
       });
     };

@@ -137,7 +137,7 @@ constexpr Code_Places Places_Of_Acting_Codes() {
 
 constexpr bool Acting_Rows_Come_First() {
   for (int place = 0; place < Row_Count; ++place) {
-    if ((place < Acting_Code_Count) != (Table_Of_Codes[place].Act != nullptr)) return false;
+    if ((place < Acting_Code_Count) != (Table_Of_Codes[place].Step != None)) return false;
   }
   return true;
 }

@@ -11,8 +11,11 @@ namespace {
 
 // Ends that are this close meet; an arc shorter than this would not be drawn.
 constexpr double Gap_Floor = 1e-4;
-// A connecting arc that would bulge less than this from its chord is no corner.
-constexpr double Bulge_Floor = 1e-5;
+// Where a connecting arc would bulge less than this from its chord, two lines end where they would
+// cross; text with four decimals has many such corners.
+constexpr double Bulge_Floor = 1e-4;
+// An arc may lose or gain so much radius at an end that is brought to its neighbour's.
+constexpr double Radius_Slack = 1e-5;
 // A crossing may lie this far beyond the end of an element.
 constexpr double Crossing_Reach = 1e-6;
 // A turn this close to 180 degrees goes back on itself; the curvatures tell to which side.
@@ -76,9 +79,12 @@ class Joiner {
 
   std::vector<Path_Piece> Run() {
     Path.reserve(Elements.size() + Elements.size() / 4);
-    if (!Elements.empty()) Path.push_back({Elements.front().Moved, 0, false});
+    if (!Elements.empty()) Path.push_back({Elements.front().Moved, 0});
     for (std::size_t next = 1; next < Elements.size();) next = Join_Next(next);
     Join_Seams();
+    for (const Path_Piece& piece : Path) {
+      if (piece.Wrong_Way) Reports.No_Crossing(Elements[piece.Element]);
+    }
     return std::move(Path);
   }
 
@@ -88,42 +94,59 @@ class Joiner {
     Element& before = Elements[next - 1];
     Reports.Progress(before);
     const Corner corner = Corner_Between(before, Elements[next], To_Left);
-    Path_Piece piece{Elements[next].Moved, next, false};
+    Path_Piece piece{Elements[next].Moved, next};
     if (corner.Kind == Joint::Inside) {
       if (const auto past = Join_Inside(corner, next)) return *past;
-      if (corner.Gap > Tolerance || !Meet(Path.back().Shape, piece.Shape)) {
-        if (!before.Too_Tight && !Elements[next].Too_Tight) Reports.No_Crossing(before);
-        Nist_CompArc(corner, next);
-      }
-    } else if (corner.Kind == Joint::Outside || !Meet(Path.back().Shape, piece.Shape)) {
+      Nist_CompArc(corner, next);
+      Path.back().Wrong_Way = !Shallow(corner) && !before.Too_Tight && !Elements[next].Too_Tight;
+    } else if (!Meet(corner, Path.back().Shape, piece.Shape)) {
       Nist_CompArc(corner, next);
     }
     Path.push_back(piece);
     return next + 1;
   }
 
-  // Moving the end of an arc to that of its neighbour, which lies `gap` away on the circle of the
-  // tool around the corner, changes its radius by gap^2 / 2 * (1 / radius + 1 / tool) at most.
-  bool May_Shift(const Piece& arc, double gap) const {
-    const double radius = std::min(arc.Start_Radius, arc.End_Radius), tool = std::abs(To_Left);
-    return !arc.Full_Circle() && gap * gap * (radius + tool) <= 2 * Bulge_Floor * radius * tool;
+  // Whether the tool, run to the ends of both moved neighbours, cuts less than what is allowed: by
+  // radius * (1 - cos(turn)).
+  bool Shallow(const Corner& corner) const {
+    return corner.Gap * corner.Gap <= Tolerance * std::abs(To_Left);
   }
 
-  // Brings the end of one piece and the start of the next to one point, moving a line rather than
-  // an arc. False when neither may move so far.
-  bool Meet(Piece& before, Piece& after) const {
+  // Brings the end of one piece and the start of the next to one point: both go on straight, for
+  // half of the gap, to where they cross. False at an outside corner, and where that would change
+  // the radius of an arc.
+  static bool Meet(const Corner& corner, Piece& before, Piece& after) {
+    if (corner.Kind == Joint::Outside) return false;
     const double gap = Distance(before.End, after.Start);
-    if (gap == 0) return true;
-    if (!after.Is_Arc || (before.Is_Arc && May_Shift(after, gap))) {
-      Trim_Start(after, before.End);
-    } else if (!before.Is_Arc || May_Shift(before, gap)) {
+    if (gap > Same_Point && Goes_Straight(before, gap / 2) && Goes_Straight(after, gap / 2)) {
+      const Point tip = Tip(corner.At, before.End, after.Start);
+      Trim_End(before, tip);
+      Trim_Start(after, tip);
+      return true;
+    }
+    if (gap > Gap_Floor) return false;
+    if (!before.Full_Circle()) {
       Trim_End(before, after.Start);
-    } else if (gap <= Same_Point && after.Full_Circle()) {
-      after.Start = after.End = before.End;
+    } else if (!after.Full_Circle()) {
+      Trim_Start(after, before.End);
     } else {
-      return false;
+      after.Start = after.End = before.End;
     }
     return true;
+  }
+
+  // Whether a piece leaves its way by no more than what an arc's radius may change, when it goes on
+  // straight for `length`.
+  static bool Goes_Straight(const Piece& piece, double length) {
+    if (!piece.Is_Arc) return true;
+    const double radius = std::min(piece.Start_Radius, piece.End_Radius);
+    return !piece.Full_Circle() && length * length <= 2 * Radius_Slack * radius;
+  }
+
+  // Where two lines cross that touch the tool around a corner at these points.
+  static Point Tip(Point corner, Point a, Point b) {
+    const Point to_a = a - corner, to_b = b - corner;
+    return corner + (to_a + to_b) * (1 / (1 + Dot(to_a, to_b) / (Length(to_a) * Length(to_b))));
   }
 
   // The connecting arc around the corner before element `next`.
@@ -140,14 +163,14 @@ class Joiner {
   std::optional<std::size_t> Join_Inside(const Corner& corner, std::size_t next) {
     if (Elements[next].Too_Tight || Elements[next - 1].Too_Tight) return std::nullopt;
     Window window;
-    Path_Piece met{Elements[next].Moved, next, false};
+    Path_Piece met{Elements[next].Moved, next};
     std::optional<Meeting> meeting;
     if (const auto at = Crossing(Path.back().Shape, met.Shape, corner.At, Crossing_Reach)) {
       meeting = Meeting{0, 0, *at};
     } else {
       window = {Pieces_Before(0, Path.size()), Pieces_After(next)};
       meeting = Find_Meeting(window, corner.At);
-      if (!meeting) return std::nullopt;
+      if (!meeting) return Short_Cut(window, next);
       met = window.After[meeting->After];
     }
     Path.resize(Path.size() - meeting->Before);
@@ -156,8 +179,31 @@ class Joiner {
     Path.push_back(met);
     const std::size_t following = met.Element + 1;
     if (!met.Connects || following == Elements.size()) return following;
-    Path.push_back({Elements[following].Moved, following, false});
+    Path.push_back({Elements[following].Moved, following});
     return following + 1;
+  }
+
+  // Where moves are so short that the decimals of their ends make corners of them, moved neighbours
+  // overlap without crossing: goes straight from the end of the path to the end of the next line
+  // that lies ahead, if the tool then stays off all that is passed over.
+  std::optional<std::size_t> Short_Cut(const Window& window, std::size_t next) {
+    const Point from = Path.back().Shape.End;
+    const double least = std::abs(To_Left) - Tolerance / 2;
+    for (Path_Piece ahead : window.After) {
+      const Point to = ahead.Shape.End;
+      if (ahead.Connects || ahead.Shape.Is_Arc) continue;
+      if (Dot(to - from, End_Direction(ahead.Shape)) <= 0) continue;
+      ahead.Shape = Line_Piece(from, to);
+      const auto passed = std::span(Elements).subspan(next - 1, ahead.Element - next + 2);
+      if (!std::all_of(passed.begin(), passed.end(), [&](const Element& element) {
+            return Distance(element.Programmed, ahead.Shape) >= least;
+          })) {
+        continue;
+      }
+      Path.push_back(ahead);
+      return ahead.Element + 1;
+    }
+    return std::nullopt;
   }
 
   // Whether a search may go beyond this piece.
@@ -183,11 +229,14 @@ class Joiner {
     const std::size_t last = GetNextNonZMoveIndex(Elements, next, limit);
     for (std::size_t at = next; at <= last && at < limit; ++at) {
       if (Elements[at].Too_Tight) break;
+      Path_Piece piece{Elements[at].Moved, at};
       if (at > next) {
         const Corner corner = Corner_Between(Elements[at - 1], Elements[at], To_Left);
-        if (corner.Kind == Joint::Outside) pieces.push_back(Connecting_Arc(corner, at));
+        if (corner.Kind != Joint::Inside && !Meet(corner, pieces.back().Shape, piece.Shape)) {
+          pieces.push_back(Connecting_Arc(corner, at));
+        }
       }
-      pieces.push_back({Elements[at].Moved, at, false});
+      pieces.push_back(piece);
     }
     return pieces;
   }

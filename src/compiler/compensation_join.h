@@ -43,6 +43,7 @@ struct Path_Piece {
   Piece Shape;
   std::size_t Element = 0;  // whose it is; of a connecting arc: the element before the corner
   bool Connects = false;    // a connecting arc
+  bool Wrong_Way = false;   // a connecting arc at an inside corner, where nothing crosses
 };
 
 // True for elements that may not be passed over: |dx| or |dy| of `Short_Move` or more, and every
@@ -53,7 +54,8 @@ std::size_t GetNextNonZMoveIndex(const std::vector<Element>& elements, std::size
                                  std::size_t count);
 
 struct Join_Reports {
-  // An inside corner at the end of this element found no crossing.
+  // Nothing crosses at the inside corner at the end of this element. Called at the end, for the
+  // corners that are still on the path then.
   std::function<void(Element&)> No_Crossing = [](Element&) {};
   // Called for each element as it is joined.
   std::function<void(const Element&)> Progress = [](const Element&) {};

@@ -166,7 +166,7 @@ void Expand(std::int16_t macro) {
   const Open_Macro open(macro);
   SetStatus(1, "NIST Compile: Processing " + name, 5);
   const Macro_Text& text = Text_Of_Macro(macro, path);
-  Line_Pass.Operations.Macro_Begin(macro, path);
+  Line_Pass.Operations.Macro_Begin(macro, text);
   Run_Macro_Lines(text);
   Line_Pass.Operations.Macro_End();
 }
@@ -226,7 +226,7 @@ Line_Pass_Operations Compile_Operations() {
     Platform.Message_Box("GCode Compile", text, Box_Buttons::Ok);
   };
   operations.Macro_Call = [](std::string_view, const std::optional<std::string>&) {};
-  operations.Macro_Begin = [](std::int16_t, const std::string&) {};
+  operations.Macro_Begin = [](std::int16_t, const Macro_Text&) {};
   operations.Macro_End = [] {};
   operations.Progress_Front = "GCode Compile: Compiling Program ";
   operations.Progress_Back = "% completed, press ESC to cancel";

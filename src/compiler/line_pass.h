@@ -33,7 +33,7 @@ struct Line_Pass_Operations {
   // A line calls a macro, by the number's text; absent: without a number. Before it is expanded.
   std::function<void(std::string_view text, const std::optional<std::string>& number)> Macro_Call;
   // The lines of a macro begin and end.
-  std::function<void(std::int16_t macro, const std::string& path)> Macro_Begin;
+  std::function<void(std::int16_t macro, const Macro_Text& text)> Macro_Begin;
   std::function<void()> Macro_End;
   // Text of the progress in panel 1, before and behind the percentage.
   std::string Progress_Front, Progress_Back;

@@ -70,15 +70,15 @@ double Move_Seconds(const Way& way, const Wire& wire) {
   const double low = std::min({99999.0, double{wire.IPM_S}, double{cruise}, double{wire.IPM_E}});
   double up = std::max(0.0, (cruise - wire.IPM_S) / change);
   if (up > total) up = way.MaxSteps;
-  double down_from = total - std::max(0.0, (cruise - wire.IPM_E) / change);
-  if (down_from < way.MaxSteps - up) down_from = up;
-  up = std::min(up, down_from);
+  double down = total - std::max(0.0, (cruise - wire.IPM_E) / change);
+  if (down < way.MaxSteps - up) down = up;
+  // Where the ramps overlap, one takes what the other gives.
+  const double rise = std::floor(std::max(0.0, std::min(up, down)));
+  const double hold = std::floor(std::max(up, down)) - rise;
   double ipm = std::min(double{wire.IPM_S}, cruise);
-  double seconds = Ramp_Seconds(std::floor(up), ipm, change, low, cruise);
-  const double held = std::max(0.0, std::floor(down_from) - std::floor(up));
-  seconds += held * Half_Step_Seconds(ipm);
-  const double rest = total - std::floor(up) - held;
-  return seconds + Ramp_Seconds(rest, ipm, -change, low, cruise);
+  const double rising = Ramp_Seconds(rise, ipm, change, low, cruise);
+  const double holding = hold * Half_Step_Seconds(ipm);
+  return rising + holding + Ramp_Seconds(total - rise - hold, ipm, -change, low, cruise);
 }
 
 }  // namespace

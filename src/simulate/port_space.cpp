@@ -130,21 +130,34 @@ void Note_Unmapped_Write(std::uint16_t address) {
   Word_Finding("A write to port " + std::to_string(address) + ", where nothing is wired");
 }
 
-// An access takes its time, on whichever clock runs.
-void Spend_Access_Time() {
-  const std::int64_t cost = Simulated_Machine.Access_Time;
-  if (cost <= 0) return;
-  if (Virtual_Clock.Installed) {
-    Advance_Virtual_Clock(cost);
-    return;
+// An access takes its time. The virtual clock moves before the machine sees the access; on a real
+// clock the machine's own work is part of the time.
+class Access {
+ public:
+  Access() : Cost(Simulated_Machine.Access_Time) {
+    if (Cost <= 0) return;
+    if (Virtual_Clock.Installed) {
+      Advance_Virtual_Clock(Cost);
+      Cost = 0;
+    } else {
+      Begin = Platform.Monotonic_Clock();
+    }
   }
-  const std::int64_t end = Platform.Monotonic_Clock() + cost;
-  std::int64_t now = end - cost;
-  // A clock that stands still ends the wait.
-  for (std::int64_t last = now - 1; now < end && now != last; now = Platform.Monotonic_Clock()) {
-    last = now;
+  ~Access() {
+    if (Cost <= 0) return;
+    // A clock that stands still ends the wait.
+    std::int64_t now = Platform.Monotonic_Clock(), last = Begin - 1;
+    while (now < Begin + Cost && now != last) {
+      last = now;
+      now = Platform.Monotonic_Clock();
+    }
   }
-}
+  Access(const Access&) = delete;
+  Access& operator=(const Access&) = delete;
+
+ private:
+  std::int64_t Cost = 0, Begin = 0;
+};
 
 }  // namespace
 
@@ -201,7 +214,7 @@ void Refresh_Reads() {
 
 std::uint8_t Simulated_Port_Read(std::uint16_t address) {
   ++Simulated_Machine.Reads;
-  Spend_Access_Time();
+  const Access access;
   Register* wired = Register_At(address);
   if (wired != nullptr && wired->Restless != 0) {
     Refresh_Restless(*wired);
@@ -212,7 +225,7 @@ std::uint8_t Simulated_Port_Read(std::uint16_t address) {
 
 void Simulated_Port_Write(std::uint16_t address, std::uint8_t value) {
   ++Simulated_Machine.Writes;
-  Spend_Access_Time();
+  const Access access;
   if (Space.Index[address] == Unmapped) Follow_Setup();
   if (Register* wired = Register_At(address)) return Latch_Value(*wired, value);
   if (Space.Index[address] == Unmapped) Note_Unmapped_Write(address);

@@ -221,8 +221,8 @@ Contour Rounded_Rectangle(double width, double height, double fillet) {
   return contour;
 }
 
-Contour Fine_Polyline(Random& random, double step) {
-  const double depth = Between(random, 0.02, 0.3), size = Between(random, 4, 10);
+Contour Fine_Polyline(Random& random, double size, double step) {
+  const double depth = Between(random, 0.02, 0.3);
   const double waves = static_cast<double>(2 + random() % 4);
   const auto spot = [&](double angle) {
     const double radius = size * (1 + depth * std::cos(waves * angle));
@@ -257,15 +257,21 @@ Outcome Compensate(const Table<LineArc>& program, double radius) {
   return outcome;
 }
 
-double Least_Distance(const Contour& contour, const Table<LineArc>& moved, double step) {
+double Least_Distance(const Contour& contour, const Table<LineArc>& moved, double radius) {
+  constexpr double step = 0.01;
   const std::vector<Track> programmed = Tracks_Of(contour);
-  double least = 1e300;
+  double least = radius;
   for (std::size_t row = 1; row + 1 < moved.Rows.size(); ++row) {
     const Track track = Track_Of(moved.Rows[row]);
-    const int samples = 1 + static_cast<int>(track.Long() / step);
-    for (int k = 0; k <= samples; ++k) {
-      const Spot at = track.At(static_cast<double>(k) / samples);
-      for (const Track& wall : programmed) least = std::min(least, wall.Distance(at));
+    const double length = track.Long();
+    for (const Track& wall : programmed) {
+      // A point that is further away stays so for at least the difference.
+      for (double gone = 0, distance = 0; gone <= length;
+           gone += std::max(step, distance - radius)) {
+        distance = wall.Distance(track.At(length > 0 ? gone / length : 0));
+        least = std::min(least, distance);
+      }
+      least = std::min(least, wall.Distance(track.At(1)));
     }
   }
   return least;

@@ -40,7 +40,8 @@ double Between(Random& random, double low, double high);
 Contour Random_Polygon(Random& random, bool with_arcs);  // closed
 Contour Random_Walk(Random& random, bool with_arcs);     // open
 Contour Rounded_Rectangle(double width, double height, double fillet);
-Contour Fine_Polyline(Random& random, double step);  // closed, smooth, in moves of about `step`
+// Closed and wavy, about `size` in radius, in moves of about `step` with four decimals.
+Contour Fine_Polyline(Random& random, double size, double step);
 
 // Runs the pass with tool 1 of radius `radius` in use; answers what was written to the error log.
 struct Outcome {
@@ -50,8 +51,9 @@ struct Outcome {
 };
 Outcome Compensate(const Table<LineArc>& program, double radius);
 
-// Least distance of the moved path, leads left out, from the programmed contour.
-double Least_Distance(const Contour& contour, const Table<LineArc>& moved, double step);
+// Least distance of the moved path, leads left out, from the programmed contour; distances above
+// `radius` count as that.
+double Least_Distance(const Contour& contour, const Table<LineArc>& moved, double radius);
 // The largest way between the end of a record and the start of the next.
 double Largest_Gap(const Table<LineArc>& moved);
 // What is wrong with the records themselves: ends on different radii, arcs that would not be drawn,

@@ -36,6 +36,7 @@ class Line_Pass_Test : public ::testing::Test {
     MachineSetup.Axis_Format = "000.000";
     MachineSetup.Axis_Feed_Rate_Travel = 50;
     MachineSetup.Axis_Feed_Rate_Cut = 20;
+    Compiler = {};
     Compiler_Memory = {};
     Compile_Tables = {};
   }

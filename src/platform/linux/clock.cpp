@@ -74,14 +74,11 @@ void Calibrate() {
   Spin_Clock.Counter = true;
 }
 
+// Without the processor's hint for spinning loops: under a hypervisor a row of them may hand the
+// processor to another machine for some microseconds, which one edge in a hundred then shows.
 std::int64_t Spin_Until(std::int64_t deadline) {
-  // The hint may sleep for a part of a microsecond, so the end is spun without it.
-  constexpr std::int64_t bare = 1'000;
   std::int64_t now = Spin_Now();
-  while (now < deadline) {
-    if (deadline - now > bare) Spin_Hint();
-    now = Spin_Now();
-  }
+  while (now < deadline) now = Spin_Now();
   return now;
 }
 

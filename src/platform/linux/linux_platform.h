@@ -18,6 +18,8 @@
 //   0 normal         as the program was started  not locked
 //   1 high           -10                         not locked
 //   2 real time      -20                         locked
+//
+// Where the kernel groups the programs of a session (autogroup), the group gets the same value.
 #pragma once
 
 #include <cstdint>

@@ -32,7 +32,6 @@ bool Time_Stamp_Counter_Is_Steady() {
 std::uint64_t Read_Time_Stamp_Counter() {
   return 0;
 }
-void Spin_Hint() {}
 
 }  // namespace norvik
 

@@ -9,7 +9,5 @@ namespace norvik {
 bool Time_Stamp_Counter_Is_Steady();
 // Ticks; 0 on processors without such a counter.
 std::uint64_t Read_Time_Stamp_Counter();
-// Tells the processor that a wait spins.
-void Spin_Hint();
 
 }  // namespace norvik

@@ -1,0 +1,70 @@
+// norvik: the desktop program. Chooses the back ends, builds the main window and runs the start.
+#include "app/connect.h"
+#include "app/folders.h"
+#include "app/main_form.h"
+#include "app/shutdown.h"
+#include "app/startup.h"
+#include "control/jog_guard.h"
+#include "core/application.h"
+#include "platform/desktop/desktop_platform.h"
+#include "platform/linux/linux_platform.h"
+#include "platform/qt/picture_files.h"
+#include "platform/sdl/sdl_platform.h"
+#include "ui/main_window.h"
+#include "ui/simulated/simulated_window.h"
+#include "ui/theme.h"
+#include "wiring/port_choice.h"
+
+#include <csignal>
+
+#include <QApplication>
+#include <QSocketNotifier>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+int Signal_Pipe[2];
+
+extern "C" void Note_Signal(int) {
+  const char byte = 1;
+  [[maybe_unused]] const auto written = write(Signal_Pipe[0], &byte, 1);
+}
+
+// A request to terminate takes the orderly way out: outputs and motors off first.
+void End_On_Signals(QApplication& application) {
+  if (socketpair(AF_UNIX, SOCK_STREAM, 0, Signal_Pipe) != 0) return;
+  auto* notifier = new QSocketNotifier(Signal_Pipe[1], QSocketNotifier::Read, &application);
+  QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] { norvik::bye(); });
+  std::signal(SIGINT, Note_Signal);
+  std::signal(SIGTERM, Note_Signal);
+}
+
+}  // namespace
+
+int main(int argument_count, char** arguments) {
+  using namespace norvik;
+  QApplication application(argument_count, arguments);
+  QApplication::setApplicationName("Norvik");
+  QApplication::setQuitOnLastWindowClosed(false);
+  Apply_Theme(application);
+
+  Install_Desktop_Platform(Jog_Guard_Window_Lost);
+  Install_Linux_Clock();
+  Install_Linux_Priority();
+  Install_Sdl_Platform();
+  Install_Picture_Reader();
+  Enter_Desktop_Folders();
+
+  Main_Window window;
+  Connect_App();
+  Main_Host.Open_Port = [] { Choose_Port(); };
+  End_On_Signals(application);
+  Load_Main();
+  if (Port_Is_Simulated()) {
+    window.Add_Tool_Window("Simulated_Machine", "&Simulated machine",
+                           [] { return new Simulated_Window; });
+    window.Set_Banner("SIMULATED MACHINE - no motion takes place");
+  }
+  return QApplication::exec();
+}

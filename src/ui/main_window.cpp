@@ -1,0 +1,398 @@
+#include "ui/main_window.h"
+
+#include "app/forms.h"
+#include "app/gcode_file.h"
+#include "app/gcode_form.h"
+#include "app/machine_menu.h"
+#include "app/main_form.h"
+#include "app/openers.h"
+#include "app/shutdown.h"
+#include "app/startup.h"
+#include "compiler/compile_host.h"
+#include "control/jog_guard.h"
+#include "core/messages.h"
+#include "core/recent_files.h"
+#include "core/window_memory.h"
+#include "plot/nist_plot.h"
+#include "plot/view.h"
+#include "ui/controls_window.h"
+#include "ui/gcode_window.h"
+#include "ui/jog_key_window.h"
+#include "ui/plot_window.h"
+#include "ui/port_io_window.h"
+#include "ui/progress_window.h"
+#include "ui/theme.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QStatusBar>
+
+namespace norvik {
+
+namespace {
+
+struct Menu_Row {
+  const char* Menu;
+  const char* Name;
+  const char* Text;
+  QKeySequence Keys;
+  const char* Tip;
+  void (*Chosen)();
+};
+
+// Entries whose work stands in the rooms of the logic. An empty text draws a line.
+const std::vector<Menu_Row>& Menu_Rows() {
+  static const std::vector<Menu_Row> rows = {
+      {"&File", "Menu_File_New", "&New", QKeySequence::New, "Begin a new program", Menu_File_New},
+      {"&File", "Menu_File_Open", "&Open...", QKeySequence::Open, "Open a program", Menu_File_Open},
+      {"&File", "Menu_File_Save", "&Save as...", QKeySequence::Save, "Save the program",
+       Menu_File_Save},
+      {"&File", "Menu_File_Print", "&Print...", QKeySequence::Print, "Print the program",
+       Print_Data},
+      {"&Machine",
+       "Menu_Machine_Create_New_Machine",
+       "&Create new machine...",
+       {},
+       "Save the present parameters as another machine",
+       Menu_Machine_Create_New_Machine},
+      {"&Machine",
+       "Menu_Machine_Load_Machine_Setup",
+       "&Load machine setup...",
+       {},
+       "Work with another machine",
+       Menu_Machine_Load_Machine_Setup},
+      {"&Machine",
+       "Menu_Machine_Restore",
+       "&Restore factory settings...",
+       {},
+       "Every parameter to its factory value",
+       Command_Parameter_Reset_Click},
+      {"&View", "Menu_View_Refresh", "&Refresh plot", QKeySequence(Qt::CTRL | Qt::Key_R),
+       "Draw the program again", Plot_Refresh},
+      {"&View", "Menu_View_Zoom_Table", "Zoom to &table", {}, "Show the whole table", Zoom_Table},
+      {"&View", "Menu_View_Zoom_All", "Zoom to &program", {}, "Show the whole program", Zoom_All},
+      {"&View",
+       "Menu_View_Reset_Positions",
+       "Reset &window positions",
+       {},
+       "Put all windows back to their default places",
+       Reset_Form_Positions},
+  };
+  return rows;
+}
+
+struct Form_Row {
+  Form_Id Form;
+  const char* Name;  // object name of the window
+  const char* Menu_Text;
+  std::function<QWidget*()> Make;
+};
+
+const std::vector<Form_Row>& Form_Rows() {
+  static const std::vector<Form_Row> rows = {
+      {Form_Id::Plot, "Plot", "&Plot (F4)", [] { return new Plot_Window; }},
+      {Form_Id::GCode, "GCode", "&G-code (F5)", [] { return new GCode_Window; }},
+      {Form_Id::CNC_Controls, "CNC_Controls", "&CNC controls (F6)",
+       [] { return new Controls_Window; }},
+      {Form_Id::JogKey, "JogKey", "&Jog by keys", [] { return new JogKey_Window; }},
+      {Form_Id::Port_IO, "Port_IO", "Port &I/O", [] { return new Port_IO_Window; }},
+  };
+  return rows;
+}
+
+const char* Name_Of(Form_Id form) {
+  for (const Form_Row& row : Form_Rows()) {
+    if (row.Form == form) return row.Name;
+  }
+  return "";
+}
+
+// Absent for windows without a memory.
+std::optional<Form_Id> Form_Of(const QString& name) {
+  for (const Form_Row& row : Form_Rows()) {
+    if (name == row.Name) return row.Form;
+  }
+  return std::nullopt;
+}
+
+Window_Place Place_Of(const QWidget& window) {
+  const QRect frame =
+      window.isMaximized() || window.isMinimized()
+          ? window.normalGeometry().isValid() ? window.normalGeometry() : window.geometry()
+          : window.geometry();
+  Window_Place place{frame.top(), frame.left(), frame.height(), frame.width(), Window_Normal};
+  if (window.isMinimized()) place.WindowState = Window_Minimized;
+  if (window.isMaximized()) place.WindowState = Window_Maximized;
+  return place;
+}
+
+}  // namespace
+
+Main_Window::Main_Window() : Area(new QMdiArea) {
+  setObjectName("Main");
+  setAcceptDrops(true);
+  setCentralWidget(Area);
+  Area->setBackground(palette().brush(QPalette::AlternateBase));
+  Area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+  setMinimumSize(640, 480);
+  for (const Form_Row& row : Form_Rows()) {
+    Tool_Windows[row.Name] = {row.Menu_Text, row.Make, nullptr};
+  }
+  Build_Menus();
+  Build_Status_Bar();
+  Progress = new Progress_Window(this);
+  Connect_Hosts();
+  setWindowTitle(QString::fromStdString(Main_Form.Caption));
+}
+
+Main_Window::~Main_Window() {
+  Close_Tool_Windows();
+  Main_Host = {};
+  Compile_Host.Show_Progress = [](const std::string&) {};
+  Recent_Host.List_Changed = [] {};
+  Messages_Host.Panel_Changed = [](int) {};
+}
+
+// --- Menus and status bar ------------------------------------------------------------------------
+
+void Main_Window::Build_Menus() {
+  std::map<QString, QMenu*> menus;
+  for (const char* title : {"&File", "&Edit", "&View", "&Machine", "&Window"}) {
+    menus[title] = menuBar()->addMenu(title);
+    menus[title]->setToolTipsVisible(true);
+  }
+  for (const Menu_Row& row : Menu_Rows()) {
+    QAction* action = menus[row.Menu]->addAction(row.Text, this, row.Chosen);
+    action->setObjectName(row.Name);
+    action->setShortcut(row.Keys);
+    QString tip = row.Tip;
+    if (!row.Keys.isEmpty()) tip += " (" + row.Keys.toString(QKeySequence::NativeText) + ")";
+    action->setToolTip(tip);
+  }
+  const auto program = [this]() -> GCode_Window* {
+    QMdiSubWindow* frame = Tool_Windows["GCode"].Frame;
+    return frame != nullptr ? static_cast<GCode_Window*>(frame->widget()) : nullptr;
+  };
+  QMenu* edit = menus["&Edit"];
+  edit->addAction("&Undo", QKeySequence::Undo, this, [program] {
+    if (GCode_Window* window = program()) window->Undo();
+  });
+  edit->addAction("&Find...", QKeySequence::Find, this, [this, program] {
+    Show_Tool_Window("GCode");
+    if (GCode_Window* window = program()) window->Show_Find();
+  });
+  edit->addAction("&Compile", QKeySequence(Qt::CTRL | Qt::Key_B), this, Command_Update_Click);
+
+  QMenu* file = menus["&File"];
+  Recent_Menu = file->addMenu("&Recent files");
+  Build_Recent_Menu(*Recent_Menu);
+  file->addSeparator();
+  file->addAction("E&xit", QKeySequence::Quit, this, &QWidget::close)
+      ->setObjectName("Menu_File_Exit");
+  Window_Menu = menus["&Window"];
+  for (const auto& [name, window] : Tool_Windows) {
+    const QString window_name = name;
+    Window_Menu
+        ->addAction(window.Menu_Text, this, [this, window_name] { Show_Tool_Window(window_name); })
+        ->setObjectName("Menu_Window_" + name);
+  }
+}
+
+void Main_Window::Build_Recent_Menu(QMenu& menu) {
+  menu.clear();
+  int slot = 0;
+  for (const std::string& text : Recent_Menu_Texts()) {
+    ++slot;
+    if (text.empty()) continue;
+    QAction* action = menu.addAction(QString::fromStdString(text).replace('&', "&&"), this,
+                                     [slot] { Menu_File_File_Click(slot); });
+    action->setObjectName(QString("Menu_File_File%1").arg(slot));
+  }
+  menu.setEnabled(!menu.isEmpty());
+}
+
+void Main_Window::Build_Status_Bar() {
+  static constexpr int stretches[] = {5, 3, 3, 2};
+  for (std::size_t panel = 0; panel < Panels.size(); ++panel) {
+    auto* label = new QLabel;
+    label->setObjectName(QString("Panel_%1").arg(panel + 1));
+    label->setTextFormat(Qt::PlainText);
+    label->setMinimumWidth(Text_Height() * 4);
+    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(label, stretches[panel]);
+    Panels[panel] = label;
+  }
+  Banner = new QLabel;
+  Banner->setObjectName("Label_Banner");
+  Banner->setFont(Bold_Font(1.0));
+  Banner->setMargin(Text_Height() / 5);
+  Set_Face(*Banner, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
+  Banner->hide();
+  statusBar()->addPermanentWidget(Banner);
+}
+
+void Main_Window::Set_Banner(const QString& text) {
+  Banner->setText(text);
+  Banner->setVisible(!text.isEmpty());
+}
+
+// --- Hooks ---------------------------------------------------------------------------------------
+
+void Main_Window::Connect_Hosts() {
+  Main_Host.Caption_Changed = [this] { setWindowTitle(QString::fromStdString(Main_Form.Caption)); };
+  Main_Host.Place_Main = [this](const Window_Place& place) {
+    setGeometry(place.Left, place.Top, place.Width, place.Height);
+    if (place.WindowState == Window_Maximized) {
+      showMaximized();
+    } else {
+      show();
+    }
+  };
+  Main_Host.Show_Form = [this](Form_Id form) { Show_Tool_Window(Name_Of(form)); };
+  Main_Host.Focus_Form = Main_Host.Show_Form;
+  Main_Host.Unload_Form = [this](Form_Id form) {
+    QMdiSubWindow*& frame = Tool_Windows[Name_Of(form)].Frame;
+    if (frame == nullptr) return;
+    Keep_Place(Name_Of(form), *frame);
+    delete frame;
+    frame = nullptr;
+  };
+  Main_Host.View_Of = [this](Form_Id form) {
+    if (form == Form_Id::Main) return Form_View{Place_Of(*this), isVisible(), true};
+    const QMdiSubWindow* frame = Tool_Windows[Name_Of(form)].Frame;
+    if (frame == nullptr) return Form_View();
+    return Form_View{Place_Of(*frame), frame->isVisible(), true};
+  };
+  Main_Host.Unload_Other_Windows = [this] { Close_Tool_Windows(); };
+  Compile_Host.Show_Progress = [this](const std::string& caption) {
+    Progress->Show_Progress(QString::fromStdString(caption));
+  };
+  Recent_Host.List_Changed = [this] { Build_Recent_Menu(*Recent_Menu); };
+  Messages_Host.Panel_Changed = [this](int panel) {
+    if (panel < 1 || panel > 4) return;
+    QLabel* label = Panels[static_cast<std::size_t>(panel - 1)];
+    const QString text = QString::fromStdString(Messages.Panel[panel]);
+    label->setText(text);
+    label->setToolTip(text);
+  };
+}
+
+// --- Tool windows --------------------------------------------------------------------------------
+
+void Main_Window::Add_Tool_Window(const QString& name, const QString& menu_text,
+                                  std::function<QWidget*()> make) {
+  Tool_Windows[name] = {menu_text, std::move(make), nullptr};
+  Window_Menu->addAction(menu_text, this, [this, name] { Show_Tool_Window(name); })
+      ->setObjectName("Menu_Window_" + name);
+}
+
+void Main_Window::Show_Tool_Window(const QString& name) {
+  const auto found = Tool_Windows.find(name);
+  if (found == Tool_Windows.end()) return;
+  QMdiSubWindow*& frame = found->second.Frame;
+  if (frame == nullptr) {
+    QWidget* window = found->second.Make();
+    frame = Area->addSubWindow(window);
+    frame->setAttribute(Qt::WA_DeleteOnClose, false);
+    frame->setWindowIcon(QIcon());
+    frame->installEventFilter(this);
+    Restore_Place(name, *frame);
+    if (auto* program = qobject_cast<GCode_Window*>(window)) {
+      connect(program, &GCode_Window::File_Dropped, this, &Main_Window::Open_Path);
+    }
+  }
+  if (frame->isMinimized()) frame->showNormal();
+  frame->widget()->show();
+  frame->show();
+  Area->setActiveSubWindow(frame);
+}
+
+bool Main_Window::Tool_Window_Is_Open(const QString& name) const {
+  const auto found = Tool_Windows.find(name);
+  return found != Tool_Windows.end() && found->second.Frame != nullptr &&
+         found->second.Frame->isVisible();
+}
+
+void Main_Window::Restore_Place(const QString& name, QMdiSubWindow& frame) {
+  const auto form = Form_Of(name);
+  if (!form) return frame.resize(frame.sizeHint());
+  const Window_Place place = Read_Form_Place(*form);
+  frame.setGeometry(place.Left, place.Top, place.Width, place.Height);
+  if (place.WindowState == Window_Maximized) frame.setWindowState(Qt::WindowMaximized);
+}
+
+void Main_Window::Keep_Place(const QString& name, const QWidget& frame) {
+  if (const auto form = Form_Of(name)) Write_Form_Place(*form, Place_Of(frame));
+}
+
+void Main_Window::Close_Tool_Windows() {
+  for (auto& [name, window] : Tool_Windows) {
+    if (window.Frame == nullptr) continue;
+    Keep_Place(name, *window.Frame);
+    delete window.Frame;
+    window.Frame = nullptr;
+  }
+}
+
+// A tool window that the operator closes is hidden and keeps what it shows.
+bool Main_Window::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Close) {
+    if (auto* frame = qobject_cast<QMdiSubWindow*>(watched)) {
+      Jog_Guard_Window_Lost();
+      frame->hide();
+      event->ignore();
+      return true;
+    }
+  }
+  return QMainWindow::eventFilter(watched, event);
+}
+
+// --- The window itself ---------------------------------------------------------------------------
+
+void Main_Window::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::ActivationChange) {
+    if (isActiveWindow()) {
+      Activate_Main();
+    } else if (QApplication::activeWindow() == nullptr) {
+      Jog_Guard_Window_Lost();
+    }
+  }
+  if (event->type() == QEvent::WindowStateChange && isMinimized()) Jog_Guard_Window_Lost();
+  QMainWindow::changeEvent(event);
+}
+
+void Main_Window::closeEvent(QCloseEvent* event) {
+  event->ignore();
+  if (Gcode_Form.Text_Edited) {
+    const auto answer = QMessageBox::question(
+        this, "Norvik", "The program has changes that are not saved. Save them?",
+        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+    if (answer == QMessageBox::Cancel) return;
+    if (answer == QMessageBox::Save) {
+      Menu_File_Save();
+      if (Gcode_Form.Text_Edited) return;  // the save was cancelled or failed
+    }
+  }
+  Save_Default_Form_View();
+  Unload_Main();
+}
+
+void Main_Window::dragEnterEvent(QDragEnterEvent* event) {
+  if (event->mimeData()->hasUrls()) event->acceptProposedAction();
+}
+
+void Main_Window::dropEvent(QDropEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (url.isLocalFile()) return Open_Path(url.toLocalFile());
+  }
+}
+
+void Main_Window::Open_Path(const QString& path) {
+  LoadRecentFile(path.toStdString());
+}
+
+}  // namespace norvik

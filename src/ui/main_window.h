@@ -1,0 +1,65 @@
+// main_window.h: the window `Main`: menus, status bar and the tool windows inside it.
+#pragma once
+
+#include <array>
+#include <functional>
+#include <map>
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QMdiArea>
+
+class QMdiSubWindow;
+
+namespace norvik {
+
+class GCode_Window;
+class Progress_Window;
+
+class Main_Window : public QMainWindow {
+ public:
+  Main_Window();
+  ~Main_Window() override;
+
+  // Another tool window that the program offers, made at its first opening.
+  void Add_Tool_Window(const QString& name, const QString& menu_text,
+                       std::function<QWidget*()> make);
+  // Shows a tool window and gives it the focus.
+  void Show_Tool_Window(const QString& name);
+  bool Tool_Window_Is_Open(const QString& name) const;
+  // A text that stays in the status bar, for the warning that no real machine is driven.
+  void Set_Banner(const QString& text);
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void changeEvent(QEvent* event) override;
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  struct Tool_Window {
+    QString Menu_Text;
+    std::function<QWidget*()> Make;
+    QMdiSubWindow* Frame = nullptr;
+  };
+
+  void Build_Menus();
+  void Build_Recent_Menu(QMenu& menu);
+  void Build_Status_Bar();
+  void Connect_Hosts();
+  void Restore_Place(const QString& name, QMdiSubWindow& frame);
+  void Keep_Place(const QString& name, const QWidget& frame);
+  void Close_Tool_Windows();
+  void Open_Path(const QString& path);
+
+  QMdiArea* Area;
+  std::map<QString, Tool_Window> Tool_Windows;
+  QMenu* Window_Menu = nullptr;
+  QMenu* Recent_Menu = nullptr;
+  std::array<QLabel*, 4> Panels{};
+  QLabel* Banner = nullptr;
+  Progress_Window* Progress = nullptr;
+};
+
+}  // namespace norvik

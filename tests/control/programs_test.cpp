@@ -1,0 +1,176 @@
+// Whole programs: where they end, how long they take, and what a kill leaves behind.
+#include "control/estimate.h"
+#include "control/home.h"
+#include "control/run_program.h"
+#include "control_fixture.h"
+#include "simulate/virtual_clock.h"
+
+#include <csignal>
+#include <cstdlib>
+#include <random>
+
+#include <sys/wait.h>
+
+namespace norvik {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+
+class Programs_Test : public Control_Test {
+ protected:
+  Programs_Test() {
+    Free_Axes();
+    MachineSetup.Axis_Depth.Fill(1e6F);
+  }
+  ~Programs_Test() override { Remove_Virtual_Clock(); }
+
+  // Chains of moves with planned-looking speeds, dwells and records without motion.
+  std::vector<Row> Random_Program(unsigned seed, int count) {
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<double> place(-2, 2), feed(20, 200);
+    std::vector<Row> rows;
+    for (int i = 1; i <= count; ++i) {
+      Row row;
+      row.Step = i;
+      row.Feed = static_cast<float>(feed(random));
+      if (random() % 3 != 0) row.X = place(random);
+      if (random() % 3 != 0) row.Y = place(random);
+      if (random() % 5 == 0) row.Z = place(random);
+      if (random() % 7 == 0) row.A = place(random);
+      if (random() % 10 == 0) row.Motion = 0;
+      if (random() % 10 == 0) row.Dwell = 0.3F;
+      rows.push_back(row);
+    }
+    return rows;
+  }
+  // Speeds that start and end low, as at sharp corners, the first of them from rest.
+  static void Slow_Ends(float speed) {
+    for (Wire& wire : Program_Wire.Rows()) wire.IPM_S = wire.IPM_E = speed;
+    Program_Wire.Rows()[0].IPM_S = MachineSetup.Axis_Ramp_Start;
+  }
+};
+
+TEST_F(Programs_Test, The_machine_ends_where_the_program_does) {
+  for (const unsigned seed : {1U, 2U, 3U}) {
+    Load(Random_Program(seed, 40));
+    MachineSetup.Axis_Ramping = seed != 1;
+    Slow_Ends(20);
+    const Run_Summary summary = Run_Compiled_Program({""});
+    EXPECT_TRUE(summary.Finished) << summary.Ended_By;
+    EXPECT_EQ(summary.Steps, 40);
+    Indexed<double, 1, 4> end;
+    for (int axis = 1; axis <= 4; ++axis) end[axis] = summary.Position[axis];
+    for (const Wire& wire : Program_Wire.Rows())
+      for (int axis = 1; axis <= 4; ++axis)
+        if (wire.Motion == 1 && wire.End[axis]) end[axis] = *wire.End[axis];
+    for (int axis = 1; axis <= 4; ++axis)
+      EXPECT_NEAR(True_Position(axis), end[axis], 0.5 / 400 + 1e-9) << axis;
+    Expect_Position_True();
+  }
+}
+
+// The walk over the wires and the run on the virtual clock agree.
+TEST_F(Programs_Test, The_estimate_agrees_with_the_run) {
+  struct {
+    bool Ramping;
+    std::int16_t Rate;
+    float Ends, Highest;
+  } const rows[] = {
+      {false, 1, 20, 1000}, {true, 1, 20, 1000}, {true, 15, 5, 1000}, {true, 4, 60, 50}};
+  for (const auto& row : rows) {
+    MachineSetup.Axis_Ramping = row.Ramping;
+    MachineSetup.Axis_Ramp_Rate = row.Rate;
+    MachineSetup.Axis_Max_Feed_Rate.Fill(row.Highest);
+    MachineSetup.Axis_SPI = {{400, 700, 400, 300}};
+    Machine.Position = Machine.Theoretical_Pos = {};
+    Reset_Simulated_Machine();
+    Free_Axes();
+    Simulated_Machine.Access_Time = 0;
+    Load(Random_Program(7, 30));
+    Slow_Ends(row.Ends);
+    Indexed<double, 1, 4> from;
+    double estimate = 0;
+    for (const Wire& wire : Program_Wire.Rows()) estimate += Find_Material_ProcessTime(wire, from);
+    const Run_Summary summary = Run_Compiled_Program({""});
+    ASSERT_TRUE(summary.Finished) << summary.Ended_By;
+    EXPECT_NEAR(estimate / summary.Machine_Run_Time, 1, 0.01)
+        << "ramps " << row.Ramping << " rate " << row.Rate;
+  }
+}
+
+TEST_F(Programs_Test, Pauses_of_a_run_without_a_panel) {
+  Load({{1, 0.1}, {2, {}, {}, {}, {}, -1}, {3, 0.3}, {4, {}, {}, {}, {}, -1}, {5, 0.5}});
+  std::vector<std::int32_t> pauses;
+  Run_Options options{""};
+  options.At_Pause = [&](std::int32_t step) {
+    pauses.push_back(step);
+    return step < 5;
+  };
+  const Run_Summary summary = Run_Compiled_Program(options);
+  EXPECT_THAT(pauses, ElementsAre(3, 5));
+  EXPECT_FALSE(summary.Finished);
+  EXPECT_EQ(summary.Ended_By, control_text::Ended_By_Operator);
+  EXPECT_NEAR(summary.Position[1], 0.3, 1e-9);
+  EXPECT_THAT(Summary_Text(summary), HasSubstr("Steps: 4 of 5"));
+}
+
+TEST_F(Programs_Test, A_refused_run_says_why) {
+  Load({{1, 0.1}});
+  Machine.EStop_Flag = true;
+  EXPECT_EQ(Run_Compiled_Program({""}).Ended_By, control_text::Motors_Are_Disabled);
+  Machine.EStop_Flag = false;
+  MachineSetup.Parallel_Port_Type = 3;
+  EXPECT_EQ(Run_Compiled_Program({""}).Ended_By, control_text::No_Serial_Board);
+}
+
+TEST_F(Programs_Test, A_long_run_on_the_virtual_clock) {
+  Install_Virtual_Clock();
+  std::vector<Row> rows;
+  for (int i = 1; i <= 4'000; ++i) rows.push_back({i, (i % 2) * 0.01, (i % 3) * 0.01});
+  Load(rows);
+  int ticks = 0;
+  Run_Options options{""};
+  options.Progress = [&](std::int32_t, std::int32_t) { ++ticks; };
+  const Run_Summary summary = Run_Compiled_Program(options);
+  EXPECT_TRUE(summary.Finished);
+  EXPECT_EQ(summary.Steps, 4'000);
+  EXPECT_NEAR(ticks, summary.Machine_Run_Time * 4, summary.Machine_Run_Time * 0.4 + 2);
+  EXPECT_EQ(scripted.Running_Timers(), 0);
+  Expect_Position_True();
+}
+
+// A process that is killed at any moment of a run leaves a whole machine file and one of the
+// positions that were saved.
+TEST_F(Programs_Test, A_kill_loses_no_file_and_no_saved_position) {
+  ASSERT_TRUE(SaveMachineSetup());
+  Set_Axis_Position(1, 0);
+  std::mt19937 random(5);
+  for (int round = 0; round < 8; ++round) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      Load({{1, 0.5, 0.25}, {2, 0, 0}});
+      for (int saved = 0;; saved = (saved + 1) % 50) {
+        ++MachineSetup.Parallel_Time_Constant;  // as autotune would, so that each move stores it
+        MachineSetup.Parallel_Time_Constant %= 400;
+        Run_Compiled_Program({""});
+        Set_Axis_Position(1, saved * 0.125);
+      }
+    }
+    ::usleep(static_cast<useconds_t>(3000 + random() % 30'000));
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    MachineSetup = {};
+    LoadMachineSetup();
+    EXPECT_EQ(MachineSetup.INI_Save_Test, 123);
+    EXPECT_EQ(MachineSetup.Axis_SPI[4], 400);
+    const std::string saved = ReadSetup("Axis Position", "Axis_Cur_Pos_1");
+    ASSERT_FALSE(saved.empty());
+    const double eighths = std::stod(saved) * 8;
+    EXPECT_EQ(eighths, std::round(eighths)) << saved;
+  }
+}
+
+}  // namespace
+}  // namespace norvik
