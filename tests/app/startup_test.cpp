@@ -151,7 +151,7 @@ TEST_F(Startup_Test, Timers_Watch_Keys_And_Panels) {
   scripted.Press(key::F5);
   int highlighted = 0;
   Gcode_Host.GCode_HighlightAll = [&] { ++highlighted; };
-  SetStatus(1, "text", 3);
+  SetStatus(3, "text", 3);
   scripted.Run_For(0.15);
   EXPECT_TRUE(Application.EscFlag);
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
@@ -161,9 +161,9 @@ TEST_F(Startup_Test, Timers_Watch_Keys_And_Panels) {
   scripted.Press(key::F6);
   scripted.Run_For(2.7);
   EXPECT_EQ(Trace.size(), 6U);
-  EXPECT_EQ(Messages.Panel[1], "text");
+  EXPECT_EQ(Messages.Panel[3], "text");
   scripted.Run_For(1);
-  EXPECT_EQ(Messages.Panel[1], "");
+  EXPECT_EQ(Messages.Panel[3], "");
   Application.ShutdownFlag = true;
   scripted.Run_For(1.1);
   EXPECT_EQ(scripted.Running_Timers(), 0);
