@@ -2,6 +2,8 @@
 
 namespace norvik {
 
-std::string_view Program_Version() { return NORVIK_VERSION; }
+std::string_view Program_Version() {
+  return NORVIK_VERSION;
+}
 
 }  // namespace norvik

@@ -133,13 +133,13 @@ double Foreign_Number(std::string_view text) {
   return *number;
 }
 
-Axis_Rounding::Axis_Rounding() : Rounding("############" + MachineSetup.Axis_Format) {}
+Import_Axis_Rounding::Import_Axis_Rounding() : Rounding("############" + MachineSetup.Axis_Format) {}
 
-double Axis_Rounding::operator()(double value) const {
+double Import_Axis_Rounding::operator()(double value) const {
   return Rounding(value);
 }
 
-double Axis_Rounding::operator()(std::string_view text) const {
+double Import_Axis_Rounding::operator()(std::string_view text) const {
   if (text.find_first_not_of(' ') == std::string_view::npos) return 0;
   return Rounding(Foreign_Number(text));
 }

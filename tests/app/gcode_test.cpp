@@ -1,0 +1,267 @@
+// Opening, saving and stepping through a program.
+#include "app/app_fixture.h"
+#include "app/gcode_file.h"
+#include "app/openers.h"
+#include "core/fault.h"
+
+#include <filesystem>
+#include <random>
+
+namespace norvik {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+struct GCode_Test : App_Test {
+  GCode_Test() {
+    Restore_Factory_Setup();
+    Gcode_Host.Show_Program = [this] { ++Shown; };
+    Gcode_Host.Typed_Text = [this] { return Typed; };
+  }
+  void Type(const std::string& text) {
+    Typed = text;
+    Text_GCode_Change();
+  }
+
+  int Shown = 0;
+  std::string Typed;
+};
+
+TEST_F(GCode_Test, Open_Takes_Lines_And_Compiles) {
+  const std::string path = Write_File("part.gc", "G90\r\n\r\nG1 X1\nG1 X2\r");
+  EXPECT_TRUE(Open_GCode(path));
+  EXPECT_EQ(GCodeLineCount(), 3);
+  EXPECT_EQ(Machine.EndingStep, 3);
+  EXPECT_EQ(Shown, 1);
+  EXPECT_EQ(Gcode_Form.Label_GC_NOS.Caption, "3");
+  EXPECT_TRUE(Compile_Status.CompileDone);
+  EXPECT_EQ(Machine.StartingStep, 0);  // as a compile leaves it
+  MachineSetup.Plot_Auto_Loading = 0;
+  Compile_Status = {};
+  EXPECT_TRUE(Open_GCode(path));
+  EXPECT_FALSE(Compile_Status.CompileDone);
+  EXPECT_EQ(Machine.StartingStep, 1);
+  EXPECT_EQ(Compile_Status.CurrentStep, 1);
+  EXPECT_EQ(Gcode_Form.Label_CGStep.Caption, "G90");
+}
+
+TEST_F(GCode_Test, Open_Is_Refused_While_The_Machine_Runs) {
+  const std::string path = Write_File("part.gc", "G1 X1\n");
+  Machine.CNCMode = CNC_Running;
+  EXPECT_FALSE(Open_GCode(path));
+  LoadRecentFile(path);
+  Menu_File_Open();
+  EXPECT_EQ(Messages.Panel[1], "Can't open file while CNC running");
+  EXPECT_EQ(Messages.Status_Timeout[1], 5);
+  EXPECT_EQ(scripted.Beeps, 3);
+  EXPECT_EQ(GCodeLineCount(), 0);
+  EXPECT_EQ(Recent.RecentFiles[1], "");
+  EXPECT_EQ(Main_Form.Caption, "Norvik 4");
+}
+
+TEST_F(GCode_Test, Temporary_File_Goes_Once_It_Is_Loaded) {
+  std::filesystem::create_directory(Folder.File("any"));
+  const std::string path = Write_File("any/temp_norvik999.gc", "G1 X1\n");
+  EXPECT_TRUE(Open_GCode(path));
+  EXPECT_FALSE(FileExists(path));
+  EXPECT_EQ(GCodeLineCount(), 1);
+  EXPECT_FALSE(Open_GCode(path));  // gone: a beep and nothing else
+  EXPECT_FALSE(Open_GCode(Folder.Path));
+  EXPECT_EQ(scripted.Beeps, 2);
+  EXPECT_EQ(GCodeLineCount(), 1);
+}
+
+TEST_F(GCode_Test, Any_Bytes_Are_A_Program) {
+  std::string bytes;
+  for (int i = 0; i < 5000; ++i) bytes += static_cast<char>(i * 7 % 256);
+  EXPECT_TRUE(Open_GCode(Write_File("garbage.gc", bytes)));
+  EXPECT_TRUE(Open_GCode(Write_File("empty.gc", "")));
+  EXPECT_EQ(GCodeLineCount(), 0);
+}
+
+TEST_F(GCode_Test, Save_Writes_The_Lines_And_Yields) {
+  std::string text = "G90\n\n";
+  for (int i = 0; i < 1500; ++i) text += "G1 X1\n";
+  Type(text);
+  const std::string path = Folder.File("out.gc");
+  Write_File("out.gc", "old");
+  scripted.Yields = 0;
+  EXPECT_TRUE(Save_GCode(path));
+  EXPECT_EQ(scripted.Yields, 3);
+  EXPECT_THAT(Read_Whole_File(path), testing::StartsWith("G90\r\nG1 X1\r\n"));
+  EXPECT_EQ(Messages.Panel[1], "");
+  EXPECT_FALSE(Gcode_Form.Text_Edited);
+  EXPECT_FALSE(Save_GCode(Folder.File("no/such/folder.gc")));
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("The program is not saved."));
+  EXPECT_THAT(Read_Whole_File(Application.ErrorFile),
+              HasSubstr("GCode File Load Error # Cannot write"));
+  EXPECT_EQ(GCodeLineCount(), 1501);
+}
+
+TEST_F(GCode_Test, File_Menu) {
+  const std::string path = Write_File("part.ngc", "G1 X1\n");
+  scripted.Open_Answers.push_back(path);
+  Menu_File_Open();
+  EXPECT_EQ(scripted.Open_Dialogs[0].Filter, "All Files (*.*)|*.*|G Code Files (*.gc)|*.gc");
+  EXPECT_EQ(Main_Form.Caption, "Norvik 4  part.ngc");
+  EXPECT_EQ(Recent.RecentFiles[1], path);
+  EXPECT_EQ(ReadPointer("General", "GCode_Source_File_Name"), "part.ngc");
+
+  scripted.Save_Answers.push_back(Folder.File("copy"));
+  Menu_File_Save();
+  EXPECT_EQ(scripted.Save_Dialogs[0].File_Name, "part.GC");
+  EXPECT_EQ(scripted.Save_Dialogs[0].Directory, Folder.Path + "/");
+  EXPECT_EQ(Read_Whole_File(Folder.File("copy.GC")), "G1 X1\r\n");
+  EXPECT_EQ(Recent.RecentFiles[1], Folder.File("copy.GC"));
+
+  scripted.Answer_Box(Box_Answer::No);
+  Menu_File_New();
+  EXPECT_EQ(GCodeLineCount(), 1);
+  scripted.Answer_Box(Box_Answer::Yes);
+  Menu_File_New();
+  EXPECT_EQ(scripted.Boxes.back().Title, "New File");
+  EXPECT_EQ(GCodeLineCount(), 0);
+  EXPECT_EQ(Main_Form.Caption, "Norvik 4  New_GCode_File.GC");
+  EXPECT_EQ(Main_Form.Current_File, Folder.File("New_GCode_File.GC"));
+  Menu_File_Open();  // cancelled
+  Menu_File_Save();
+  EXPECT_EQ(Main_Form.Caption, "Norvik 4  New_GCode_File.GC");
+}
+
+TEST_F(GCode_Test, Files_Are_Opened_By_Extension) {
+  std::vector<std::string> opened;
+  for (const Opened_Kind kind :
+       {Opened_Kind::Gerber, Opened_Kind::Excellon, Opened_Kind::Picture, Opened_Kind::GCode}) {
+    Register_Opener(kind, [&opened, kind](const std::string&) {
+      opened.push_back(std::string(Kind_Name(kind)));
+    });
+  }
+  Register_Opener(Opened_Kind::Motion, nullptr);
+  for (const char* name :
+       {"a.gbl", "a.GB", "a.nc", "a.Jpg", "a.gif", "a.gc", "a.b.tap", "gbr", "a.mcd"}) {
+    LoadRecentFile(Write_File(name, "x"));
+  }
+  EXPECT_THAT(opened, ElementsAre("Gerber", "Gerber", "Excellon", "picture", "picture", "G-code",
+                                  "G-code", "G-code"));
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("opens no motion files"));
+  EXPECT_EQ(Messages.Panel[3], "Load Time=00:00:00.000");
+  EXPECT_EQ(Messages.Status_Timeout[3], -1);
+  EXPECT_EQ(PathFileName(Recent.RecentFiles[1]), "gbr");
+  LoadRecentFile(Folder.File("none.gc"));
+  EXPECT_EQ(scripted.Boxes.back().Text, "File not found : " + Folder.File("none.gc"));
+  Menu_File_File_Click(8);
+  EXPECT_EQ(PathFileName(Recent.RecentFiles[1]), "a.gbl");
+  Register_Opener(Opened_Kind::GCode,
+                  [](const std::string&) { throw Fault(Fault_Number::Bad_File_Data, "broken"); });
+  Menu_File_File_Click(2);
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("Load Recent File Error # 62 broken"));
+}
+
+TEST_F(GCode_Test, Steps_Are_Held_To_The_Program) {
+  Type("G90\nG1 X1\n\nG1 X2\nG1 X3\n");
+  EXPECT_EQ(Messages.Panel[1], "GCode has changed and needs to be compiled.");
+  Command_Update_Click();
+  EXPECT_EQ(Machine.EndingStep, 4);
+  struct Row {
+    const char *Start, *End;
+    int Start_Step, End_Step;
+  };
+  for (const Row& row : {Row{"2", "3", 2, 3}, Row{"-5", "99", 1, 4}, Row{"", "", 1, 1},
+                         Row{"x", "2", 1, 2}, Row{"3", "2", 3, 3}}) {
+    Gcode_Form.Text_StartingStep.Text = row.Start;
+    Text_StartingStep_Change();
+    Gcode_Form.Text_EndingStep.Text = row.End;
+    Text_EndingStep_Change();
+    EXPECT_EQ(Machine.StartingStep, row.Start_Step) << row.Start;
+    EXPECT_EQ(Machine.EndingStep, row.End_Step) << row.End;
+  }
+  Command_GCode_Reset_Click();
+  EXPECT_EQ(Compile_Status.CurrentStep, 3);
+  Compile_Status.CurrentStep = 1;
+  Command_GStep_Click();  // raised to the starting step, then on by one
+  EXPECT_EQ(Compile_Status.CurrentStep, 4);
+  Command_GStep_Click();
+  EXPECT_EQ(Compile_Status.CurrentStep, 4);
+  EXPECT_EQ(Gcode_Form.Label_CGStep.Caption, "G1 X3");
+  EXPECT_FALSE(Compile_Status.CompileRunning);
+  Machine.CNCMode = CNC_Running;
+  Command_GStep_Click();
+  Command_Update_Click();
+  EXPECT_EQ(scripted.Beeps, 2);
+}
+
+TEST_F(GCode_Test, Lines_Of_The_Text_And_Steps_Belong_Together) {
+  std::mt19937 random(11);
+  const char* const pieces[] = {"\r\n", "\n", "\r", "G1 X1", "\r\n", "a", "\n"};
+  for (int round = 0; round < 300; ++round) {
+    std::string text;
+    for (int i = 0; i < 40; ++i) text += pieces[random() % 7];
+    SaveChanges(text);
+    // Plainly: cut into lines, count those that are not empty.
+    std::vector<std::int32_t> line_of_step{0};
+    std::vector<std::int32_t> step_of_line{0};
+    const auto lines = Split_Lines(text);
+    for (std::size_t line = 0; line < lines.size(); ++line) {
+      if (!lines[line].empty()) line_of_step.push_back(static_cast<std::int32_t>(line) + 1);
+      step_of_line.push_back(static_cast<std::int32_t>(line_of_step.size()) - 1);
+    }
+    ASSERT_EQ(GCodeLineCount() + 1, static_cast<std::int32_t>(line_of_step.size()));
+    for (std::int32_t step = GCodeLineCount(); step >= 1;
+         step -= 1 + static_cast<int>(random() % 3)) {
+      ASSERT_EQ(Text_Line_Of_Step(step), line_of_step[static_cast<std::size_t>(step)]);
+      ASSERT_EQ(Text_Line_Of_Step(GCodeLineCount()), line_of_step.back());
+    }
+    for (std::size_t line = 1; line < step_of_line.size(); ++line) {
+      ASSERT_EQ(Step_Of_Text_Line(static_cast<std::int32_t>(line)), step_of_line[line]);
+    }
+  }
+}
+
+TEST_F(GCode_Test, Display_Joins_The_Lines_And_Shows_Progress) {
+  std::string text;
+  for (int i = 0; i < 1000; ++i) text += "G1 X1\n\n";
+  SaveChanges(text);
+  Compile_Status.CurrentStep = 5000;
+  std::vector<std::string> panels;
+  scripted.On_Yield = [&] { panels.push_back(Messages.Panel[1]); };
+  Gcode_Step_Display();
+  EXPECT_THAT(panels, ElementsAre("GCode Step Display: Displaying data 50.00% completed",
+                                  "GCode Step Display: Displaying data 100.00% completed"));
+  EXPECT_EQ(GCode_Program.Text->Whole().size(), 7000U);
+  EXPECT_EQ(Compile_Status.CurrentStep, 1000);
+  EXPECT_EQ(Machine.EndingStep, 1000);
+  Text_GCode_DblClick(3);
+  EXPECT_EQ(Messages.Panel[1], "G1 X1");
+  panels.clear();
+  Print_Data();
+  EXPECT_THAT(panels,
+              ElementsAre("GCode Printing. 50.00% completed", "GCode Printing. 100.00% completed"));
+  EXPECT_EQ(scripted.Prints[0].size(), 1000U);
+  scripted.Printer_Present = false;
+  Print_Data();
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("Nothing was printed"));
+}
+
+TEST_F(GCode_Test, Feeds_Are_Shown_And_Stored) {
+  MachineSetup.UnitsofMeasurement = 1;
+  Display_Parameters();
+  EXPECT_EQ(Gcode_Form.Label_FRUnits.Caption, "mmPM");
+  EXPECT_EQ(Gcode_Form.Text_Feed_Rates[1].Text, "5");
+  for (const auto& [typed, feed] :
+       {std::pair{"7,5", 7.5F}, std::pair{"", 7.5F}, std::pair{"-3", 7.5F}, std::pair{"x", 7.5F},
+        std::pair{"0", 7.5F}}) {
+    Gcode_Form.Text_Feed_Rates[1].Text = typed;
+    Text_Feed_Rates_Change(1);
+    EXPECT_EQ(MachineSetup.Axis_Feed_Rate_Cut, feed) << typed;
+    EXPECT_EQ(Gcode_Form.Text_Feed_Rates[1].Text, "7.5");
+  }
+  EXPECT_EQ(ReadSetup("Axis", "Axis_Feed_Rate_Cut"), "7.5");
+  EXPECT_EQ(Compiler.CutFeed, 7.5F);
+  MachineSetup.UnitsofMeasurement = 0;
+  Display_Parameters();
+  EXPECT_EQ(Gcode_Form.Label_FRUnits.Caption, "IPM");
+}
+
+}  // namespace
+}  // namespace norvik
