@@ -35,6 +35,8 @@ struct Companion_Environment {
   std::function<void()> Use_Virtual_Clock = [] {};
   // What the simulated machine noticed; empty on real ports.
   std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };
+  // Texts in pictures need the toolkit's application object; no display.
+  std::function<void()> Start_Fonts = [] {};
   // Raises a file fault that says what to do.
   std::function<void(const std::string& path, const Plot_Image& picture)> Write_Picture =
       [](const std::string&, const Plot_Image&) {};

@@ -7,6 +7,7 @@
 #include "core/application.h"
 #include "core/paths.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
 #include <map>
@@ -21,11 +22,18 @@ struct Compile_Options {
   bool Block = false;
 };
 
-std::string Faults_In_Log(std::size_t start) {
+// What this compile added to the error log, its first lines on standard error.
+void Print_Faults(std::size_t log_start) {
+  constexpr std::size_t most_lines = 20;
   try {
-    return Read_Whole_File(Application.ErrorFile).substr(start);
-  } catch (const std::exception&) {
-    return {};  // no log, no faults
+    const auto lines = Split_Lines(Read_Whole_File(Application.ErrorFile).substr(log_start));
+    for (std::size_t i = 0; i < std::min(lines.size(), most_lines); ++i) {
+      std::cerr << lines[i] << '\n';
+    }
+    if (lines.size() > most_lines) {
+      std::cerr << lines.size() - most_lines << " more lines in " << Application.ErrorFile << '\n';
+    }
+  } catch (const std::exception&) {  // no log, no faults
   }
 }
 
@@ -51,13 +59,12 @@ int Compile(const Compile_Options& options) {
   const bool complete =
       options.Block ? CompileBlock(GCodeLineCount() > 0 ? GCode_Line(1) : std::string_view())
                     : CompileProgram();
-  std::cerr << Faults_In_Log(log_start);
+  Print_Faults(log_start);
   if (!complete) {
     Complain("The tables were not written; the earlier ones stand.");
     return Failed;
   }
   std::cout << "Lines    " << GCodeLineCount() << '\n'
-            << "Records  " << Compile_Tables.Program_LineArc.Rows.size() << '\n'
             << "Wires    " << Compile_Tables.Program_Wire.Rows.size() << '\n'
             << "Table    " << Compile_Tables.LineArc_Path << '\n'
             << "Table    " << Compile_Tables.Wire_Path << '\n';

@@ -29,11 +29,15 @@ int main(int argument_count, char** arguments) {
     return Port_Is_Simulated() ? Findings_Text() : std::vector<std::string>();
   };
 #ifdef NORVIK_PICTURES
-  // Texts in pictures need the toolkit's fonts, which need its application object; no display.
-  qputenv("QT_QPA_PLATFORM", "offscreen");
-  QGuiApplication fonts(argument_count, arguments);
   Install_Picture_Reader();
-  environment.Write_Picture = Write_Picture_File;
+  environment.Write_Picture = [&](const std::string& path, const Plot_Image& picture) {
+    Write_Picture_File(path, picture);
+  };
+  environment.Start_Fonts = [&argument_count, arguments] {
+    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) qputenv("XDG_RUNTIME_DIR", "/tmp");
+    static QGuiApplication fonts(argument_count, arguments);
+  };
 #else
   environment.Write_Picture = Write_Pixmap_File;
 #endif
