@@ -4,6 +4,7 @@
 #include "app/gcode_form.h"
 #include "app/openers.h"
 #include "compiler/compile_host.h"
+#include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
 #include "compiler/program_wire.h"
 #include "control/connect.h"
@@ -17,6 +18,8 @@
 #include "plot/cursor.h"
 #include "plot/nist_plot.h"
 #include "plot/plot_host.h"
+
+#include <utility>
 
 namespace norvik {
 
@@ -40,6 +43,13 @@ void Draw_Machine_Position() {
   Draw_Spindle();
 }
 
+// The compile hands its wires over: the plot draws and the run loop executes one and the same
+// table.
+void Show_Compiled_Program() {
+  Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
+  Plot_New_Program();
+}
+
 void Register_Openers() {
   Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
   Register_Opener(Opened_Kind::DXF, [](const std::string& path) { Import_DXF_File(path); });
@@ -52,7 +62,7 @@ void Connect_App() {
   Setup_Host.Apply_Priority = [](std::int16_t level) { Set_Application_Priority(level); };
   Compile_Host.Highlight_Line = Highlight_Program_Line;
   Compile_Host.Play_Sound_Slot = Play_Event_Sound;
-  Compile_Host.Refresh_Plot = Plot_New_Program;
+  Compile_Host.Refresh_Plot = Show_Compiled_Program;
   Import_Host.Open_GCode = [](const std::string& path) { Open_GCode(path); };
   Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
   Run_Plot_Host.Draw_Segment = Draw_Wire_Of_Run;

@@ -145,6 +145,7 @@ std::int32_t Step_Of_Text_Line(std::int32_t text_line) {
 }
 
 std::int32_t Text_Line_Of_Step(std::int32_t step) {
+  if (step < 1 || step > GCodeLineCount()) return 0;
   return Line_At(Offset_Of_Step(step));
 }
 

@@ -81,8 +81,7 @@ Run_Summary Run_Program(const Run_Options& options) {
   if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
   if (!CompileProgram()) return Failed(Messages.Panel[1]);
   if (!Trap("Run_Program_Error", [] {
-        Table<Wire> wires = Compile_Tables.Program_Wire;
-        Take_Program_Wire(std::move(wires));
+        Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
       }))
     return Failed(Messages.Panel[1]);
   Machine.StartingStep = 1;

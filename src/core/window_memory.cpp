@@ -10,6 +10,8 @@
 
 namespace norvik {
 
+Window_Area_State Window_Area;
+
 namespace {
 
 constexpr std::string_view Section = "Form Position";
@@ -51,6 +53,15 @@ void Write_Edge(const std::string& key, int pixels) {
   WriteSetup(Section, key, std::to_string(static_cast<long long>(pixels * Units_Per_Pixel)));
 }
 
+// Where a window may lie: the main window on the screen, the others inside it.
+Screen_Area Area_Of(Form_Id form, const Screen_Area& screen) {
+  constexpr int menu_height = 60;
+  if (form == Form_Id::Main) return screen;
+  if (Window_Area.Tool_Windows) return *Window_Area.Tool_Windows;
+  return {screen.Left, screen.Top + menu_height, screen.Width,
+          std::max(Least_Height, screen.Height - menu_height)};
+}
+
 }  // namespace
 
 std::string_view Form_Name(Form_Id form) {
@@ -70,7 +81,7 @@ Window_Place Read_Form_Place(Form_Id form) {
   if (state && *state >= Window_Normal && *state <= Window_Maximized) {
     place.WindowState = To_Int16(*state);
   }
-  return Brought_On_Screen(place, screen);
+  return Brought_On_Screen(place, Area_Of(form, screen));
 }
 
 void Write_Form_Place(Form_Id form, const Window_Place& place) {
@@ -104,26 +115,26 @@ void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views) {
 }
 
 Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
-  constexpr int menu_height = 60, controls_width = 420, jog_size = 320;
-  const int height = std::max(Least_Height, screen.Height - menu_height);
-  const int controls = std::min(controls_width, screen.Width / 2);
-  const int left_part = screen.Width - controls;
-  const int plot_height = height * 6 / 10;
-  const int top = screen.Top + menu_height;
+  constexpr int jog_size = 420;
+  if (form == Form_Id::Main) return {0, 0, screen.Height, screen.Width, Window_Maximized};
+  const Screen_Area area = Area_Of(form, screen);
+  const int controls = std::min(Window_Area.Panel_Width, area.Width / 2);
+  const int left_part = area.Width - controls;
+  const int plot_height = area.Height * 6 / 10;
   switch (form) {
-    case Form_Id::Main:
-      return {0, 0, screen.Height, screen.Width, Window_Maximized};
     case Form_Id::CNC_Controls:
-      return {top, screen.Left + left_part, height, controls, Window_Normal};
+      return {area.Top, area.Left + left_part, area.Height, controls, Window_Normal};
     case Form_Id::Plot:
-      return {top, screen.Left, plot_height, left_part, Window_Normal};
+      return {area.Top, area.Left, plot_height, left_part, Window_Normal};
     case Form_Id::GCode:
-      return {top + plot_height, screen.Left, height - plot_height, left_part, Window_Normal};
+      return {area.Top + plot_height, area.Left, area.Height - plot_height, left_part,
+              Window_Normal};
+    case Form_Id::Main:
     case Form_Id::JogKey:
     case Form_Id::Port_IO:
       break;
   }
-  return CenterWindow(jog_size, jog_size, screen);
+  return CenterWindow(jog_size, jog_size, area);
 }
 
 void Reset_Form_Positions() {

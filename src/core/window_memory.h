@@ -21,6 +21,14 @@ inline constexpr std::array All_Forms{Form_Id::Main, Form_Id::GCode,  Form_Id::C
 
 inline constexpr int Window_Normal = 0, Window_Minimized = 1, Window_Maximized = 2;
 
+// Where the tool windows live. The main window tells when they stand inside it; absent: on the
+// screen, below a menu.
+struct Window_Area_State {
+  std::optional<Screen_Area> Tool_Windows;
+  int Panel_Width = 420;  // what the panel `CNC_Controls` needs, pixels
+};
+extern Window_Area_State Window_Area;
+
 // Outer edges of a window in pixels of the screen.
 struct Window_Place {
   int Top = 0, Left = 0, Height = 0, Width = 0;

@@ -19,10 +19,10 @@ constexpr const char* Axis_Names[] = {"", "X", "Y", "Z", "A"};
 class Position_Label : public QLabel {
  public:
   explicit Position_Label(int axis) : Axis(axis) {
-    setFont(Readout_Font(2.1));
+    setFont(Readout_Font(1.8));
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setMargin(Text_Height() / 4);
-    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-00.0000000 "));
+    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-00.0000000"));
     Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
     setFrameShape(QFrame::StyledPanel);
     setToolTip("Double-click to type another position");

@@ -6,6 +6,7 @@
 #include "app/startup.h"
 #include "control/jog_guard.h"
 #include "core/application.h"
+#include "core/fault.h"
 #include "platform/desktop/desktop_platform.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/qt/picture_files.h"
@@ -23,6 +24,18 @@
 #include <unistd.h>
 
 namespace {
+
+// A failure in a handler must not take the program down while it drives a machine: it is logged
+// like any other, and the operator goes on with what exists.
+class Norvik_Application : public QApplication {
+ public:
+  using QApplication::QApplication;
+  bool notify(QObject* receiver, QEvent* event) override {
+    bool handled = false;
+    norvik::Trap("Window_Event_Error", [&] { handled = QApplication::notify(receiver, event); });
+    return handled;
+  }
+};
 
 int Signal_Pipe[2];
 
@@ -44,7 +57,7 @@ void End_On_Signals(QApplication& application) {
 
 int main(int argument_count, char** arguments) {
   using namespace norvik;
-  QApplication application(argument_count, arguments);
+  Norvik_Application application(argument_count, arguments);
   QApplication::setApplicationName("Norvik");
   QApplication::setQuitOnLastWindowClosed(false);
   Apply_Theme(application);
@@ -66,5 +79,6 @@ int main(int argument_count, char** arguments) {
                            [] { return new Simulated_Window; });
     window.Set_Banner("SIMULATED MACHINE - no motion takes place");
   }
+  window.Show_Usual_Windows();
   return QApplication::exec();
 }

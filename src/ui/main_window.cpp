@@ -30,6 +30,7 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace norvik {
 
@@ -166,7 +167,12 @@ void Main_Frame::Build_Menus() {
     menus[title]->setToolTipsVisible(true);
   }
   for (const Menu_Row& row : Menu_Rows()) {
-    QAction* action = menus[row.Menu]->addAction(row.Text, this, row.Chosen);
+    QAction* action = menus[row.Menu]->addAction(row.Text);
+    if (row.Chosen != nullptr) {
+      connect(action, &QAction::triggered, this, row.Chosen);
+    } else {
+      connect(action, &QAction::triggered, this, &Main_Frame::Reset_Places);
+    }
     action->setObjectName(row.Name);
     action->setShortcut(row.Keys);
     QString tip = row.Tip;
@@ -251,6 +257,7 @@ void Main_Frame::Connect_Hosts() {
     } else {
       show();
     }
+    Tell_Area();
   };
   Main_Host.Show_Form = [this](Form_Id form) { Show_Tool_Window(Name_Of(form)); };
   Main_Host.Focus_Form = Main_Host.Show_Form;
@@ -284,7 +291,7 @@ void Main_Frame::Connect_Hosts() {
 // --- Tool windows --------------------------------------------------------------------------------
 
 void Main_Frame::Add_Tool_Window(const QString& name, const QString& menu_text,
-                                  std::function<QWidget*()> make) {
+                                 std::function<QWidget*()> make) {
   Tool_Windows[name] = {menu_text, std::move(make), nullptr};
   Window_Menu->addAction(menu_text, this, [this, name] { Show_Tool_Window(name); })
       ->setObjectName("Menu_Window_" + name);
@@ -298,7 +305,6 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
     QWidget* window = found->second.Make();
     frame = Area->addSubWindow(window);
     frame->setAttribute(Qt::WA_DeleteOnClose, false);
-    frame->setWindowIcon(QIcon());
     frame->installEventFilter(this);
     Restore_Place(name, *frame);
     if (auto* program = qobject_cast<GCode_Window*>(window)) {
@@ -309,6 +315,13 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
   frame->widget()->show();
   frame->show();
   Area->setActiveSubWindow(frame);
+}
+
+void Main_Frame::Show_Usual_Windows() {
+  for (const auto& [name, window] : Tool_Windows) {
+    if (name != "Plot" && Tool_Window_Is_Open(name)) return;
+  }
+  for (const char* name : {"GCode", "Plot", "CNC_Controls"}) Show_Tool_Window(name);
 }
 
 bool Main_Frame::Tool_Window_Is_Open(const QString& name) const {
@@ -323,6 +336,22 @@ void Main_Frame::Restore_Place(const QString& name, QMdiSubWindow& frame) {
   const Window_Place place = Read_Form_Place(*form);
   frame.setGeometry(place.Left, place.Top, place.Width, place.Height);
   if (place.WindowState == Window_Maximized) frame.setWindowState(Qt::WindowMaximized);
+}
+
+// Tells the layout how much room the inner windows have and the panel needs.
+void Main_Frame::Tell_Area() {
+  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  const QRect inside = Area->contentsRect();
+  Window_Area.Tool_Windows = Screen_Area{0, 0, inside.width(), inside.height()};
+  Window_Area.Panel_Width = Text_Height() * 40;
+}
+
+void Main_Frame::Reset_Places() {
+  Tell_Area();
+  Reset_Form_Positions();
+  for (auto& [name, window] : Tool_Windows) {
+    if (window.Frame != nullptr) Restore_Place(name, *window.Frame);
+  }
 }
 
 void Main_Frame::Keep_Place(const QString& name, const QWidget& frame) {
@@ -363,6 +392,12 @@ void Main_Frame::changeEvent(QEvent* event) {
   }
   if (event->type() == QEvent::WindowStateChange && isMinimized()) Jog_Guard_Window_Lost();
   QMainWindow::changeEvent(event);
+}
+
+// A window system without a manager never activates a window, but it shows it.
+void Main_Frame::showEvent(QShowEvent* event) {
+  QMainWindow::showEvent(event);
+  QTimer::singleShot(0, this, [] { Activate_Main(); });
 }
 
 void Main_Frame::closeEvent(QCloseEvent* event) {

@@ -26,6 +26,9 @@ class Main_Frame : public QMainWindow {
                        std::function<QWidget*()> make);
   // Shows a tool window and gives it the focus.
   void Show_Tool_Window(const QString& name);
+  // Program, plot and panel, unless the last layout has left a window open: a first start that shows
+  // nothing would leave a newcomer before an empty frame.
+  void Show_Usual_Windows();
   bool Tool_Window_Is_Open(const QString& name) const;
   // A text that stays in the status bar, for the warning that no real machine is driven.
   void Set_Banner(const QString& text);
@@ -35,6 +38,7 @@ class Main_Frame : public QMainWindow {
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -49,6 +53,8 @@ class Main_Frame : public QMainWindow {
   void Build_Status_Bar();
   void Connect_Hosts();
   void Restore_Place(const QString& name, QMdiSubWindow& frame);
+  void Tell_Area();
+  void Reset_Places();
   void Keep_Place(const QString& name, const QWidget& frame);
   void Close_Tool_Windows();
   void Open_Path(const QString& path);

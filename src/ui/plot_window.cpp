@@ -187,7 +187,7 @@ void Plot_Window::Show_Form() {
 // The program's surface is square; the strip stands beside it, the tools below both.
 void Plot_Window::Place_Surfaces() {
   const int gap = Text_Height() / 3;
-  const int strip_width = Text_Height() * 9 / 2;
+  const int strip_width = Text_Height() * 13 / 2;
   const QSize zoom = Frame_Zoom->sizeHint();
   const QSize viewpoint = Frame_3D->sizeHint();
   const bool one_row = zoom.width() + viewpoint.width() + 3 * gap <= width();

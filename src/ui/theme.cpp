@@ -232,6 +232,7 @@ void Apply_Theme(QApplication& application) {
   QFont font = application.font();
   if (font.pointSizeF() > 0 && font.pointSizeF() < 10) font.setPointSizeF(10);
   application.setFont(font);
+  application.setWindowIcon(Sign_Icon(Sign::Tool, QColor(0x1F6FB5)));
 }
 
 bool Theme_Is_Dark() {

@@ -24,7 +24,7 @@ std::string Told(const std::string& text) {
 std::string Use_Direct_Port() {
   Install_Direct_Ports(&MachineSetup.Parallel_IODLL);
   Port_Choice.Simulated = false;
-  return Told("Real port: motors will move");
+  return Told("Port: real, motors will move");
 }
 
 }  // namespace
@@ -44,7 +44,7 @@ std::string Choose_Port() {
   }
   if (wanted == "SIMULATED" || !right.Granted) {
     Use_Simulated_Machine();
-    return Told("SIMULATED MACHINE - no motion takes place");
+    return Told("Port: simulated machine");
   }
   return Use_Direct_Port();
 }
