@@ -38,8 +38,7 @@ bool Refused() {
   return View.PlotBusy;
 }
 
-// --- Shapes
-// ---------------------------------------------------------------------------------------
+// --- Shapes ----------------------------------------------------------------------------------
 
 void Show_Band(int index, double x1, double y1, double x2, double y2) {
   const std::int32_t ink = Ink_On(Current_Palette()[plot_role::Background]);
@@ -59,8 +58,7 @@ void Show_Band_Rectangle() {
   Show_Band(3, f.BandX1, f.BandY2, f.BandX1, f.BandY1);
 }
 
-// --- Tools
-// ----------------------------------------------------------------------------------------
+// --- Tools -----------------------------------------------------------------------------------
 
 enum class Tool { None, Zoom_In, Zoom_Window, Pan };
 
@@ -112,8 +110,7 @@ void Finish_Zoom_Window(double x, double y) {
 
 }  // namespace
 
-// --- Mouse on Picture1
-// ----------------------------------------------------------------------------
+// --- Mouse on Picture1 -----------------------------------------------------------------------
 
 void Picture1_Mouse_Down(Mouse_Button button, double x, double y) {
   Plot_Form_Record& f = Plot_Form;
@@ -172,8 +169,7 @@ void Picture1_Drag_Picture(double dx, double dy) {
   NIST_RePlot();
 }
 
-// --- Buttons
-// --------------------------------------------------------------------------------------
+// --- Buttons ---------------------------------------------------------------------------------
 
 void Command_ZoomIn_Click() {
   if (!Refused()) Arm(Tool::Zoom_In);
@@ -258,8 +254,7 @@ void Plot_Key_Up(int key_code) {
   Plot_Form.HighlightEnabled = true;
 }
 
-// --- The window itself
-// ----------------------------------------------------------------------------
+// --- The window itself -----------------------------------------------------------------------
 
 namespace {
 
@@ -303,8 +298,7 @@ void Plot_Form_Unload(const Form_Place& place) {
   Store("Plot_Width", place.Width);
 }
 
-// --- For the window's painting
-// --------------------------------------------------------------------
+// --- For the window's painting ---------------------------------------------------------------
 
 World_Point Plot_Pixel_To_World(double x, double y, double width, double height) {
   const Plot_Scale s = Current_Scale();
