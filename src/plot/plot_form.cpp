@@ -258,25 +258,14 @@ void Plot_Key_Up(int key_code) {
 
 namespace {
 
-constexpr const char* Place_Section = "Form Position";
 constexpr double Tool_Room = 1100, Border_On_Resize = 100, Border_On_Load = 200;
 constexpr double Smallest_Form = 2000;
 
-double Stored(const char* key, double otherwise) {
-  return GetFloat(ReadSetup(Place_Section, key), Sentinel::Empty, static_cast<float>(otherwise));
-}
-
-void Store(const char* key, double value) {
-  WriteSetup(Place_Section, key, Shortest_Text(Round_Half_Even(value)));
-}
-
 }  // namespace
 
-Form_Place Plot_Form_Load(double main_client_height) {
-  const double height = main_client_height - Tool_Room - Border_On_Load;
+void Plot_Form_Load(double main_client_height) {
+  Plot_Form.Form_Height = main_client_height - Tool_Room - Border_On_Load;
   Plot_Form.Pointer = Surface_Pointer::Cross;
-  return {Stored("Plot_Left", 0), Stored("Plot_Top", 0), Stored("Plot_Width", height),
-          Stored("Plot_Height", height)};
 }
 
 void Plot_Form_Resize(double width, double height, bool minimised) {
@@ -289,13 +278,6 @@ void Plot_Form_Resize(double width, double height, bool minimised) {
   f.Frame_Zoom.Top = f.Frame_3D.Top = side;
   f.Picture1.Width = side;
   Plot_Host.Form_Changed();
-}
-
-void Plot_Form_Unload(const Form_Place& place) {
-  Store("Plot_Top", place.Top);
-  Store("Plot_Left", place.Left);
-  Store("Plot_Height", place.Height);
-  Store("Plot_Width", place.Width);
 }
 
 // --- For the window's painting ---------------------------------------------------------------

@@ -117,14 +117,10 @@ void Plot_Key_Up(int key_code);
 
 // --- The window itself -----------------------------------------------------------------------
 
-// Restores place and size from section "Form Position"; a size that was never saved follows the
-// main window's height (window units).
-struct Form_Place {
-  double Left = 0, Top = 0, Width = 0, Height = 0;
-};
-Form_Place Plot_Form_Load(double main_client_height);
+// The window opens: its height follows the main window's (window units) until a saved place says
+// otherwise.
+void Plot_Form_Load(double main_client_height);
 void Plot_Form_Resize(double width, double height, bool minimised);
-void Plot_Form_Unload(const Form_Place& place);
 
 // --- For the window's painting ---------------------------------------------------------------
 
