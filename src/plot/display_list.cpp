@@ -27,8 +27,7 @@ bool Fits_Single(double value) {
 
 }  // namespace
 
-// --- The list
-// -------------------------------------------------------------------------------------
+// --- The list --------------------------------------------------------------------------------
 
 void Display_List::Clear() {
   for (auto& column : Ends) column.clear();
@@ -101,8 +100,7 @@ Line_Columns Display_List::Columns() const {
           Ends[X2].data(), Ends[Y2].data(), Ends[Z2].data()};
 }
 
-// --- Circles
-// ---------------------------------------------------------------------------------------
+// --- Circles ---------------------------------------------------------------------------------
 
 std::array<Line_Ends, Node_Strokes> Node_Circle(double x, double y, double z) {
   constexpr double pi = 3.14157;
@@ -118,8 +116,7 @@ std::array<Line_Ends, Node_Strokes> Node_Circle(double x, double y, double z) {
   return strokes;
 }
 
-// --- Pens of wires
-// ---------------------------------------------------------------------------------
+// --- Pens of wires ---------------------------------------------------------------------------
 
 Line_Ends Ends_Of(const Wire& wire) {
   return {wire.Start[1], wire.Start[2], wire.Start[3], wire.End[1], wire.End[2], wire.End[3]};
@@ -158,8 +155,7 @@ void Wire_Pens::Append_To(Display_List& list, const Wire& wire) {
   if (MachineSetup.Gcode_LineNodes && Spindle_On != was_on) list.Mark_Node(list.NodeColor.back());
 }
 
-// --- The grid
-// --------------------------------------------------------------------------------------
+// --- The grid --------------------------------------------------------------------------------
 
 void Build_Grid(const Plot_Palette& palette, Display_List& list) {
   list.Clear();

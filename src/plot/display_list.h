@@ -39,7 +39,7 @@ using Line_Ends = std::array<Nullable, line_end::Count>;
 using Line_Memory = std::array<float, line_end::Count>;
 
 struct Display_List {
-  // --- One entry a line ------------------------------------------------------------------------
+  // --- One entry a line ----------------------------------------------------------------------
   std::array<std::vector<float>, line_end::Count> Ends;  // units of the program
   std::vector<std::int32_t> Color;
   std::vector<std::int16_t> Width;  // pixels, at least 1
@@ -47,7 +47,7 @@ struct Display_List {
   std::vector<std::int32_t> NodeColor;
   std::vector<float> SpareFlag;
 
-  // --- Set when the list is closed -------------------------------------------------------------
+  // --- Set when the list is closed -----------------------------------------------------------
   std::array<std::size_t, line_end::Count> Leading_Absent{};
   bool Has_Nodes = false;
   std::size_t Too_Large = 0;  // entries with a coordinate beyond a single; they are not drawn
@@ -67,7 +67,7 @@ struct Display_List {
   Line_Columns Columns() const;
 };
 
-// --- Circles ------------------------------------------------------------------------------------
+// --- Circles ---------------------------------------------------------------------------------
 
 // Radius of a node circle in units of the program; it does not follow the zoom.
 inline constexpr double Node_Radius = 0.1025;
@@ -75,8 +75,7 @@ inline constexpr std::size_t Node_Strokes = 10;
 // The strokes around a centre, in drawing order; the last goes back to the first point.
 std::array<Line_Ends, Node_Strokes> Node_Circle(double x, double y, double z);
 
-// --- Pens of wires
-// --------------------------------------------------------------------------------
+// --- Pens of wires ---------------------------------------------------------------------------
 
 // Width and colour of wires, and what they remember from wire to wire.
 struct Wire_Pens {
@@ -98,8 +97,7 @@ struct Wire_Pens {
 };
 Line_Ends Ends_Of(const Wire& wire);
 
-// --- The grid
-// ---------------------------------------------------------------------------------------
+// --- The grid --------------------------------------------------------------------------------
 
 // Lines along and across the table every `Axis_Table_Grid_Size`, at Z = 0. Raises an invalid call
 // fault for a grid size that is not positive or so small that the grid would be a solid area.

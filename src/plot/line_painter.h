@@ -9,9 +9,9 @@
 #include "plot/plot_surface.h"
 #include "plot/projection.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 namespace norvik {
 
@@ -32,14 +32,25 @@ class Line_Painter {
   void Flush();
 
  private:
+  // Lines projected at a time: the block stays in the processor's nearest cache.
+  static constexpr std::size_t Block_Lines = 512;
+
+  // The sides of the window as singles that let the same singles pass as the sides themselves.
+  struct Sides {
+    float Left, Right, Bottom, Top;
+    bool Reject(const Plot_Line& line) const;
+  };
+
   void Draw_Block(const Display_List& list, std::size_t first, std::size_t count);
   void Add(const Plot_Line& line);
+  void Put(const Plot_Line& line);
 
   Plot_Surface& Surface;
   Projection Mapping;
-  Plot_Scale Window;
+  Sides Window;
   Line_Memory& Memory;
-  std::vector<Plot_Line> Waiting;
+  std::size_t Waiting_Count = 0;
+  std::array<Plot_Line, Block_Lines> Waiting;
 };
 
 }  // namespace norvik

@@ -40,8 +40,7 @@ bool Stop_Asked() {
   return Application.EscFlag || Application.Closing_Program;
 }
 
-// --- Building
-// -------------------------------------------------------------------------------------
+// --- Building --------------------------------------------------------------------------------
 
 // Shows the time of a dwell in the growing picture. Yields; ESC and a closing program end it.
 void Wait_Out_Dwell(double seconds) {
@@ -85,8 +84,7 @@ void Build_Table_Pictures() {
   if (Plot_Host.Picture_ZAxis) Draw_Z_Strip(*Plot_Host.Picture_ZAxis, Current_Palette());
 }
 
-// --- Painting
-// -------------------------------------------------------------------------------------
+// --- Painting --------------------------------------------------------------------------------
 
 Line_Painter Window_Painter() {
   return {*Plot_Host.Picture1, Current_Projection(), Current_Scale(), Plot.Last_Line};

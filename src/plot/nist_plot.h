@@ -26,15 +26,15 @@
 namespace norvik {
 
 struct Plot_State {
-  // --- Built by NIST_Plot -----------------------------------------------------------------------
+  // --- Built by NIST_Plot --------------------------------------------------------------------
   Display_List PlotLines, GridLines;
 
-  // --- Kept from drawing to drawing -------------------------------------------------------------
+  // --- Kept from drawing to drawing ----------------------------------------------------------
   Line_Memory Last_Line{};                // stands for coordinates that are absent
   Nullable Remembered_Tool;               // the last tool that a wire of a run named
   Indexed<Nullable, 1, 3> Current_Point;  // end of the last wire drawn by a run
 
-  // --- Set by the window ------------------------------------------------------------------------
+  // --- Set by the window ---------------------------------------------------------------------
   // Colours for a background that the setup does not know (a dark desktop); absent: the setup's.
   std::optional<Plot_Palette> Palette;
 };

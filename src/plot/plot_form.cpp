@@ -38,8 +38,7 @@ bool Refused() {
   return View.PlotBusy;
 }
 
-// --- Shapes
-// ---------------------------------------------------------------------------------------
+// --- Shapes ----------------------------------------------------------------------------------
 
 void Show_Band(int index, double x1, double y1, double x2, double y2) {
   const std::int32_t ink = Ink_On(Current_Palette()[plot_role::Background]);
@@ -59,8 +58,7 @@ void Show_Band_Rectangle() {
   Show_Band(3, f.BandX1, f.BandY2, f.BandX1, f.BandY1);
 }
 
-// --- Tools
-// ----------------------------------------------------------------------------------------
+// --- Tools -----------------------------------------------------------------------------------
 
 enum class Tool { None, Zoom_In, Zoom_Window, Pan };
 
@@ -112,8 +110,7 @@ void Finish_Zoom_Window(double x, double y) {
 
 }  // namespace
 
-// --- Mouse on Picture1
-// ----------------------------------------------------------------------------
+// --- Mouse on Picture1 -----------------------------------------------------------------------
 
 void Picture1_Mouse_Down(Mouse_Button button, double x, double y) {
   Plot_Form_Record& f = Plot_Form;
@@ -172,8 +169,7 @@ void Picture1_Drag_Picture(double dx, double dy) {
   NIST_RePlot();
 }
 
-// --- Buttons
-// --------------------------------------------------------------------------------------
+// --- Buttons ---------------------------------------------------------------------------------
 
 void Command_ZoomIn_Click() {
   if (!Refused()) Arm(Tool::Zoom_In);
@@ -258,30 +254,18 @@ void Plot_Key_Up(int key_code) {
   Plot_Form.HighlightEnabled = true;
 }
 
-// --- The window itself
-// ----------------------------------------------------------------------------
+// --- The window itself -----------------------------------------------------------------------
 
 namespace {
 
-constexpr const char* Place_Section = "Form Position";
 constexpr double Tool_Room = 1100, Border_On_Resize = 100, Border_On_Load = 200;
 constexpr double Smallest_Form = 2000;
 
-double Stored(const char* key, double otherwise) {
-  return GetFloat(ReadSetup(Place_Section, key), Sentinel::Empty, static_cast<float>(otherwise));
-}
-
-void Store(const char* key, double value) {
-  WriteSetup(Place_Section, key, Shortest_Text(Round_Half_Even(value)));
-}
-
 }  // namespace
 
-Form_Place Plot_Form_Load(double main_client_height) {
-  const double height = main_client_height - Tool_Room - Border_On_Load;
+void Plot_Form_Load(double main_client_height) {
+  Plot_Form.Form_Height = main_client_height - Tool_Room - Border_On_Load;
   Plot_Form.Pointer = Surface_Pointer::Cross;
-  return {Stored("Plot_Left", 0), Stored("Plot_Top", 0), Stored("Plot_Width", height),
-          Stored("Plot_Height", height)};
 }
 
 void Plot_Form_Resize(double width, double height, bool minimised) {
@@ -296,15 +280,7 @@ void Plot_Form_Resize(double width, double height, bool minimised) {
   Plot_Host.Form_Changed();
 }
 
-void Plot_Form_Unload(const Form_Place& place) {
-  Store("Plot_Top", place.Top);
-  Store("Plot_Left", place.Left);
-  Store("Plot_Height", place.Height);
-  Store("Plot_Width", place.Width);
-}
-
-// --- For the window's painting
-// --------------------------------------------------------------------
+// --- For the window's painting ---------------------------------------------------------------
 
 World_Point Plot_Pixel_To_World(double x, double y, double width, double height) {
   const Plot_Scale s = Current_Scale();

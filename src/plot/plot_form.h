@@ -55,35 +55,34 @@ struct Spindle_Image {
 };
 
 struct Plot_Form_Record {
-  // --- Tools -----------------------------------------------------------------------------------
+  // --- Tools ---------------------------------------------------------------------------------
   bool ZoomInActive = false, PanActive = false, ZoomWindowActive = false;
   bool ZoomWindowDragging = false, LineDragging = false;
   bool HighlightEnabled = true;
   bool Command_ZoomIn = false, Command_Zoom_Win = false, Command_Zoom_Pan = false;  // pressed
   Surface_Pointer Pointer = Surface_Pointer::Cross;
 
-  // --- The mouse, in plot coordinates ----------------------------------------------------------
+  // --- The mouse, in plot coordinates --------------------------------------------------------
   float MouseDownX = 0, MouseDownY = 0;
   double BandX1 = 0, BandY1 = 0, BandX2 = 0, BandY2 = 0;
 
-  // --- Shapes over the picture -----------------------------------------------------------------
+  // --- Shapes over the picture ---------------------------------------------------------------
   Indexed<Line_Shape, 0, 3> Band;    // rubber band
   Indexed<Line_Shape, 0, 1> Cursor;  // position cross
   Spindle_Image Image_Spindle;
 
-  // --- Viewpoint -------------------------------------------------------------------------------
+  // --- Viewpoint -----------------------------------------------------------------------------
   Indexed<std::int32_t, 0, 2> UpDown_3D_Viewpoint{{0, 180, 180}};
   Indexed<std::string, 0, 2> Label_3D_Viewpoint{{"0", "180", "180"}};
 
-  // --- Places, window units --------------------------------------------------------------------
+  // --- Places, window units ------------------------------------------------------------------
   double Form_Height = 0, Form_Width = 0;
   Control_Box Picture1{0, 0, 9000, 9000}, Picture_ZAxis{0, 0, 1200, 9000};
   Control_Box Frame_Zoom, Frame_3D;
 };
 extern Plot_Form_Record Plot_Form;
 
-// --- Mouse on Picture1
-// ----------------------------------------------------------------------------
+// --- Mouse on Picture1 -----------------------------------------------------------------------
 
 enum class Mouse_Button { None, Left, Right, Middle };
 
@@ -96,8 +95,7 @@ void Picture1_Mouse_Wheel(double notches, double x, double y);
 // painted as they are.
 void Picture1_Drag_Picture(double dx, double dy);
 
-// --- Buttons
-// --------------------------------------------------------------------------------------
+// --- Buttons ---------------------------------------------------------------------------------
 
 void Command_ZoomIn_Click();
 void Command_ZoomOut_Click();
@@ -117,20 +115,14 @@ void Picture2_Mouse_Move(Mouse_Button held, double x, double y);
 // A key was released while the window has the focus.
 void Plot_Key_Up(int key_code);
 
-// --- The window itself
-// ----------------------------------------------------------------------------
+// --- The window itself -----------------------------------------------------------------------
 
-// Restores place and size from section "Form Position"; a size that was never saved follows the
-// main window's height (window units).
-struct Form_Place {
-  double Left = 0, Top = 0, Width = 0, Height = 0;
-};
-Form_Place Plot_Form_Load(double main_client_height);
+// The window opens: its height follows the main window's (window units) until a saved place says
+// otherwise.
+void Plot_Form_Load(double main_client_height);
 void Plot_Form_Resize(double width, double height, bool minimised);
-void Plot_Form_Unload(const Form_Place& place);
 
-// --- For the window's painting
-// --------------------------------------------------------------------
+// --- For the window's painting ---------------------------------------------------------------
 
 struct World_Point {
   double X = 0, Y = 0;

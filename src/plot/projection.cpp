@@ -2,6 +2,7 @@
 
 #include "core/fault.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace norvik {
@@ -40,20 +41,30 @@ Plot_Point_Single Projection::Project_Single(float x, float y, float z) const {
           static_cast<float>(-y2 * Viewer_Distance / depth)};
 }
 
-void Projection::Project_Lines(const Line_Columns& lines, std::size_t first, std::size_t count,
-                               const Projected_Columns& result) const {
+void Projection::Project_Points(const float* x, const float* y, const float* z, std::size_t count,
+                                float* __restrict px, float* __restrict py) const {
   // A copy on the stack: the compiler then knows that the results do not overwrite the sines.
   const Projection view = *this;
-  const auto project = [&view, count](const float* x, const float* y, const float* z,
-                                      float* __restrict px, float* __restrict py) {
-    for (std::size_t i = 0; i < count; ++i) {
-      const Plot_Point_Single point = view.Project_Single(x[i], y[i], z[i]);
-      px[i] = point.X;
-      py[i] = point.Y;
-    }
-  };
-  project(lines.X1 + first, lines.Y1 + first, lines.Z1 + first, result.X1, result.Y1);
-  project(lines.X2 + first, lines.Y2 + first, lines.Z2 + first, result.X2, result.Y2);
+  for (std::size_t i = 0; i < count; ++i) {
+    const Plot_Point_Single point = view.Project_Single(x[i], y[i], z[i]);
+    px[i] = point.X;
+    py[i] = point.Y;
+  }
+}
+
+void Projection::Project_Lines(const Line_Columns& lines, std::size_t first, std::size_t count,
+                               const Projected_Columns& result) const {
+  Project_Points(lines.X1 + first, lines.Y1 + first, lines.Z1 + first, count, result.X1, result.Y1);
+  Project_Points(lines.X2 + first, lines.Y2 + first, lines.Z2 + first, count, result.X2, result.Y2);
+}
+
+void Projection::Project_Chain(const Line_Columns& lines, std::size_t first, std::size_t count,
+                               const Projected_Columns& result) const {
+  if (count == 0) return;
+  Project_Points(lines.X1 + first, lines.Y1 + first, lines.Z1 + first, 1, result.X1, result.Y1);
+  Project_Points(lines.X2 + first, lines.Y2 + first, lines.Z2 + first, count, result.X2, result.Y2);
+  std::copy_n(result.X2, count - 1, result.X1 + 1);
+  std::copy_n(result.Y2, count - 1, result.Y1 + 1);
 }
 
 }  // namespace norvik

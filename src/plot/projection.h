@@ -61,7 +61,14 @@ class Projection {
   void Project_Lines(const Line_Columns& lines, std::size_t first, std::size_t count,
                      const Projected_Columns& result) const;
 
+  // The same for lines that each start where the one before ends: half the work.
+  void Project_Chain(const Line_Columns& lines, std::size_t first, std::size_t count,
+                     const Projected_Columns& result) const;
+
  private:
+  void Project_Points(const float* x, const float* y, const float* z, std::size_t count, float* px,
+                      float* py) const;
+
   double Cos_A, Sin_A, Cos_B, Sin_B, Cos_C, Sin_C;
 };
 

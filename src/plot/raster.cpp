@@ -6,6 +6,7 @@
 #include <array>
 #include <cmath>
 #include <cstdlib>
+#include <limits>
 
 namespace norvik {
 
@@ -39,8 +40,7 @@ inline bool In_Band(double value) {
   return value > -Guard_Band && value < Guard_Band;
 }
 
-// --- The run
-// --------------------------------------------------------------------------------------
+// --- The run ---------------------------------------------------------------------------------
 
 // One step along the longer direction for each pixel; `Minor_Steps_After(k)` of them also went
 // along the shorter one.
@@ -99,42 +99,78 @@ void Visit_Run(const Run& run, const Pixel_Area& area, const Visit& visit) {
   }
 }
 
-// A run that lies within the picture: no test for each pixel.
-inline void Draw_Run_Inside(std::uint32_t* at, std::ptrdiff_t major_step, std::ptrdiff_t minor_step,
-                            std::int32_t major, std::int32_t minor, std::uint32_t argb) {
-  *at = argb;
-  if (major <= 1) {  // most lines of a full plot
-    at[major * (major_step + minor * minor_step)] = argb;
-    return;
+// The two middle pixels of a run of at most 3 steps, by its extents: steps along X and along Y from
+// the start. Where a run is shorter, its end stands in.
+constexpr std::int32_t Short_Run = 3;
+struct Short_Middle {
+  std::array<std::int8_t, 2> X, Y;
+};
+constexpr auto Short_Middles = [] {
+  std::array<std::array<Short_Middle, Short_Run + 1>, Short_Run + 1> middles{};
+  for (int dx = 0; dx <= Short_Run; ++dx) {
+    for (int dy = 0; dy <= Short_Run; ++dy) {
+      const int major = dx >= dy ? dx : dy, minor = dx >= dy ? dy : dx;
+      auto& middle = middles[static_cast<std::size_t>(dx)][static_cast<std::size_t>(dy)];
+      for (int k = 1; k <= 2; ++k) {
+        const int along = k < major ? k : major;
+        const int need = along * minor - major / 2;
+        const int aside = need <= 0 ? 0 : (need + major - 1) / major;
+        middle.X[static_cast<std::size_t>(k - 1)] =
+            static_cast<std::int8_t>(dx >= dy ? along : aside);
+        middle.Y[static_cast<std::size_t>(k - 1)] =
+            static_cast<std::int8_t>(dx >= dy ? aside : along);
+      }
+    }
   }
+  return middles;
+}();
+
+// A run that lies within the picture, from its start at `at`: calls `dot` for each pixel.
+template <class Dot>
+inline void Draw_Run_Inside(std::uint32_t* at, std::ptrdiff_t major_step, std::ptrdiff_t minor_step,
+                            std::int32_t major, std::int32_t minor, const Dot& dot) {
   std::int32_t error = major / 2;
+  dot(at);
   for (std::int32_t k = 0; k < major; ++k) {
     error -= minor;
     const bool both = error < 0;
     at += both ? major_step + minor_step : major_step;
     error += both ? major : 0;
-    *at = argb;
+    dot(at);
   }
 }
 
-// --- Pens
-// -----------------------------------------------------------------------------------------
+// --- Pens ------------------------------------------------------------------------------------
 
-void Draw_Thin(const Pixel_View& target, Pixel from, Pixel to, std::uint32_t argb) {
-  const Pixel_Area picture = Area_Of(target, 0);
-  if (!picture.Holds(from) || !picture.Holds(to)) {
-    Visit_Run(Run(from, to), picture,
-              [&](Pixel p) { target.Pixels[p.Y * target.Stride + p.X] = argb; });
-    return;
-  }
+inline void Draw_Thin_Inside(const Pixel_View& target, Pixel from, Pixel to, std::uint32_t argb) {
   std::uint32_t* at = target.Pixels + from.Y * target.Stride + from.X;
   const std::ptrdiff_t step_x = to.X < from.X ? -1 : 1;
   const std::ptrdiff_t step_y = to.Y < from.Y ? -target.Stride : target.Stride;
   const std::int32_t dx = std::abs(to.X - from.X), dy = std::abs(to.Y - from.Y);
-  if (dx >= dy) {
-    Draw_Run_Inside(at, step_x, step_y, dx, dy, argb);
+  if ((dx | dy) <= Short_Run) {
+    // Most lines of a full plot. Always four stores, some to the same pixel: the processor cannot
+    // foretell the lengths, and a wrong guess costs more than the stores.
+    const Short_Middle& middle =
+        Short_Middles[static_cast<std::size_t>(dx)][static_cast<std::size_t>(dy)];
+    at[0] = argb;
+    at[middle.X[0] * step_x + middle.Y[0] * step_y] = argb;
+    at[middle.X[1] * step_x + middle.Y[1] * step_y] = argb;
+    at[dx * step_x + dy * step_y] = argb;
   } else {
-    Draw_Run_Inside(at, step_y, step_x, dy, dx, argb);
+    const auto dot = [argb](std::uint32_t* pixel) { *pixel = argb; };
+    const bool flat = dx >= dy;
+    Draw_Run_Inside(at, flat ? step_x : step_y, flat ? step_y : step_x, std::max(dx, dy),
+                    std::min(dx, dy), dot);
+  }
+}
+
+void Draw_Thin(const Pixel_View& target, Pixel from, Pixel to, std::uint32_t argb) {
+  const Pixel_Area picture = Area_Of(target, 0);
+  if (picture.Holds(from) && picture.Holds(to)) {
+    Draw_Thin_Inside(target, from, to, argb);
+  } else {
+    Visit_Run(Run(from, to), picture,
+              [&](Pixel p) { target.Pixels[p.Y * target.Stride + p.X] = argb; });
   }
 }
 
@@ -194,14 +230,19 @@ inline void Stamp_Three(std::uint32_t* middle, std::ptrdiff_t stride, std::uint3
   }
 }
 
+inline void Draw_Three_Inside(const Pixel_View& target, const Run& run, std::uint32_t argb) {
+  const std::ptrdiff_t step_x = run.Step_X, step_y = run.Step_Y * target.Stride;
+  Draw_Run_Inside(target.Pixels + run.From.Y * target.Stride + run.From.X,
+                  run.Steep ? step_y : step_x, run.Steep ? step_x : step_y, run.Major, run.Minor,
+                  [&](std::uint32_t* middle) { Stamp_Three(middle, target.Stride, argb); });
+}
+
 void Draw_Brushed(const Pixel_View& target, Pixel from, Pixel to, std::int32_t width,
                   std::uint32_t argb) {
   const Pixel_Area inner = Area_Of(target, -1);
   const Run run(from, to);
   if (width == 3 && inner.Holds(from) && inner.Holds(to)) {
-    Visit_Run(run, inner, [&](Pixel p) {
-      Stamp_Three(target.Pixels + p.Y * target.Stride + p.X, target.Stride, argb);
-    });
+    Draw_Three_Inside(target, run, argb);
     return;
   }
   const Brush& brush = Brush_Of(width);
@@ -290,6 +331,35 @@ bool Cut_To_Band(double& x1, double& y1, double& x2, double& y2) {
   return In_Band(x1) && In_Band(y1) && In_Band(x2) && In_Band(y2);
 }
 
+// From world to pixels, counted from 1 so that a truncation tells what lies before the first.
+class Pixel_Mapping {
+ public:
+  Pixel_Mapping(const Pixel_View& view, const Plot_Scale& scale)
+      : To_X(view.Width / scale.Width()),
+        To_Y(view.Height / scale.Height()),
+        From_X(1 - scale.Left * To_X),
+        From_Y(1 - scale.Top * To_Y),
+        Width(static_cast<std::uint32_t>(view.Width)),
+        Height(static_cast<std::uint32_t>(view.Height)) {}
+  double X(float x) const { return x * To_X + From_X; }
+  double Y(float y) const { return y * To_Y + From_Y; }
+  // The pixel of a point; true when it lies on the picture.
+  bool Inside(float x, float y, Pixel& pixel) const {
+    pixel = {Held(X(x)) - 1, Held(Y(y)) - 1};
+    return (static_cast<std::uint32_t>(pixel.X) < Width) &
+           (static_cast<std::uint32_t>(pixel.Y) < Height);
+  }
+
+ private:
+  // What does not fit, or is no number, comes to lie outside.
+  static std::int32_t Held(double pixel) {
+    return static_cast<std::int32_t>(std::min(Guard_Band, std::max(-1.0, pixel)));
+  }
+
+  double To_X, To_Y, From_X, From_Y;
+  std::uint32_t Width, Height;
+};
+
 }  // namespace
 
 Pixel_View View_Of(Plot_Image& image) {
@@ -313,11 +383,33 @@ void Draw_Raster_Line(const Pixel_View& target, double x1, double y1, double x2,
 
 void Draw_Raster_Lines(const Pixel_View& target, const Plot_Scale& scale,
                        std::span<const Plot_Line> lines, std::int32_t pen_scale) {
-  const double to_x = target.Width / scale.Width(), to_y = target.Height / scale.Height();
+  const Pixel_View view = target;
+  const Pixel_Mapping mapping(view, scale);
+  // Moves of a program mostly start where the one before ended, in the same colour.
+  float last_x = std::numeric_limits<float>::quiet_NaN(), last_y = last_x;
+  bool last_inside = false;
+  Pixel last{0, 0};
+  std::int32_t color = Black;
+  std::uint32_t argb = Argb(color);
   for (const Plot_Line& line : lines) {
-    Draw_Raster_Line(target, (line.X1 - scale.Left) * to_x, (line.Y1 - scale.Top) * to_y,
-                     (line.X2 - scale.Left) * to_x, (line.Y2 - scale.Top) * to_y,
-                     line.Width * pen_scale, Argb(line.Color));
+    Pixel from = last;
+    bool from_inside = last_inside;
+    if (line.X1 != last_x || line.Y1 != last_y)
+      from_inside = mapping.Inside(line.X1, line.Y1, from);
+    last_x = line.X2;
+    last_y = line.Y2;
+    last_inside = mapping.Inside(line.X2, line.Y2, last);
+    if (line.Color != color) {
+      color = line.Color;
+      argb = Argb(color);
+    }
+    const std::int32_t width = line.Width * pen_scale;
+    if (width <= 1 && from_inside && last_inside) {
+      Draw_Thin_Inside(view, from, last, argb);
+    } else {
+      Draw_Raster_Line(view, mapping.X(line.X1) - 1, mapping.Y(line.Y1) - 1, mapping.X(line.X2) - 1,
+                       mapping.Y(line.Y2) - 1, width, argb);
+    }
   }
 }
 

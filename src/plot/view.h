@@ -86,7 +86,7 @@ void Derive_View_Scale();
 // from the program before.
 void Recompute_Program_Extents();
 
-// --- Tools, each followed by a rebuild of the plot ----------------------------------------------
+// --- Tools, each followed by a rebuild of the plot -------------------------------------------
 
 // The whole table; centred in X or Y as `Plot_Centered` says. Beeps for a table without size.
 void Zoom_Table();

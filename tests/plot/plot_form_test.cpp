@@ -233,6 +233,8 @@ TEST_F(Plot_Form_Test, Refresh_And_Escape_Bring_The_Highlight_Back) {
 }
 
 TEST_F(Plot_Form_Test, The_Surface_Stays_Square) {
+  Plot_Form_Load(10000);
+  EXPECT_EQ(Plot_Form.Form_Height, 8700);
   Plot_Form_Resize(12000, 9200, false);
   EXPECT_EQ(Plot_Form.Picture1.Width, 8000);
   EXPECT_EQ(Plot_Form.Picture1.Height, 8000);
@@ -244,21 +246,6 @@ TEST_F(Plot_Form_Test, The_Surface_Stays_Square) {
     Plot_Form_Resize(width, height, minimised);
     EXPECT_EQ(Plot_Form.Picture1.Width, 8000);
   }
-}
-
-TEST_F(Plot_Form_Test, The_Place_Comes_Back_And_Follows_The_Main_Window_At_First) {
-  Application.MachineFile = testing::TempDir() + "plot_places.ini";
-  std::remove(Application.MachineFile.c_str());
-  const Form_Place first = Plot_Form_Load(10000);
-  EXPECT_EQ(first.Height, 8700);
-  EXPECT_EQ(first.Left, 0);
-  Plot_Form_Unload({120.4, -30, 7000, 6500});
-  const Form_Place again = Plot_Form_Load(10000);
-  EXPECT_EQ(again.Left, 120);
-  EXPECT_EQ(again.Top, -30);
-  EXPECT_EQ(again.Width, 7000);
-  EXPECT_EQ(again.Height, 6500);
-  EXPECT_EQ(ReadSetup("Form Position", "Plot_Height"), "6500");
 }
 
 }  // namespace
