@@ -67,9 +67,10 @@ inline constexpr std::string_view Not_While_Moving =
     "This can be changed while the machine stands still.";
 inline constexpr std::string_view Goto_Needs_Stop =
     "Goto replaces the program of the paused run. Press Stop first.";
+inline constexpr std::string_view Goto_Is_Empty = "Goto: this line gives nothing to execute.";
 inline constexpr std::string_view Goto_Needs_Reset =
-    "Goto found nothing to execute: the step pointer of the G-Code window does not stand at 0. "
-    "Compile the program, then try again.";
+    "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
+    "program, then try again.";
 inline constexpr std::string_view No_Serial_Board =
     "The serial controller boards cannot be driven by this version. Choose the LPT parallel port "
     "in the port setup (Parallel_Port_Type 1).";

@@ -48,7 +48,8 @@ void Ramp_First_Wire() {
 void Execute_Block() {
   std::int32_t step = Compile_Status.CurrentStep;
   if (!Program_Wire.Next_Of_Step(step, 0)) {
-    SetStatus(1, control_text::Goto_Needs_Reset, 10);
+    const bool empty = Program_Wire.Count() == 0;
+    SetStatus(1, empty ? control_text::Goto_Is_Empty : control_text::Goto_Needs_Reset, 10);
     return;
   }
   Execute_Step(step, Move_And_Draw);

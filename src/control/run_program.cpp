@@ -14,6 +14,7 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/setup.h"
+#include "core/waiting.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -40,6 +41,38 @@ class Panel_Timer {
   Timer_Id Id;
 };
 
+// Looks for ESC in the yields of a compile. A compile that ESC cut short leaves whole tables of a
+// shorter program, which must not be run as if it were the whole.
+class Esc_Watch {
+ public:
+  Esc_Watch() : Before(Platform.Do_Events) {
+    Platform.Do_Events = [this] {
+      Before();
+      Seen = CheckEsc() || Application.EscFlag || Seen;
+    };
+  }
+  ~Esc_Watch() { Platform.Do_Events = Before; }
+  Esc_Watch(const Esc_Watch&) = delete;
+  Esc_Watch& operator=(const Esc_Watch&) = delete;
+
+  bool Seen = false;
+
+ private:
+  std::function<void()> Before;
+};
+
+// Compiles into the executing table. The operator's words when that failed, empty otherwise.
+std::string Compile_For_Run() {
+  const Esc_Watch esc;
+  const bool compiled = CompileProgram();
+  if (esc.Seen) return "Cancelled by ESC while the program was compiled.";
+  if (!compiled) return Messages.LastMessage;
+  const bool taken = Trap("Run_Program_Error", [] {
+    Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
+  });
+  return taken ? "" : "The compiled program cannot be run. The error log says why.";
+}
+
 Run_Summary Sum_Up() {
   Run_Summary summary;
   summary.Ended_By = End_Reason();
@@ -57,7 +90,7 @@ Run_Summary Failed(std::string_view why) {
   Run_Summary summary = Sum_Up();
   summary.Finished = false;
   summary.Steps = 0;
-  summary.Ended_By = why.empty() ? "The program could not be compiled." : why;
+  summary.Ended_By = why;
   return summary;
 }
 
@@ -79,11 +112,7 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
 
 Run_Summary Run_Program(const Run_Options& options) {
   if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
-  if (!CompileProgram()) return Failed(Messages.Panel[1]);
-  if (!Trap("Run_Program_Error", [] {
-        Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
-      }))
-    return Failed(Messages.Panel[1]);
+  if (const std::string why = Compile_For_Run(); !why.empty()) return Failed(why);
   Machine.StartingStep = 1;
   Machine.EndingStep = GCodeLineCount();
   return Run_Compiled_Program(options);

@@ -172,5 +172,96 @@ TEST_F(Programs_Test, A_kill_loses_no_file_and_no_saved_position) {
   }
 }
 
+// --- Programs from their text --------------------------------------------------------------------
+
+class Text_Test : public Programs_Test {
+ protected:
+  Text_Test() {
+    Install_Virtual_Clock();
+    MachineSetup.Axis_Ramping = true;
+    MachineSetup.Axis_Ramp_Rate = 5;
+    Simulated_Machine.Access_Time = 0;
+  }
+  // Runs a text from where the machine stands; it must end where its wires do.
+  void Expect_Runs(const std::string& text, const std::string& name) {
+    SaveChanges(text);
+    const Run_Summary summary = Run_Program({""});
+    EXPECT_TRUE(summary.Finished) << name << ": " << summary.Ended_By;
+    EXPECT_EQ(summary.Steps, GCodeLineCount()) << name;
+    for (int axis = 1; axis <= 4; ++axis) {
+      Nullable end;
+      for (const Wire& wire : Program_Wire.Rows())
+        if (wire.Motion == 1 && wire.End[axis]) end = wire.End[axis];
+      const double half_step = 0.5 / static_cast<double>(MachineSetup.Axis_SPI[axis]);
+      if (!end) continue;
+      EXPECT_NEAR(True_Position(axis), *end, half_step + 1e-6) << name << " axis " << axis;
+    }
+    Expect_Position_True();
+  }
+  void Expect_Folder_Runs(const std::filesystem::path& folder) {
+    for (const auto& entry : std::filesystem::directory_iterator(folder)) {
+      if (!entry.is_regular_file()) continue;
+      Machine.Position = Machine.Theoretical_Pos = {};
+      Reset_Simulated_Machine();
+      Free_Axes();
+      Simulated_Machine.Access_Time = 0;
+      Expect_Runs(Read_Whole_File(entry.path().string()), entry.path().filename().string());
+    }
+  }
+};
+
+TEST_F(Text_Test, Lines_arcs_cycles_dwells_and_tool_changes) {
+  Expect_Runs(
+      "G90\nG0 X1 Y1 Z0.5\nM3\nG1 Z-0.1 F20\nG2 X2 Y0 I0 J-1 F60\nG3 X1 Y1 I-1 J0\nG4 P0.5\n"
+      "M6 T2\nG81 X0.5 Y0.5 Z-0.2 R0.1\nX0.25\nG80\nG91\nG1 X-0.125 A0.5\nM30\n",
+      "mixed");
+  EXPECT_EQ(Simulated_Machine.Outputs[1].Switchings, 2);
+}
+
+TEST_F(Text_Test, A_compile_cut_short_is_not_run) {
+  std::string text;
+  for (int i = 0; i < 500; ++i) text += "G1 X" + std::to_string(i % 7) + "\n";
+  SaveChanges(text);
+  scripted.On_Yield = [this, n = 0]() mutable {
+    if (++n == 3) scripted.Press(key::Escape);
+  };
+  const Run_Summary summary = Run_Program({""});
+  EXPECT_FALSE(summary.Finished);
+  EXPECT_THAT(summary.Ended_By, HasSubstr("ESC"));
+  EXPECT_EQ(Half_Steps, 0);
+}
+
+TEST_F(Text_Test, Tables_that_cannot_be_written_are_not_run) {
+  Application.Table_Folder = (Folder / "missing").string();
+  SaveChanges("G1 X1\n");
+  const Run_Summary summary = Run_Program({""});
+  EXPECT_FALSE(summary.Finished);
+  EXPECT_THAT(summary.Ended_By, HasSubstr("could not write"));
+}
+
+TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
+  SaveChanges("G1 X1 F60\nG2 X2 Y0 I0 J-1 F60\nG4 P1\nG0 Z0.5\nX0 Y0\n");
+  const Run_Summary summary = Run_Program({""});
+  Machine.Position = Machine.Theoretical_Pos = {};
+  Command_Estimate_Process_Time_Click();
+  ASSERT_TRUE(Controller.Estimated_Process_Time);
+  EXPECT_NEAR(*Controller.Estimated_Process_Time / summary.Machine_Run_Time, 1, 0.01);
+  EXPECT_THAT(CNC_Controls.Label_MaterialProcess_Time.Caption,
+              HasSubstr("Estimated Material Process Time 00:00:"));
+}
+
+TEST_F(Text_Test, Every_sample_ends_where_it_should) {
+  if (!std::filesystem::exists(NORVIK_SAMPLES_FOLDER)) GTEST_SKIP() << "no samples";
+  MachineSetup.Axis_SPI.Fill(100);
+  Expect_Folder_Runs(NORVIK_SAMPLES_FOLDER);
+}
+
+TEST_F(Text_Test, Every_program_of_a_corpus_ends_where_it_should) {
+  const char* corpus = std::getenv("NORVIK_GCODE_CORPUS");
+  if (corpus == nullptr) GTEST_SKIP() << "NORVIK_GCODE_CORPUS names no folder";
+  MachineSetup.Axis_SPI.Fill(40);
+  Expect_Folder_Runs(corpus);
+}
+
 }  // namespace
 }  // namespace norvik
