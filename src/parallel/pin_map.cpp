@@ -11,18 +11,9 @@ namespace norvik {
 
 Pin_State Pins;
 
-namespace {
-
-// One function's place; `Mask` 0: not used.
-struct Pin {
-  std::int32_t Port = 0;
-  std::uint8_t Mask = 0;
-  bool Invert = false;
-};
-
-// Whole numbers 0..7 with blanks around them. Called at every access, so texts of the usual form
+// Called at every access, so texts of the usual form
 // (one digit, or "99") are seen without a scan.
-std::optional<int> Bit_Of(const std::string& text) {
+std::optional<int> Bit_In(const std::string& text) {
   const auto digit = [](char c) { return c >= '0' && c <= '9'; };
   if (text.size() == 1 && text[0] >= '0' && text[0] <= '7') return text[0] - '0';
   const auto first = text.find_first_not_of(' ');
@@ -37,8 +28,17 @@ std::optional<int> Bit_Of(const std::string& text) {
   return bit;
 }
 
+namespace {
+
+// One function's place; `Mask` 0: not used.
+struct Pin {
+  std::int32_t Port = 0;
+  std::uint8_t Mask = 0;
+  bool Invert = false;
+};
+
 std::uint8_t Mask_Of(const std::string& text) {
-  const auto bit = Bit_Of(text);
+  const auto bit = Bit_In(text);
   return bit ? static_cast<std::uint8_t>(1u << *bit) : std::uint8_t{0};
 }
 
@@ -82,10 +82,10 @@ void Count_Step(int axis, bool negative) {
 }  // namespace
 
 std::optional<int> Output_Bit(int slot) {
-  return Bit_Of(MachineSetup.Parallel_Output_Bit[slot]);
+  return Bit_In(MachineSetup.Parallel_Output_Bit[slot]);
 }
 std::optional<int> Input_Bit(int slot) {
-  return Bit_Of(MachineSetup.Parallel_Input_Bit[slot]);
+  return Bit_In(MachineSetup.Parallel_Input_Bit[slot]);
 }
 
 bool Read_Input(int slot) {

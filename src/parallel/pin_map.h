@@ -23,6 +23,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 
 namespace norvik {
 
@@ -73,6 +74,8 @@ struct Pin_State {
 };
 extern Pin_State Pins;
 
+// The bit 0..7 in a text with blanks around it; absent for any other text.
+std::optional<int> Bit_In(const std::string& text);
 // Bit 0..7 of a slot; absent when the function is not used.
 std::optional<int> Output_Bit(int slot);  // slot 1..17
 std::optional<int> Input_Bit(int slot);   // slot 0..5

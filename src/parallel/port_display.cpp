@@ -5,6 +5,7 @@
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "parallel/connector.h"
 #include "parallel/ports.h"
 
 #include <array>
@@ -16,36 +17,10 @@ Port_IO_Form_State Port_IO;
 
 namespace {
 
-// One line of the connector: its register (0 data, 1 status, 2 control) and bit; an inverted line
-// is low at the pin when its bit is set.
-struct Connector_Line {
-  int Pin, Register, Bit;
-  bool Inverted;
-};
-constexpr std::array<Connector_Line, 17> Lines{{
-    {2, 0, 0, false},
-    {3, 0, 1, false},
-    {4, 0, 2, false},
-    {5, 0, 3, false},
-    {6, 0, 4, false},
-    {7, 0, 5, false},
-    {8, 0, 6, false},
-    {9, 0, 7, false},
-    {10, 1, 6, false},
-    {11, 1, 7, true},
-    {12, 1, 5, false},
-    {13, 1, 4, false},
-    {15, 1, 3, false},
-    {1, 2, 0, true},
-    {14, 2, 1, true},
-    {16, 2, 2, false},
-    {17, 2, 3, true},
-}};
-
 void Light(int pin, bool high) {
-  for (const Connector_Line& line : Lines) {
+  for (const Connector_Line& line : Connector_Lines) {
     if (line.Pin != pin) continue;
-    (line.Register == 1 ? Port_IO.Command_PinIO : Port_IO.Command_Pin)[pin] = high;
+    (line.Input() ? Port_IO.Command_PinIO : Port_IO.Command_Pin)[pin] = high;
   }
 }
 
@@ -105,7 +80,7 @@ void Port_IO_Timer1() {
     if (place > 0) Port_IO.Text_PortIO += "\r\n";
     Port_IO.Text_PortIO += std::to_string(byte);
   }
-  for (const Connector_Line& line : Lines) {
+  for (const Connector_Line& line : Connector_Lines) {
     const bool set = (bytes[static_cast<std::size_t>(line.Register)] >> line.Bit & 1) != 0;
     if (set != line.Inverted) {
       Port_IO_SetColor(line.Pin);
