@@ -79,6 +79,6 @@ int main(int argument_count, char** arguments) {
                            [] { return new Simulated_Window; });
     window.Set_Banner("SIMULATED MACHINE - no motion takes place");
   }
-  window.Show_Usual_Windows();
+  window.Start_Is_Over();
   return QApplication::exec();
 }

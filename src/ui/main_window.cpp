@@ -30,7 +30,6 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
-#include <QTimer>
 
 namespace norvik {
 
@@ -317,7 +316,9 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
   Area->setActiveSubWindow(frame);
 }
 
-void Main_Frame::Show_Usual_Windows() {
+void Main_Frame::Start_Is_Over() {
+  Started = true;
+  Activate_Main();
   for (const auto& [name, window] : Tool_Windows) {
     if (name != "Plot" && Tool_Window_Is_Open(name)) return;
   }
@@ -385,19 +386,13 @@ bool Main_Frame::eventFilter(QObject* watched, QEvent* event) {
 void Main_Frame::changeEvent(QEvent* event) {
   if (event->type() == QEvent::ActivationChange) {
     if (isActiveWindow()) {
-      Activate_Main();
+      if (Started) Activate_Main();
     } else if (QApplication::activeWindow() == nullptr) {
       Jog_Guard_Window_Lost();
     }
   }
   if (event->type() == QEvent::WindowStateChange && isMinimized()) Jog_Guard_Window_Lost();
   QMainWindow::changeEvent(event);
-}
-
-// A window system without a manager never activates a window, but it shows it.
-void Main_Frame::showEvent(QShowEvent* event) {
-  QMainWindow::showEvent(event);
-  QTimer::singleShot(0, this, [] { Activate_Main(); });
 }
 
 void Main_Frame::closeEvent(QCloseEvent* event) {

@@ -26,9 +26,10 @@ class Main_Frame : public QMainWindow {
                        std::function<QWidget*()> make);
   // Shows a tool window and gives it the focus.
   void Show_Tool_Window(const QString& name);
-  // Program, plot and panel, unless the last layout has left a window open: a first start that shows
+  // The start of the program is over: the first activation may do its work. Then program, plot and
+  // panel are shown, unless the last layout has left a window open: a first start that shows
   // nothing would leave a newcomer before an empty frame.
-  void Show_Usual_Windows();
+  void Start_Is_Over();
   bool Tool_Window_Is_Open(const QString& name) const;
   // A text that stays in the status bar, for the warning that no real machine is driven.
   void Set_Banner(const QString& text);
@@ -38,7 +39,6 @@ class Main_Frame : public QMainWindow {
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void changeEvent(QEvent* event) override;
-  void showEvent(QShowEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -59,6 +59,7 @@ class Main_Frame : public QMainWindow {
   void Close_Tool_Windows();
   void Open_Path(const QString& path);
 
+  bool Started = false;
   QMdiArea* Area;
   std::map<QString, Tool_Window> Tool_Windows;
   QMenu* Window_Menu = nullptr;
