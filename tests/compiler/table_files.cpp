@@ -333,24 +333,26 @@ TEST_F(Table_Files, Failures_Say_What_To_Do) {
 }
 
 TEST(Record_List, Gives_Rows_Back_And_Guards_Its_Ends) {
+  constexpr std::size_t piece = Record_List<Wire>::Piece_Rows;
   Record_List<Wire> list;
-  for (int row = 0; row < 2000; ++row) {
+  for (std::size_t row = 0; row < 3 * piece; ++row) {
     Wire wire;
-    wire.Step = row;
+    wire.Step = static_cast<std::int32_t>(row);
     list.push_back(wire);
   }
   const Record_List<Wire> copy = list;
-  list.Release_Before(1030);  // two whole pieces of 512
+  list.Release_Before(2 * piece + 5);  // two whole pieces
   EXPECT_THROW(list[0], Fault);
-  EXPECT_THROW(list[1023], Fault);
-  EXPECT_EQ(list[1024].Step, 1024);
-  list.Cut_To(1500);
-  EXPECT_EQ(list.size(), 1500U);
-  EXPECT_EQ(list.back().Step, 1499);
-  EXPECT_THROW(list[1500], Fault);
+  EXPECT_THROW(list[2 * piece - 1], Fault);
+  EXPECT_EQ(list[2 * piece].Step, static_cast<std::int32_t>(2 * piece));
+  list.Cut_To(2 * piece + 9);
+  EXPECT_EQ(list.size(), 2 * piece + 9);
+  EXPECT_EQ(list.back().Step, static_cast<std::int32_t>(2 * piece + 8));
+  EXPECT_THROW(list[2 * piece + 9], Fault);
   list.push_back(copy.back());
-  EXPECT_EQ(list.back().Step, 1999);
-  EXPECT_EQ(copy[0].Step + (copy.end() - 1)->Step, 1999);
+  EXPECT_EQ(list.back(), copy[3 * piece - 1]);
+  EXPECT_EQ((copy.end() - 1)->Step - copy.begin()[1].Step,
+            static_cast<std::int32_t>(3 * piece - 2));
   EXPECT_THROW(Record_List<Wire>().back(), Fault);
 }
 
