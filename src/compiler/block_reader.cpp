@@ -73,11 +73,8 @@ void Cut_Repeats(Line_Cutter& line, Block& block) {
 
 template <class Set>
 void Cut_Codes(Line_Cutter& line, char letter, Set&& set) {
-  for (int count = 0; count < Most_Code_Words; ++count) {
-    const auto text = line.Cut_To_Blank(letter);
-    if (!text) return;
-    set(To_Int16(Number_Value(*text)));
-  }
+  line.Cut_All_To_Blank(letter, Most_Code_Words,
+                        [&](std::string_view text) { set(To_Int16(Number_Value(text))); });
 }
 
 double Whole_Word(std::string_view text) {
@@ -107,6 +104,12 @@ void Cut_All(Line_Cutter& line, Block& block) {
   }
 }
 
+// A line in the error log; nobody reads more of a line than this.
+std::string Log_Text(std::string_view text) {
+  constexpr std::size_t most = 4000;
+  return std::string(text.substr(0, most)) + (text.size() > most ? "..." : "");
+}
+
 }  // namespace
 
 void Read_Words_By_Cutting(std::string_view text, Block& block, std::string* left) {
@@ -131,7 +134,7 @@ void Read_Words(std::string_view text, Block& block) {
 void ReadBlock(std::string_view text) {
   Block& block = Block_Reader.Now;
   const auto report = [&](const Fault&) {
-    ErrorLogWrite("NIST_Block_Interpretor_Error: " + std::string(text));
+    ErrorLogWrite("NIST_Block_Interpretor_Error: " + Log_Text(text));
   };
   Trap_With(report, [&] {
     Compiler.BlockText = text;

@@ -221,10 +221,10 @@ std::optional<double> Meant_Value(const Meant_Word& word) {
 
 bool Code_Was_Read(const Block& block, const Meant_Word& word) {
   const auto number = Try_Number(word.Number);
-  if (!number) return false;
+  const int last = word.Letter == 'G' ? Last_G_Code : Last_M_Code;
+  if (!number || *number < 0 || std::nearbyint(*number) > last) return false;
   const auto place = static_cast<std::size_t>(std::nearbyint(*number));
-  return word.Letter == 'G' ? place <= Last_G_Code && block.GFlags[place]
-                            : place <= Last_M_Code && block.MFlags[place];
+  return word.Letter == 'G' ? block.GFlags[place] : block.MFlags[place];
 }
 
 // True when the word arrived as it was meant.

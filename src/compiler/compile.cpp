@@ -14,6 +14,7 @@
 #include "core/paths.h"
 #include "platform/platform.h"
 
+#include <optional>
 #include <utility>
 
 namespace norvik {
@@ -24,21 +25,6 @@ struct Compile_Driver_State {
   bool Busy = false;  // a compile runs; what a yield starts must wait
 };
 Compile_Driver_State Driver;
-
-// One compile at a time, with the busy pointer.
-class Compile_Section {
- public:
-  Compile_Section() {
-    Driver.Busy = true;
-    Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
-  }
-  ~Compile_Section() {
-    Driver.Busy = false;
-    Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
-  }
-  Compile_Section(const Compile_Section&) = delete;
-  Compile_Section& operator=(const Compile_Section&) = delete;
-};
 
 bool Refused() {
   if (Compile_Busy()) Platform.Beep();
@@ -55,11 +41,43 @@ void Report_Unwritten(const Fault& fault) {
   AddMessage("The compile could not write its tables: " + fault.Description);
 }
 
-bool Write_Records() {
-  return Trap_With(Report_Unwritten, [] {
-    Write_LineArc_Table(Compile_Tables.LineArc_Path, Compile_Tables.Program_LineArc);
-  });
-}
+// `Program_LineArc` on its way to disk. The records of a stretch of lines are written before the
+// yield that ends it, so that no long write stands at the end.
+class Record_File {
+ public:
+  Record_File() {
+    Whole = Trap_With(Report_Unwritten, [&] { Writer.emplace(Compile_Tables.LineArc_Path); });
+  }
+
+  // Appends the records made since the last call. Records that are still to be compensated wait.
+  void Add_New() {
+    if (!Whole || Compiler.UsesCompensation) return;
+    Whole = Trap_With(Report_Unwritten, [&] {
+      const auto& rows = Compile_Tables.Program_LineArc.Rows;
+      while (Written < rows.size()) Writer->Add(rows[Written++]);
+    });
+  }
+
+  // The file takes its place. True when it is complete on disk.
+  bool Finish() {
+    if (Whole && Compiler.UsesCompensation) return Write_Anew();
+    Add_New();
+    return Whole && Trap_With(Report_Unwritten, [&] { Writer->Finish(); });
+  }
+
+ private:
+  // After compensation nothing that was written stands any more.
+  bool Write_Anew() {
+    Writer.reset();
+    return Trap_With(Report_Unwritten, [] {
+      Write_LineArc_Table(Compile_Tables.LineArc_Path, Compile_Tables.Program_LineArc);
+    });
+  }
+
+  std::optional<Table_Writer<LineArc>> Writer;
+  std::size_t Written = 0;
+  bool Whole = false;  // nothing has failed so far
+};
 
 void Convert_To_Wires() {
   Compile_Tables.Program_Wire =
@@ -83,7 +101,34 @@ void End_Program() {
   Compile_Status.CompileDone = true;
 }
 
+// All passes. True when both files are complete.
+bool Run_Passes() {
+  Record_File records;
+  Line_Pass_Operations operations = Compile_Operations();
+  operations.Before_Yield = [&] { records.Add_New(); };
+  Run_Line_Pass(GCode_Program.Text, std::move(operations));
+  if (Compiler.UsesCompensation) AddRadiusCompensation(Compile_Tables.Program_LineArc);
+  const bool records_whole = records.Finish();
+  Convert_To_Wires();
+  const bool wires_whole =
+      NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path);
+  if (records_whole && !wires_whole) {
+    AddMessage("The compile could not write its wire table; the error log says why");
+  }
+  return records_whole && wires_whole;
+}
+
 }  // namespace
+
+Compile_Section::Compile_Section() {
+  Driver.Busy = true;
+  Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
+}
+
+Compile_Section::~Compile_Section() {
+  Driver.Busy = false;
+  Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
+}
 
 bool Compile_Busy() {
   return Driver.Busy || Line_Pass_Runs();
@@ -91,22 +136,14 @@ bool Compile_Busy() {
 
 bool CompileProgram() {
   if (Refused()) return false;
-  bool written = false;
+  bool whole = false;
   {
     const Compile_Section section;
     Begin_Program();
-    Trap("CompileProgram", [&] {
-      Run_Line_Pass(GCode_Program.Text, Compile_Operations());
-      if (Compiler.UsesCompensation) AddRadiusCompensation(Compile_Tables.Program_LineArc);
-      const bool records_written = Write_Records();
-      Convert_To_Wires();
-      const bool wires_written =
-          NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path);
-      written = records_written && wires_written;
-    });
+    Trap("CompileProgram", [&] { whole = Run_Passes(); });
   }
   End_Program();
-  return written;
+  return whole;
 }
 
 bool CompileBlock(std::string_view text) {
@@ -115,26 +152,28 @@ bool CompileBlock(std::string_view text) {
   SetStatus(1, "GCode Compile: Compiling Block...", 5);
   DoEvents();
   Set_Paths(Block_Wire_Table_Name);
-  bool written = false;
+  bool whole = false;
   Trap("CompileBlock", [&] {
+    Record_File records;
     Run_Block_Pass(std::string(text), Compile_Operations());
-    const bool records_written = Write_Records();
+    Compiler.UsesCompensation = false;  // a block is not compensated
+    const bool records_whole = records.Finish();
     Convert_To_Wires();
-    written = records_written && Trap_With(Report_Unwritten, [] {
-                Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire);
-              });
+    whole = records_whole && Trap_With(Report_Unwritten, [] {
+              Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire);
+            });
   });
   Set_Panel(1, "");
-  return written;
+  return whole;
 }
 
 bool GCode_Compile_All() {
-  const bool written = CompileProgram();
+  const bool whole = CompileProgram();
   Compile_Host.Refresh_Plot();
   Machine.StartingStep = 0;
   Compile_Status.CurrentStep = Machine.StartingStep;
   AddMessage("Compiling GCode");
-  return written;
+  return whole;
 }
 
 }  // namespace norvik

@@ -30,8 +30,18 @@ bool CompileProgram();
 // True when that stands on disk.
 bool CompileBlock(std::string_view text);
 
-// True while one of the two runs, in any of its passes.
+// True while one of the two runs, in any of its passes, or a check does.
 bool Compile_Busy();
+
+// Marks the compiler as busy, with the busy pointer, as long as it stands. What a yield starts
+// meanwhile is refused.
+class Compile_Section {
+ public:
+  Compile_Section();
+  ~Compile_Section();
+  Compile_Section(const Compile_Section&) = delete;
+  Compile_Section& operator=(const Compile_Section&) = delete;
+};
 
 // The command of the G-code window: the compile, the plot anew, the step pointers to the start.
 bool GCode_Compile_All();

@@ -15,6 +15,7 @@
 //   "ABX1Y2"     p = 3, i = 2: a fault, the count is below zero
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <string>
@@ -37,6 +38,10 @@ class Line_Cutter {
   // absent when there is none. The text stays valid until the next cut.
   std::optional<std::string_view> Cut_Keyword(std::string_view keyword);
   std::optional<std::string_view> Cut_To_Blank(char letter);
+  // Cuts all words of a letter up to `most`, one after the other, and hands each value text to
+  // `handle`. Moves every character once, however many words there are.
+  template <class Handler>
+  void Cut_All_To_Blank(char letter, int most, Handler&& handle);
   // Raises a call fault where the count of characters comes out below zero.
   std::optional<std::string_view> Cut_Real(char letter);
 
@@ -51,6 +56,29 @@ class Line_Cutter {
   std::string_view Comment_Text;
   bool Is_Done = false;
 };
+
+template <class Handler>
+void Line_Cutter::Cut_All_To_Blank(char letter, int most, Handler&& handle) {
+  char* const data = Buffer.data();
+  char* const end = data + End;
+  char* kept = data + Begin;  // behind what stays
+  char* at = kept;            // what is not looked at yet
+  const auto keep_up_to = [&](char* stop) {
+    kept = kept == at ? stop : std::move(at, stop, kept);
+    at = stop;
+  };
+  for (int count = 0; count < most; ++count) {
+    char* const found = std::find(at, end, letter);
+    keep_up_to(found);
+    if (found == end) break;
+    char* const blank = std::find(found, end, ' ');
+    handle(std::string_view(found + 1, static_cast<std::size_t>(blank - found - 1)));
+    at = blank == end ? end : blank + 1;
+  }
+  keep_up_to(end);
+  End = static_cast<std::size_t>(kept - data);
+  Look_If_Done();
+}
 
 // The place of the comment in a line, from its opener to its closer, positions from 0. The kinds of
 // opener have a rank: "[" before "{" before "(" before "'", wherever they stand. Any closer closes,

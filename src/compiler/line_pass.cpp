@@ -66,6 +66,7 @@ void Yield_With_Progress() {
   Line_Pass.Lines_Since_Yield = 0;
   Line_Pass.Bytes_Since_Yield = 0;
   Line_Pass.Rows_At_Yield = Row_Count();
+  Line_Pass.Operations.Before_Yield();
   DoEvents();
 }
 
@@ -228,6 +229,7 @@ Line_Pass_Operations Compile_Operations() {
   operations.Macro_Call = [](std::string_view, const std::optional<std::string>&) {};
   operations.Macro_Begin = [](std::int16_t, const Macro_Text&) {};
   operations.Macro_End = [] {};
+  operations.Before_Yield = [] {};
   operations.Progress_Front = "GCode Compile: Compiling Program ";
   operations.Progress_Back = "% completed, press ESC to cancel";
   return operations;

@@ -35,6 +35,8 @@ struct Line_Pass_Operations {
   // The lines of a macro begin and end.
   std::function<void(std::int16_t macro, const Macro_Text& text)> Macro_Begin;
   std::function<void()> Macro_End;
+  // Just before each yield; the records made so far are final.
+  std::function<void()> Before_Yield;
   // Text of the progress in panel 1, before and behind the percentage.
   std::string Progress_Front, Progress_Back;
 };

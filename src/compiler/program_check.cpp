@@ -353,12 +353,14 @@ Line_Pass_Operations Checker::Operations() {
     Macro_Begin(macro, text);
   };
   operations.Macro_End = [this] { Files.pop_back(); };
+  operations.Before_Yield = [] {};
   operations.Progress_Front = "GCode Check: ";
   operations.Progress_Back = "% completed, press ESC to cancel";
   return operations;
 }
 
 std::vector<Check_Finding> Checker::Run() {
+  const Compile_Section section;
   const Kept_State kept;
   Check_Repeats(std::nullopt, Program->Line_Count(),
                 [&](std::int32_t line) { return Program->Line(line); });
