@@ -171,6 +171,7 @@ class Guard {
     const double allowed = Radius - Tolerance;
     tree.Near(Box_Of(piece.Shape), allowed, cut.Obstacles_Of(piece.Element), [&](std::size_t at) {
       if (at == piece.Element && !piece.Connects) return;
+      if (Elements[at].Reported && (at + 1 == piece.Element || piece.Element + 1 == at)) return;
       const double errors = Radius_Error(piece.Shape) + Radius_Error(Elements[at].Programmed);
       const double distance = Distance(piece.Shape, Elements[at].Programmed);
       if (distance >= allowed - errors) return;

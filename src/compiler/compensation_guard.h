@@ -36,7 +36,8 @@ struct Gouge {
 
 // Calls `report` once for each element along which the path comes closer to the contour than
 // `radius` (beyond `Tolerance`, and beyond what the two ends of an arc differ), with the closest
-// obstacle, in the order of the path. Travel moves and elements marked as reported are left out.
+// obstacle, in the order of the path. Travel moves are left out, and so are elements marked as
+// reported, for themselves and as obstacles of their neighbours.
 void Find_Gouges(const std::vector<Element>& elements, const std::vector<Path_Piece>& path,
                  double radius, const std::function<void(const Gouge&)>& report);
 

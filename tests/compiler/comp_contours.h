@@ -29,6 +29,12 @@ struct Contour {
   Contour& Arc(double x, double y, double centre_x, double centre_y, int direction);
 };
 Contour Backwards(const Contour& contour);
+Contour Scaled(const Contour& contour, double factor);
+// With coordinates and centres as a program writes them, so many digits behind the point.
+Contour With_Decimals(const Contour& contour, int decimals);
+// A closed contour entered in the middle of its first move: a line and an arc of `radius` lead
+// there from the side of the mode, and away from it.
+Contour With_Leads(const Contour& contour, int mode, double radius);
 
 // The records of a contour: cutting moves with tool 1 from line 1 on.
 Table<LineArc> Program_Of(const Contour& contour, int mode);
@@ -56,14 +62,16 @@ Outcome Compensate(const Table<LineArc>& program, double radius);
 double Least_Distance(const Contour& contour, const Table<LineArc>& moved, double radius);
 // The largest way between the end of a record and the start of the next.
 double Largest_Gap(const Table<LineArc>& moved);
-// What is wrong with the records themselves: ends on different radii, arcs that would not be drawn,
-// a missing lead. Empty: nothing.
-std::string Faulty_Record(const Table<LineArc>& moved);
+// What is wrong with the records themselves: arcs that end on another radius than they start with,
+// or would not be drawn. Empty: nothing.
+std::string Faulty_Record(const Table<LineArc>& moved, double radius_error);
 // What is wrong with the moved elements: each must run at the radius from its own element, on the
 // side of the mode, in its direction. Empty: nothing.
 std::string Missing_Element(const Contour& contour, const Table<LineArc>& moved, int mode,
                             double radius);
 
 std::string Text_Of(const Contour& contour);
+// "x,y|G1 x,y|G2 x,y (centre)": where the path starts, then each record's end, to four decimals.
+std::string Text_Of(const Table<LineArc>& path);
 
 }  // namespace norvik::comp_test
