@@ -14,6 +14,7 @@
 #include "core/paths.h"
 #include "platform/platform.h"
 
+#include <optional>
 #include <utility>
 
 namespace norvik {
@@ -55,11 +56,41 @@ void Report_Unwritten(const Fault& fault) {
   AddMessage("The compile could not write its tables: " + fault.Description);
 }
 
-bool Write_Records() {
-  return Trap_With(Report_Unwritten, [] {
-    Write_LineArc_Table(Compile_Tables.LineArc_Path, Compile_Tables.Program_LineArc);
-  });
-}
+// The file of the records. It is written piece by piece while the line pass runs, between its
+// yields: a whole table at one go would keep the operator waiting. Records that are still to be
+// compensated are written when they are. The first failure is told and ends it.
+class Record_File {
+ public:
+  // Opens the file and writes the records made since the last call, unless they may still change.
+  void Write_New() {
+    if (Compiler.UsesCompensation) File.reset();
+    if (Compiler.UsesCompensation || Failed) return;
+    Failed = !Trap_With(Report_Unwritten, [&] { Write_Rest(); });
+  }
+
+  // All records stand: writes what is left and puts the file into place. True when it is there.
+  bool Complete() {
+    if (Compiler.UsesCompensation) File.reset();
+    return !Failed && Trap_With(Report_Unwritten, [&] {
+      Write_Rest();
+      File->Finish();
+    });
+  }
+
+ private:
+  void Write_Rest() {
+    const auto& rows = Compile_Tables.Program_LineArc.Rows;
+    if (!File) {
+      File.emplace(Compile_Tables.LineArc_Path);
+      Written = 0;
+    }
+    for (; Written < rows.size(); ++Written) File->Add(rows[Written]);
+  }
+
+  std::optional<Table_Writer<LineArc>> File;
+  std::size_t Written = 0;
+  bool Failed = false;
+};
 
 void Convert_To_Wires() {
   Compile_Tables.Program_Wire =
@@ -96,9 +127,12 @@ bool CompileProgram() {
     const Compile_Section section;
     Begin_Program();
     Trap("CompileProgram", [&] {
-      Run_Line_Pass(GCode_Program.Text, Compile_Operations());
+      Record_File records;
+      Line_Pass_Operations operations = Compile_Operations();
+      operations.Before_Yield = [&] { records.Write_New(); };
+      Run_Line_Pass(GCode_Program.Text, std::move(operations));
       if (Compiler.UsesCompensation) AddRadiusCompensation(Compile_Tables.Program_LineArc);
-      const bool records_written = Write_Records();
+      const bool records_written = records.Complete();
       Convert_To_Wires();
       const bool wires_written =
           NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path);
@@ -118,7 +152,7 @@ bool CompileBlock(std::string_view text) {
   bool written = false;
   Trap("CompileBlock", [&] {
     Run_Block_Pass(std::string(text), Compile_Operations());
-    const bool records_written = Write_Records();
+    const bool records_written = Record_File().Complete();
     Convert_To_Wires();
     written = records_written && Trap_With(Report_Unwritten, [] {
                 Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire);

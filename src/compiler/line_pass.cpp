@@ -55,6 +55,7 @@ std::size_t Row_Count() {
 }
 
 void Yield_With_Progress() {
+  Line_Pass.Operations.Before_Yield();
   const double percent = Whole_Part(100.0 * Line_Pass.Program_Line / Line_Pass.Program_Lines);
   Compile_Status.CompileProgress = To_Single(percent);
   if (percent != Line_Pass.Shown_Percent) {

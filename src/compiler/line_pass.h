@@ -35,6 +35,8 @@ struct Line_Pass_Operations {
   // The lines of a macro begin and end.
   std::function<void(std::int16_t macro, const Macro_Text& text)> Macro_Begin;
   std::function<void()> Macro_End;
+  // Comes before each yield, so that work on the records made so far never waits long for one.
+  std::function<void()> Before_Yield = [] {};
   // Text of the progress in panel 1, before and behind the percentage.
   std::string Progress_Front, Progress_Back;
 };

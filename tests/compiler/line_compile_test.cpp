@@ -6,6 +6,8 @@
 #include "compiler/tables_io.h"
 #include "line_fixture.h"
 
+#include <set>
+
 namespace norvik {
 namespace {
 
@@ -92,6 +94,41 @@ TEST_F(Compile_Test, Compensation_runs_only_where_it_was_asked_for) {
   Take("G0 X0 Y0\nG42\nG1 X5\nG1 Y5\nG40\nG0 X0");
   CompileProgram();
   EXPECT_NE(File(LineArc_Table_Name).find("-0.25"), std::string::npos);
+}
+
+// The file is written while the pass runs and begun anew when compensation turns up on the way.
+TEST_F(Compile_Test, The_record_file_holds_each_record_once) {
+  for (const int compensated_from : {0, 50, 555, 690}) {
+    SCOPED_TRACE(compensated_from);
+    std::string program = "G0 X0 Y0\n";
+    for (int line = 2; line <= 700; ++line) {
+      program += line == compensated_from ? "G42\n" : "G1 X" + std::to_string(line) + "\n";
+    }
+    Tools.Diameter[1] = 0.5;
+    Take(program);
+    ASSERT_TRUE(CompileProgram());
+    const auto records = Parse_LineArc_Table(File(LineArc_Table_Name), "records");
+    std::set<int> lines;
+    bool moved = false;
+    for (const LineArc& record : records.Rows) {
+      EXPECT_GE(record.LineNumber, lines.empty() ? 1 : *lines.rbegin());
+      lines.insert(record.LineNumber);
+      moved = moved || *record.End[2] != 0;
+    }
+    EXPECT_EQ(lines.size(), compensated_from == 0 ? 700U : 699U);
+    EXPECT_LE(records.Rows.size(), lines.size() + 2);  // the leads
+    EXPECT_EQ(moved, compensated_from != 0);
+  }
+}
+
+TEST_F(Compile_Test, Escape_leaves_a_shorter_pair_of_tables) {
+  std::string program;
+  for (int line = 1; line <= 700; ++line) program += "G1 X" + std::to_string(line) + "\n";
+  Take(program);
+  Scripted.On_Yield = [&] { Application.EscFlag = Scripted.Yields == 4; };
+  EXPECT_TRUE(CompileProgram());
+  EXPECT_EQ(Parse_LineArc_Table(File(LineArc_Table_Name), "records").Rows.size(), 303U);
+  EXPECT_EQ(Parse_Wire_Table(File(Wire_Table_Name), "wires").Rows.size(), 303U);
 }
 
 TEST_F(Compile_Test, A_block_has_its_own_wires_on_step_zero) {
