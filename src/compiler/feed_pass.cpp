@@ -15,6 +15,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <functional>
 #include <utility>
 
 namespace norvik {
@@ -348,7 +349,12 @@ void Finish_Rates() {
 }
 
 bool Trap_Rates(const std::function<void()>& body) {
-  return Trap("Nist Optimus Rates Error # ", body);
+  const auto report = [](const Fault& fault) {
+    ErrorLogWrite("Nist Optimus Rates Error # " + std::to_string(static_cast<int>(fault.Number)) +
+                  " " + fault.Description);
+    AddMessage("The feeds of the program are not set: " + fault.Description);
+  };
+  return Trap_With(report, body);
 }
 
 }  // namespace
