@@ -1,9 +1,12 @@
 #include "control/jog_guard.h"
 
 #include "control/cnc_controls_form.h"
+#include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/jog_key.h"
 #include "control/panel_jog.h"
+#include "core/messages.h"
+#include "parallel/step_engine.h"
 #include "platform/platform.h"
 
 #include <utility>
@@ -12,12 +15,24 @@ namespace norvik {
 
 namespace {
 
-// Calls the operation after a held jog was released.
+// Releases a held jog, then calls the operation.
 template <class Answer, class... Arguments>
 void Release_Before(std::function<Answer(Arguments...)>& operation) {
   operation = [inner = std::move(operation)](Arguments... arguments) -> Answer {
     Jog_Guard_Window_Lost();
     return inner(arguments...);
+  };
+}
+
+// The same, and answers nothing in its place while a move steps.
+template <class Answer, class... Arguments>
+void Refuse_While_Stepping(std::function<Answer(Arguments...)>& operation) {
+  Release_Before(operation);
+  operation = [inner = std::move(operation)](Arguments... arguments) -> Answer {
+    if (!Step_Engine.Active) return inner(arguments...);
+    Jog_Guard_Window_Lost();
+    SetStatus(1, control_text::Not_While_Moving, 5);
+    return {};
   };
 }
 
@@ -30,9 +45,9 @@ void Jog_Guard_Window_Lost() {
 
 void Jog_Guard_Watch_Dialogs() {
   Release_Before(Platform.Message_Box);
-  Release_Before(Platform.Input_Box);
-  Release_Before(Platform.Open_File_Dialog);
-  Release_Before(Platform.Save_File_Dialog);
+  Refuse_While_Stepping(Platform.Input_Box);
+  Refuse_While_Stepping(Platform.Open_File_Dialog);
+  Refuse_While_Stepping(Platform.Save_File_Dialog);
 }
 
 void Jog_Guard_Tick() {

@@ -16,7 +16,9 @@ namespace norvik {
 // From the window that holds the jog, whichever of the above befell it.
 void Jog_Guard_Window_Lost();
 
-// Wraps the dialogs of `Platform`, so that each ends a held jog before it opens. Once, after the
+// Wraps the dialogs of `Platform`, so that each ends a held jog before it opens. A dialog that the
+// operator opens in a yield of a move would hold up the pulses in mid-move; it is refused with a
+// status text and answers as cancelled. Message boxes are shown whatever they cost. Once, after the
 // back ends are in place.
 void Jog_Guard_Watch_Dialogs();
 

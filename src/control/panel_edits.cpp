@@ -1,5 +1,6 @@
 #include "control/panel_edits.h"
 
+#include "compiler/program_text.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
@@ -16,6 +17,7 @@
 #include "core/setup.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <optional>
 #include <string>
 
@@ -41,6 +43,14 @@ std::optional<double> Ask(const std::string& title, const std::string& prompt,
   const std::optional<double> value = Try_Number(*answer);
   if (!value) SetStatus(1, "\"" + *answer + "\" is no number: nothing changed.", 5);
   return value;
+}
+
+void Take_Step(Text_Control& field, std::int32_t& step, std::int32_t low, std::int32_t high) {
+  const std::optional<double> typed = Try_Number(field.Text);
+  if (typed && !Controller.Controller_Active)
+    step = static_cast<std::int32_t>(std::clamp<double>(Whole_Part(*typed), low, high));
+  field.Text = std::to_string(step);
+  CNC_Controls_Host.Form_Changed();
 }
 
 // Asks for a feed and stores it; `key` in section Axis. True when it changed.
@@ -118,6 +128,15 @@ void Label_FeedRate_Jogging_Click() {
     return;
   Text_Jog_IPM_LostFocus();
   CNC_Display();
+}
+
+void Text_StartingStep_Change() {
+  Take_Step(CNC_Controls.Text_StartingStep, Machine.StartingStep, 1, std::max(GCodeLineCount(), 1));
+}
+
+void Text_EndingStep_Change() {
+  Take_Step(CNC_Controls.Text_EndingStep, Machine.EndingStep, Machine.StartingStep,
+            std::max(GCodeLineCount(), Machine.StartingStep));
 }
 
 }  // namespace norvik
