@@ -14,21 +14,20 @@
 // Plane and distance mode are those of the program's end.
 #pragma once
 
+#include "core/indexed.h"
 #include "core/nullable.h"
 
 #include <cstdint>
+#include <optional>
 
 namespace norvik {
 
-struct Arc_Ends {
-  Nullable X, Y, Z, A;
-};
-
-// Emits the chords of one arc through `EmitWireLine`. `first`, `second`: the record's centre words,
-// of the first and second axis of the plane. `direction`: 0 clockwise, 1 counter-clockwise. An arc
-// shorter than 0.0001 makes no chord. Any fault is logged as "Nist_Arc Error"; the chords emitted
-// so far stand.
-void Nist_Arc(const Arc_Ends& start, const Arc_Ends& end, Nullable first, Nullable second,
-              std::int16_t direction);
+// Emits the chords of one arc through `EmitWireLine`. `start`, `end`: X, Y, Z, A. `first`,
+// `second`: the record's centre words, of the first and second axis of the plane. `direction`: 0
+// clockwise, 1 counter-clockwise. An arc shorter than 0.0001 makes no chord, a plane that is none
+// neither. Any fault, an absent coordinate of the plane included, is logged as "Nist_Arc Error";
+// the chords emitted so far stand.
+void Nist_Arc(const Indexed<Nullable, 1, 4>& start, const Indexed<Nullable, 1, 4>& end,
+              Nullable first, Nullable second, std::optional<std::int16_t> direction);
 
 }  // namespace norvik

@@ -20,6 +20,8 @@ struct Compile_Host_Operations {
       [](std::int32_t, std::string_view) {};
   // Plays the sound of a slot of `Sound_Files`.
   std::function<void(int slot)> Play_Sound_Slot = [](int) {};
+  // Shows the motion analyzer and runs its check over the wire file.
+  std::function<void()> Show_Motion_Analyzer = [] {};
   // A full compile has finished: extents of the plot anew and a redraw.
   std::function<void()> Refresh_Plot = [] {};
 };

@@ -100,6 +100,7 @@ struct Compiler_State {
   // --- The line being compiled ------------------------------------------------------------------
   std::int32_t CurrentLineNumber = 0;  // of the program or macro; 0 in a block compile
   std::string_view CurrentLineText;
+  std::string_view BlockText;  // the line as the reader got it, of the program or a macro
 };
 extern Compiler_State Compiler;
 

@@ -27,7 +27,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <string>
 
 namespace norvik {
@@ -40,24 +39,29 @@ extern Feed_Pass_Memory_State Feed_Pass_Memory;
 
 // Sets the speeds of `wires` and writes the table to `wirePath`, with progress in panel 1 and
 // yields on the way. No more than `Wire_Table_Limit` wires stay. ESC while writing cuts the table
-// and the file at that wire. Faults are logged as "Nist Optimus Rates Error # " and the wires keep
-// what they had got; a file that cannot be written leaves the one of before.
-void NIST_Optimus_Rates(Table<Wire>& wires, const std::string& wirePath);
+// and the file at that wire. Faults are logged as "Nist Optimus Rates Error # ". False when the
+// file could not be written: the one of before then stands.
+bool NIST_Optimus_Rates(Table<Wire>& wires, const std::string& wirePath);
 // The same for the table in a file, which is rewritten.
-void NIST_Optimus_Rates(const std::string& wirePath);
+bool NIST_Optimus_Rates(const std::string& wirePath);
 
-// The forward pass alone: speeds of all wires in memory.
+// The forward pass alone: the speeds of all wires, with its yields. A wire that cannot be planned
+// is logged as "GetMotionAngleVelocity_Error # " and keeps what it had got.
 void Plan_Rates(Record_List<Wire>& wires);
 
-// --- The small formulas; `scale` is that of the major axis
-// ------------------------------------------
+// --- The small formulas
+// --------------------------------------------------------------------------- Each raises a
+// division fault where its divisor is 0.
 struct Ramp {
-  double Scale = 0;  // steps per unit
+  double Scale = 0;  // steps per unit of the major axis
   double Rate = 0;   // hertz a step
 };
 double RampSteps(const Ramp& ramp, double a, double b);
 double RampVelocity(const Ramp& ramp, double n, double v0);
+// True when n steps suffice to change from s to r and on to e.
 bool RampFits(const Ramp& ramp, double n, double s, double r, double e);
+// Cruise speed of a wire too short for its own: what 75 percent of the share of its steps that goes
+// to the ramp up reaches.
 double SplitCruise(const Ramp& ramp, double n, double s, double e);
 
 }  // namespace norvik

@@ -8,6 +8,7 @@
 // An index that holds no row, released ones included, raises an out-of-range fault.
 #pragma once
 
+#include "compiler/piece_memory.h"
 #include "core/fault.h"
 #include "core/indexed.h"
 
@@ -70,6 +71,9 @@ class Record_List {
   using iterator = Walker<Record_List, Record>;
   using const_iterator = Walker<const Record_List, const Record>;
 
+  // Rows of one piece; memory comes and goes by these.
+  static constexpr std::size_t Piece_Rows = Piece_Size / sizeof(Record);
+
   Record_List() = default;
   Record_List(std::initializer_list<Record> rows) {
     for (const Record& row : rows) push_back(row);
@@ -107,9 +111,8 @@ class Record_List {
 
   // `row` may be one of this list's own.
   Record& push_back(const Record& row) {
-    if (Count == Pieces.size() * Piece_Rows)
-      Pieces.push_back(std::make_unique_for_overwrite<Piece>());
-    Record* place = std::construct_at(Pieces[Count / Piece_Rows]->At(Count % Piece_Rows), row);
+    if (Count == Pieces.size() * Piece_Rows) Pieces.emplace_back(Take_Piece());
+    Record* place = std::construct_at(Place_Of(Count), row);
     ++Count;
     return *place;
   }
@@ -140,12 +143,10 @@ class Record_List {
   }
 
  private:
-  static constexpr std::size_t Piece_Rows = 512;
-  // Memory for rows; a row lives from its `push_back` on.
-  struct Piece {
-    alignas(Record) std::byte Bytes[Piece_Rows * sizeof(Record)];
-    Record* At(std::size_t place) { return reinterpret_cast<Record*>(Bytes) + place; }
-  };
+  // Where a row lies or, from its `push_back` on, lives.
+  Record* Place_Of(std::size_t index) const {
+    return static_cast<Record*>(Pieces[index / Piece_Rows].get()) + index % Piece_Rows;
+  }
 
   Record* Row(std::size_t index) const {
     if (index >= Count || index / Piece_Rows < Released) {
@@ -153,10 +154,10 @@ class Record_List {
                         static_cast<long long>(Released * Piece_Rows),
                         static_cast<long long>(Count) - 1);
     }
-    return Pieces[index / Piece_Rows]->At(index % Piece_Rows);
+    return Place_Of(index);
   }
 
-  std::vector<std::unique_ptr<Piece>> Pieces;
+  std::vector<Memory_Piece> Pieces;
   std::size_t Count = 0;
   std::size_t Released = 0;  // pieces given back, from the first on
 };

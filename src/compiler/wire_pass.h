@@ -29,19 +29,10 @@
 
 namespace norvik {
 
+// The pass shares its place with the interpreter (`Compiler`): `CurrentPosition` is where the wire
+// before ended, `TargetPosition` the target of the wire being emitted, `Outputs` its commands.
 struct Wire_Pass_State {
-  // --- Shared with the interpreter: taken from it at the start of a pass
-  // --------------------------
-  Indexed<Nullable, 1, 6> Start_Pos;  // where the wire before ended
-  Indexed<Nullable, 1, 6> End_Pos;    // target of the wire being emitted
-  Indexed<std::int16_t, 0, 8> Out_Flags{{1, 1, 1, 1, 1, 1, 1, 1, 1}};  // 0..4 in use
-  std::optional<std::int16_t> Plane, Distance;  // modal groups 2 and 3 at the program's end
-  float Dwell = 0;
-  std::int16_t Cutter_Comp = 0;
-  Nullable S_Word;
-
-  // --- Of the record at hand
-  // ----------------------------------------------------------------------
+  // --- Of the record at hand --------------------------------------------------------------------
   std::int32_t Step = 0;
   Nullable Tool;
   bool FeedMove = false;
@@ -51,10 +42,9 @@ struct Wire_Pass_State {
   float IPM_D = 0;
   Indexed<Nullable, 1, 4> Start;  // where the next wire begins
 
-  // --- Results
-  // ------------------------------------------------------------------------------------
-  Record_List<Wire>* Wires = nullptr;  // the table that takes the wires
-  std::int32_t Wire_Count = 0;         // emitted lines and chords; copied control records not
+  // --- Results ----------------------------------------------------------------------------------
+  Record_List<Wire> Wires;
+  std::int32_t Wire_Count = 0;  // emitted lines and chords; copied control records not
 };
 extern Wire_Pass_State Wire_Pass;
 

@@ -1,6 +1,7 @@
 #include "core/paths.h"
 
 #include "core/fault.h"
+#include "core/replacement_file.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -27,7 +28,19 @@ std::size_t First_Point(std::string_view path) {
   return std::min(path.find('.', File_Start(path)), path.size());
 }
 
-// The reason of a failed system call in the operator's words, with what to do.
+// A file descriptor that closes itself.
+struct Open_File {
+  explicit Open_File(int number) : Number(number) {}
+  ~Open_File() {
+    if (Number >= 0) ::close(Number);
+  }
+  Open_File(const Open_File&) = delete;
+  Open_File& operator=(const Open_File&) = delete;
+  int Number;
+};
+
+}  // namespace
+
 Fault File_Fault(const std::string& path, const char* what, int reason) {
   const auto said = [&](Fault_Number number, const std::string& text) {
     return Fault(number, std::string(what) + " " + path + ": " + text);
@@ -55,72 +68,6 @@ Fault File_Fault(const std::string& path, const char* what, int reason) {
       return said(Fault_Number::Path_Access, std::strerror(reason));
   }
 }
-
-// A file descriptor that closes itself.
-struct Open_File {
-  explicit Open_File(int number) : Number(number) {}
-  ~Open_File() {
-    if (Number >= 0) ::close(Number);
-  }
-  Open_File(const Open_File&) = delete;
-  Open_File& operator=(const Open_File&) = delete;
-  int Number;
-};
-
-void Write_All(int file, std::string_view bytes, const std::string& path) {
-  while (!bytes.empty()) {
-    const ssize_t count = ::write(file, bytes.data(), bytes.size());
-    if (count < 0 && errno == EINTR) continue;
-    if (count < 0) throw File_Fault(path, "Cannot write", errno);
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
-// A neighbour that is removed again unless it took the place of the file.
-struct Temporary_Neighbour {
-  explicit Temporary_Neighbour(const std::string& path) : Name(path + ".XXXXXX") {
-    File.Number = ::mkstemp(Name.data());
-    if (File.Number < 0) throw File_Fault(path, "Cannot write", errno);
-  }
-  ~Temporary_Neighbour() {
-    if (!Name.empty()) ::unlink(Name.c_str());
-  }
-  Temporary_Neighbour(const Temporary_Neighbour&) = delete;
-  Temporary_Neighbour& operator=(const Temporary_Neighbour&) = delete;
-
-  std::string Name;
-  Open_File File{-1};
-};
-
-// The rights that the new file shall have: those of the old one, or the usual ones.
-mode_t Rights_For(const std::string& path) {
-  struct stat old {};
-  if (::stat(path.c_str(), &old) == 0) {
-    if (S_ISDIR(old.st_mode)) throw File_Fault(path, "Cannot write", EISDIR);
-    if (::access(path.c_str(), W_OK) != 0) throw File_Fault(path, "Cannot write", errno);
-    return old.st_mode & 07777;
-  }
-  const mode_t mask = ::umask(0);
-  ::umask(mask);
-  return 0666 & ~mask;
-}
-
-// The file itself where `path` is a link to it, so that the link survives a replacement.
-std::string Behind_Links(const std::string& path) {
-  std::error_code failure;
-  if (!std::filesystem::is_symlink(path, failure)) return path;
-  const auto target = std::filesystem::weakly_canonical(path, failure);
-  return failure ? path : target.string();
-}
-
-// A rename survives a power cut only once its folder is on disk too.
-void Flush_Folder_Of(const std::string& path) {
-  const std::string folder = PathDirectory(path);
-  const Open_File file(::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC));
-  if (file.Number >= 0) ::fsync(file.Number);
-}
-
-}  // namespace
 
 std::string PathDirectory(std::string_view path) {
   return std::string(path.substr(0, File_Start(path)));
@@ -197,19 +144,9 @@ std::string Read_Whole_File(const std::string& path) {
 }
 
 void Replace_File(const std::string& path, std::string_view bytes) {
-  const std::string target = Behind_Links(path);
-  const mode_t rights = Rights_For(target);
-  Temporary_Neighbour neighbour(target);
-  const int file = neighbour.File.Number;
-  Write_All(file, bytes, target);
-  if (::fchmod(file, rights) != 0 || ::fsync(file) != 0) {
-    throw File_Fault(target, "Cannot write", errno);
-  }
-  if (::rename(neighbour.Name.c_str(), target.c_str()) != 0) {
-    throw File_Fault(target, "Cannot write", errno);
-  }
-  neighbour.Name.clear();
-  Flush_Folder_Of(target);
+  Replacement_File file(path);
+  file.Write(bytes);
+  file.Commit(Flush_To_Disk::Yes);
 }
 
 std::vector<std::string> Split_Lines(std::string_view text) {

@@ -1,6 +1,8 @@
 // paths.h: pieces of paths and whole files. Both "\" and "/" separate folders.
 #pragma once
 
+#include "core/fault.h"
+
 #include <optional>
 #include <string>
 #include <string_view>
@@ -25,6 +27,9 @@ std::optional<std::string> Read_If_There(const std::string& path);
 // Writes a temporary neighbour, flushes and renames it over `path`, so that a failure leaves the
 // old file as it was. Raises a file fault that says what to do.
 void Replace_File(const std::string& path, std::string_view bytes);
+// The fault of a failed system call: `what` could not be done with the file, `reason` is its errno.
+// The text says what to do about it.
+Fault File_Fault(const std::string& path, const char* what, int reason);
 // Text cut at CR LF, LF or CR; a last line without an end counts.
 std::vector<std::string> Split_Lines(std::string_view text);
 

@@ -44,15 +44,13 @@ std::int32_t To_Int32(double value) {
   return To_Whole<std::int32_t>(value, "32 bits");
 }
 
-float To_Single(double value) {
+void Raise_No_Single(double value) {
   if (std::isnan(value)) Raise_Not_A_Number();
-  const auto single = static_cast<float>(value);
-  if (std::isinf(single)) Raise_Overflow(value, "a single");
-  return single;
+  Raise_Overflow(value, "a single");
 }
 
-double Whole_Part(double value) {
-  return std::trunc(value);
+void Raise_Division_By_Zero() {
+  throw Fault(Fault_Number::Division_By_Zero, "Division by zero");
 }
 
 }  // namespace norvik

@@ -1,0 +1,87 @@
+#include "core/replacement_file.h"
+
+#include "core/paths.h"
+
+#include <cerrno>
+#include <filesystem>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace norvik {
+
+namespace {
+
+constexpr const char* Cannot_Write = "Cannot write";
+
+// The file itself where `path` is a link to it, so that the link survives a replacement.
+std::string Behind_Links(const std::string& path) {
+  std::error_code failure;
+  if (!std::filesystem::is_symlink(path, failure)) return path;
+  const auto target = std::filesystem::weakly_canonical(path, failure);
+  return failure ? path : target.string();
+}
+
+mode_t Usual_Rights() {
+  const mode_t mask = ::umask(0);
+  ::umask(mask);
+  return 0666 & ~mask;
+}
+
+void Flush(int file, const std::string& path) {
+  // A pipe has nothing to flush.
+  if (::fsync(file) != 0 && errno != EINVAL) throw File_Fault(path, Cannot_Write, errno);
+}
+
+// A rename survives a power cut only once its folder is on disk too.
+void Flush_Folder_Of(const std::string& path) {
+  const std::string folder = PathDirectory(path);
+  const int file = ::open(folder.empty() ? "." : folder.c_str(), O_RDONLY | O_CLOEXEC);
+  if (file < 0) return;
+  ::fsync(file);
+  ::close(file);
+}
+
+}  // namespace
+
+Replacement_File::Replacement_File(const std::string& path) : Target(Behind_Links(path)) {
+  struct stat old {};
+  const bool exists = ::stat(Target.c_str(), &old) == 0;
+  if (exists && S_ISDIR(old.st_mode)) throw File_Fault(Target, Cannot_Write, EISDIR);
+  if (exists && ::access(Target.c_str(), W_OK) != 0) throw File_Fault(Target, Cannot_Write, errno);
+  if (exists && !S_ISREG(old.st_mode)) {
+    File = ::open(Target.c_str(), O_WRONLY | O_CLOEXEC);
+  } else {
+    Rights = exists ? old.st_mode & 07777 : Usual_Rights();
+    Neighbour = Target + ".XXXXXX";
+    File = ::mkostemp(Neighbour.data(), O_CLOEXEC);
+  }
+  if (File < 0) throw File_Fault(Target, Cannot_Write, errno);
+}
+
+Replacement_File::~Replacement_File() {
+  if (File >= 0) ::close(File);
+  if (!Neighbour.empty()) ::unlink(Neighbour.c_str());
+}
+
+void Replacement_File::Write(std::string_view bytes) {
+  while (!bytes.empty()) {
+    const ssize_t count = ::write(File, bytes.data(), bytes.size());
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) throw File_Fault(Target, Cannot_Write, errno);
+    bytes.remove_prefix(static_cast<std::size_t>(count));
+  }
+}
+
+void Replacement_File::Commit(Flush_To_Disk flush) {
+  if (flush == Flush_To_Disk::Yes) Flush(File, Target);
+  if (Neighbour.empty()) return;
+  if (::fchmod(File, Rights) != 0 || ::rename(Neighbour.c_str(), Target.c_str()) != 0) {
+    throw File_Fault(Target, Cannot_Write, errno);
+  }
+  Neighbour.clear();
+  if (flush == Flush_To_Disk::Yes) Flush_Folder_Of(Target);
+}
+
+}  // namespace norvik

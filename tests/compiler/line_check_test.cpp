@@ -1,0 +1,207 @@
+// The findings of the check: each kind by a line that has it, and by neighbours that do not.
+#include "compiler/interpreter.h"
+#include "compiler/program_check.h"
+#include "line_fixture.h"
+
+namespace norvik {
+namespace {
+
+using enum Check_Kind;
+
+struct Told {
+  int Line;
+  Check_Kind Kind;
+  int Column = 0;
+  bool operator==(const Told&) const = default;
+};
+
+void PrintTo(const Told& told, std::ostream* out) {
+  *out << told.Line << ":" << told.Column << " " << Info_Of(told.Kind).Title;
+}
+
+class Check_Test : public Line_Pass_Test {
+ protected:
+  Check_Test() {
+    MachineSetup.GC_IJ_Incremental = true;
+    MachineSetup.Axis_Depth.Fill(100);
+    MachineSetup.Arc_Resolution = 32;
+    MachineSetup.Arc_Max_Segments = 360;
+  }
+  std::vector<Check_Finding> Check(const std::string& program) {
+    return Check_Program(std::make_shared<const GCode_Text>(program));
+  }
+  std::vector<Told> Told_About(const std::string& program) {
+    std::vector<Told> told;
+    for (const Check_Finding& finding : Check(program)) {
+      told.push_back({finding.Line + (finding.Macro ? 1000 * *finding.Macro : 0), finding.Kind,
+                      finding.Column});
+      EXPECT_FALSE(finding.What.empty());
+      EXPECT_FALSE(finding.Instead.empty());
+    }
+    return told;
+  }
+};
+
+struct Check_Row {
+  const char* Lines;  // behind a first line that takes the tool to zero and sets a feed
+  std::vector<Told> Findings;
+};
+
+class Check_Rows : public Check_Test, public ::testing::WithParamInterface<Check_Row> {};
+
+TEST_P(Check_Rows, Are_told) {
+  for (const char sign : {'.', ','}) {
+    Application.DecimalSeparator = sign;
+    Compiler_Memory = {};
+    EXPECT_EQ(Told_About(std::string("G0 X0 Y0 Z0 F10\n") + GetParam().Lines), GetParam().Findings)
+        << GetParam().Lines;
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Words, Check_Rows,
+    ::testing::Values(
+        Check_Row{"N20 G1 X1 Y2 (all is well)\nx2 y3\n%\n(M3)\nM5", {}},
+        Check_Row{"G1 X1 O5\nG1X1", {{3, Code_Runs_Together, 1}, {2, Letter_Not_Read, 7}}},
+        Check_Row{"M3S500", {{2, Code_Runs_Together, 1}}},
+        Check_Row{"G1 X", {{2, Cut_Wrongly, 4}}},  // one character left: the X is not looked for
+        Check_Row{"G1 X Y1", {{2, Block_Fails, 4}}}, Check_Row{"G1 X  1.5", {{2, Block_Fails, 4}}},
+        Check_Row{"G1 X--4", {{2, Block_Fails}}}, Check_Row{"G200", {{2, Block_Fails}}},
+        Check_Row{"T201", {{2, Block_Fails}}}, Check_Row{"'a note", {{2, Block_Fails}}},
+        Check_Row{"X1Y2Z3", {}}, Check_Row{"Y1X2F5", {{2, Block_Fails}}},
+        Check_Row{"EX12Y2", {{2, Letter_Not_Read, 1}, {2, Cut_Wrongly, 2}}},
+        Check_Row{"G1 X1 (a) (b 5)", {{2, Second_Comment, 11}}},
+        Check_Row{"G1 X1 (a) (q7 )", {{2, Second_Comment, 11}}},
+        Check_Row{"G1 X1 ; go", {{2, Second_Comment, 7}}}, Check_Row{"G1 X1 ; ...", {}},
+        Check_Row{"G1 X1 (rough", {{2, Comment_Not_Closed, 7}}},
+        Check_Row{"N10G1 X1", {{2, Sequence_Swallows, 1}}},
+        Check_Row{"G1 X#1 Y[2]", {{2, Block_Fails, 4}, {2, Text_Not_Read, 5}}},
+        Check_Row{"G1 E5 U1 X1", {{2, Letter_Not_Read, 4}, {2, Letter_Not_Read, 7}}},
+        Check_Row{"G1 X1 X2", {{2, Doubled_Word, 7}}},
+        Check_Row{"G1 X1.23456", {{2, Word_Rounded, 4}}}, Check_Row{"G1 X1.2500 Y0.12300", {}},
+        Check_Row{"G41 D5 G1 X1", {{2, Word_Not_Used, 5}}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Codes, Check_Rows,
+    ::testing::Values(
+        Check_Row{"G21", {{2, Other_Units, 1}}}, Check_Row{"G20", {{2, Code_Not_Needed, 1}}},
+        Check_Row{"G28 Z1", {{2, Code_Without_Effect, 1}}},
+        Check_Row{"G43 H1 Z5",
+                  {{2, Words_Without_Motion}, {2, Code_Without_Effect, 1}, {2, Word_Not_Used, 5}}},
+        Check_Row{"G54\nG17 G94 G49",
+                  {{2, Code_Not_Needed, 1}, {3, Code_Not_Needed, 5}, {3, Code_Not_Needed, 9}}},
+        Check_Row{"G55", {{2, Code_Without_Effect, 1}}},
+        Check_Row{"G74", {{2, Code_Without_Effect, 1}}},
+        Check_Row{"G59.1", {{2, Code_Rounded, 1}, {2, Code_Without_Effect, 1}}},
+        Check_Row{"M13", {{2, Code_Without_Effect, 1}}}, Check_Row{"M3 S500\nM30", {}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Motion, Check_Rows,
+    ::testing::Values(Check_Row{"G1 X1\nG17 X2", {{3, Words_Without_Motion}}},
+                      Check_Row{"G1 X1\nA5", {{3, Words_Without_Motion}}}, Check_Row{"G1 A5", {}},
+                      Check_Row{"X1 I1", {{2, Words_Without_Motion}}},
+                      Check_Row{"G1 G0 X1", {{2, Several_Motions}}},
+                      Check_Row{"G80\nX1\nG1 X2\nX3", {{3, Bare_After_Cycle}}},
+                      Check_Row{"F0\nG1 X1\nX2", {{3, No_Feed}, {4, No_Feed}}},
+                      Check_Row{"M6 G1 X1\nM6\nG1 X2", {{2, Tool_Change_Beside_Move}}},
+                      Check_Row{"M4\nM2", {{3, Spindle_Left_On}}}, Check_Row{"M4\nM5\nM2", {}},
+                      Check_Row{"G4 P500", {{2, Long_Dwell}}}, Check_Row{"G4 P5", {}},
+                      Check_Row{"G4", {{2, Block_Fails}}},
+                      Check_Row{"G1 X60\nX-60\nX70", {{3, Travel_Too_Long}}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Arcs, Check_Rows,
+    ::testing::Values(
+        Check_Row{"G2 X1 Y1 I1 J0\nG3 X0 Y0 I-1", {}},
+        Check_Row{"G2 X1 Y1 I1\nG2 X2 Y0 I0 J-1\nG2 X3 Y1",
+                  {{4, Arc_Sticky_Centre}, {4, Arc_Radii_Differ}}},
+        Check_Row{"G2 X1 Y1 I1 J0\nG1 X3\nG17 X1\nG2 Y1 I-1 J0",
+                  {{4, Words_Without_Motion}, {5, Arc_Sticky_End}}},
+        Check_Row{"G2 X1 Y1 I1 J0\nX2 Y0 J-1 I0\nX3 Y1\nX4", {{4, Arc_Becomes_Line}}},
+        Check_Row{"G2 X1 Y1 R1\nX2 Y0 R1", {{3, Arc_Becomes_Line}}},
+        Check_Row{"G2 X1 Y0 I.4 J0", {{2, Arc_Radii_Differ}}},
+        Check_Row{"G2 X1 Y1 R1 I1", {{2, Arc_Radius_Not_Used}}},
+        Check_Row{"G2 X1 Y1 R-1",
+                  {{2, Arc_Sticky_Centre}, {2, Arc_Radius_Not_Used}, {2, Arc_Radii_Differ}}},
+        Check_Row{"G2 X1 Y1 R1", {}}, Check_Row{"G3 X1 Y1 R1", {{2, Arc_Long_Way_Round}}},
+        Check_Row{"G3 X1 Y0 R.5", {}},  // half a circle
+        Check_Row{"G0 X1 Y0\nG2 X2 Y1 R1", {{3, Arc_Walked_Elsewhere}}},
+        Check_Row{"G91 G2 X1 Y1 I1 J0 Z1\nG90", {}},
+        Check_Row{"G1 Z1\nG91 G2 X1 Y1 I1 J0 Z1\nG90", {{3, Arc_Absolute_Height}}},
+        Check_Row{"G2 X1 Y1 I1 J0\nG91", {{2, Arc_Walked_Elsewhere}}},
+        Check_Row{"G2 X1 Y1 I1 J0\nG18", {{2, Arc_Walked_Elsewhere}}},
+        Check_Row{"G2 X4 Y0 R1", {{2, Block_Fails}}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Cycles, Check_Rows,
+    ::testing::Values(Check_Row{"G81 X1 Y1 Z-1 R1\nX2", {}},
+                      Check_Row{"G81 X1 Z-1\nX2 R1", {{2, Cycle_Lacks_Words}}},
+                      Check_Row{"G82 X1 Y1 Z-1 R1", {{2, Block_Fails}}},
+                      Check_Row{"G83 X1 Y1 Z-1 R1 Q.5", {}},
+                      Check_Row{"G83 X1 Y1 Z-1 R1 Q.6", {{2, Peck_Misses_Bottom}}},
+                      Check_Row{"G1 Z5\nG91 G83 X1 Y1 Z-7 R0 Q1\nG90", {{3, Peck_From_Raw_R}}},
+                      Check_Row{"G98 G81 X1 Y1 Z-1 R1", {{2, Code_Without_Effect, 1}}}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Repeats, Check_Rows,
+    ::testing::Values(
+        Check_Row{"REPEAT 2\nX1\nENDREPEAT", {{2, Repeat_Runs_Once_More}}},
+        Check_Row{"REPEAT\nX1\nENDREPEAT", {{2, Repeat_Without_Count}}},
+        Check_Row{"REPEAT 2\nX1", {{2, Repeat_Runs_Once_More}, {2, Repeat_Not_Ended}}},
+        Check_Row{"X1\nENDREPEAT", {{3, Repeat_Not_Begun}}},
+        Check_Row{"REPEAT 2\nREPEAT 3\nX1\nENDREPEAT",
+                  {{2, Repeat_Runs_Once_More}, {3, Repeat_Nested}, {3, Repeat_Runs_Once_More}}},
+        // A repeated line is told once.
+        Check_Row{"REPEAT 9\nX1.23456\nENDREPEAT",
+                  {{2, Repeat_Runs_Once_More}, {3, Word_Rounded, 1}}}));
+
+TEST_F(Check_Test, First_lines_without_code_and_feed) {
+  EXPECT_EQ(Told_About("X1\nG1 X2"), (std::vector<Told>{{1, Bare_Start}, {2, Feed_Of_Setup}}));
+  EXPECT_EQ(Told_About("G81 X1 Z-1 R1 F5"), (std::vector<Told>{{1, Cycle_Counts_Zero}}));
+  EXPECT_EQ(Told_About("G2 X1 Y1 I1 J0 F1"), (std::vector<Told>{{1, Block_Fails}}));
+}
+
+TEST_F(Check_Test, Macros) {
+  MachineSetup.MacroFile[3] = Write_File("three.gc", "G1 X1,5\nG1X2\nM98 3\nM98 150\nREPEAT\n");
+  MachineSetup.MacroFile[4] = (Folder / "gone.gc").string();
+  // Lines of macro 3 stand as 3000 and more. The comma makes a second line of its first, "5".
+  EXPECT_EQ(Told_About("G0 X0 F1\nM98 P3\nG1 X9 M98 3\nM98 4\nM98 5\nM98 151\nM98\n(see M98 P3)"),
+            (std::vector<Told>{{3003, Code_Runs_Together, 1},
+                               {3, Macro_Line_Lost, 1},
+                               {3, Macro_Line_Lost, 4},
+                               {4, Macro_Missing},
+                               {5, Macro_Missing},
+                               {6, Macro_Missing},
+                               {7, Macro_Without_Number},
+                               {8, Macro_Line_Lost},
+                               {3001, Macro_Comma, 6},
+                               {3002, Text_Not_Read, 1},
+                               {3004, Macro_Missing},
+                               {3005, Macro_Missing},
+                               {3006, Repeat_Without_Count},
+                               {3006, Repeat_Not_Ended}}));
+  EXPECT_TRUE(Scripted.Boxes.empty());
+}
+
+TEST_F(Check_Test, Findings_say_what_happens_and_what_to_write) {
+  const auto findings = Check("G1 F5 X1\nG3X4\nG55");
+  ASSERT_EQ(findings.size(), 2U);
+  EXPECT_EQ(findings[0].What, "G\"3X4\" is no number: the block is lost");
+  EXPECT_EQ(findings[0].Instead, "put a blank behind each G and M word");
+  EXPECT_EQ(findings[1].What, "G55 (work offset 2) has no effect");
+}
+
+TEST_F(Check_Test, Changes_nothing) {
+  Compile("G1 X1 I5\nG91\nM4");
+  const Record_List<LineArc> records = Compile_Tables.Program_LineArc.Rows;
+  const Word_Values last = Compiler.Last;
+  Check("G2 X1 Y1 I1 J1\nG0 X5\nG1X1\nM98 9");
+  EXPECT_TRUE(Compile_Tables.Program_LineArc.Rows == records);
+  EXPECT_TRUE(Compiler.Last == last);
+  EXPECT_EQ(Compiler.ModalGroups[modal_group::Distance], 91);
+  EXPECT_EQ(Compiler_Memory.LastI, Nullable(5));
+  EXPECT_TRUE(Logged().empty());
+}
+
+}  // namespace
+}  // namespace norvik
