@@ -119,6 +119,23 @@ void Paint_Program(bool watched) {
   }
 }
 
+// One wire of a run or of a highlight.
+void Paint_Wire(Line_Painter& painter, const Wire& wire, bool highlight, std::int32_t lineMode) {
+  Wire_Pens pens(Window_Pixel_Factor(), Current_Palette());
+  pens.Remembered_Tool = Plot.Remembered_Tool;
+  std::int16_t width = pens.Width(wire);
+  std::int32_t color = pens.Color(wire);
+  if (highlight) {
+    color = Ink_On(Current_Palette()[plot_role::Background]);
+    width = static_cast<std::int16_t>(std::min<int>(width * Highlight_Widening, INT16_MAX));
+  }
+  painter.Draw(Ends_Of(wire), color, width);
+  Plot.Remembered_Tool = pens.Remembered_Tool;
+  if (lineMode != Line_Mode_Run) return;
+  for (int axis = 1; axis <= 3; ++axis) Plot.Current_Point[axis] = wire.End[axis];
+  Plot.Remembered_Tool.reset();
+}
+
 void Paint(bool watched) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_RePlot_Error", [watched] {
@@ -167,30 +184,36 @@ void NIST_RePlot() {
   Paint(false);
 }
 
+void Plot_Draw_Wire(const Wire& wire, std::int32_t displayMode, std::int32_t lineMode) {
+  if (!Plot_Host.Picture1) return;
+  Trap("NIST_Plot_Block_Error", [&] {
+    Line_Painter painter = Window_Painter();
+    Paint_Wire(painter, wire, displayMode > Highlight_Above, lineMode);
+    painter.Flush();
+  });
+  Plot_Host.Frame_Changed();
+}
+
 void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_Plot_Block_Error", [&] {
-    const bool highlight = displayMode > Highlight_Above;
-    Wire_Pens pens(Window_Pixel_Factor(), Current_Palette());
-    pens.Remembered_Tool = Plot.Remembered_Tool;
     Line_Painter painter = Window_Painter();
     for (auto k = Program_Wire.Next_Of_Step(stepIndex, 0); k;
-         k = Program_Wire.Next_Of_Step(stepIndex, *k + 1)) {
-      const Wire& wire = Program_Wire.Rows()[*k];
-      std::int16_t width = pens.Width(wire);
-      std::int32_t color = pens.Color(wire);
-      if (highlight) {
-        color = Ink_On(Current_Palette()[plot_role::Background]);
-        width = static_cast<std::int16_t>(std::min<int>(width * Highlight_Widening, INT16_MAX));
-      }
-      painter.Draw(Ends_Of(wire), color, width);
-      if (lineMode == Line_Mode_Run) {
-        for (int axis = 1; axis <= 3; ++axis) Plot.Current_Point[axis] = wire.End[axis];
-        pens.Remembered_Tool.reset();
-      }
-    }
-    Plot.Remembered_Tool = pens.Remembered_Tool;
+         k = Program_Wire.Next_Of_Step(stepIndex, *k + 1))
+      Paint_Wire(painter, Program_Wire.Rows()[*k], displayMode > Highlight_Above, lineMode);
     painter.Flush();
+  });
+  Plot_Host.Frame_Changed();
+}
+
+void Plot_Mark_At_Cursor(std::string_view text) {
+  if (!Plot_Host.Picture1) return;
+  Trap("Plot_Mark_Error", [&] {
+    const auto& here = Machine.Position;
+    const Plot_Point point =
+        Current_Projection().Project(here[1], here[2], here[3] * Z_Display_Sign());
+    Plot_Host.Picture1->Draw_Text(point.X, point.Y, text,
+                                  Ink_On(Current_Palette()[plot_role::Background]));
   });
   Plot_Host.Frame_Changed();
 }

@@ -22,6 +22,7 @@
 
 #include <cstdint>
 #include <optional>
+#include <string_view>
 
 namespace norvik {
 
@@ -61,6 +62,10 @@ void NIST_RePlot();
 // Draws the wires of one step; with a `displayMode` above 65534 as a highlight, in the ink of the
 // background and five times as wide.
 void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode);
+// The same for one wire, as a run executes it.
+void Plot_Draw_Wire(const Wire& wire, std::int32_t displayMode, std::int32_t lineMode);
+// A text at the machine's position, on the picture.
+void Plot_Mark_At_Cursor(std::string_view text);
 // A full redraw; panel 1 says how long it took.
 void Plot_Refresh();
 // After a compile or load: extents of the program, then a redraw.

@@ -27,6 +27,12 @@ struct Extents {
   double Left = std::numeric_limits<double>::max(), Right = std::numeric_limits<double>::lowest();
   double Bottom = Left, Top = Right;
   bool Empty() const { return Left > Right; }
+  double Span() const { return std::max(Right - Left, Top - Bottom); }
+  void Include(const Extents& other) {
+    if (other.Empty()) return;
+    Include(other.Left, other.Bottom);
+    Include(other.Right, other.Top);
+  }
   void Include(double x, double y) {
     if (!std::isfinite(x) || !std::isfinite(y)) return;
     Left = std::min(Left, x);
@@ -52,8 +58,7 @@ Extents Extents_Of(const Display_List& list, const Projection& projection) {
 // The square window around the extents.
 Plot_Scale Fitted(const Extents& extents) {
   if (extents.Empty()) return {-1, 1, 1, -1};
-  const double span = std::max(extents.Right - extents.Left, extents.Top - extents.Bottom);
-  const double half = std::max(span / 2 * Margin, Smallest_Half_Span);
+  const double half = std::max(extents.Span() / 2 * Margin, Smallest_Half_Span);
   const double x = (extents.Left + extents.Right) / 2, y = (extents.Bottom + extents.Top) / 2;
   return {x - half, y + half, x + half, y - half};
 }
@@ -86,8 +91,11 @@ Plot_Image Make_Program_Picture(const Picture_Request& request) {
   const Projection projection = Preset_Projection(request.View);
   Display_List grid;
   if (MachineSetup.Plot_Show_Grid == 1) Build_Grid(palette, grid);
-  const Display_List unscaled = Listed_Program(0, palette);
-  const Plot_Scale window = Fitted(Extents_Of(unscaled.Count() > 0 ? unscaled : grid, projection));
+  Extents extents = Extents_Of(Listed_Program(0, palette), projection);
+  // Less than the smallest window is no picture: the table shows where it lies.
+  if (extents.Empty() || extents.Span() < Smallest_Half_Span)
+    extents.Include(Extents_Of(grid, projection));
+  const Plot_Scale window = Fitted(extents);
   const double pixel_factor = Pixel_Factor(window, request.Size * Units_Per_Pixel);
 
   // A large picture is looked at from as far as a small one.

@@ -196,6 +196,15 @@ TEST_F(Nist_Plot_Test, A_Block_Is_Drawn_Over_The_Picture) {
   EXPECT_THAT(Picture1.Lines(), ElementsAre(Plot_Line{1, 0, 1, -2, Cut_Color, 1},
                                             Plot_Line{1, -2, 3, -2, Cut_Color, 1}));
   EXPECT_EQ(Plot.Current_Point, (Indexed<Nullable, 1, 3>{{3, 2, 0}}));
+  Picture1.Calls.clear();
+  Plot_Draw_Wire(Program_Wire.Rows()[1], 0, Line_Mode_Run);
+  EXPECT_THAT(Picture1.Lines(), ElementsAre(Plot_Line{1, 0, 1, -2, Cut_Color, 1}));
+  EXPECT_EQ(Plot.Current_Point, (Indexed<Nullable, 1, 3>{{1, 2, 0}}));
+  Machine.Position = {{2, 3, 0, 0, 0, 0}};
+  Plot_Mark_At_Cursor("X");
+  EXPECT_EQ(Picture1.Calls.back().Text, "X");
+  EXPECT_EQ(Picture1.Calls.back().X, 2);
+  EXPECT_EQ(Picture1.Calls.back().Y, -3);
   // The highlight: black, five times as wide, and in white on a ground too dark for black.
   Picture1.Calls.clear();
   Plot_Highlight_Step(3);

@@ -108,7 +108,11 @@ TEST_F(Program_Pictures, Odd_Programs_And_Requests) {
   Part_Program dot;
   dot.Cut(3, 3, 0.5);
   Take_Program_Wire(dot.Take());
-  EXPECT_NO_THROW(Make_Program_Picture({6, 64, true}));
+  Program_Wire.Rows()[0].Start = Program_Wire.Rows()[0].End;
+  EXPECT_NE(Make_Program_Picture({6, 64, true}).Pixels,
+            Plot_Image(64, 64, Argb(Dark_Background)).Pixels);
+  MachineSetup.Plot_Show_Grid = 1;  // the table shows where the dot lies
+  EXPECT_LT(Difference(Image_Of(Make_Program_Picture({0, 64, false})), Image_Of(table)), 0.002);
   EXPECT_THROW(Make_Program_Picture({8, 64, true}), Fault);
   EXPECT_THROW(Make_Program_Picture({0, 15, true}), Fault);
   EXPECT_THROW(Make_Program_Picture({0, 1 << 30, true}), Fault);
