@@ -237,7 +237,7 @@ void Write_Footer(GCode_File& file, Import_Kind kind, double travel) {
 // --- Contours and arcs -------------------------------------------------------------------------
 
 bool Starts_Contour(const ImportLine& line, const Last_End& last) {
-  const double tolerance = Decimal_Of(MachineSetup.DXF_Line_Tolerance);
+  const double tolerance = MachineSetup.DXF_Line_Tolerance;
   return Differs(line.X1, last.X, tolerance) || Differs(line.Y1, last.Y, tolerance) ||
          Differs(line.Z1, last.Z, tolerance);
 }

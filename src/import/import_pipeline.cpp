@@ -93,8 +93,11 @@ void Clear_Import_Status() {
 
 void Import_Progress(std::string_view before, double share, std::string_view after,
                      std::string_view pattern) {
+  char percent[Formatted_Number_Limit];
+  const char* end =
+      Write_Number(percent, share * 100, Number_Pattern(pattern), Application.DecimalSeparator);
   std::string text(before);
-  text += Format_Number(share * 100, pattern);
+  text.append(percent, static_cast<std::size_t>(end - percent));
   text += after;
   SetStatus(1, text, Status_Seconds);
 }
