@@ -41,6 +41,7 @@ inline constexpr std::int16_t CNC_Stopped = 0, CNC_Paused = 1, CNC_Stepped = 2, 
 // and A; 5 and 6 are carried and unused.
 struct Machine_State {
   Indexed<double, 1, 6> Position;         // live position
+  Indexed<double, 1, 6> Absolute_Pos;     // by the machine's own origin; 0 after each start
   Indexed<double, 1, 6> Theoretical_Pos;  // by counted commands
   std::int16_t CNCMode = CNC_Stopped;
   std::int32_t Run_Step = 0;  // the step to run next

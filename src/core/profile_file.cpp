@@ -229,8 +229,8 @@ Profile_Session::~Profile_Session() {
 }
 
 void Profile_Session::Commit() {
-  const Profile_Text& text = *Open_At(Path)->Text;
-  if (text.Changed()) Replace_File(Path, text.Bytes());
+  const Open_Profile& profile = *Open_At(Path);
+  if (profile.Writers == 1 && profile.Text->Changed()) Replace_File(Path, profile.Text->Bytes());
 }
 
 std::string Read_Profile(const std::string& path, std::string_view section, std::string_view key) {

@@ -43,8 +43,10 @@ void RememberFile(File_Kind kind, const std::string& path) {
   const Kind_Keys& keys = Keys.at(static_cast<std::size_t>(kind));
   Remembered_File& file = Last_File(kind);
   file = {PathDirectory(path), PathFileName(path)};
-  WritePointer(Section, keys.Directory, file.Directory);
-  if (!keys.Name.empty()) WritePointer(Section, keys.Name, file.Name);
+  Write_Pointer_Together([&] {
+    WritePointer(Section, keys.Directory, file.Directory);
+    if (!keys.Name.empty()) WritePointer(Section, keys.Name, file.Name);
+  });
 }
 
 void Read_Remembered_Files() {

@@ -65,6 +65,20 @@ bool Write_Key(const std::string& path, std::string_view section, std::string_vi
       [&] { Write_Profile(path, section, key, value); });
 }
 
+bool Write_Together(const std::string& path, const std::function<void()>& body) {
+  if (path.empty()) return false;
+  return Trap_With(
+      [](const Fault& fault) {
+        ErrorLogWrite("Settings are not stored. " + fault.Description);
+        Add_New_Message(fault.Description);
+      },
+      [&] {
+        Profile_Session session(path, Profile_Use::Writing);
+        body();
+        session.Commit();
+      });
+}
+
 void Note_Finding(const Setup_Row& row, int index, const std::string& text) {
   Setup_Store.Findings.push_back("[" + std::string(row.Section) + "] " +
                                  Setup_Key_Name(row, index) + "=" + text.substr(0, 60) +
@@ -217,6 +231,14 @@ std::string ReadSetup(std::string_view section, std::string_view key) {
 
 bool WriteSetup(std::string_view section, std::string_view key, std::string_view value) {
   return Write_Key(Application.MachineFile, section, key, value);
+}
+
+bool Write_Setup_Together(const std::function<void()>& body) {
+  return Write_Together(Application.MachineFile, body);
+}
+
+bool Write_Pointer_Together(const std::function<void()>& body) {
+  return Write_Together(Pointer_File(), body);
 }
 
 std::string Pointer_File() {

@@ -219,6 +219,10 @@ bool WriteSetup(std::string_view section, std::string_view key, std::string_view
 // The same for the pointer file Norvik.Ini of `Application.Pointer_Folder`.
 std::string ReadPointer(std::string_view section, std::string_view key);
 bool WritePointer(std::string_view section, std::string_view key, std::string_view value);
+// Collects the writes that `body` makes to the machine file, or to the pointer file, and brings
+// them to the disk together. False when that failed; it has been told then.
+bool Write_Setup_Together(const std::function<void()>& body);
+bool Write_Pointer_Together(const std::function<void()>& body);
 // Path of the pointer file; empty before the start.
 std::string Pointer_File();
 

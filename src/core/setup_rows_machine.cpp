@@ -76,6 +76,7 @@ Setup_Row_List Axis_Geometry_Rows() {
           .Says("Unit of all lengths: 0 inch, 1 millimetre."),
       Key<&M::Axis_Format>("Axis", "Axis_Format")
           .Plain("000.000")
+          .By(Read_Rule::Numeral_Format)
           .Saved(Save_Place::Axis)
           .Says("Numeral format of axis words; its decimals are the precision of the compiler."),
       Family<&M::Axis_SPI>("Axis", "Axis_SPI_<n>")
@@ -248,6 +249,7 @@ Setup_Row_List Axis_Option_Rows() {
           .Says("Feed override with the knob at its lower end; whole percent."),
       Key<&M::DRO_Format>("Axis", "DRO_Format")
           .Plain("00.0000000")
+          .By(Read_Rule::Numeral_Format)
           .Saved(Save_Place::Displays)
           .Says("Numeral format of the position displays."),
       Key<&M::Slave_A_Axis_to>("Axis", "Slave_A_Axis_to")

@@ -408,7 +408,7 @@ Setup_Row_List Bitmap_Rows() {
           .Plain("0")
           .Between(0, 1)
           .Saved(Save_Place::Bitmap)
-          .Says("1 cuts the bright parts deep."),
+          .Says("1 swaps the depths of black and white."),
       Key<&M::BMAP_Sway_XY>(section, "BMAP_Sway_XY")
           .Plain("0")
           .Between(0, 1)

@@ -67,6 +67,12 @@ float Single(const Setup_Row& row, std::string_view text, std::string_view other
   return GetFloat(text, row.Takes_Default, GetFloat(otherwise, Sentinel::Empty, 0));
 }
 
+bool Is_Numeral_Format(std::string_view text) {
+  return text.find_first_of("0#") != std::string_view::npos &&
+         text.find_first_not_of("0#.") == std::string_view::npos &&
+         text.find('.') == text.rfind('.');
+}
+
 // What each type makes of a text.
 struct Field_Reader {
   const Setup_Row& Row;
@@ -88,6 +94,7 @@ struct Field_Reader {
         *field = To_Single(NullToZero(Format_Axis_Number(Single(Row, Text, Otherwise))));
         break;
       case Read_Rule::By_Type:
+      case Read_Rule::Numeral_Format:
         *field = Single(Row, Text, Otherwise);
     }
   }
@@ -99,7 +106,10 @@ struct Field_Reader {
     const bool is_whole = Row.Rule == Read_Rule::Whole_Number && Try_Number(text);
     *field = is_whole ? GetInt(text, Sentinel::Empty, 0) != 0 : ToBoolean(text);
   }
-  void operator()(std::string* field) const { *field = GetString(Text, Otherwise); }
+  void operator()(std::string* field) const {
+    const bool unusable = Row.Rule == Read_Rule::Numeral_Format && !Is_Numeral_Format(Text);
+    *field = unusable ? std::string(Otherwise) : GetString(Text, Otherwise);
+  }
 };
 
 bool Is_Boolean_Text(std::string_view text) {
@@ -107,10 +117,14 @@ bool Is_Boolean_Text(std::string_view text) {
   return word == "TRUE" || word == "FALSE" || Try_Number(text).has_value();
 }
 
+// Whether a text is a value of the type.
 struct Text_Judge {
+  const Setup_Row& Row;
   std::string_view Text;
 
-  bool operator()(const std::string*) const { return true; }
+  bool operator()(const std::string*) const {
+    return Row.Rule != Read_Rule::Numeral_Format || Text.empty() || Is_Numeral_Format(Text);
+  }
   bool operator()(const bool*) const { return Text.empty() || Is_Boolean_Text(Text); }
   bool operator()(const std::int16_t*) const { return Fits(-32768, 32768); }
   bool operator()(const std::int32_t*) const { return Fits(-2147483648.0, 2147483648.0); }
@@ -144,11 +158,14 @@ struct Field_Writer {
 
 }  // namespace
 
+bool Is_Setup_Text(const Setup_Row& row, int index, std::string_view text) {
+  return std::visit(Text_Judge{row, text}, row.Field(MachineSetup, index));
+}
+
 bool Read_Setup_Text(const Setup_Row& row, int index, std::string_view text) {
-  const Setup_Field field = row.Field(MachineSetup, index);
   const std::string otherwise = Setup_Default_Text(row, index);
-  std::visit(Field_Reader{row, text, otherwise}, field);
-  return std::visit(Text_Judge{text}, field);
+  std::visit(Field_Reader{row, text, otherwise}, row.Field(MachineSetup, index));
+  return Is_Setup_Text(row, index, text);
 }
 
 std::string Setup_Text(const Setup_Row& row, int index) {

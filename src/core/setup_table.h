@@ -27,8 +27,9 @@ using Setup_Field =
 // How the text becomes the field where the field's type alone does not say it.
 enum class Read_Rule {
   By_Type,
-  Whole_Number,  // through the integer rule, so that fractions are dropped
-  Axis_Number,   // through the regional re-format of axis words
+  Whole_Number,    // through the integer rule, so that fractions are dropped
+  Numeral_Format,  // text of 0, # and one point; any other text gives the default
+  Axis_Number,     // through the regional re-format of axis words
 };
 
 // The save's groups, in the order in which they are written; inside a group rows keep the table's
@@ -113,6 +114,8 @@ std::string Setup_Key_Name(const Setup_Row& row, int index);
 // The default's text, as if it stood in the file with a point as decimal sign.
 std::string Setup_Default_Text(const Setup_Row& row, int index);
 
+// True when the text is a value of the field's type, or empty.
+bool Is_Setup_Text(const Setup_Row& row, int index, std::string_view text);
 // Reads a text into the field by the row's rules. False when the text is there but is no value of
 // the field's type; the field then has what the rules give for that.
 bool Read_Setup_Text(const Setup_Row& row, int index, std::string_view text);

@@ -9,11 +9,14 @@
 #include "platform/scripted/scripted_platform.h"
 #include "support/temporary_folder.h"
 
+#include <csignal>
 #include <filesystem>
 #include <map>
 #include <set>
 
 #include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -150,6 +153,7 @@ TEST_F(Setup_Test, Each_Field_Is_Loaded_From_Its_Key) {
       std::string value = Own_Value(row.Field(MachineSetup, index), number);
       if (row.Key == "INI_Save_Test") value = "123";
       if (row.Key == "Axis_Format") value = "0000.0000";
+      if (row.Key == "DRO_Format") value = "00.00";
       if (row.Key == "Axis_Ramp_Rate") value = "7";
       if (row.Key == "Axis_Ramping") value = "0";
       if (row.Rule == Read_Rule::Whole_Number) value = value.substr(0, value.find('.'));
@@ -354,6 +358,31 @@ TEST_F(Setup_Test, Garbage_File_Is_Repaired_Around_The_Garbage) {
   LoadMachineSetup();
   EXPECT_EQ(scripted.Boxes.size(), 1U);
   EXPECT_THAT(Read_Whole_File(Application.MachineFile), testing::StartsWith(garbage));
+}
+
+// Killed at any moment of a save, the file is the old one or the new one, never a part.
+TEST_F(Setup_Test, Kill_Leaves_A_Whole_File) {
+  Restore_Factory_Setup();
+  std::set<std::string> whole;
+  for (const std::int16_t turn : {std::int16_t{0}, std::int16_t{1}}) {
+    MachineSetup.Goto_Command_Index = turn;
+    ASSERT_TRUE(SaveMachineSetup());
+    whole.insert(Read_Whole_File(Application.MachineFile));
+  }
+  for (int round = 0; round < 15; ++round) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      for (std::int16_t turn = 0;; turn = static_cast<std::int16_t>(1 - turn)) {
+        MachineSetup.Goto_Command_Index = turn;
+        SaveMachineSetup();
+      }
+    }
+    ::usleep(static_cast<useconds_t>(3000 + 1700 * round));
+    ::kill(child, SIGKILL);
+    ::waitpid(child, nullptr, 0);
+    EXPECT_TRUE(whole.contains(Read_Whole_File(Application.MachineFile))) << round;
+  }
 }
 
 TEST_F(Setup_Test, Factory_Reset_Reads_No_Key) {

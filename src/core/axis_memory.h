@@ -1,0 +1,16 @@
+// axis_memory.h: the axis positions from one run of the program to the next.
+//
+// Section `Axis Position` of the machine file. The machine position is written as
+// `Axis_Mach_Pos_<n>` and read as `Axis_Mach_Pos<n>`, so that it comes back as 0 while the current
+// position survives.
+#pragma once
+
+namespace norvik {
+
+// Writes `Position` and `Absolute_Pos` of axes 1 to 4, the four together.
+void Save_Axis_Positions();
+// Reads them. Missing values are 0; text that is no number is logged and counts as 0.
+// `Theoretical_Pos` starts where the machine stands.
+void Load_Axis_Positions();
+
+}  // namespace norvik

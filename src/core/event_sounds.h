@@ -1,0 +1,23 @@
+// event_sounds.h: a sound for each event of the machine.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace norvik {
+
+// Slots of `MachineSetup.Sound_Files`.
+namespace sound {
+inline constexpr int Play = 0, Step = 1, Pause = 2, ReTooling = 3, Stopped = 4, E_Stop = 5,
+                     Compile_Finished = 6, Motion_Finished = 7, Future = 8;
+}
+// The value that means silence.
+inline constexpr std::string_view Sound_Disabled = "Disabled";
+
+// Plays a sound file without waiting for its end; nothing when the path is "Disabled" or empty. A
+// missing or unplayable file stays silent.
+void Play_Sound(const std::string& path);
+// The same for a slot of the setup.
+void Play_Event_Sound(int slot);
+
+}  // namespace norvik

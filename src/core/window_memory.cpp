@@ -1,0 +1,147 @@
+#include "core/window_memory.h"
+
+#include "core/numbers.h"
+#include "core/rounding.h"
+#include "core/setup.h"
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+namespace norvik {
+
+namespace {
+
+constexpr std::string_view Section = "Form Position";
+constexpr double Units_Per_Pixel = 15;
+// Smaller than this no window can be worked with.
+constexpr int Least_Height = 100, Least_Width = 160;
+
+struct Form_Words {
+  std::string_view Name, Open_Key;
+};
+
+// In the order of Form_Id.
+constexpr std::array<Form_Words, All_Forms.size()> Words{{
+    {"Main", ""},
+    {"GCode", "GCode_Open"},
+    {"CNC_Controls", "CNC_Controls_Open"},
+    {"Plot", "Plot_Open"},
+    {"JogKey", "JogKey_Open"},
+    {"Port_IO", "Port_IO_Open"},
+}};
+
+const Form_Words& Words_Of(Form_Id form) {
+  return Words.at(static_cast<std::size_t>(form));
+}
+
+std::string Edge_Key(Form_Id form, std::string_view edge) {
+  return std::string(Form_Name(form)) + "_" + std::string(edge);
+}
+
+// A stored edge in pixels; `otherwise` when it is missing or no number.
+int Read_Edge(const std::string& key, int otherwise) {
+  constexpr double farthest = 1e6;
+  const auto number = Try_Number(ReadSetup(Section, key));
+  if (!number || std::abs(*number) > farthest * Units_Per_Pixel) return otherwise;
+  return To_Int32(std::floor(*number / Units_Per_Pixel + 0.5));
+}
+
+void Write_Edge(const std::string& key, int pixels) {
+  WriteSetup(Section, key, std::to_string(static_cast<long long>(pixels * Units_Per_Pixel)));
+}
+
+}  // namespace
+
+std::string_view Form_Name(Form_Id form) {
+  return Words_Of(form).Name;
+}
+
+Window_Place Read_Form_Place(Form_Id form) {
+  const Screen_Area screen = Platform.Screen();
+  Window_Place place = Default_Form_Place(form, screen);
+  place.Top = Read_Edge(Edge_Key(form, "Top"), place.Top);
+  place.Left = Read_Edge(Edge_Key(form, form == Form_Id::Main ? "Top_Left" : "Left"), place.Left);
+  const int height = Read_Edge(Edge_Key(form, "Height"), place.Height);
+  const int width = Read_Edge(Edge_Key(form, "Width"), place.Width);
+  if (height > 0) place.Height = height;
+  if (width > 0) place.Width = width;
+  const auto state = Try_Number(ReadSetup(Section, Edge_Key(form, "WindowState")));
+  if (state && *state >= Window_Normal && *state <= Window_Maximized) {
+    place.WindowState = To_Int16(*state);
+  }
+  return Brought_On_Screen(place, screen);
+}
+
+void Write_Form_Place(Form_Id form, const Window_Place& place) {
+  Write_Setup_Together([&] {
+    Write_Edge(Edge_Key(form, "Top"), place.Top);
+    Write_Edge(Edge_Key(form, "Left"), place.Left);
+    Write_Edge(Edge_Key(form, "Height"), place.Height);
+    Write_Edge(Edge_Key(form, "Width"), place.Width);
+    WriteSetup(Section, Edge_Key(form, "WindowState"), std::to_string(place.WindowState));
+  });
+}
+
+bool Form_Was_Open(Form_Id form) {
+  const std::string_view key = Words_Of(form).Open_Key;
+  return !key.empty() && ToBoolean(ReadSetup(Section, key));
+}
+
+void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views) {
+  Write_Setup_Together([&] {
+    for (const Form_Id form : All_Forms) {
+      const Form_View& view = views[static_cast<std::size_t>(form)];
+      const std::string_view open_key = Words_Of(form).Open_Key;
+      if (!open_key.empty() && view.Has_Been_Loaded) {
+        WriteSetup(Section, open_key, view.Visible ? "True" : "False");
+      }
+      if (view.Has_Been_Loaded) Write_Form_Place(form, view.Place);
+    }
+  });
+}
+
+Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
+  constexpr int menu_height = 60, controls_width = 420, jog_size = 320;
+  const int height = std::max(Least_Height, screen.Height - menu_height);
+  const int controls = std::min(controls_width, screen.Width / 2);
+  const int left_part = screen.Width - controls;
+  const int plot_height = height * 6 / 10;
+  const int top = screen.Top + menu_height;
+  switch (form) {
+    case Form_Id::Main:
+      return {0, 0, screen.Height, screen.Width, Window_Maximized};
+    case Form_Id::CNC_Controls:
+      return {top, screen.Left + left_part, height, controls, Window_Normal};
+    case Form_Id::Plot:
+      return {top, screen.Left, plot_height, left_part, Window_Normal};
+    case Form_Id::GCode:
+      return {top + plot_height, screen.Left, height - plot_height, left_part, Window_Normal};
+    case Form_Id::JogKey:
+    case Form_Id::Port_IO:
+      break;
+  }
+  return CenterWindow(jog_size, jog_size, screen);
+}
+
+void Reset_Form_Positions() {
+  const Screen_Area screen = Platform.Screen();
+  Write_Setup_Together([&] {
+    for (const Form_Id form : All_Forms) Write_Form_Place(form, Default_Form_Place(form, screen));
+  });
+}
+
+Window_Place Brought_On_Screen(Window_Place place, const Screen_Area& screen) {
+  place.Width = std::clamp(place.Width, std::min(Least_Width, screen.Width), screen.Width);
+  place.Height = std::clamp(place.Height, std::min(Least_Height, screen.Height), screen.Height);
+  place.Left = std::clamp(place.Left, screen.Left, screen.Left + screen.Width - place.Width);
+  place.Top = std::clamp(place.Top, screen.Top, screen.Top + screen.Height - place.Height);
+  return place;
+}
+
+Window_Place CenterWindow(int height, int width, const Screen_Area& parent) {
+  return {parent.Top + (parent.Height - height) / 2, parent.Left + (parent.Width - width) / 2,
+          height, width, Window_Normal};
+}
+
+}  // namespace norvik
