@@ -40,28 +40,14 @@ class Pass_Writer {
 
  private:
   void Write_Pass(const Layer_Group& group, double z);
-  // False on ESC.
-  bool Round(double share);
   void Write(const DXF_Row& row, const Nullable& z1, const Nullable& z2);
 
   Line_File_Writer File;
   const double Offset[3];
   Import_Faults Faults{Fault_Name};
-  Yield_Counter Yields{Records_Per_Yield};
-  int Until_Progress = 0;
+  Pass_Rounds Rounds;
   ImportLine Line;
 };
-
-bool Pass_Writer::Round(double share) {
-  constexpr int records_per_progress = 3;
-  if (Application.EscFlag) return false;
-  if (--Until_Progress <= 0) {
-    Until_Progress = records_per_progress;
-    Import_Progress("Add Passes: Adding Passes... ", share, "% Completed, press ESC to cancel");
-  }
-  Yields.Round();
-  return true;
-}
 
 void Pass_Writer::Write(const DXF_Row& row, const Nullable& z1, const Nullable& z2) {
   const auto shifted = [](const Nullable& value, double by) {
@@ -85,7 +71,7 @@ void Pass_Writer::Write_As_Drawn() {
   double done = 0;
   const auto raised = [&](const Nullable& z) { return z ? Nullable(*z + Offset[2]) : Nullable(); };
   for (const DXF_Row& row : DXF_Entity.Rows) {
-    if (!Round(done++ / total)) return;
+    if (!Rounds.Next(done++ / total)) return;
     Write(row, raised(row.Z1), raised(row.Z2));
   }
 }
@@ -94,7 +80,7 @@ void Pass_Writer::Write_Pass(const Layer_Group& group, double z) {
   const Nullable depth = Decimal_Of(To_Single(z));
   const auto total = static_cast<double>(group.End - group.Start + 1);
   for (std::int64_t row = group.Start; row <= group.End; ++row) {
-    if (!Round(static_cast<double>(row - group.Start) / total)) return;
+    if (!Rounds.Next(static_cast<double>(row - group.Start) / total)) return;
     Write(DXF_Entity.Rows[static_cast<std::size_t>(row)], depth, depth);
   }
 }
@@ -132,11 +118,12 @@ void Print_Line(GCode_File& file, const ImportLine& line, const Last_End& last) 
 void Print_Record(GCode_File& file, ImportLine& line, Last_End& last) {
   Round_Line(line);
   if (Starts_Contour(line, last)) {
-    if (!line.Z1 && !MachineSetup.DXF_Ingore_Depth) {
-      line.Z1 = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
+    Nullable depth = line.Z1;
+    if (!depth && !MachineSetup.DXF_Ingore_Depth) {
+      depth = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
     }
     Write_Contour_Start(file, line, Decimal_Of(MachineSetup.Axis_Tool_Height[0]), [&] {
-      if (line.Z1) file.Rapid_Z(*line.Z1);
+      if (depth) file.Rapid_Z(*depth);
     });
   } else {
     Snap_Start(line, last);
@@ -154,7 +141,7 @@ void Print_Record(GCode_File& file, ImportLine& line, Last_End& last) {
 
 void DXF_Add_Passes(const std::string& line_file) {
   Import_Status("Add Passes: Adding Passes...");
-  Trap(Fault_Name, [&] {
+  const bool complete = Trap(Fault_Name, [&] {
     Pass_Writer writer(line_file);
     if (MachineSetup.DXF_Ingore_Depth) {
       writer.Write_Multi_Depth();
@@ -163,6 +150,7 @@ void DXF_Add_Passes(const std::string& line_file) {
     }
     writer.Close();
   });
+  if (!complete) Report_Incomplete_Passes();
 }
 
 bool DXF_Write_GCode(const std::string& line_file) {

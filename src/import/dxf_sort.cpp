@@ -10,19 +10,14 @@
 #include "import/record_walk.h"
 #include "platform/platform.h"
 
-#include <limits>
-#include <numeric>
+#include <algorithm>
 
 namespace norvik {
 
 namespace {
 
 constexpr std::int32_t Rows_Per_Yield = 50;
-constexpr float Best_Reset_X = 999999, Best_Reset_Y = 9999999;
-
-struct Tool_Point {
-  float X = 0, Y = 0;
-};
+constexpr Point_Tree::Point Best_Reset{999999, 9999999};  // what the first candidate must beat
 
 // The rows of one group by number, and the place where each stands now.
 class Entity_Sort {
@@ -32,54 +27,24 @@ class Entity_Sort {
   // Sorts from `tool` on and leaves it at the end of the last chain. `progress(rows done)` is
   // called every 50 rows.
   template <class Progress>
-  void Run(Tool_Point& tool, Progress&& progress);
+  void Run(Point_Tree::Point& tool, Progress&& progress);
   // Puts the sorted rows back into the table.
   void Store(std::vector<DXF_Row>& rows) const;
 
-  // --- What Record_Walk asks -------------------------------------------------------------------
-  std::int32_t Size() const { return static_cast<std::int32_t>(Row_At.size()); }
-  double Key_At(std::int32_t place, float x, float y) const;
-  std::int32_t Place_Of(Point_Tree::Number end) const {
-    return Place[static_cast<std::size_t>(end / 2)];
-  }
-  const Point_Tree& Tree() const { return Free_Ends; }
-
  private:
-  std::int32_t Row_In(std::int32_t place) const { return Row_At[static_cast<std::size_t>(place)]; }
-  End_Index::End Start_Of(std::int32_t row) const {
-    return row * 2 + Reversed[static_cast<std::size_t>(row)];
-  }
-  End_Index::End End_Of(std::int32_t row) const {
-    return row * 2 + 1 - Reversed[static_cast<std::size_t>(row)];
-  }
-  double Distance(const Tool_Point& tool, End_Index::End end) const {
-    const auto& point = Free_Ends.At(end);
-    return Scaled_Distance(tool.X, tool.Y, point.X, point.Y);
-  }
-  void Reverse(std::int32_t row) { Reversed[static_cast<std::size_t>(row)] ^= 1; }
-  void Exchange(std::int32_t a, std::int32_t b);
-  void Choose_Chain(const Tool_Point& tool, std::int32_t slot);
-  double Turn_Candidate(const Tool_Point& tool, std::int32_t row);
+  void Choose_Chain(const Point_Tree::Point& tool, std::int32_t slot);
   void Take_Out(std::int32_t row);
   std::int32_t First_Connecting(End_Index::End end, std::int32_t from) const;
 
   std::vector<DXF_Row> Rows;
   std::int64_t Table_Start;
-  std::vector<std::int32_t> Row_At, Place;
-  std::vector<std::uint8_t> Reversed;
   End_Index Ends;
-  Point_Tree Free_Ends;
-  Record_Walk<Entity_Sort> Walk{*this};
+  Record_Walk Walk{Record_Walk::Finds::Nearer};  // free ends are switched on
   std::vector<End_Index::End> Freed;
 };
 
 Entity_Sort::Entity_Sort(std::vector<DXF_Row>& rows, const Layer_Group& group)
     : Rows(rows.begin() + group.Start, rows.begin() + group.End + 1), Table_Start(group.Start) {
-  Row_At.resize(Rows.size());
-  std::iota(Row_At.begin(), Row_At.end(), 0);
-  Place = Row_At;
-  Reversed.assign(Rows.size(), 0);
-
   std::vector<End_Index::Point> ends;
   std::vector<Point_Tree::Point> points;
   ends.reserve(Rows.size() * 2);
@@ -94,62 +59,23 @@ Entity_Sort::Entity_Sort(std::vector<DXF_Row>& rows, const Layer_Group& group)
     add(row.X2, row.Y2, row.Z2);
   }
   Ends.Build(ends, MachineSetup.DXF_Line_Tolerance);
-  Free_Ends.Build(std::move(points));
+  Walk.Build(std::move(points));
   for (std::size_t end = 0; end < ends.size(); ++end) {
     const auto number = static_cast<End_Index::End>(end);
-    if (Ends.Is_Free(number)) Free_Ends.Switch(number, true);
+    if (Ends.Is_Free(number)) Walk.Switch(number, true);
   }
 }
 
-double Entity_Sort::Key_At(std::int32_t place, float x, float y) const {
-  double key = std::numeric_limits<double>::infinity();
-  const std::int32_t first = Row_In(place) * 2;
-  for (const End_Index::End end : {first, first + 1}) {
-    if (!Free_Ends.Is_On(end)) continue;
-    const auto& point = Free_Ends.At(end);
-    key = std::min(key, Distance_Square(x, y, point.X, point.Y));
-  }
-  return key;
-}
-
-void Entity_Sort::Exchange(std::int32_t a, std::int32_t b) {
-  std::swap(Row_At[static_cast<std::size_t>(a)], Row_At[static_cast<std::size_t>(b)]);
-  Place[static_cast<std::size_t>(Row_In(a))] = a;
-  Place[static_cast<std::size_t>(Row_In(b))] = b;
-}
-
-// Turns the row that has just come into the slot; gives the distance that the next candidate must
-// beat.
-double Entity_Sort::Turn_Candidate(const Tool_Point& tool, std::int32_t row) {
-  const double start = Distance(tool, Start_Of(row)), end = Distance(tool, End_Of(row));
-  const bool start_free = Ends.Is_Free(Start_Of(row)), end_free = Ends.Is_Free(End_Of(row));
-  if (start_free && !end_free) return start;
-  if (!start_free) {
-    Reverse(row);
-    return start;  // now its far end
-  }
-  if (end < start) Reverse(row);
-  return std::min(start, end);
-}
-
-void Entity_Sort::Choose_Chain(const Tool_Point& tool, std::int32_t slot) {
-  if (Free_Ends.Live() == 0) return;
-  double best = Scaled_Distance(tool.X, tool.Y, Best_Reset_X, Best_Reset_Y);
-  Walk.Begin(tool.X, tool.Y, slot);
-  for (;;) {
-    const std::int32_t place = Walk.Next(Largest_Square_Below(best));
-    if (place < 0) return;
-    Exchange(place, slot);
-    best = Turn_Candidate(tool, Row_In(slot));
-  }
+void Entity_Sort::Choose_Chain(const Point_Tree::Point& tool, std::int32_t slot) {
+  if (Walk.Any_On()) Walk.Find(tool, slot, slot, Best_Reset);
 }
 
 void Entity_Sort::Take_Out(std::int32_t row) {
-  Free_Ends.Switch(row * 2, false);
-  Free_Ends.Switch(row * 2 + 1, false);
+  Walk.Switch(row * 2, false);
+  Walk.Switch(row * 2 + 1, false);
   Freed.clear();
   Ends.Remove_Row(row, Freed);
-  for (const End_Index::End end : Freed) Free_Ends.Switch(end, true);
+  for (const End_Index::End end : Freed) Walk.Switch(end, true);
 }
 
 // In a crowd of ends on one spot a row that meets them is found sooner by looking through the
@@ -159,22 +85,22 @@ std::int32_t Entity_Sort::First_Connecting(End_Index::End end, std::int32_t from
   const std::int32_t crowd = Ends.Crowd_At(end);
   if (crowd == 0) return -1;
   if (crowd > crowd_from) {
-    const std::int32_t stop = std::min(Size(), from + crowd);
+    const std::int32_t stop = std::min(Walk.Size(), from + crowd);
     for (std::int32_t place = from; place < stop; ++place) {
-      const std::int32_t row = Row_In(place);
+      const std::int32_t row = Walk.Row_In(place);
       if (Ends.Meet(end, row * 2) || Ends.Meet(end, row * 2 + 1)) return place;
     }
   }
   std::int32_t first = -1;
   Ends.For_Rows_At(end, [&](std::int32_t row) {
-    const std::int32_t place = Place[static_cast<std::size_t>(row)];
+    const std::int32_t place = Walk.Place_Of(row);
     if (first < 0 || place < first) first = place;
   });
   return first;
 }
 
 template <class Progress>
-void Entity_Sort::Run(Tool_Point& tool, Progress&& progress) {
+void Entity_Sort::Run(Point_Tree::Point& tool, Progress&& progress) {
   std::int32_t until_yield = Rows_Per_Yield;
   const auto round = [&](std::int32_t done) {
     if (--until_yield > 0) return;
@@ -182,30 +108,29 @@ void Entity_Sort::Run(Tool_Point& tool, Progress&& progress) {
     progress(done);
   };
   std::int32_t slot = 0;
-  while (slot < Size() && !Application.EscFlag) {
+  while (slot < Walk.Size() && !Application.EscFlag) {
     Choose_Chain(tool, slot);
     for (;;) {
-      const std::int32_t row = Row_In(slot);
-      Take_Out(row);
-      const End_Index::End end = End_Of(row);
-      tool = {Free_Ends.At(end).X, Free_Ends.At(end).Y};
+      const End_Index::End end = Walk.End_Of(slot);
+      Take_Out(Walk.Row_In(slot));
+      tool = Walk.End_At(end);
       round(++slot);
-      if (slot == Size() || Application.EscFlag) break;
+      if (slot == Walk.Size() || Application.EscFlag) break;
       const std::int32_t next = First_Connecting(end, slot);
       if (next < 0) break;
-      Exchange(next, slot);
-      const std::int32_t found = Row_In(slot);
-      if (Distance(tool, End_Of(found)) < Distance(tool, Start_Of(found))) Reverse(found);
+      Walk.Exchange(next, slot);
+      const auto &near = Walk.End_At(Walk.Start_Of(slot)), &far = Walk.End_At(Walk.End_Of(slot));
+      if (Is_Closer(tool.X, tool.Y, near.X, near.Y, far.X, far.Y)) Walk.Reverse(slot);
     }
   }
 }
 
 void Entity_Sort::Store(std::vector<DXF_Row>& rows) const {
-  for (std::int32_t place = 0; place < Size(); ++place) {
-    const std::int32_t row = Row_In(place);
+  for (std::int32_t place = 0; place < Walk.Size(); ++place) {
+    const std::int32_t row = Walk.Row_In(place);
     DXF_Row& stored = rows[static_cast<std::size_t>(Table_Start + place)];
     stored = Rows[static_cast<std::size_t>(row)];
-    if (Reversed[static_cast<std::size_t>(row)] != 0) Reverse_Row(stored);
+    if (Walk.Is_Reversed(place)) Reverse_Row(stored);
   }
 }
 
@@ -216,7 +141,7 @@ void DXF_Sort_Entities_Step() {
   Import_Status("DXF Conversion: Sorting Entities...");
   Trap("DXF Sort Entities Error", [] {
     const auto total = static_cast<double>(DXF_Entity.Rows.size());
-    Tool_Point tool;
+    Point_Tree::Point tool;
     for (const Layer_Group& group : DXF_Entity.Groups) {
       if (Application.EscFlag || group.End < group.Start) continue;
       Entity_Sort sort(DXF_Entity.Rows, group);

@@ -15,14 +15,4 @@ void Reverse_Row(DXF_Row& row) {
   row.Type = Reversed_Type(row.Type);
 }
 
-std::int32_t Layer_Names::Number_Of(std::string_view name) {
-  // Neighbouring entities mostly share their layer.
-  if (Last < Names.size() && Names[Last] == name) return static_cast<std::int32_t>(Last);
-  const auto [place, is_new] =
-      Numbers.try_emplace(std::string(name), static_cast<std::int32_t>(Names.size()));
-  if (is_new) Names.push_back(place->first);
-  Last = static_cast<std::size_t>(place->second);
-  return place->second;
-}
-
 }  // namespace norvik

@@ -8,12 +8,11 @@
 #pragma once
 
 #include "core/nullable.h"
+#include "import/text_store.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
-#include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace norvik {
@@ -29,21 +28,6 @@ struct DXF_Row {
 // Swaps the ends and turns clockwise into counter-clockwise and back.
 void Reverse_Row(DXF_Row& row);
 
-// Layer names, each once, in the order of their first appearance.
-class Layer_Names {
- public:
-  std::int32_t Number_Of(std::string_view name);
-  const std::string& Name(std::int32_t number) const {
-    return Names[static_cast<std::size_t>(number)];
-  }
-  const std::vector<std::string>& All() const { return Names; }
-
- private:
-  std::vector<std::string> Names;
-  std::unordered_map<std::string, std::int32_t> Numbers;
-  std::size_t Last = 0;
-};
-
 // A run of rows that belong together: one layer after the layer sort, otherwise the whole table.
 struct Layer_Group {
   std::string Name;
@@ -52,7 +36,7 @@ struct Layer_Group {
 
 struct DXF_Entity_State {
   std::vector<DXF_Row> Rows;
-  Layer_Names Layers;
+  Text_Store Layers;
   std::vector<Layer_Group> Groups;
 };
 extern DXF_Entity_State DXF_Entity;

@@ -3,8 +3,6 @@
 #include "core/rounding.h"
 #include "core/setup.h"
 
-#include <limits>
-
 namespace norvik {
 
 namespace {
@@ -18,30 +16,7 @@ bool Meets(const Nullable& x, const Nullable& y, const Nullable& z, const Nullab
   return Near(x, px) && Near(y, py) && (Near(z, pz) || (!z && !pz));
 }
 
-// Moves from the product, which is at most a few steps away, to the last square that passes.
-template <class Passes>
-double Last_That_Passes(double square, Passes passes) {
-  constexpr double up = std::numeric_limits<double>::infinity();
-  while (square > 0 && !passes(square)) square = std::nextafter(square, 0);
-  if (square <= 0 && !passes(0.0)) return -1;
-  for (double next = std::nextafter(square, up); next < up && passes(next);) {
-    square = next;
-    next = std::nextafter(square, up);
-  }
-  return square;
-}
-
 }  // namespace
-
-double Largest_Square_Within(double distance) {
-  if (std::isinf(distance)) return distance;
-  return Last_That_Passes(distance * distance, [&](double s) { return std::sqrt(s) <= distance; });
-}
-
-double Largest_Square_Below(double distance) {
-  if (std::isinf(distance)) return std::numeric_limits<double>::max();
-  return Last_That_Passes(distance * distance, [&](double s) { return std::sqrt(s) < distance; });
-}
 
 bool Is_Closer(Nullable cx, Nullable cy, Nullable ax, Nullable ay, Nullable bx, Nullable by) {
   if (!cx || !cy || !ax || !ay || !bx || !by) return false;

@@ -21,19 +21,15 @@ inline double Scaled_Square(float a, float b) {
 inline double Distance_Square(float cx, float cy, float px, float py) {
   return Scaled_Square(cx, px) + Scaled_Square(cy, py);
 }
-// Scaled distance whose order the sorts go by.
-inline double Scaled_Distance(float cx, float cy, float px, float py) {
-  return std::sqrt(Distance_Square(cx, cy, px, py));
+// Order of two distances by their squares. Squares that differ can have the same root, and then
+// neither is nearer.
+inline bool Is_Nearer_Square(double square, double than) {
+  return square < than && std::sqrt(square) < std::sqrt(than);
 }
-
-// Two squares that differ can have the same root. A scan that compares squares without taking roots
-// asks for the largest square whose root is at most, or is below, a distance.
-double Largest_Square_Within(double distance);
-double Largest_Square_Below(double distance);  // negative where there is none
 
 // True when b lies strictly nearer to c than a does; equal distances give false.
 inline bool Is_Closer(float cx, float cy, float ax, float ay, float bx, float by) {
-  return Scaled_Distance(cx, cy, bx, by) < Scaled_Distance(cx, cy, ax, ay);
+  return Is_Nearer_Square(Distance_Square(cx, cy, bx, by), Distance_Square(cx, cy, ax, ay));
 }
 // The same with values that may be missing; any missing value gives false.
 bool Is_Closer(Nullable cx, Nullable cy, Nullable ax, Nullable ay, Nullable bx, Nullable by);

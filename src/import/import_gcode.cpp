@@ -46,7 +46,9 @@ std::string Comment_Name(std::string_view source_path) {
 // --- Lines -------------------------------------------------------------------------------------
 
 GCode_File::GCode_File(std::string path)
-    : Path(std::move(path)), File(std::fopen(Path.c_str(), "wb")) {
+    : Path(std::move(path)),
+      File(std::fopen(Path.c_str(), "wb")),
+      Axis_Pattern("############" + MachineSetup.Axis_Format) {
   if (!File) Raise_Write_Fault(Path);
   Buffer.reserve(Chunk + Chunk / 4);
 }
@@ -70,7 +72,11 @@ void GCode_File::Word(std::string_view letter, double value) {
 
 void GCode_File::Formatted_Word(std::string_view letter, double value) {
   Buffer += letter;
-  Buffer += Format_Axis_Number(value);
+  const std::size_t start = Buffer.size();
+  Buffer.resize(start + Formatted_Number_Limit + Axis_Pattern.Front.size() +
+                Axis_Pattern.Back.size());
+  const char* end = Write_Number(&Buffer[start], value, Axis_Pattern, Application.DecimalSeparator);
+  Buffer.resize(static_cast<std::size_t>(end - Buffer.data()));
 }
 
 void GCode_File::End() {
@@ -237,7 +243,7 @@ void Write_Footer(GCode_File& file, Import_Kind kind, double travel) {
 // --- Contours and arcs -------------------------------------------------------------------------
 
 bool Starts_Contour(const ImportLine& line, const Last_End& last) {
-  const double tolerance = Decimal_Of(MachineSetup.DXF_Line_Tolerance);
+  const double tolerance = MachineSetup.DXF_Line_Tolerance;
   return Differs(line.X1, last.X, tolerance) || Differs(line.Y1, last.Y, tolerance) ||
          Differs(line.Z1, last.Z, tolerance);
 }

@@ -5,6 +5,7 @@
 // tally of the import report. Lines end with CR LF.
 #pragma once
 
+#include "core/format.h"
 #include "core/nullable.h"
 #include "import/import_line.h"
 #include "import/import_pipeline.h"
@@ -52,6 +53,7 @@ class GCode_File {
 
   std::string Path;
   File_Handle File;
+  Number_Pattern Axis_Pattern;  // of `Axis_Format` when the file was begun
   std::string Buffer;
   std::size_t Line_Start = 0;
   bool Failed = false;

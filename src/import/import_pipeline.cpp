@@ -59,7 +59,9 @@ bool Run_Import(Import_Kind kind, const std::string& path, const std::string& sc
 
   const bool written = [&] {
     const Scratch_File scratch_file(scratch);
-    return steps();
+    bool complete = false;
+    Trap(std::string(Import_Row(kind).Name) + " Import Error", [&] { complete = steps(); });
+    return complete;
   }();
   Finish_Import_Report(Application.EscFlag);
   if (written) Import_Host.Open_GCode(Application.Temporary_GCode);
@@ -93,14 +95,28 @@ void Clear_Import_Status() {
 
 void Import_Progress(std::string_view before, double share, std::string_view after,
                      std::string_view pattern) {
+  char percent[Formatted_Number_Limit];
+  const char* end =
+      Write_Number(percent, share * 100, Number_Pattern(pattern), Application.DecimalSeparator);
   std::string text(before);
-  text += Format_Number(share * 100, pattern);
+  text.append(percent, static_cast<std::size_t>(end - percent));
   text += after;
   SetStatus(1, text, Status_Seconds);
 }
 
 void Yield_Counter::Yield() {
   DoEvents();
+}
+
+bool Pass_Rounds::Next(double share) {
+  constexpr int records_per_progress = 3;
+  if (Application.EscFlag) return false;
+  if (--Until_Progress <= 0) {
+    Until_Progress = records_per_progress;
+    Import_Progress("Add Passes: Adding Passes... ", share, "% Completed, press ESC to cancel");
+  }
+  Yields.Round();
+  return true;
 }
 
 void Import_Faults::Take_Current() noexcept {

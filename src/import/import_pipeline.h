@@ -91,6 +91,16 @@ struct Yield_Counter {
   static void Yield();
 };
 
+// The rounds of an add-passes step: progress at every third record, a yield at every 500th.
+struct Pass_Rounds {
+  // False on ESC. `share` is the part of the pass that is done.
+  bool Next(double share);
+
+ private:
+  Yield_Counter Yields{500};
+  int Until_Progress = 0;
+};
+
 // Failures inside one phase. The first few are logged one by one under the phase's name; a broken
 // file of a million lines does not make a million log lines: the rest is counted and the sum logged
 // when the phase ends.

@@ -16,7 +16,7 @@ Import_Report_State Import_Report;
 
 namespace {
 
-constexpr std::size_t Most_Kinds = 100, Longest_Kind = 24, Most_Notes = 20, Most_Names = 12;
+constexpr std::size_t Most_Kinds = 100, Longest_Kind = 60, Most_Notes = 20, Most_Names = 12;
 
 // Figures in a report are for reading: four decimals at most.
 std::string Figure(double value) {
@@ -196,7 +196,15 @@ void Count_Skipped(std::string_view kind, std::int64_t count) {
 }
 
 void Report_Note(std::string_view text) {
-  if (Import_Report.Notes.size() < Most_Notes) Import_Report.Notes.emplace_back(text);
+  auto& notes = Import_Report.Notes;
+  if (notes.size() < Most_Notes && std::find(notes.begin(), notes.end(), text) == notes.end()) {
+    notes.emplace_back(text);
+  }
+}
+
+void Report_Incomplete_Passes() {
+  Report_Note(
+      "The depth passes could not be written; the program is incomplete. See the error log.");
 }
 
 std::vector<std::string> Import_Report_Lines() {

@@ -1,100 +1,103 @@
-// record_walk.h: the next row in table order that lies within a distance.
+// record_walk.h: the rows of a path sort by place, and the search for the row to take next.
 //
 // The path sorts look through the rest of their table for rows nearer than the best so far, and
 // each one found changes places with the row in the slot. Which row is found next, and so the order
-// of the whole table, depends on the places and not only on the distances. A plain scan visits
+// of the whole table, depends on the places and not only on the distances. A plain scan measures
 // every row for every slot. The walk finds the same rows in the same order:
 //
-//   - A short scan first: while the best is still far away, a nearer row is found within a few
-//   steps.
-//   - Then the tree is asked for everything within the best distance. A short answer, sorted by
-//   place,
-//     holds all rows that can still be found. A long answer means that the scan will find one soon:
-//     it goes on with a larger allowance.
+//   - It scans with a first look in singles, sixteen places at a time; coordinates lie by place.
+//   Only
+//     where the first look cannot tell, the exact distances decide.
+//   - When a long stretch brought nothing it asks the tree for everything within the best distance.
+//   A
+//     short answer, sorted by place, holds all rows that can still be found. A long answer means
+//     that the scan will find one soon: it goes on with a larger allowance.
 //
-// Rows found later than the answer only lie within smaller distances, so one answer serves the
-// whole walk; where a sort lets the best distance grow again, the tree is asked again.
+// Rows found later than the answer mostly lie within smaller distances, so one answer serves the
+// rest of the walk; where the best distance grows again, the scan goes on.
+//
+// Row r has the ends 2r and 2r+1, its sides 0 and 1, and starts at one of them. An end that is
+// switched off is never found; a table of single points leaves its second ends off.
 #pragma once
 
 #include "import/point_tree.h"
 
-#include <algorithm>
+#include <array>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 namespace norvik {
 
-// `Table` gives:
-//   std::int32_t Size()                      number of places
-//   double Key_At(place, x, y)               squared distance of the nearest live end of the row
-//   there;
-//                                            infinite or more where it has none
-//   std::int32_t Place_Of(Point_Tree::Number) place of the row that the point belongs to
-//   const Point_Tree& Tree()                 live ends of all rows
-template <class Table>
 class Record_Walk {
  public:
-  explicit Record_Walk(const Table& table) : Rows(table) {}
+  enum class Finds { Nearer, Not_Farther };
+  explicit Record_Walk(Finds rule) : Rule(rule) {}
 
-  // A new walk around (x, y) that begins at `place`.
-  void Begin(float x, float y, std::int32_t place) {
-    X = x;
-    Y = y;
-    At = place;
-    Holds_Answer = false;
-    Scan_Allowance = First_Allowance;
-  }
+  // Two ends for each row, all off; row r stands at place r and starts at its side 0.
+  void Build(std::vector<Point_Tree::Point> ends);
 
-  // The next place at or behind the one last found whose key is at most `square`; -1 when there is
-  // none. Rows behind it must not have moved since Begin.
-  std::int32_t Next(double square) {
-    for (;;) {
-      if (Holds_Answer && square <= Answer_Square) return Next_In_Answer(square);
-      const std::int32_t stop = std::min(Rows.Size(), At + Scan_Allowance);
-      for (; At < stop; ++At) {
-        if (Rows.Key_At(At, X, Y) <= square) return At++;
-      }
-      if (At >= Rows.Size()) return -1;
-      Ask_Tree(square);
-      Scan_Allowance *= Growth;
-    }
+  std::int32_t Size() const { return static_cast<std::int32_t>(Row_At.size()); }
+  std::int32_t Row_In(std::int32_t place) const { return Row_At[Index(place)]; }
+  std::int32_t Place_Of(std::int32_t row) const { return Place[Index(row)]; }
+  const Point_Tree::Point& End_At(std::int32_t end) const { return Tree.At(end); }
+  bool Any_On() const { return Tree.Live() > 0; }
+  // Ends of the row at a place.
+  std::int32_t Start_Of(std::int32_t place) const {
+    return Row_In(place) * 2 + Side_At[Index(place)];
   }
+  std::int32_t End_Of(std::int32_t place) const {
+    return Row_In(place) * 2 + 1 - Side_At[Index(place)];
+  }
+  bool Is_Reversed(std::int32_t place) const { return Side_At[Index(place)] != 0; }
+  void Reverse(std::int32_t place) { Side_At[Index(place)] ^= 1; }
+
+  void Switch(std::int32_t end, bool on);
+  void Exchange(std::int32_t place, std::int32_t other);
+
+  // Looks at the places from `from` on, in order, for rows with an end nearer to (x, y) than
+  // `best`, or not farther, as the walk was made for. Each one found changes places with the row in
+  // `slot`, is turned to start at its nearer live end, and gives the new best point: its start; but
+  // where only its second end is live, its other end.
+  void Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
+            Point_Tree::Point best);
 
  private:
-  static constexpr std::int32_t First_Allowance = 32, Growth = 4;
+  static constexpr std::int32_t Block = 16;
+  static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
 
-  void Ask_Tree(double square) {
-    Holds_Answer =
-        Rows.Tree().Gather(X, Y, square, static_cast<std::size_t>(Scan_Allowance), Points);
-    if (!Holds_Answer) return;
-    Answer_Square = square;
-    Places.clear();
-    for (const Point_Tree::Number point : Points) {
-      const std::int32_t place = Rows.Place_Of(point);
-      if (place >= At) Places.push_back(place);
-    }
-    std::sort(Places.begin(), Places.end());
-    Answer_At = 0;
+  static std::size_t Index(std::int32_t n) { return static_cast<std::size_t>(n); }
+  float Rough_Square(const Point_Tree::Point& point) const;
+  void Set_Best(const Point_Tree::Point& point, float rough_square);
+  double Best_Root();
+  bool Passes(const Point_Tree::Point& point, float rough_square);
+  bool Passes_At(std::int32_t place);
+  int Near_Side(std::int32_t place) const;
+  void Take(std::int32_t place);
+  std::int32_t Next_Near_Block(std::int32_t block, std::int32_t stop) const;
+  void Scan(std::int32_t stop);
+  bool Ask_Tree();
+  void Walk_Answer();
+  void Put_Coordinates(std::int32_t place);
+  Point_Tree::Point Point_At(std::int32_t place, int side) const {
+    return {X_At[static_cast<std::size_t>(side)][Index(place)],
+            Y_At[static_cast<std::size_t>(side)][Index(place)]};
   }
 
-  std::int32_t Next_In_Answer(double square) {
-    for (; Answer_At < Places.size(); ++Answer_At) {
-      const std::int32_t place = Places[Answer_At];
-      if (place < At || !(Rows.Key_At(place, X, Y) <= square)) continue;
-      At = place + 1;
-      return place;
-    }
-    return -1;
-  }
+  Finds Rule;
+  std::vector<std::int32_t> Row_At, Place;
+  std::vector<std::uint8_t> Side_At;  // where the row of a place starts
+  // Ends by place; infinite where off. Filled up to whole blocks.
+  std::array<std::vector<float>, 2> X_At, Y_At;
+  Point_Tree Tree;
 
-  const Table& Rows;
-  float X = 0, Y = 0;
-  std::int32_t At = 0, Scan_Allowance = First_Allowance;
-  bool Holds_Answer = false;
-  double Answer_Square = 0;
-  std::size_t Answer_At = 0;
+  // The search in progress.
+  Point_Tree::Point Centre, Best;
+  float Low = 0, High = 0;  // rough squares below are nearer than Best, above are farther
+  double Root = -1;         // exact distance of Best; -1: not computed yet
+  std::int32_t Slot = 0, At = 0, Last_Found = 0;
+  std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
-  std::vector<std::int32_t> Places;
 };
 
 }  // namespace norvik

@@ -5,99 +5,12 @@
 #include "import/dxf_table.h"
 #include "import/import_distance.h"
 #include "import_fixture.h"
+#include "plain_dxf_sort.h"
 
 #include <algorithm>
 
 namespace norvik {
 namespace {
-
-// --- The rules as they stand, row by row ---------------------------------------------------------
-
-struct Plain_Sort {
-  std::vector<DXF_Row>& Rows;
-  Nullable X = 0.0, Y = 0.0, Z;
-  Nullable Best_X, Best_Y;
-  std::int64_t Slot = 0, Last = 0;
-
-  DXF_Row& Row(std::int64_t n) { return Rows[static_cast<std::size_t>(n)]; }
-  void Reset_Best() {
-    Best_X = 999999;
-    Best_Y = 9999999;
-  }
-  void Remember(const Nullable& x, const Nullable& y) {
-    Best_X = x;
-    Best_Y = y;
-  }
-  bool Beats_Best(const Nullable& x, const Nullable& y) {
-    return Is_Closer(X, Y, Best_X, Best_Y, x, y);
-  }
-  bool Start_Connects(std::int64_t i, std::int64_t j) {
-    const DXF_Row &a = Row(i), &b = Row(j);
-    return Ends_Connect(a.X1, a.Y1, a.Z1, b.X1, b.Y1, b.Z1, b.X2, b.Y2, b.Z2);
-  }
-  bool End_Connects(std::int64_t i, std::int64_t j) {
-    const DXF_Row &a = Row(i), &b = Row(j);
-    return Ends_Connect(a.X2, a.Y2, a.Z2, b.X1, b.Y1, b.Z1, b.X2, b.Y2, b.Z2);
-  }
-
-  void Look_For_Chain() {
-    for (std::int64_t i = Slot; i <= Last; ++i) {
-      bool start_free = true, end_free = true;
-      for (std::int64_t j = Slot; j <= Last && (start_free || end_free); ++j) {
-        if (j == i) continue;
-        if (Start_Connects(i, j)) start_free = false;
-        if (End_Connects(i, j)) end_free = false;
-      }
-      const bool start_nearer = Beats_Best(Row(i).X1, Row(i).Y1);
-      const bool end_nearer = Beats_Best(Row(i).X2, Row(i).Y2);
-      DXF_Row& slot = Row(Slot);
-      if (start_free && end_free && (start_nearer || end_nearer)) {
-        std::swap(Row(i), slot);
-        if (Is_Closer(X, Y, slot.X1, slot.Y1, slot.X2, slot.Y2)) Reverse_Row(slot);
-        Remember(slot.X1, slot.Y1);
-      } else if (start_free && !end_free && start_nearer) {
-        std::swap(Row(i), slot);
-        Remember(slot.X1, slot.Y1);
-      } else if (!start_free && end_free && end_nearer) {
-        std::swap(Row(i), slot);
-        Reverse_Row(slot);
-        Remember(slot.X2, slot.Y2);
-      }
-    }
-  }
-
-  void Move_To_End_Of(std::int64_t n) {
-    X = Row(n).X2;
-    Y = Row(n).Y2;
-    Z = Row(n).Z2;
-    Reset_Best();
-  }
-
-  void Follow_Chain() {
-    for (std::int64_t k = Slot + 1; k <= Last; ++k) {
-      std::int64_t m = k;
-      for (; m <= Last; ++m) {
-        const DXF_Row& row = Row(m);
-        if (Ends_Connect(X, Y, Z, row.X1, row.Y1, row.Z1, row.X2, row.Y2, row.Z2)) break;
-      }
-      if (m > Last) continue;
-      std::swap(Row(m), Row(k));
-      if (Is_Closer(X, Y, Row(k).X1, Row(k).Y1, Row(k).X2, Row(k).Y2)) Reverse_Row(Row(k));
-      Slot = k;
-      Move_To_End_Of(k);
-    }
-  }
-
-  void Sort_Group(std::int64_t first, std::int64_t last) {
-    Last = last;
-    Reset_Best();
-    for (Slot = first; Slot <= Last; ++Slot) {
-      Look_For_Chain();
-      Move_To_End_Of(Slot);
-      Follow_Chain();
-    }
-  }
-};
 
 // --- Drawings ------------------------------------------------------------------------------------
 
@@ -169,7 +82,7 @@ struct Dxf_Sort_Test : Import_Test {
     std::vector<DXF_Row> plain = rows;
     DXF_Entity = {};
     DXF_Entity.Rows = rows;
-    Plain_Sort sort{plain, 0.0, 0.0, {}, {}, {}, 0, 0};
+    Plain_Dxf_Sort sort{plain, 0.0, 0.0, {}, {}, {}, 0, 0};
     std::int64_t first = 0;
     sizes.push_back(rows.size());
     for (const std::size_t size : sizes) {
