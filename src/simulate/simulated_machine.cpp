@@ -135,6 +135,12 @@ void Place_Carriage(int axis, double position) {
   Settings_Changed(axis);
 }
 
+void Align_With_Application() {
+  for (int axis = 1; axis <= Axes; ++axis) {
+    Simulated_Machine.Axes[axis].Shift = Machine.Position[axis] - True_Position(axis);
+  }
+}
+
 double True_Position(int axis) {
   const Simulated_Axis& a = Simulated_Machine.Axes[axis];
   return a.Start + a.Carriage / a.Scale;
@@ -153,7 +159,8 @@ Simulated_Axis_View View_Axis(int axis, std::int64_t now) {
   view.Position = True_Position(axis);
   view.Commanded = Commanded_Position(axis);
   view.Application_Position = Machine.Position[axis];
-  view.Steps_Apart = std::llround((view.Application_Position - view.Position) * a.Scale);
+  const double apart = view.Application_Position - a.Shift - view.Position;
+  view.Steps_Apart = std::llround(apart * a.Scale);
   // At rest once the next step is late.
   const bool moving = a.Interval > 0 && now - a.Rise_Time < 4 * a.Interval;
   if (moving) view.Rate = 60e9 / static_cast<double>(a.Interval) / a.Scale;

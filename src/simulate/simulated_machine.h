@@ -79,6 +79,7 @@ struct Simulated_Axis {
 
   // --- Place -----------------------------------------------------------------------------------
   double Start = 0;  // units at Carriage 0
+  double Shift = 0;  // the application's coordinates over the machine's, units
   double Scale = 1;  // steps per unit
   // Carriage steps between which no switch changes and no stop is met.
   double Quiet_From = 0, Quiet_To = 0;
@@ -173,6 +174,9 @@ void Force_Input(int input, Input_Force force);
 void Set_Input_Fault(int input, Input_Fault fault);
 // Moves the carriage by hand, units.
 void Place_Carriage(int axis, double position);
+// The application's positions are right as they are: after its coordinates were edited or homed,
+// later differences count from here. Carriages, travels and switches stay.
+void Align_With_Application();
 
 // --- Looking -------------------------------------------------------------------------------------
 
@@ -183,7 +187,7 @@ double Commanded_Position(int axis);  // where the steps would have led, units
 struct Simulated_Axis_View {
   double Position = 0, Commanded = 0;  // units
   double Application_Position = 0;     // what the application believes
-  std::int64_t Steps_Apart = 0;        // from the application's position; not 0: show it
+  std::int64_t Steps_Apart = 0;        // from the application's position; not 0: show it in red
   double Rate = 0;                     // units per minute, 0 at rest
   bool Negative = false, Enabled = false, Stalled = false;
   double Travel_Low = 0, Travel_High = 0;

@@ -375,6 +375,10 @@ TEST_F(Simulated_Machine_Test, View_Shows_What_The_Application_Believes) {
   EXPECT_TRUE(view.Virtual_Time);
   Wait(10'000);
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Rate, 0);
+  Align_With_Application();
+  EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, 0);
+  Step(2);
+  EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, -2);
 }
 
 TEST_F(Simulated_Machine_Test, Settings_Come_From_The_Pointer_File) {
