@@ -52,7 +52,7 @@ void Take_Codes(const Scanned_Line& line, Block& block) {
 
 void Take_Scanned(const Scanned_Line& line, Block& block) {
   Take_Codes(line, block);
-  const Axis_Rounding& rounding = Current_Axis_Rounding();
+  const Axis_Word_Rounding& rounding = Current_Axis_Rounding();
   for (std::uint32_t rest = line.Seen; rest != 0; rest &= rest - 1) {
     const int name = std::countr_zero(rest);
     const Plain_Number& number = line.Numbers[static_cast<std::size_t>(name)];
@@ -86,7 +86,7 @@ double Whole_Word(std::string_view text) {
   return To_Double(Format_Number(Number_Value(text), "0"));
 }
 
-void Cut_Word(Line_Cutter& line, int name, const Axis_Rounding& rounding, Block& block) {
+void Cut_Word(Line_Cutter& line, int name, const Axis_Word_Rounding& rounding, Block& block) {
   const char letter = word::Letters[name];
   const auto text = name == word::L ? line.Cut_To_Blank(letter) : line.Cut_Real(letter);
   if (!text) return;
@@ -98,7 +98,7 @@ void Cut_All(Line_Cutter& line, Block& block) {
   if (!line.Done()) line.Cut_To_Blank('N');
   if (!line.Done()) Cut_Codes(line, 'M', [&](std::int16_t number) { block.Set_M(number); });
   if (!line.Done()) Cut_Codes(line, 'G', [&](std::int16_t number) { block.Set_G(number); });
-  const Axis_Rounding& rounding = Current_Axis_Rounding();
+  const Axis_Word_Rounding& rounding = Current_Axis_Rounding();
   for (int name = 0; name < word::Count && !line.Done(); ++name) {
     Cut_Word(line, name, rounding, block);
   }

@@ -11,7 +11,7 @@ namespace norvik {
 namespace {
 
 struct Axis_Rounding_State {
-  Axis_Rounding Now;
+  Axis_Word_Rounding Now;
 };
 Axis_Rounding_State Rounding;
 
@@ -26,14 +26,14 @@ std::string With_Regional_Sign(std::string_view text) {
 
 }  // namespace
 
-Axis_Rounding::Axis_Rounding(const std::string& axis_format) : Axis_Format(axis_format) {
+Axis_Word_Rounding::Axis_Word_Rounding(const std::string& axis_format) : Axis_Format(axis_format) {
   const Number_Pattern pattern("############" + axis_format);
   Decimals = static_cast<unsigned>(pattern.Decimals);
   Digits_Only = pattern.Front.empty() && pattern.Back.empty() && !pattern.Grouped;
   Zero_Has_Digit = pattern.Whole_Digits > 0 || pattern.Least_Decimals > 0;
 }
 
-double Axis_Rounding::Value(std::string_view text) const {
+double Axis_Word_Rounding::Value(std::string_view text) const {
   Plain_Number number;
   const char* end = text.data() + text.size();
   if (Scan_Plain_Number(text.data(), end, number) == end && number.Is_Plain()) {
@@ -42,13 +42,13 @@ double Axis_Rounding::Value(std::string_view text) const {
   return To_Double(Format_Axis_Number(To_Double(With_Regional_Sign(text))));
 }
 
-double Axis_Rounding::Value_By_Text(const Plain_Number& number) {
+double Axis_Word_Rounding::Value_By_Text(const Plain_Number& number) {
   return To_Double(Format_Axis_Number(number.Value()));
 }
 
-const Axis_Rounding& Current_Axis_Rounding() {
+const Axis_Word_Rounding& Current_Axis_Rounding() {
   if (Rounding.Now.Format() != MachineSetup.Axis_Format) {
-    Rounding.Now = Axis_Rounding(MachineSetup.Axis_Format);
+    Rounding.Now = Axis_Word_Rounding(MachineSetup.Axis_Format);
   }
   return Rounding.Now;
 }

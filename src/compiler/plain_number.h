@@ -82,10 +82,10 @@ inline const char* Scan_Plain_Number(const char* at, const char* end, Plain_Numb
 }
 
 // Axis words under `MachineSetup.Axis_Format`.
-class Axis_Rounding {
+class Axis_Word_Rounding {
  public:
-  Axis_Rounding() = default;
-  explicit Axis_Rounding(const std::string& axis_format);
+  Axis_Word_Rounding() = default;
+  explicit Axis_Word_Rounding(const std::string& axis_format);
 
   const std::string& Format() const { return Axis_Format; }
 
@@ -116,7 +116,7 @@ class Axis_Rounding {
 };
 
 // The rounding by the setup as it stands now.
-const Axis_Rounding& Current_Axis_Rounding();
+const Axis_Word_Rounding& Current_Axis_Rounding();
 
 // A number without the axis format: whole and real numbers of either region. Raises a type or
 // overflow fault when the text is none.

@@ -131,7 +131,7 @@ class Reader {
 
   Pair_Source Pairs;
   Import_Faults Faults;
-  const Import_Axis_Rounding Rounded;
+  const Axis_Rounding Rounded;
   const Decimal_Rounding Nine_Decimals{"0000000.000000000"};
 
   Entity_Fields Fields;

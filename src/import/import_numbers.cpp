@@ -133,13 +133,13 @@ double Foreign_Number(std::string_view text) {
   return *number;
 }
 
-Import_Axis_Rounding::Import_Axis_Rounding() : Rounding("############" + MachineSetup.Axis_Format) {}
+Axis_Rounding::Axis_Rounding() : Rounding("############" + MachineSetup.Axis_Format) {}
 
-double Import_Axis_Rounding::operator()(double value) const {
+double Axis_Rounding::operator()(double value) const {
   return Rounding(value);
 }
 
-double Import_Axis_Rounding::operator()(std::string_view text) const {
+double Axis_Rounding::operator()(std::string_view text) const {
   if (text.find_first_not_of(' ') == std::string_view::npos) return 0;
   return Rounding(Foreign_Number(text));
 }

@@ -51,9 +51,9 @@ double Foreign_Number(std::string_view text);
 // What `Format_Axis_Number` makes of numbers, as numbers: rounded to the decimals of `Axis_Format`,
 // ties away from zero on the decimal text. For readers that pass every coordinate through it; one
 // instance for a phase, since it takes `Axis_Format` when it is made.
-class Import_Axis_Rounding {
+class Axis_Rounding {
  public:
-  Import_Axis_Rounding();
+  Axis_Rounding();
   double operator()(double value) const;
   // A text of a foreign file: trimmed, either decimal sign, empty is 0. Raises a type fault when it
   // is no number, an overflow fault when the number does not fit a single.
