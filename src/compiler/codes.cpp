@@ -25,8 +25,7 @@ constexpr Code Acting(char letter, std::int16_t number, std::int8_t group, Code_
 }
 
 constexpr std::string_view Write_Offsets =
-    "add the offset to the coordinates (transform \"offset\") or set the position display to the "
-    "work piece";
+    "add the offset to the coordinates, or zero the position display at the work piece";
 constexpr std::string_view Write_Lengths =
     "set Z to zero with each tool, or add the length to the Z words";
 constexpr std::string_view Write_Holes = "write the hole out with G1 and G0, or use G81 to G83";
@@ -91,7 +90,7 @@ constexpr Code Table_Of_Codes[] = {
     Idle_G(59, 12, Ignored, "work offset 6", Write_Offsets),
     Idle_G(61, 13, Harmless, "exact path", Not_Needed),
     Idle_G(64, 13, Harmless, "path blending", Not_Needed),
-    Idle_G(68, 0, Ignored, "rotation", "rotate the program (transform \"rotate\")"),
+    Idle_G(68, 0, Ignored, "rotation", "write the rotated coordinates"),
     Idle_G(70, 6, Harmless, "inch", Not_Needed),
     Idle_G(71, 6, Harmless, "millimetre", Not_Needed),
     Idle_G(73, 1, Ignored, "drill with chip breaking", Write_Holes),

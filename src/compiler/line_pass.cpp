@@ -220,6 +220,10 @@ Line_Pass_Operations Compile_Operations() {
   Line_Pass_Operations operations;
   operations.Read_Block = ReadBlock;
   operations.Log = [](const std::string& text) { ErrorLogWrite(text); };
+  operations.Table_Full = [](const std::string& text) {
+    ErrorLogWrite(text);
+    AddMessage(text);
+  };
   operations.Show = [](std::int16_t macro, const std::string& text) {
     AddMessage(text);
     // One box a macro and compile: a repeated call must not hold the operator with a hundred boxes.

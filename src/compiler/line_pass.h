@@ -28,6 +28,8 @@ struct Line_Pass_Operations {
   std::function<void(std::string_view text)> Read_Block;
   // One line for the error log.
   std::function<void(const std::string& text)> Log;
+  // The table of records is full and the pass ends; what to tell the operator.
+  std::function<void(const std::string& text)> Table_Full;
   // A message that the operator must see, about a macro.
   std::function<void(std::int16_t macro, const std::string& text)> Show;
   // A line calls a macro, by the number's text; absent: without a number. Before it is expanded.

@@ -343,6 +343,7 @@ Line_Pass_Operations Checker::Operations() {
   Line_Pass_Operations operations;
   operations.Read_Block = [this](std::string_view text) { Read_Block(text); };
   operations.Log = [](const std::string&) {};
+  operations.Table_Full = [](const std::string&) {};  // a finding of its own, by the number of rows
   operations.Show = [this](std::int16_t, const std::string& text) {
     Report(Last_Call, Check_Kind::Macro_Missing, 0, text);
   };
@@ -372,6 +373,10 @@ std::vector<Check_Finding> Checker::Run() {
 }
 
 }  // namespace
+
+std::string File_Of(const Check_Finding& finding) {
+  return finding.Macro ? MachineSetup.MacroFile[*finding.Macro] : std::string();
+}
 
 std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program) {
   if (Compile_Busy()) return {};
