@@ -52,65 +52,88 @@ void Record_Walk::Exchange(std::int32_t place, std::int32_t other) {
 // --- Distances -----------------------------------------------------------------------------------
 
 // Unscaled and in singles throughout, for the first look.
-float Record_Walk::Rough_Square(const Point_Tree::Point& point) const {
-  const float dx = point.X - Centre.X, dy = point.Y - Centre.Y;
+float Record_Walk::Rough_Square(float x, float y) const {
+  const float dx = x - Centre.X, dy = y - Centre.Y;
   return dx * dx + dy * dy;
 }
 
+// Distance of the nearer live end; infinite without one.
+double Record_Walk::Exact_Root(const Row_State& row) const {
+  double square = std::numeric_limits<double>::infinity();
+  for (const int side : {0, 1}) {
+    if (row.X[side] == Nowhere) continue;
+    square = std::min(square, Distance_Square(Centre.X, Centre.Y, row.X[side], row.Y[side]));
+  }
+  return std::sqrt(square);
+}
+
 // The margins are far wider than what rounding and underflow can hide in either square.
-void Record_Walk::Set_Best(const Point_Tree::Point& point, float rough_square) {
+inline void Record_Walk::Set_Best(float rough_square) {
   constexpr float less = 1 - 1e-5F, more = 1 + 1e-5F, smallest = 1e-36F;
-  Best = point;
   Low = rough_square * less - smallest;
   High = rough_square * more + smallest;
   Root = -1;
 }
 
-double Record_Walk::Best_Root() {
-  if (Root < 0) Root = std::sqrt(Distance_Square(Centre.X, Centre.Y, Best.X, Best.Y));
-  return Root;
-}
-
-bool Record_Walk::Passes(const Point_Tree::Point& point, float rough_square) {
-  if (!(rough_square <= High) || point.X == Nowhere) return false;
+// For rough squares up to High.
+inline bool Record_Walk::Passes(float rough_square, std::int32_t place) {
   if (rough_square < Low) return true;
-  const double root = std::sqrt(Distance_Square(Centre.X, Centre.Y, point.X, point.Y));
-  return Rule == Finds::Nearer ? root < Best_Root() : root <= Best_Root();
-}
-
-bool Record_Walk::Passes_At(std::int32_t place) {
-  const Point_Tree::Point first = Point_At(place, 0), second = Point_At(place, 1);
-  return Passes(first, Rough_Square(first)) || Passes(second, Rough_Square(second));
-}
-
-// The nearer live end of the row there; on a tie the one where it starts now.
-int Record_Walk::Near_Side(std::int32_t place) const {
-  const Point_Tree::Point first = Point_At(place, 0), second = Point_At(place, 1);
-  if (second.X == Nowhere) return 0;
-  if (first.X == Nowhere) return 1;
-  const double squares[] = {Distance_Square(Centre.X, Centre.Y, first.X, first.Y),
-                            Distance_Square(Centre.X, Centre.Y, second.X, second.Y)};
-  const int start = Side_At[Index(place)];
-  return Is_Nearer_Square(squares[1 - start], squares[start]) ? 1 - start : start;
+  const Row_State row = State_At(place);
+  if (row.X[0] == Nowhere && row.X[1] == Nowhere) return false;
+  const double root = Exact_Root(row);
+  if (Root < 0) Root = Exact_Root(Carried);
+  return Rule == Finds::Nearer ? root < Root : root <= Root;
 }
 
 // --- Search --------------------------------------------------------------------------------------
 
-void Record_Walk::Take(std::int32_t place) {
-  const int side = Near_Side(place);
-  const bool other_is_off = Point_At(place, 1 - side).X == Nowhere;
-  const bool starts_there = Side_At[Index(place)] == side;
-  Point_Tree::Point best = Point_At(place, side);
-  if (other_is_off && !starts_there) best = Tree.At(Row_In(place) * 2 + 1 - side);
-  Side_At[Index(place)] = static_cast<std::uint8_t>(side);
-  Exchange(place, Slot);
-  Set_Best(best, Rough_Square(best));
+inline Record_Walk::Row_State Record_Walk::State_At(std::int32_t place) const {
+  const std::size_t at = Index(place);
+  return {Row_At[at], Side_At[at], {X_At[0][at], X_At[1][at]}, {Y_At[0][at], Y_At[1][at]}};
+}
+
+inline void Record_Walk::Put_State(std::int32_t place, const Row_State& state) {
+  const std::size_t at = Index(place);
+  Row_At[at] = state.Row;
+  Side_At[at] = state.Side;
+  X_At[0][at] = state.X[0];
+  Y_At[0][at] = state.Y[0];
+  X_At[1][at] = state.X[1];
+  Y_At[1][at] = state.Y[1];
+  Place[Index(state.Row)] = place;
+}
+
+// Turns the row to start at its nearer live end, on a tie where it starts now.
+void Record_Walk::Turn_Carried() {
+  const bool live[] = {Carried.X[0] != Nowhere, Carried.X[1] != Nowhere};
+  const int start = Carried.Side, end = 1 - start;
+  if (live[0] && live[1]) {
+    const auto square = [&](int side) {
+      return Distance_Square(Centre.X, Centre.Y, Carried.X[side], Carried.Y[side]);
+    };
+    if (Is_Nearer_Square(square(end), square(start))) Carried.Side ^= 1;
+  } else if (live[end]) {
+    Carried.Side ^= 1;
+    const Point_Tree::Point& other = Tree.At(Carried.Row * 2 + start);
+    Set_Best(Rough_Square(other.X, other.Y));
+    Root = std::sqrt(Distance_Square(Centre.X, Centre.Y, other.X, other.Y));
+  }
+}
+
+inline void Record_Walk::Take(std::int32_t place) {
+  const Row_State found = State_At(place);
+  Put_State(place, Carried);
+  Carried = found;
   Last_Found = place;
+  const float first = Rough_Square(found.X[0], found.Y[0]);
+  const float second = Rough_Square(found.X[1], found.Y[1]);
+  Set_Best(first < second ? first : second);
+  if (Rule == Finds::Nearer) Turn_Carried();
 }
 
 // The first block from `block` on, before `stop`, with a place whose rough square is at most High.
 // The loop over a block stands in a form that compilers turn into vector instructions.
-std::int32_t Record_Walk::Next_Near_Block(std::int32_t block, std::int32_t stop) const {
+inline std::int32_t Record_Walk::Next_Near_Block(std::int32_t block, std::int32_t stop) const {
   const float x = Centre.X, y = Centre.Y, high = High;
   for (; block < stop; ++block) {
     const std::size_t first = Index(block * Block);
@@ -137,22 +160,23 @@ void Record_Walk::Scan(std::int32_t stop) {
   const std::size_t first = Index(block * Block);
   float squares[Block];
   for (std::size_t n = 0; n < Block; ++n) {
-    const float square0 = Rough_Square({X_At[0][first + n], Y_At[0][first + n]});
-    const float square1 = Rough_Square({X_At[1][first + n], Y_At[1][first + n]});
+    const float square0 = Rough_Square(X_At[0][first + n], Y_At[0][first + n]);
+    const float square1 = Rough_Square(X_At[1][first + n], Y_At[1][first + n]);
     squares[n] = square0 < square1 ? square0 : square1;
   }
-  const std::int32_t block_stop = (block + 1) * Block;
-  for (; At < block_stop; ++At) {
-    if (squares[At % Block] <= High && At < Size() && Passes_At(At)) Take(At);
+  const std::int32_t block_start = block * Block;
+  for (std::int32_t n = At - block_start; n < Block; ++n) {
+    if (squares[n] <= High && Passes(squares[n], block_start + n)) Take(block_start + n);
   }
+  At = block_start + Block;
 }
 
 // Fills Answer with what can still be found; false when that is much.
 bool Record_Walk::Ask_Tree() {
   constexpr double allowance = 1 + 1e-14;  // squares that differ can have the same root
-  const double square = Distance_Square(Centre.X, Centre.Y, Best.X, Best.Y) * allowance;
+  if (Root < 0) Root = Exact_Root(Carried);
   const auto most = static_cast<std::size_t>(At - Last_Found);
-  if (!Tree.Gather(Centre.X, Centre.Y, square, most, Points)) return false;
+  if (!Tree.Gather(Centre.X, Centre.Y, Root * Root * allowance, most, Points)) return false;
   Answer.clear();
   for (const Point_Tree::Number end : Points) {
     const std::int32_t place = Place_Of(end / 2);
@@ -166,7 +190,11 @@ bool Record_Walk::Ask_Tree() {
 void Record_Walk::Walk_Answer() {
   const float asked = High;
   for (const std::int32_t place : Answer) {
-    if (place < At || !Passes_At(place)) continue;
+    if (place < At) continue;
+    const std::size_t at = Index(place);
+    const float square =
+        std::min(Rough_Square(X_At[0][at], Y_At[0][at]), Rough_Square(X_At[1][at], Y_At[1][at]));
+    if (!(square <= High) || !Passes(square, place)) continue;
     Take(place);
     At = place + 1;
     if (High > asked) return;
@@ -174,12 +202,13 @@ void Record_Walk::Walk_Answer() {
   At = Size();
 }
 
-void Record_Walk::Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
+void Record_Walk::Find(Point_Tree::Point centre, std::int32_t slot, std::int32_t from,
                        Point_Tree::Point best) {
-  Centre = from_point;
-  Slot = slot;
+  Centre = centre;
   At = Last_Found = from;
-  Set_Best(best, Rough_Square(best));
+  Carried = State_At(slot);
+  Set_Best(Rough_Square(best.X, best.Y));
+  Root = std::sqrt(Distance_Square(centre.X, centre.Y, best.X, best.Y));
   std::int32_t allowance = First_Allowance;
   while (At < Size()) {
     Scan(std::min(Size(), Last_Found + allowance));
@@ -190,6 +219,7 @@ void Record_Walk::Find(Point_Tree::Point from_point, std::int32_t slot, std::int
       allowance *= Growth;
     }
   }
+  Put_State(slot, Carried);
 }
 
 }  // namespace norvik

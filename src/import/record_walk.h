@@ -66,23 +66,26 @@ class Record_Walk {
   static constexpr std::int32_t Block = 16;
   static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
 
+  // What stands at a place, while it is carried to the next one.
+  struct Row_State {
+    std::int32_t Row = 0;
+    std::uint8_t Side = 0;
+    float X[2] = {}, Y[2] = {};
+  };
+
   static std::size_t Index(std::int32_t n) { return static_cast<std::size_t>(n); }
-  float Rough_Square(const Point_Tree::Point& point) const;
-  void Set_Best(const Point_Tree::Point& point, float rough_square);
-  double Best_Root();
-  bool Passes(const Point_Tree::Point& point, float rough_square);
-  bool Passes_At(std::int32_t place);
-  int Near_Side(std::int32_t place) const;
+  Row_State State_At(std::int32_t place) const;
+  void Put_State(std::int32_t place, const Row_State& state);
+  float Rough_Square(float x, float y) const;
+  double Exact_Root(const Row_State& row) const;
+  void Set_Best(float rough_square);
+  bool Passes(float rough_square, std::int32_t place);
   void Take(std::int32_t place);
+  void Turn_Carried();
   std::int32_t Next_Near_Block(std::int32_t block, std::int32_t stop) const;
   void Scan(std::int32_t stop);
   bool Ask_Tree();
   void Walk_Answer();
-  void Put_Coordinates(std::int32_t place);
-  Point_Tree::Point Point_At(std::int32_t place, int side) const {
-    return {X_At[static_cast<std::size_t>(side)][Index(place)],
-            Y_At[static_cast<std::size_t>(side)][Index(place)]};
-  }
 
   Finds Rule;
   std::vector<std::int32_t> Row_At, Place;
@@ -92,10 +95,11 @@ class Record_Walk {
   Point_Tree Tree;
 
   // The search in progress.
-  Point_Tree::Point Centre, Best;
-  float Low = 0, High = 0;  // rough squares below are nearer than Best, above are farther
-  double Root = -1;         // exact distance of Best; -1: not computed yet
-  std::int32_t Slot = 0, At = 0, Last_Found = 0;
+  Point_Tree::Point Centre;
+  Row_State Carried;        // the row found last; it goes to the slot, or to the place of the next
+  float Low = 0, High = 0;  // rough squares below are nearer than the best, above are farther
+  double Root = -1;         // exact distance of the best; -1: that of Carried, not computed yet
+  std::int32_t At = 0, Last_Found = 0;
   std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
 };
