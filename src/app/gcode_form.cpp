@@ -183,11 +183,11 @@ void Command_GCode_Reset_Click() {
   if (MachineSetup.Plot_Show_Grid == 1) NIST_RePlot();
 }
 
-void Text_StartingStep_Change() {
+void Gcode_StartingStep_Change() {
   Machine.StartingStep = std::max(Typed_Step(Gcode_Form.Text_StartingStep.Text), 1);
 }
 
-void Text_EndingStep_Change() {
+void Gcode_EndingStep_Change() {
   const std::int32_t typed = Typed_Step(Gcode_Form.Text_EndingStep.Text);
   Machine.EndingStep = std::max(Machine.StartingStep, std::min(typed, GCodeLineCount()));
 }

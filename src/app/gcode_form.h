@@ -73,9 +73,10 @@ void Command_Update_Click();
 void Command_GStep_Click();
 // Back to the first step.
 void Command_GCode_Reset_Click();
-// The operator has changed a step box; the record holds the text.
-void Text_StartingStep_Change();
-void Text_EndingStep_Change();
+// The operator has changed a step box of this window; the record holds the text. The panel's boxes
+// have handlers of their own.
+void Gcode_StartingStep_Change();
+void Gcode_EndingStep_Change();
 
 // --- Displays ------------------------------------------------------------------------------------
 

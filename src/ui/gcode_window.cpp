@@ -165,8 +165,8 @@ QWidget* GCode_Window::Build_Steps() {
     grid->addWidget(edit, 0, column + 1);
   };
   field(0, "From step", "Text_StartingStep", Gcode_Form.Text_StartingStep,
-        Text_StartingStep_Change);
-  field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Text_EndingStep_Change);
+        Gcode_StartingStep_Change);
+  field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Gcode_EndingStep_Change);
   field(4, "Travel", "Text_Feed_Rates_0", Gcode_Form.Text_Feed_Rates[0],
         [] { Text_Feed_Rates_Change(0); });
   field(6, "Cut", "Text_Feed_Rates_1", Gcode_Form.Text_Feed_Rates[1],

@@ -170,9 +170,9 @@ TEST_F(GCode_Test, Steps_Are_Held_To_The_Program) {
   for (const Row& row : {Row{"2", "3", 2, 3}, Row{"-5", "99", 1, 4}, Row{"", "", 1, 1},
                          Row{"x", "2", 1, 2}, Row{"3", "2", 3, 3}}) {
     Gcode_Form.Text_StartingStep.Text = row.Start;
-    Text_StartingStep_Change();
+    Gcode_StartingStep_Change();
     Gcode_Form.Text_EndingStep.Text = row.End;
-    Text_EndingStep_Change();
+    Gcode_EndingStep_Change();
     EXPECT_EQ(Machine.StartingStep, row.Start_Step) << row.Start;
     EXPECT_EQ(Machine.EndingStep, row.End_Step) << row.End;
   }
