@@ -157,10 +157,9 @@ void Wire_Pens::Append_To(Display_List& list, const Wire& wire) {
 
 // --- The grid --------------------------------------------------------------------------------
 
-void Build_Grid(const Plot_Palette& palette, Display_List& list) {
+void Build_Grid(const Plot_Palette& palette, double step, Display_List& list) {
   list.Clear();
   const double width = MachineSetup.Axis_Depth[1], height = MachineSetup.Axis_Depth[2];
-  const double step = MachineSetup.Axis_Table_Grid_Size;
   if (!(step > 0) || !(std::max(width, height) / step <= Most_Grid_Lines))
     throw Fault(Fault_Number::Invalid_Call,
                 "The grid size " + std::to_string(step) + " does not fit a table of " +

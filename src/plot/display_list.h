@@ -99,8 +99,8 @@ Line_Ends Ends_Of(const Wire& wire);
 
 // --- The grid --------------------------------------------------------------------------------
 
-// Lines along and across the table every `Axis_Table_Grid_Size`, at Z = 0. Raises an invalid call
-// fault for a grid size that is not positive or so small that the grid would be a solid area.
-void Build_Grid(const Plot_Palette& palette, Display_List& list);
+// Lines along and across the table every `step`, at Z = 0. Raises an invalid call fault for a step
+// that is not positive or so small that the grid would be a solid area.
+void Build_Grid(const Plot_Palette& palette, double step, Display_List& list);
 
 }  // namespace norvik

@@ -80,7 +80,8 @@ void Report_Too_Large(std::size_t count) {
 
 void Build_Table_Pictures() {
   if (!Grid_Shown()) return;
-  Trap("Plot_Grid_Error", [] { Build_Grid(Current_Palette(), Plot.GridLines); });
+  Trap("Plot_Grid_Error",
+       [] { Build_Grid(Current_Palette(), MachineSetup.Axis_Table_Grid_Size, Plot.GridLines); });
   if (Plot_Host.Picture_ZAxis) Draw_Z_Strip(*Plot_Host.Picture_ZAxis, Current_Palette());
 }
 

@@ -1,6 +1,7 @@
 #include "plot/plot_picture.h"
 
 #include "compiler/program_wire.h"
+#include "core/fault.h"
 #include "core/indexed.h"
 #include "core/paths.h"
 #include "core/setup.h"
@@ -22,6 +23,7 @@ namespace {
 
 constexpr double Margin = 1.06;  // of the half span
 constexpr std::int32_t Fine_Pixels = 1400;
+constexpr double Closest_Grid = 8;  // pixels
 
 struct Extents {
   double Left = std::numeric_limits<double>::max(), Right = std::numeric_limits<double>::lowest();
@@ -78,6 +80,28 @@ Display_List Listed_Program(double pixel_factor, const Plot_Palette& palette) {
   return list;
 }
 
+// The table's edges; nothing where the grid is not shown or the table has no size.
+Display_List Listed_Table(const Plot_Palette& palette) {
+  Display_List list;
+  const double side = std::max(MachineSetup.Axis_Depth[1], MachineSetup.Axis_Depth[2]);
+  if (MachineSetup.Plot_Show_Grid == 1 && side > 0) Build_Grid(palette, side / 100, list);
+  return list;
+}
+
+// The grid; on a small picture of a large table every second, fifth, tenth... line of it, so that
+// it does not become a solid area. A grid that makes no sense is left out, and the log says so.
+Display_List Listed_Grid(const Plot_Palette& palette, const Plot_Scale& window, std::int32_t size) {
+  Display_List list;
+  const double pixels = MachineSetup.Axis_Table_Grid_Size / window.Width() * size;
+  if (MachineSetup.Plot_Show_Grid != 1) return list;
+  double every = 1;
+  for (int step = 0; pixels > 0 && pixels * every < Closest_Grid; ++step)
+    every *= step % 3 == 1 ? 2.5 : 2;  // 1, 2, 5, 10, 20, 50...
+  Trap("Plot_Grid_Error",
+       [&] { Build_Grid(palette, MachineSetup.Axis_Table_Grid_Size * every, list); });
+  return list;
+}
+
 }  // namespace
 
 Plot_Image Make_Program_Picture(const Picture_Request& request) {
@@ -89,12 +113,10 @@ Plot_Image Make_Program_Picture(const Picture_Request& request) {
   const Plot_Palette palette =
       Readable_Palette(MachineSetup.Plot_Color, request.Dark ? Dark_Background : Light_Background);
   const Projection projection = Preset_Projection(request.View);
-  Display_List grid;
-  if (MachineSetup.Plot_Show_Grid == 1) Build_Grid(palette, grid);
   Extents extents = Extents_Of(Listed_Program(0, palette), projection);
   // Less than the smallest window is no picture: the table shows where it lies.
   if (extents.Empty() || extents.Span() < Smallest_Half_Span)
-    extents.Include(Extents_Of(grid, projection));
+    extents.Include(Extents_Of(Listed_Table(palette), projection));
   const Plot_Scale window = Fitted(extents);
   const double pixel_factor = Pixel_Factor(window, request.Size * Units_Per_Pixel);
 
@@ -104,6 +126,7 @@ Plot_Image Make_Program_Picture(const Picture_Request& request) {
   surface.Clear(palette[plot_role::Background]);
   Line_Memory memory{};
   Line_Painter painter(surface, projection, window, memory);
+  const Display_List grid = Listed_Grid(palette, window, request.Size);
   painter.Draw(grid, 0, grid.Count());
   const Display_List program = Listed_Program(pixel_factor, palette);
   painter.Draw(program, 0, program.Count());

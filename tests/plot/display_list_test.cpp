@@ -117,10 +117,9 @@ TEST_F(Display_List_Test, Grid_Lines_Add_Up_Their_Steps) {
   for (const Row& row : rows) {
     SCOPED_TRACE(row.Name);
     MachineSetup.Axis_Depth = {{row.Width, row.Height, 4, 1}};
-    MachineSetup.Axis_Table_Grid_Size = row.Step;
     MachineSetup.Plot_Centered = row.Centered;
     Display_List grid;
-    Build_Grid(Palette(), grid);
+    Build_Grid(Palette(), row.Step, grid);
     ASSERT_EQ(grid.Count(), row.Lines.size());
     for (std::size_t i = 0; i < grid.Count(); ++i) {
       const auto& e = grid.Ends;
@@ -136,8 +135,7 @@ TEST_F(Display_List_Test, Grid_Lines_Add_Up_Their_Steps) {
 TEST_F(Display_List_Test, A_Grid_Without_Sense_Is_A_Fault_And_Ends) {
   Display_List grid;
   for (const float step : {0.0F, -1.0F, 1e-6F}) {
-    MachineSetup.Axis_Table_Grid_Size = step;
-    EXPECT_THROW(Build_Grid(Palette(), grid), Fault) << step;
+    EXPECT_THROW(Build_Grid(Palette(), step, grid), Fault) << step;
     EXPECT_EQ(grid.Count(), 0U);
   }
 }
