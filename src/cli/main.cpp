@@ -1,4 +1,5 @@
 // norvik-cli: chooses the back ends and hands over to the commands.
+#include "app/shutdown.h"
 #include "cli/companion.h"
 #include "core/application.h"
 #include "core/setup.h"
@@ -9,6 +10,8 @@
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
 #include "wiring/port_choice.h"
+
+#include <cstdlib>
 #ifdef NORVIK_PICTURES
 #include "platform/qt/picture_files.h"
 
@@ -21,6 +24,10 @@
 int main(int argument_count, char** arguments) {
   using namespace norvik;
   Install_Headless_Platform();
+  Headless.On_End = [] {  // the second Ctrl-C
+    Switch_Off_Running_Machine();
+    std::_Exit(130);
+  };
   Install_Linux_Clock();
   Install_Linux_Priority();
 
