@@ -236,7 +236,7 @@ TEST_F(Text_Test, Tables_that_cannot_be_written_are_not_run) {
   SaveChanges("G1 X1\n");
   const Run_Summary summary = Run_Program({""});
   EXPECT_FALSE(summary.Finished);
-  EXPECT_THAT(summary.Ended_By, HasSubstr("could not write"));
+  EXPECT_THAT(summary.Ended_By, HasSubstr("Cannot write"));
 }
 
 TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
