@@ -427,6 +427,7 @@ TEST_F(Jog_Test, Positions_levels_and_feeds_are_edited_in_boxes) {
   Label_FeedRate_Jogging_Click();
   EXPECT_EQ(scripted.Inputs[5].Initial, "60.00");
   EXPECT_EQ(CNC_Controls.Text_Jog_IPM.Text, "30");
+  EXPECT_EQ(JogKey_Form.Label_FeedRate_Jogging.Caption, "30.00");
   Label_FeedRate_Cut_Click();  // negative
   EXPECT_EQ(MachineSetup.Axis_Feed_Rate_Cut, 60);
   Command_Zero_Pos_Click(1);
