@@ -485,10 +485,11 @@ TEST_F(Jog_Test, The_key_page_reads_keys_and_restores_its_defaults) {
   Command_KeyJog_RestoreDefaults();
   Command_JoyJog_RestoreDefaults();
   Save_Jog_Tables();
-  const Machine_Setup restored = MachineSetup;
+  const auto keys = MachineSetup.KeyJog_KeyValue;
+  const auto buttons = MachineSetup.JoyJog_KeyValue;
   Restore_Factory_Setup();
-  EXPECT_EQ(restored.KeyJog_KeyValue, MachineSetup.KeyJog_KeyValue);
-  EXPECT_EQ(restored.JoyJog_KeyValue, MachineSetup.JoyJog_KeyValue);
+  EXPECT_EQ(keys, MachineSetup.KeyJog_KeyValue);
+  EXPECT_EQ(buttons, MachineSetup.JoyJog_KeyValue);
 }
 
 }  // namespace
