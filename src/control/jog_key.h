@@ -61,6 +61,7 @@ void Form_KeyPress();
 
 void Increment_Jog_Toggle();
 void Display_Jog_Toggle();
+void Display_Jog_Feed();
 // Index 0 keyboard, 1 joystick; written as `KeyJog_Device`.
 void Option_JoyCtrl_Click(int index);
 

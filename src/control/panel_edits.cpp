@@ -118,6 +118,7 @@ void Label_FeedRate_Jogging_Click() {
   if (!Ask_Feed("Enter Jogging feedrate", "Axis_Feed_Rate_Jogging",
                 MachineSetup.Axis_Feed_Rate_Jogging))
     return;
+  Change_Jog_Feed(MachineSetup.Axis_Feed_Rate_Jogging);
   Text_Jog_IPM_LostFocus();
   CNC_Display();
 }

@@ -427,6 +427,7 @@ TEST_F(Jog_Test, Positions_levels_and_feeds_are_edited_in_boxes) {
   Label_FeedRate_Jogging_Click();
   EXPECT_EQ(scripted.Inputs[5].Initial, "60.00");
   EXPECT_EQ(CNC_Controls.Text_Jog_IPM.Text, "30");
+  EXPECT_EQ(JogKey_Form.Label_FeedRate_Jogging.Caption, "30.00");
   Label_FeedRate_Cut_Click();  // negative
   EXPECT_EQ(MachineSetup.Axis_Feed_Rate_Cut, 60);
   Command_Zero_Pos_Click(1);
@@ -466,10 +467,11 @@ TEST_F(Jog_Test, The_key_page_reads_keys_and_restores_its_defaults) {
   Command_KeyJog_RestoreDefaults();
   Command_JoyJog_RestoreDefaults();
   Save_Jog_Tables();
-  const Machine_Setup restored = MachineSetup;
+  const auto keys = MachineSetup.KeyJog_KeyValue;
+  const auto buttons = MachineSetup.JoyJog_KeyValue;
   Restore_Factory_Setup();
-  EXPECT_EQ(restored.KeyJog_KeyValue, MachineSetup.KeyJog_KeyValue);
-  EXPECT_EQ(restored.JoyJog_KeyValue, MachineSetup.JoyJog_KeyValue);
+  EXPECT_EQ(keys, MachineSetup.KeyJog_KeyValue);
+  EXPECT_EQ(buttons, MachineSetup.JoyJog_KeyValue);
 }
 
 }  // namespace

@@ -161,7 +161,8 @@ TEST_F(Programs_Test, A_kill_loses_no_file_and_no_saved_position) {
     ::usleep(static_cast<useconds_t>(3000 + random() % 30'000));
     ::kill(child, SIGKILL);
     ::waitpid(child, nullptr, 0);
-    MachineSetup = {};
+    MachineSetup.INI_Save_Test = 0;
+    MachineSetup.Axis_SPI.Fill(0);
     LoadMachineSetup();
     EXPECT_EQ(MachineSetup.INI_Save_Test, 123);
     EXPECT_EQ(MachineSetup.Axis_SPI[4], 400);
