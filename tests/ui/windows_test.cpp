@@ -13,6 +13,8 @@ struct Windows_Test : Ui_Test {
   void Drop(const std::string& path) {
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(Window.get(), &enter);
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(Window.get(), &drop);
   }
@@ -57,7 +59,7 @@ TEST_F(Windows_Test, Closing_With_Typed_Text_Asks_Once_And_Can_Be_Called_Off) {
 TEST_F(Windows_Test, Another_Machine_Setup_Is_Taken_Over_With_Its_Windows) {
   Write_Machine(
       "work/other.ini",
-      "[Form Position]\nGCode_Left=150\nGCode_Top=300\nGCode_Width=7500\nGCode_Height=4500\n");
+      "GCode_Left=150\nGCode_Top=300\nGCode_Width=7500\nGCode_Height=4500\n");
   scripted.Open_Answers.push_back(Folder.File("work/other.ini"));
   Choose("Menu_Machine_Load_Machine_Setup");
   EXPECT_EQ(Application.MachineFile, Folder.File("work/other.ini"));
