@@ -69,7 +69,8 @@ class Value_Label : public QLabel {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setFrameShape(QFrame::StyledPanel);
     setMargin(Text_Height() / 5);
-    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("00000.00"));
+    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-000.0000") +
+                    2 * (margin() + frameWidth()));
     Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
     setToolTip(tip);
     setCursor(Qt::PointingHandCursor);

@@ -63,8 +63,10 @@ TEST_F(Main_Job_Test, A_Program_Runs_To_Its_End_By_Play_And_By_Steps) {
   Expect_Machine_At(0.5, 0.25);
   EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stopped");
 
-  Click("Command_CNC_Step");
+  Click("Command_CNC_Step");  // the first press names the step and moves nothing
   EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stepped");
+  Expect_Machine_At(0.5, 0.25);
+  Click("Command_CNC_Step");
   Expect_Machine_At(0, 0);
   Click("Command_CNC_Step");
   Expect_Machine_At(0.5, 0);
@@ -104,7 +106,7 @@ TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
     }
     if (Machine.CNCMode != CNC_Stopped) Click("Command_CNC_Stop");
     scripted.On_Yield = [] { QCoreApplication::processEvents(); };
-    Type_Goto("G0X0Y0");
+    Type_Goto("G00 X0 Y0");
     Click("Command_Goto");
     Expect_Machine_At(0, 0);
   }
@@ -121,7 +123,7 @@ TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {
 }
 
 TEST_F(Main_Job_Test, Goto_Runs_A_Line_And_Zero_Renames_The_Place) {
-  Type_Goto("G1X0.3Y0.1");
+  Type_Goto("G01 X0.3 Y0.1");
   Click("Command_Goto");
   Expect_Machine_At(0.3, 0.1);
   Click("Command_Zero_Pos_X");
