@@ -75,14 +75,14 @@ TEST_F(Main_Job_Test, A_Program_Runs_To_Its_End_By_Play_And_By_Steps) {
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
 }
 
-// Pressed in a yield of the second move.
+// Pressed in a yield of the second move. Pause and Stop let that move end, the E-stop does not.
 TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
   struct {
     const char* Button;
     std::int16_t Mode;
     bool Ends_In_The_Move, EStop;
   } const rows[] = {{"Command_CNC_Pause", CNC_Paused, false, false},
-                    {"Command_CNC_Stop", CNC_Stopped, true, false},
+                    {"Command_CNC_Stop", CNC_Stopped, false, false},
                     {"Command_EStop", CNC_Stopped, true, true}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.Button);
