@@ -47,7 +47,7 @@ constexpr Button_Row Run_Buttons[] = {
     {"Command_CNC_Step", &CNC_Controls_Form::Command_CNC_Step, Command_CNC_Step_Click, Sign::Step,
      "Run one step"},
     {"Command_CNC_Stop", &CNC_Controls_Form::Command_CNC_Stop, Command_CNC_Stop_Click, Sign::Stop,
-     "End the run; the next one begins at the first step (ESC)"},
+     "End the run with the running move; the next run begins at the first step (ESC)"},
 };
 
 QPushButton* Big_Button(const Button_Row& row) {
@@ -69,7 +69,8 @@ class Value_Label : public QLabel {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setFrameShape(QFrame::StyledPanel);
     setMargin(Text_Height() / 5);
-    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("00000.00"));
+    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-000.0000") +
+                    2 * (margin() + frameWidth()));
     Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
     setToolTip(tip);
     setCursor(Qt::PointingHandCursor);

@@ -343,7 +343,7 @@ void Main_Frame::Tell_Area() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
   const QRect inside = Area->contentsRect();
   Window_Area.Tool_Windows = Screen_Area{0, 0, inside.width(), inside.height()};
-  Window_Area.Panel_Width = Text_Height() * 46;
+  Window_Area.Panel_Width = Text_Height() * 49;
 }
 
 void Main_Frame::Reset_Places() {

@@ -34,6 +34,7 @@
 #include <string>
 
 #include <QApplication>
+#include <QLineEdit>
 #include <QMdiSubWindow>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -85,7 +86,9 @@ struct Ui_Test : testing::Test {
   // The sample machine with its pins wired, long travels and no ramps.
   void Write_Machine(const std::string& name, const std::string& more = "") {
     Replace_File(Folder.File(name),
-                 Read_Whole_File(std::string(NORVIK_SAMPLES_FOLDER) + "/inch.ini") + more);
+                 Read_Whole_File(std::string(NORVIK_SAMPLES_FOLDER) + "/inch.ini") +
+                     "[Form Position]\nMain_WindowState=0\nMain_Width=24000\nMain_Height=15000\n" +
+                     more);
   }
 
   // A start of the program.
@@ -142,6 +145,13 @@ struct Ui_Test : testing::Test {
       *done = true;
       action();
     };
+  }
+
+  // Types a line into the field of Goto in place of what stands there.
+  void Type_Goto(const QString& line) {
+    auto& field = Find<QLineEdit>("Text_Goto");
+    field.selectAll();
+    QTest::keyClicks(&field, line);
   }
 
   std::string Write_Program(const std::string& name, const std::string& text) {

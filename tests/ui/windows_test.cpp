@@ -13,6 +13,8 @@ struct Windows_Test : Ui_Test {
   void Drop(const std::string& path) {
     QMimeData data;
     data.setUrls({QUrl::fromLocalFile(QString::fromStdString(path))});
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(Window.get(), &enter);
     QDropEvent drop(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QApplication::sendEvent(Window.get(), &drop);
   }
@@ -54,16 +56,18 @@ TEST_F(Windows_Test, Closing_With_Typed_Text_Asks_Once_And_Can_Be_Called_Off) {
   EXPECT_EQ(Read_Whole_File(Folder.File("kept.gc")), "G0 X1\r\n");
 }
 
-TEST_F(Windows_Test, Another_Machine_Setup_Is_Taken_Over_With_Its_Windows) {
-  Write_Machine(
-      "work/other.ini",
-      "[Form Position]\nGCode_Left=150\nGCode_Top=300\nGCode_Width=7500\nGCode_Height=4500\n");
+TEST_F(Windows_Test, Another_Machine_Setup_Is_Taken_Over_And_The_Windows_Speak_Its_Unit) {
+  EXPECT_EQ(Find<QLabel>("Label_Axis_Unit_X").text(), "in");
+  Replace_File(Folder.File("work/other.ini"),
+               Read_Whole_File(std::string(NORVIK_SAMPLES_FOLDER) + "/metric.ini"));
   scripted.Open_Answers.push_back(Folder.File("work/other.ini"));
   Choose("Menu_Machine_Load_Machine_Setup");
   EXPECT_EQ(Application.MachineFile, Folder.File("work/other.ini"));
   EXPECT_EQ(Find<QLabel>("Panel_4").text(), "other");
-  ASSERT_TRUE(Window->Tool_Window_Is_Open("GCode"));
-  EXPECT_EQ(Frame_Of("GCode").geometry(), QRect(10, 20, 500, 300));
+  for (const char* name : {"Plot", "GCode", "CNC_Controls"}) {
+    EXPECT_TRUE(Window->Tool_Window_Is_Open(name)) << name;
+  }
+  EXPECT_EQ(Find<QLabel>("Label_Axis_Unit_X").text(), "mm");
 }
 
 TEST_F(Windows_Test, A_Dropped_Program_Is_Opened_What_Is_No_File_Changes_Nothing) {
@@ -79,19 +83,19 @@ TEST_F(Windows_Test, A_Dropped_Program_Is_Opened_What_Is_No_File_Changes_Nothing
   }
 }
 
-TEST_F(Windows_Test, A_File_That_Has_Gone_Beeps_From_The_Recent_Menu_Too) {
+TEST_F(Windows_Test, A_Recent_File_That_Has_Gone_Is_Told_And_Changes_Nothing) {
   Open("first.gc", "G0 X1\n");
   Drop(Write_Program("second.gc", "G0 X1\nG0 X2\n"));
   std::filesystem::remove(Folder.File("second.gc"));
   Open("third.gc", "G0 X3\nG0 X4\nG0 X5\n");
-  const int beeps = scripted.Beeps;
   for (QAction* action : Window->findChildren<QAction*>()) {
     if (action->objectName().startsWith("Menu_File_File") && action->text().contains("second")) {
       action->trigger();
       break;
     }
   }
-  EXPECT_GT(scripted.Beeps, beeps);
+  ASSERT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_EQ(scripted.Boxes[0].Text, "File not found : " + Folder.File("second.gc"));
   EXPECT_EQ(GCodeLineCount(), 3);
 }
 
