@@ -33,6 +33,11 @@ void Let_Loops_End() {
   }
 }
 
+void Save_And_Disable() {
+  Save_Axis_Positions();
+  for (int axis = 1; axis <= 4; ++axis) Motor_Disable(axis);
+}
+
 void Stop_Timers() {
   for (Timer_Id* timer : {&Main_Window.Timer1, &Main_Window.Timer2}) {
     if (*timer != 0) Platform.Stop_Timer(*timer);
@@ -58,15 +63,18 @@ void bye() {
   Application.ShutdownFlag = true;
   Application.Closing_Program = true;
   Let_Loops_End();
-  if (!is_second_instance) {
-    Save_Axis_Positions();
-    for (int axis = 1; axis <= 4; ++axis) Motor_Disable(axis);
-  }
+  if (!is_second_instance) Save_And_Disable();
   DoEvents();
   Unload_Windows();
   Let_Loops_End();
   Stop_Timers();
   Platform.End_Process();
+}
+
+void Switch_Off_Running_Machine() {
+  if (!Anything_Moves() && Machine.CNCMode == CNC_Stopped) return;
+  All_Outputs_Off();
+  Save_And_Disable();
 }
 
 bool Unload_Main() {

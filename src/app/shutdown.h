@@ -7,6 +7,10 @@ namespace norvik {
 // Called a second time it does nothing.
 void bye();
 
+// For an end that may not wait: while a run or a move is going on, outputs and motors off and the
+// positions saved. Otherwise nothing.
+void Switch_Off_Running_Machine();
+
 // The operator closes the main window: `bye` alone ends the process, so the close itself is
 // refused. Always false.
 bool Unload_Main();

@@ -9,6 +9,8 @@
 #include "core/setup.h"
 #include "core/setup_keys.h"
 #include "core/version.h"
+#include "core/waiting.h"
+#include "platform/platform.h"
 
 #include <iostream>
 
@@ -25,6 +27,9 @@ void Show_Progress_On_Terminal() {
     if (panel == 1) Print_Status_Line(Messages.Panel[1]);
   };
 }
+
+// Ctrl-C is the ESC key; every pass looks at `EscFlag` behind its yields.
+constexpr int Escape_Poll_ms = 100;
 
 bool Apply_Setting(const std::string& setting) {
   const auto equals = setting.find('=');
@@ -62,6 +67,7 @@ bool Companion::Start() const {
     if (!Apply_Setting(setting)) return false;
   }
   Show_Progress_On_Terminal();
+  Platform.Start_Timer(Escape_Poll_ms, [] { CheckEsc(); });
   return true;
 }
 

@@ -1,4 +1,5 @@
 // norvik-cli: chooses the back ends and hands over to the commands.
+#include "app/shutdown.h"
 #include "cli/companion.h"
 #include "core/application.h"
 #include "core/setup.h"
@@ -9,15 +10,24 @@
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
 #include "wiring/port_choice.h"
+
+#include <cstdlib>
 #ifdef NORVIK_PICTURES
 #include "platform/qt/picture_files.h"
 
 #include <QGuiApplication>
+
+#include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 int main(int argument_count, char** arguments) {
   using namespace norvik;
   Install_Headless_Platform();
+  Headless.On_End = [] {  // the second Ctrl-C
+    Switch_Off_Running_Machine();
+    std::_Exit(130);
+  };
   Install_Linux_Clock();
   Install_Linux_Priority();
 
@@ -35,7 +45,11 @@ int main(int argument_count, char** arguments) {
   };
   environment.Start_Fonts = [&argument_count, arguments] {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) qputenv("XDG_RUNTIME_DIR", "/tmp");
+    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
+      const std::string folder = "/tmp/norvik-" + std::to_string(getuid());
+      mkdir(folder.c_str(), 0700);
+      qputenv("XDG_RUNTIME_DIR", folder.c_str());
+    }
     static QGuiApplication fonts(argument_count, arguments);
   };
 #else

@@ -51,27 +51,35 @@ class Record_File {
 
   // Appends the records made since the last call. Records that are still to be compensated wait.
   void Add_New() {
-    if (!Whole || Compiler.UsesCompensation) return;
-    Whole = Trap_With(Report_Unwritten, [&] {
-      const auto& rows = Compile_Tables.Program_LineArc.Rows;
-      while (Written < rows.size()) Writer->Add(rows[Written++]);
-    });
+    if (!Compiler.UsesCompensation) Append_New();
+  }
+
+  // Writes what is left, with the records as they will stay. True when nothing has failed.
+  bool Complete() {
+    if (Compiler.UsesCompensation) Begin_Anew();
+    return Append_New();
   }
 
   // The file takes its place. True when it is complete on disk.
   bool Finish() {
-    if (Whole && Compiler.UsesCompensation) return Write_Anew();
-    Add_New();
     return Whole && Trap_With(Report_Unwritten, [&] { Writer->Finish(); });
   }
 
  private:
   // After compensation nothing that was written stands any more.
-  bool Write_Anew() {
+  void Begin_Anew() {
+    if (!Whole) return;
     Writer.reset();
-    return Trap_With(Report_Unwritten, [] {
-      Write_LineArc_Table(Compile_Tables.LineArc_Path, Compile_Tables.Program_LineArc);
-    });
+    Written = 0;
+    Whole = Trap_With(Report_Unwritten, [&] { Writer.emplace(Compile_Tables.LineArc_Path); });
+  }
+
+  bool Append_New() {
+    Whole = Whole && Trap_With(Report_Unwritten, [&] {
+              const auto& rows = Compile_Tables.Program_LineArc.Rows;
+              while (Written < rows.size()) Writer->Add(rows[Written++]);
+            });
+    return Whole;
   }
 
   std::optional<Table_Writer<LineArc>> Writer;
@@ -108,14 +116,14 @@ bool Run_Passes() {
   operations.Before_Yield = [&] { records.Add_New(); };
   Run_Line_Pass(GCode_Program.Text, std::move(operations));
   if (Compiler.UsesCompensation) AddRadiusCompensation(Compile_Tables.Program_LineArc);
-  const bool records_whole = records.Finish();
+  // The two tables belong together: where one cannot be written, both of before stand.
+  if (!records.Complete()) return false;
   Convert_To_Wires();
-  const bool wires_whole =
-      NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path);
-  if (records_whole && !wires_whole) {
+  if (!NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path)) {
     AddMessage("The compile could not write its wire table; the error log says why");
+    return false;
   }
-  return records_whole && wires_whole;
+  return records.Finish();
 }
 
 }  // namespace
@@ -157,11 +165,12 @@ bool CompileBlock(std::string_view text) {
     Record_File records;
     Run_Block_Pass(std::string(text), Compile_Operations());
     Compiler.UsesCompensation = false;  // a block is not compensated
-    const bool records_whole = records.Finish();
+    if (!records.Complete()) return;
     Convert_To_Wires();
-    whole = records_whole && Trap_With(Report_Unwritten, [] {
-              Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire);
-            });
+    whole = Trap_With(
+                Report_Unwritten,
+                [] { Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire); }) &&
+            records.Finish();
   });
   Set_Panel(1, "");
   return whole;

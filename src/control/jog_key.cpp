@@ -61,16 +61,9 @@ void Color_Pictures(int key_code, Control_Color color) {
   JogKey_Host.Form_Changed();
 }
 
-void Display_Jog_Feed() {
-  JogKey_Form.Label_FeedRate_Jogging.Caption =
-      Format_Number(MachineSetup.Axis_Feed_Rate_Jogging, "00.00");
-  JogKey_Host.Form_Changed();
-}
-
 }  // namespace
 
 void JogKey_Form_Load() {
-  JogKey.Open = true;
   const bool joystick = MachineSetup.KeyJog_Device == 1;
   JogKey_Form.Option_JoyCtrl = {{!joystick, joystick}};
   Reset_Joystick();
@@ -81,7 +74,6 @@ void JogKey_Form_Load() {
 void JogKey_Form_Unload() {
   Release_Jog();
   Forget_Jog_Key();
-  JogKey.Open = false;
 }
 
 void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
@@ -145,7 +137,12 @@ void Form_KeyPress() {
 void Step_Jog_Feed(int change) {
   const float feed = MachineSetup.Axis_Feed_Rate_Jogging + static_cast<float>(change);
   Change_Jog_Feed(std::clamp(feed, Lowest_Feed, Highest_Feed));
-  Display_Jog_Feed();
+}
+
+void Display_Jog_Feed() {
+  JogKey_Form.Label_FeedRate_Jogging.Caption =
+      Format_Number(MachineSetup.Axis_Feed_Rate_Jogging, "00.00");
+  JogKey_Host.Form_Changed();
 }
 
 void Increment_Jog_Toggle() {

@@ -172,6 +172,7 @@ void Combo_SStep_Distance_LostFocus() {
 
 void Change_Jog_Feed(float ipm) {
   MachineSetup.Axis_Feed_Rate_Jogging = ipm;
+  Display_Jog_Feed();
   if (Controller.Jog_Held) Controller.Live_Feed = ipm / static_cast<float>(Running_Jog_Divisor());
 }
 

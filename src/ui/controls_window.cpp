@@ -47,7 +47,7 @@ constexpr Button_Row Run_Buttons[] = {
     {"Command_CNC_Step", &CNC_Controls_Form::Command_CNC_Step, Command_CNC_Step_Click, Sign::Step,
      "Run one step"},
     {"Command_CNC_Stop", &CNC_Controls_Form::Command_CNC_Stop, Command_CNC_Stop_Click, Sign::Stop,
-     "End the run; the next one begins at the first step (ESC)"},
+     "End the run with the running move; the next run begins at the first step (ESC)"},
 };
 
 QPushButton* Big_Button(const Button_Row& row) {
@@ -69,7 +69,8 @@ class Value_Label : public QLabel {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setFrameShape(QFrame::StyledPanel);
     setMargin(Text_Height() / 5);
-    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("00000.00"));
+    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-000.0000") +
+                    2 * (margin() + frameWidth()));
     Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
     setToolTip(tip);
     setCursor(Qt::PointingHandCursor);
@@ -93,14 +94,18 @@ QGroupBox* Group(const QString& title, QLayout* layout) {
 Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
   setObjectName("CNC_Controls");
   setWindowTitle("CNC Controls");
+  // What stops the machine stands above the part that scrolls: it is never out of sight.
+  auto* outer = new QVBoxLayout(this);
+  outer->addWidget(Build_Status());
+  outer->addWidget(Build_Run_Buttons());
+
   auto* content = new QWidget;
   auto* rows = new QVBoxLayout(content);
-  rows->addWidget(Build_Status());
+  rows->setContentsMargins(0, 0, 0, 0);
   auto* axes = new QGridLayout;
   Build_Axis_Rows(*axes, Binding);
   rows->addLayout(axes);
-  rows->addWidget(Build_Run_Buttons());
-  auto* columns = new QHBoxLayout;
+  Columns = new QHBoxLayout;
   auto* left = new QVBoxLayout;
   left->addWidget(Group("Jog", new QVBoxLayout));
   left->itemAt(0)->widget()->layout()->addWidget(Build_Jog_Pad(Binding));
@@ -111,20 +116,19 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
   right->addWidget(Build_Levels());
   right->addWidget(Build_Outputs());
   right->addStretch(1);
-  columns->addLayout(left, 3);
-  columns->addLayout(right, 2);
-  rows->addLayout(columns);
+  Columns->addLayout(left, 3);
+  Columns->addLayout(right, 2);
+  rows->addLayout(Columns);
   rows->addWidget(Build_Goto());
   rows->addWidget(Build_Messages(), 1);
 
-  // A screen that is too small for the panel scrolls it; nothing is squeezed.
-  auto* scroll = new QScrollArea;
-  scroll->setWidgetResizable(true);
-  scroll->setFrameShape(QFrame::NoFrame);
-  scroll->setWidget(content);
-  auto* outer = new QVBoxLayout(this);
-  outer->setContentsMargins(0, 0, 0, 0);
-  outer->addWidget(scroll);
+  // A screen that is too small for the rest scrolls it; nothing is squeezed.
+  Scroll = new QScrollArea;
+  Scroll->setObjectName("Scroll_Controls");
+  Scroll->setWidgetResizable(true);
+  Scroll->setFrameShape(QFrame::NoFrame);
+  Scroll->setWidget(content);
+  outer->addWidget(Scroll, 1);
 
   CNC_Controls_Host.Form_Changed = [this] { Show_Form(); };
   CNC_Controls_Host.Set_Timer_Interval = [this](int interval_ms) { Start_Timer(interval_ms); };
@@ -155,6 +159,18 @@ void Controls_Window::Show_Form() {
   Status_Box->verticalScrollBar()->setValue(0);
 }
 
+// Two columns where both fit beside each other, one below the other in a narrow panel.
+void Controls_Window::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  int both = Columns->spacing();
+  for (int column = 0; column < Columns->count(); ++column) {
+    both += Columns->itemAt(column)->minimumSize().width();
+  }
+  const int bar = Scroll->verticalScrollBar()->sizeHint().width();
+  const int room = Scroll->width() - bar;
+  Columns->setDirection(both <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+}
+
 void Controls_Window::hideEvent(QHideEvent* event) {
   Jog_Guard_Window_Lost();
   QWidget::hideEvent(event);
@@ -178,6 +194,8 @@ QWidget* Controls_Window::Build_Status() {
   auto* estop = new QPushButton;
   estop->setFont(Bold_Font(1.25));
   estop->setMinimumHeight(Finger_Height() * 7 / 4);
+  estop->setIcon(EStop_Icon());
+  estop->setIconSize({Finger_Height() * 5 / 4, Finger_Height() * 5 / 4});
   estop->setToolTip("Stops all motion at once; press again to enable the motors");
   estop->setFocusPolicy(Qt::NoFocus);
   Binding.Button(estop, "Command_EStop", CNC_Controls.Command_EStop, Command_EStop_Click);

@@ -11,6 +11,7 @@
 
 class QBoxLayout;
 class QPlainTextEdit;
+class QScrollArea;
 
 namespace norvik {
 
@@ -26,6 +27,7 @@ class Controls_Window : public QWidget {
 
  protected:
   void hideEvent(QHideEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   QWidget* Build_Status();
@@ -40,6 +42,8 @@ class Controls_Window : public QWidget {
 
   Form_Binding Binding;
   Knob_Widget* Knob = nullptr;
+  QBoxLayout* Columns = nullptr;
+  QScrollArea* Scroll = nullptr;
   QPlainTextEdit* Status_Box = nullptr;
   std::string Shown_Status;
   Timer_Id Timer = 0;

@@ -27,7 +27,6 @@
 #include <QCloseEvent>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 
@@ -344,7 +343,7 @@ void Main_Frame::Tell_Area() {
   QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
   const QRect inside = Area->contentsRect();
   Window_Area.Tool_Windows = Screen_Area{0, 0, inside.width(), inside.height()};
-  Window_Area.Panel_Width = Text_Height() * 40;
+  Window_Area.Panel_Width = Text_Height() * 49;
 }
 
 void Main_Frame::Reset_Places() {
@@ -398,11 +397,11 @@ void Main_Frame::changeEvent(QEvent* event) {
 void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (Gcode_Form.Text_Edited) {
-    const auto answer = QMessageBox::question(
-        this, "Norvik", "The program has changes that are not saved. Save them?",
-        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    if (answer == QMessageBox::Cancel) return;
-    if (answer == QMessageBox::Save) {
+    const Box_Answer answer =
+        Platform.Message_Box("Norvik", "The program has changes that are not saved. Save them?",
+                             Box_Buttons::Yes_No_Cancel);
+    if (answer == Box_Answer::Cancel) return;
+    if (answer == Box_Answer::Yes) {
       Menu_File_Save();
       if (Gcode_Form.Text_Edited) return;  // the save was cancelled or failed
     }

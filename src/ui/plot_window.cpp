@@ -99,6 +99,8 @@ Plot_Window::Plot_Window(QWidget* parent) : QWidget(parent) {
     Picture_ZAxis->update();
   };
   Plot_Host.Form_Changed = [this] { Show_Form(); };
+  Plot.Palette = std::nullopt;
+  if (Theme_Is_Dark()) Plot.Palette = Readable_Palette(Current_Palette(), Dark_Background);
   Show_Form();
 }
 

@@ -225,7 +225,9 @@ QPixmap Sign_Picture(Sign sign, const QColor& color, int size) {
 }  // namespace
 
 void Apply_Theme(QApplication& application) {
+  const QByteArray wanted = qgetenv("NORVIK_THEME").toLower();
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
+  if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";
   Theme.Colors = Theme.Dark ? Dark_Colors() : Light_Colors();
   application.setStyle(QStyleFactory::create("Fusion"));
   application.setPalette(Theme.Dark ? Dark_Palette() : Light_Palette());
@@ -290,6 +292,23 @@ QIcon Sign_Icon(Sign sign, const QColor& color) {
     icon.addPixmap(Sign_Picture(sign, muted, size), QIcon::Disabled);
   }
   return icon;
+}
+
+QIcon EStop_Icon() {
+  QPixmap picture(96, 96);
+  picture.fill(Qt::transparent);
+  QPainter painter(&picture);
+  painter.setRenderHint(QPainter::Antialiasing);
+  painter.setPen(QPen(QColor(0x8A6D00), 3));
+  painter.setBrush(QColor(0xFFD21F));
+  painter.drawRoundedRect(QRectF(3, 3, 90, 90), 14, 14);
+  painter.setPen(QPen(QColor(0x7E1010), 3));
+  painter.setBrush(QColor(0xD32020));
+  painter.drawEllipse(QRectF(16, 16, 64, 64));
+  painter.setPen(Qt::NoPen);
+  painter.setBrush(QColor(0xEE5A5A));
+  painter.drawEllipse(QRectF(28, 24, 26, 18));
+  return QIcon(picture);
 }
 
 QIcon Sign_Icon(Sign sign) {

@@ -14,7 +14,8 @@ class QWidget;
 
 namespace norvik {
 
-// Chooses light or dark from the desktop's own palette and applies style and palette.
+// Chooses light or dark from the desktop's own palette and applies style and palette. The
+// environment variable NORVIK_THEME, "light" or "dark", overrules the desktop.
 void Apply_Theme(QApplication& application);
 bool Theme_Is_Dark();
 
@@ -64,5 +65,7 @@ enum class Sign {
 };
 QIcon Sign_Icon(Sign sign, const QColor& color);
 QIcon Sign_Icon(Sign sign);  // in the colour of the theme's text
+// The red mushroom on its yellow plate, known from every machine.
+QIcon EStop_Icon();
 
 }  // namespace norvik

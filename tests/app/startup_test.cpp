@@ -123,6 +123,19 @@ TEST_F(Startup_Test, Bye_Switches_Off_And_Saves) {
   EXPECT_EQ(Trace.size(), 6U);
 }
 
+TEST_F(Startup_Test, Hurried_End_Touches_Only_A_Running_Machine) {
+  Replace_File(Application.MachineFile,
+               "[General]\nINI_Save_Test=123\n[Parallel Setup]\nParallel_Output_Bit_13=3\n");
+  LoadMachineSetup();
+  Switch_Off_Running_Machine();
+  EXPECT_TRUE(scripted.Ports.empty());
+  EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "");
+  Machine.CNCMode = CNC_Running;
+  Switch_Off_Running_Machine();
+  EXPECT_EQ(scripted.Ports[888] & 8, 0);
+  EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "0");
+}
+
 TEST_F(Startup_Test, Bye_Waits_For_A_Running_Loop) {
   Load_Main();
   Machine.CNCMode = CNC_Running;

@@ -86,6 +86,7 @@ class Stops_Test : public Control_Test {};
 TEST_F(Stops_Test, A_late_release_does_not_swallow_a_move) {
   Load({{1, 0.5}});
   Jog_MouseUp(1, 0);  // no jog runs
+  Machine.Jog_Stop_Request = false;
   Command_CNC_Play_Click();
   EXPECT_DOUBLE_EQ(Machine.Position[1], 0.5);
   // The release of a jog that has ended by itself arrives in the yield of a run.

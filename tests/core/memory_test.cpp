@@ -35,6 +35,7 @@ struct Memory_Test : testing::Test {
   ~Memory_Test() override {
     Application = {};
     Recent_Host = {};
+    Window_Area = {};
   }
 
   Temporary_Folder Folder;
@@ -88,6 +89,7 @@ TEST_F(Memory_Test, Last_File_Of_Each_Kind) {
 
 TEST_F(Memory_Test, Windows_Come_Back_Where_They_Stood) {
   scripted.Screen_Size = {0, 0, 1600, 900};
+  Window_Area.Tool_Windows = scripted.Screen_Size;
   std::array<Form_View, All_Forms.size()> views{};
   views[0] = {{10, 20, 500, 600, Window_Normal}, true, true};
   views[1] = {{40, 30, 300, 400, Window_Normal}, true, true};
@@ -108,6 +110,7 @@ TEST_F(Memory_Test, Windows_Come_Back_Where_They_Stood) {
 
 TEST_F(Memory_Test, Windows_Are_Brought_Back_On_Screen) {
   scripted.Screen_Size = {0, 0, 1024, 600};
+  Window_Area.Tool_Windows = scripted.Screen_Size;
   EXPECT_EQ(Read_Form_Place(Form_Id::Main), (Window_Place{0, 0, 600, 1024, Window_Maximized}));
   struct Row {
     const char *Top, *Left, *Height, *Width, *State;

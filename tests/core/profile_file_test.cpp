@@ -196,6 +196,17 @@ TEST(Replace_File, Leaves_The_Old_File_Whole) {
   EXPECT_EQ(left, 2);
 }
 
+TEST(Read_Whole_File, Neither_Hangs_Nor_Takes_All_Memory) {
+  const Temporary_Folder folder;
+  const std::string pipe = folder.File("pipe");
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(Read_Whole_File(pipe), "");  // nobody writes to it
+  const std::string huge = folder.File("huge");
+  Replace_File(huge, "");
+  ASSERT_EQ(::truncate(huge.c_str(), 5LL << 30), 0);
+  EXPECT_EQ(Fault_Of([&] { Read_Whole_File(huge); }), Fault_Number::Out_Of_Memory);
+}
+
 // A disk that takes no more in the middle of the write.
 TEST(Replace_File, Full_Disk_Keeps_The_Old_File) {
   const Temporary_Folder folder;

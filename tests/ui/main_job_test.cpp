@@ -1,0 +1,137 @@
+// The main job through the windows: open, look, edit, run, stop.
+#include "ui_fixture.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QWheelEvent>
+
+namespace norvik {
+namespace {
+
+using testing::HasSubstr;
+
+constexpr const char* Three_Moves = "G0 X0 Y0\nG1 X0.5 F60\nG1 Y0.25\n";
+
+struct Main_Job_Test : Ui_Test {
+  void Expect_Machine_At(double x, double y) {
+    EXPECT_NEAR(True_Position(1), x, 1e-3);
+    EXPECT_NEAR(True_Position(2), y, 1e-3);
+  }
+};
+
+TEST_F(Main_Job_Test, An_Opened_Program_Is_Shown_Compiled_And_Compiled_Again_After_An_Edit) {
+  Open("part.gc", Three_Moves);
+  auto& text = Find<QPlainTextEdit>("Text_GCode");
+  EXPECT_EQ(text.toPlainText().trimmed().toStdString(), "G0 X0 Y0\nG1 X0.5 F60\nG1 Y0.25");
+  EXPECT_EQ(Text_Of("Label_GC_NOS"), "3");
+  EXPECT_THAT(Window->windowTitle().toStdString(), HasSubstr("part.gc"));
+  Click("Command_Update");
+  ASSERT_GT(Program_Wire.Rows().size(), 0U);
+  const auto wires = Program_Wire.Rows().size();
+
+  text.moveCursor(QTextCursor::End);
+  QTest::keyClick(&text, Qt::Key_Return);
+  QTest::keyClicks(&text, "G1 X0");
+  EXPECT_TRUE(Gcode_Form.Text_Edited);
+  EXPECT_EQ(Program_Wire.Rows().size(), wires);  // typed text waits
+  Click("Command_Update");
+  EXPECT_FALSE(Gcode_Form.Text_Edited);
+  EXPECT_GT(Program_Wire.Rows().size(), wires);
+  EXPECT_EQ(Text_Of("Label_GC_NOS"), "4");
+}
+
+TEST_F(Main_Job_Test, Mouse_And_Wheel_Zoom_The_Plot) {
+  Open("part.gc", Three_Moves);
+  auto& picture = Find("Picture1");
+  const auto shown_width = [] { return View.ViewRight - View.ViewLeft; };
+  const double whole = shown_width();
+  QWheelEvent notch(QPointF(20, 20), picture.mapToGlobal(QPointF(20, 20)), {}, {0, 120},
+                    Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+  QApplication::sendEvent(&picture, &notch);
+  const double closer = shown_width();
+  EXPECT_LT(closer, whole);
+  Click("Command_ZoomIn");
+  EXPECT_TRUE(Find<QAbstractButton>("Command_ZoomIn").isChecked());
+  QTest::mouseClick(&picture, Qt::LeftButton, {}, picture.rect().center());
+  EXPECT_LT(shown_width(), closer);
+}
+
+TEST_F(Main_Job_Test, A_Program_Runs_To_Its_End_By_Play_And_By_Steps) {
+  Open("part.gc", Three_Moves);
+  Click("Command_Update");
+  Click("Command_CNC_Play");
+  Expect_Machine_At(0.5, 0.25);
+  EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stopped");
+
+  Click("Command_CNC_Step");  // the first press names the step and moves nothing
+  EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stepped");
+  Expect_Machine_At(0.5, 0.25);
+  Click("Command_CNC_Step");
+  Expect_Machine_At(0, 0);
+  Click("Command_CNC_Step");
+  Expect_Machine_At(0.5, 0);
+  Click("Command_CNC_Stop");
+  EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stopped");
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+}
+
+// Pressed in a yield of the second move. Pause and Stop let that move end, the E-stop does not.
+TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
+  struct {
+    const char* Button;
+    std::int16_t Mode;
+    bool Ends_In_The_Move, EStop;
+  } const rows[] = {{"Command_CNC_Pause", CNC_Paused, false, false},
+                    {"Command_CNC_Stop", CNC_Stopped, false, false},
+                    {"Command_EStop", CNC_Stopped, true, true}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.Button);
+    Open("part.gc", Three_Moves);
+    Click("Command_Update");
+    In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+                  [&] { Click(row.Button); });
+    Click("Command_CNC_Play");
+    EXPECT_EQ(Machine.CNCMode, row.Mode);
+    EXPECT_EQ(Machine.EStop_Flag, row.EStop);
+    EXPECT_NEAR(True_Position(2), 0, 1e-3);  // the third move never began
+    if (row.Ends_In_The_Move) {
+      EXPECT_LT(True_Position(1), 0.4);
+    } else {
+      EXPECT_NEAR(True_Position(1), 0.5, 1e-3);
+    }
+    if (row.EStop) {
+      EXPECT_EQ(Text_Of("Command_EStop"), "MOTORS DISABLED");
+      Click("Command_EStop");
+      EXPECT_FALSE(Machine.EStop_Flag);
+    }
+    if (Machine.CNCMode != CNC_Stopped) Click("Command_CNC_Stop");
+    scripted.On_Yield = [] { QCoreApplication::processEvents(); };
+    Type_Goto("G00 X0 Y0");
+    Click("Command_Goto");
+    Expect_Machine_At(0, 0);
+  }
+}
+
+TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {
+  In_Yield_When([] { return True_Position(1) > 0.2; },
+                [&] { QTest::mouseRelease(&Find("Jog_X_1"), Qt::LeftButton); });
+  QTest::mousePress(&Find("Jog_X_1"), Qt::LeftButton);
+  EXPECT_FALSE(Step_Engine.Active);
+  EXPECT_GT(True_Position(1), 0.2);
+  EXPECT_LT(True_Position(1), 0.4);
+  EXPECT_NEAR(True_Position(1), Machine.Position[1], 1e-3);
+}
+
+TEST_F(Main_Job_Test, Goto_Runs_A_Line_And_Zero_Renames_The_Place) {
+  Type_Goto("G01 X0.3 Y0.1");
+  Click("Command_Goto");
+  Expect_Machine_At(0.3, 0.1);
+  Click("Command_Zero_Pos_X");
+  EXPECT_EQ(Machine.Position[1], 0);
+  EXPECT_NEAR(Machine.Position[2], 0.1, 1e-3);
+  EXPECT_EQ(Text_Of("Label_Axis_Pos_X").toStdString(), CNC_Controls.Label_Axis_Pos[1].Caption);
+  EXPECT_EQ(Text_Of("Label_Axis_Pos_X").toDouble(), 0);
+}
+
+}  // namespace
+}  // namespace norvik
