@@ -13,6 +13,8 @@
 #include "core/event_sounds.h"
 #include "core/setup.h"
 #include "import/dxf_import.h"
+#include "import/excellon_import.h"
+#include "import/hpgl_import.h"
 #include "import/import_pipeline.h"
 #include "parallel/timing.h"
 #include "plot/cursor.h"
@@ -33,11 +35,6 @@ void Highlight_Program_Line(std::int32_t line_number, std::string_view text) {
   }
 }
 
-// The plot draws a step at a time: with its first wire.
-void Draw_Wire_Of_Run(std::size_t k, const Wire& wire) {
-  if (Program_Wire.Next_Of_Step(wire.Step, 0) == k) NIST_Plot_Block(wire.Step, 0, Line_Mode_Run);
-}
-
 void Draw_Machine_Position() {
   Draw_Spindle_Position(Machine.Position[1], Machine.Position[2], Machine.Position[3]);
   Draw_Spindle();
@@ -53,6 +50,9 @@ void Show_Compiled_Program() {
 void Register_Openers() {
   Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
   Register_Opener(Opened_Kind::DXF, [](const std::string& path) { Import_DXF_File(path); });
+  Register_Opener(Opened_Kind::HPGL, [](const std::string& path) { Import_HPGL_File(path); });
+  Register_Opener(Opened_Kind::Excellon,
+                  [](const std::string& path) { Import_Excellon_File(path); });
 }
 
 }  // namespace
@@ -65,7 +65,10 @@ void Connect_App() {
   Compile_Host.Refresh_Plot = Show_Compiled_Program;
   Import_Host.Open_GCode = [](const std::string& path) { Open_GCode(path); };
   Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
-  Run_Plot_Host.Draw_Segment = Draw_Wire_Of_Run;
+  Run_Plot_Host.Draw_Segment = [](std::size_t, const Wire& wire) {
+    Plot_Draw_Wire(wire, 0, Line_Mode_Run);
+  };
+  Run_Plot_Host.Mark_Rate_Error = [] { Plot_Mark_At_Cursor("X"); };
   Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;
   Run_Plot_Host.Refresh = Plot_Refresh;
   Register_Openers();
