@@ -22,7 +22,7 @@ mkdir -p "$XDG_DATA_HOME/norvik" "$XDG_CONFIG_HOME/norvik" && mkdir -m 700 "$XDG
 sleep 1
 
 picture() {
-  import -window root -resize 1100x +dither -colors 48 -define png:compression-level=9 "PNG8:docs/pictures/$1.png"
+  import -window root -resize 1100x +dither -colors 160 -define png:compression-level=9 "PNG8:docs/pictures/$1.png"
 }
 window() {
   xdotool search --onlyvisible --name 'Norvik 4' | head -1
@@ -39,7 +39,7 @@ start() {
     [ -n "$(window)" ] && break
     sleep 0.25
   done
-  sleep 3
+  sleep 1
   xdotool windowfocus "$(window)"
   # File, Recent files, the first entry.
   xdotool key --delay 150 alt+f r Return
@@ -61,8 +61,13 @@ picture program
 # Window, Simulated machine; then Play.
 xdotool key --delay 150 alt+w s
 sleep 1
-xdotool mousemove 1000 170 click 1
-sleep 12
+# Its panel goes down over the text, so that the plot stays in sight.
+xdotool mousemove 300 33 mousedown 1 mousemove 300 300 mousemove 300 615 mouseup 1
+xdotool mousemove 960 170 click 1
+# The program waits for its tool; Play goes on.
+sleep 2
+xdotool click 1
+sleep 6
 picture run
 stop
 start dark
