@@ -185,30 +185,63 @@ class Joiner {
 
   // Where moves are so short that the decimals of their ends make corners of them, moved neighbours
   // overlap without crossing: goes straight from the end of the path to the end of the next line
-  // that lies ahead, if the tool then stays off all that is passed over.
+  // that lies ahead, or nowhere where all that is left lies behind.
   std::optional<std::size_t> Short_Cut(const Window& window, std::size_t next) {
     const Point from = Path.back().Shape.End;
-    const double least = std::abs(To_Left) - Tolerance / 2;
     for (Path_Piece ahead : window.After) {
-      const Point to = ahead.Shape.End;
       if (ahead.Connects || ahead.Shape.Is_Arc) continue;
-      if (Dot(to - from, End_Direction(ahead.Shape)) <= 0) continue;
-      ahead.Shape = Line_Piece(from, to);
-      const auto passed = std::span(Elements).subspan(next - 1, ahead.Element - next + 2);
-      if (!std::all_of(passed.begin(), passed.end(), [&](const Element& element) {
-            return Distance(element.Programmed, ahead.Shape) >= least;
-          })) {
+      if (Dot(ahead.Shape.End - from, End_Direction(ahead.Shape)) <= 0) continue;
+      ahead.Shape = Line_Piece(from, ahead.Shape.End);
+      if (!Clears(Elements[next - 1], ahead.Shape) ||
+          !Clears(Elements[ahead.Element], ahead.Shape)) {
         continue;
       }
+      if (!May_Leave_Out(next, ahead.Element, ahead.Shape)) continue;
       Path.push_back(ahead);
       return ahead.Element + 1;
     }
-    return std::nullopt;
+    const std::size_t end = Elements.size();
+    if (window.After.empty() || window.After.back().Element + 1 != end) return std::nullopt;
+    if (!Passable(Elements.back()) || !May_Leave_Out(next, end, Line_Piece(from, from))) {
+      return std::nullopt;
+    }
+    return end;
   }
 
-  // Whether a search may go beyond this piece.
-  bool May_Pass(const Path_Piece& piece) const {
-    return piece.Connects || !Moves_Far(Elements[piece.Element].Programmed);
+  // Whether a search may look beyond this element: it is short, or so short beside the tool that
+  // the tool can touch both its ends from one place.
+  bool Passable(const Element& element) const {
+    if (element.Too_Tight) return false;
+    const double both_ends = 4 * std::sqrt(Tolerance * std::abs(To_Left));
+    return !Moves_Far(element.Programmed) || Piece_Length(element.Programmed) <= both_ends;
+  }
+  bool Passable(const Path_Piece& piece) const {
+    return piece.Connects || Passable(Elements[piece.Element]);
+  }
+
+  // Index of the first element from `index` on that no search looks beyond; `count`: none before
+  // it.
+  std::size_t GetNextNonZMoveIndex(std::size_t index, std::size_t count) const {
+    while (index < count && Passable(Elements[index])) ++index;
+    return index;
+  }
+
+  // Whether the tool on this way stays off an element.
+  bool Clears(const Element& element, const Piece& way) const {
+    return Distance(element.Programmed, way) >= std::abs(To_Left) - Tolerance / 2;
+  }
+
+  // Whether elements first..last - 1 need no piece of their own when the tool takes this way: it
+  // stays off them, and it cuts them all the same, unless they are short.
+  bool May_Leave_Out(std::size_t first, std::size_t last, const Piece& way) const {
+    const double touches = std::abs(To_Left) + Tolerance;
+    const auto left = std::span(Elements).subspan(first, last - first);
+    return std::all_of(left.begin(), left.end(), [&](const Element& element) {
+      const Piece& programmed = element.Programmed;
+      if (!Clears(element, way)) return false;
+      return !Moves_Far(programmed) || (Distance(way, programmed.Start) <= touches &&
+                                        Distance(way, programmed.End) <= touches);
+    });
   }
 
   // The pieces of the path before `to`, nearest first, back to one that may not be passed over.
@@ -217,16 +250,16 @@ class Joiner {
     for (std::size_t at = to; at > from && pieces.size() < Largest_Window; --at) {
       if (Elements[Path[at - 1].Element].Too_Tight) break;
       pieces.push_back(&Path[at - 1]);
-      if (!May_Pass(Path[at - 1])) break;
+      if (!Passable(Path[at - 1])) break;
     }
     return pieces;
   }
 
-  // The coming elements and the arcs between them, up to the next element that moves far.
+  // The coming elements and the arcs between them, up to the first that may not be passed over.
   std::vector<Path_Piece> Pieces_After(std::size_t next) const {
     std::vector<Path_Piece> pieces;
     const std::size_t limit = std::min(next + Largest_Window, Elements.size());
-    const std::size_t last = GetNextNonZMoveIndex(Elements, next, limit);
+    const std::size_t last = GetNextNonZMoveIndex(next, limit);
     for (std::size_t at = next; at <= last && at < limit; ++at) {
       if (Elements[at].Too_Tight) break;
       Path_Piece piece{Elements[at].Moved, at};
@@ -256,17 +289,19 @@ class Joiner {
     return std::nullopt;
   }
 
-  // Whether the tool at a crossing stays off the elements that are passed over.
+  // Whether the tool at a crossing does what the pieces that are passed over did.
   bool Clears_Passed(const Window& window, const Meeting& meeting) const {
-    const double least = std::abs(To_Left) - Tolerance / 2;
+    const Piece stop = Line_Piece(meeting.At, meeting.At);
     const auto clears = [&](const Path_Piece& piece) {
-      return piece.Connects || Distance(Elements[piece.Element].Programmed, meeting.At) >= least;
+      return piece.Connects || May_Leave_Out(piece.Element, piece.Element + 1, stop);
     };
-    const auto before_end = window.Before.begin() + static_cast<std::ptrdiff_t>(meeting.Before);
-    const auto after_end = window.After.begin() + static_cast<std::ptrdiff_t>(meeting.After);
-    return std::all_of(window.Before.begin(), before_end,
-                       [&](const Path_Piece* piece) { return clears(*piece); }) &&
-           std::all_of(window.After.begin(), after_end, clears);
+    for (std::size_t b = 0; b < meeting.Before; ++b) {
+      if (!clears(*window.Before[b])) return false;
+    }
+    for (std::size_t a = 0; a < meeting.After; ++a) {
+      if (!clears(window.After[a])) return false;
+    }
+    return true;
   }
 
   // The cuts at the two ends of the stretch have no neighbour on one side each. Where such a cut
@@ -323,7 +358,7 @@ class Joiner {
     for (std::size_t at = from; at < to && pieces.size() < Largest_Window; ++at) {
       if (Elements[Path[at].Element].Too_Tight) break;
       pieces.push_back(Path[at]);
-      if (!May_Pass(Path[at])) break;
+      if (!Passable(Path[at])) break;
     }
     return pieces;
   }
@@ -340,12 +375,6 @@ bool Moves_Far(const Piece& programmed) {
   const Point by = programmed.End - programmed.Start;
   if (std::abs(by.X) >= Short_Move || std::abs(by.Y) >= Short_Move) return true;
   return programmed.Is_Arc && programmed.Sweep > Pi;
-}
-
-std::size_t GetNextNonZMoveIndex(const std::vector<Element>& elements, std::size_t index,
-                                 std::size_t count) {
-  while (index < count && !Moves_Far(elements[index].Programmed)) ++index;
-  return index;
 }
 
 std::vector<Path_Piece> Radius_Join(std::vector<Element>& elements, double to_left,

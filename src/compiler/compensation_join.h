@@ -9,10 +9,12 @@
 //
 // At an inside corner the crossing must lie on both moved elements as far as the joint before has
 // left them; so an element that its two corners would eat up, or turn around, is found here. Where
-// neighbours do not cross, elements shorter than `Short_Move` next to the corner, with the arcs
-// around them, are passed over, nearest first, until two pieces do. Where nothing serves the
-// elements stay at their moved place, an arc around the corner closes the gap, and the corner is
-// reported: this arc turns the wrong way, into the part.
+// neighbours do not cross, elements next to the corner are passed over, with the arcs around them,
+// nearest first, until two pieces do: those shorter than `Short_Move`, and those that the tool cuts
+// within `Tolerance` from the crossing all the same (in a fine polyline the decimals of the points
+// make many such corners). Where nothing serves the elements stay at their moved place, an arc
+// around the corner closes the gap, and the corner is reported: this arc turns the wrong way, into
+// the part.
 #pragma once
 
 #include "compiler/compensation_geometry.h"
@@ -46,13 +48,8 @@ struct Path_Piece {
   bool Wrong_Way = false;   // a connecting arc at an inside corner, where nothing crosses
 };
 
-// True for elements that may not be passed over: |dx| or |dy| of `Short_Move` or more, and every
-// arc that returns to its start.
+// |dx| or |dy| of `Short_Move` or more, or an arc that returns to its start.
 bool Moves_Far(const Piece& programmed);
-// Index of the first element from `index` on that moves far; `count`: none before that index does.
-std::size_t GetNextNonZMoveIndex(const std::vector<Element>& elements, std::size_t index,
-                                 std::size_t count);
-
 struct Join_Reports {
   // Nothing crosses at the inside corner at the end of this element. Called at the end, for the
   // corners that are still on the path then.

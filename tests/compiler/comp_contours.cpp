@@ -282,6 +282,16 @@ Contour Fine_Polyline(Random& random, double size, double step) {
   return contour.Line(contour.Start.X, contour.Start.Y);
 }
 
+Contour Fine_Bend(Random& random, double step) {
+  const double radius = Between(random, 5, 20);
+  Contour contour;
+  for (int k = 1; k <= 300; ++k) {
+    const double angle = k * step / radius;
+    contour.Line(radius * std::sin(angle), radius * (1 - std::cos(angle)));
+  }
+  return With_Decimals(contour, 4);
+}
+
 Outcome Compensate(const Table<LineArc>& program, double radius) {
   Outcome outcome{program, {}, {}};
   Tools.Diameter[1] = 2 * radius;

@@ -49,6 +49,9 @@ Contour Rounded_Rectangle(double width, double height, double fillet);
 // Closed and wavy, about `size` in radius, in moves of about `step` with four decimals.
 Contour Fine_Polyline(Random& random, double size, double step);
 
+// Open and slightly bent: 300 such moves, in which the decimals turn more than the bend does.
+Contour Fine_Bend(Random& random, double step);
+
 // Runs the pass with tool 1 of radius `radius` in use; answers what was written to the error log.
 struct Outcome {
   Table<LineArc> Moved;

@@ -31,6 +31,9 @@ const Joint_Row Joints[] = {
     {"tangential into a full circle: it stays full",
      Contour{{7.5, 2.5}, {}}.Arc(10, 0, 10, 2.5, 1).Arc(10, 0, 10, 5, 1), 1,
      "7.5,2.5|G1 8.5,2.5|G3 10,1 (10,2.5)|G3 10,1 (10,5)|G1 10,0"},
+    {"a full circle is not opened by a turn of a few decimals",
+     Contour{{0, -0.0012}, {}}.Line(10, 0).Arc(10, 0, 10, 5, 1), 2,
+     "0,-0.0012|G1 0.0001,-1.0012|G1 10,-1|G3 10,-1 (10,5)|G1 10,0"},
     // 15 - sqrt(6^2 - 1^2) = 9.0839: the upper circle has grown to 6, the line runs at y = 1.
     {"line and arc, inside", Contour().Line(10, 0).Arc(20, 0, 15, 0, 0), 1,
      "0,0|G1 0,1|G1 9.0839,1|G2 21,0 (15,0)|G1 20,0"},
@@ -145,6 +148,17 @@ TEST(Compensation_Faults, Are_Told_With_Their_Line) {
        {1},
        0,
        "0,0|G1 0,1|G1 0.5,1|G3 -0.5,0 (0.5,0)|G1 -0.5,10|G1 0.5,10"},
+      // At y = 1 the line crosses the circle of radius 4 twice: 15 + sqrt(4^2 - 1^2) = 18.873 is
+      // the crossing next to the corner.
+      {"an arc that comes back to its line",
+       Contour().Line(20, 0).Arc(10, 0, 15, 0, 1),
+       {"Line Radius Compensation Error # 5 The tool of radius 1.0000 comes as near as 0.0000 to "
+        "line 2; take a smaller tool or give the contour more room there, line 1, G1",
+        "Line Radius Compensation Error # 5 The tool of radius 1.0000 comes as near as 0.0000 to "
+        "line 1; take a smaller tool or give the contour more room there, line 2, G1"},
+       {1, 2},
+       0,
+       "0,0|G1 0,1|G1 18.873,1|G3 11,0 (15,0)|G1 10,0"},
       {"walls that come close to each other, though every corner is joined",
        Contour().Line(10, 0).Line(10, 5).Line(5, 5).Line(5, 1.5).Line(-5, 1.5),
        {"Line Radius Compensation Error # 5 The tool of radius 1.0000 comes as near as 0.5000 to "
