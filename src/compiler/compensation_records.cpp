@@ -10,7 +10,6 @@ namespace norvik::compensation {
 namespace {
 
 constexpr int X = 1, Y = 2;
-constexpr int First_Other_Axis = 3, Last_Axis = 6;
 // The wire pass draws no arc whose ends are closer to each other.
 constexpr double Least_Chord = 1e-4;
 // An arc around its own start has no directions.
