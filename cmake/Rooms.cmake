@@ -52,6 +52,6 @@ function(Norvik_Room_Tests name)
     NORVIK_SAMPLES_FOLDER="${CMAKE_SOURCE_DIR}/samples")
   target_link_libraries(${target} PRIVATE
     ${ROOM_NEIGHBOURS} norvik_flags GTest::gmock_main ${ROOM_LIBRARIES})
-  gtest_discover_tests(${target} DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
+  gtest_discover_tests(${target} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
     PROPERTIES TIMEOUT 300)
 endfunction()

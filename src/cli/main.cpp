@@ -16,6 +16,9 @@
 #include "platform/qt/picture_files.h"
 
 #include <QGuiApplication>
+
+#include <sys/stat.h>
+#include <unistd.h>
 #endif
 
 int main(int argument_count, char** arguments) {
@@ -42,7 +45,11 @@ int main(int argument_count, char** arguments) {
   };
   environment.Start_Fonts = [&argument_count, arguments] {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) qputenv("XDG_RUNTIME_DIR", "/tmp");
+    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
+      const std::string folder = "/tmp/norvik-" + std::to_string(getuid());
+      mkdir(folder.c_str(), 0700);
+      qputenv("XDG_RUNTIME_DIR", folder.c_str());
+    }
     static QGuiApplication fonts(argument_count, arguments);
   };
 #else

@@ -53,9 +53,10 @@ void Settle_Stopped() {
 }
 
 // A request of CNC_Retool: the sequence, then motors off until the operator enables them again.
+// Taken back first: a Stop in a yield of the sequence enters the loop again.
 void Serve_Retool_Request() {
-  ReTool();
   Controller.Retool_Request = false;
+  ReTool();
   Engage_EStop_State();
 }
 
@@ -211,6 +212,7 @@ void Command_CNC_Step_Click() {
 }
 
 void Command_CNC_Pause_Click() {
+  if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over
   Play_Event_Sound(sound::Pause);
   CNC_Pause();
 }
@@ -222,7 +224,7 @@ void Command_CNC_Stop_Click() {
 }
 
 void CNC_Controls_Esc() {
-  CNC_Stop();
+  if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
 }
 
 bool Begin_Operation() {

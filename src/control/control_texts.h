@@ -67,6 +67,8 @@ inline constexpr std::string_view Not_While_Moving =
     "This can be changed while the machine stands still.";
 inline constexpr std::string_view Goto_Needs_Stop =
     "Goto replaces the program of the paused run. Press Stop first.";
+inline constexpr std::string_view Goto_Not_Compiled =
+    "Goto: the line could not be compiled. The message list says why.";
 inline constexpr std::string_view Goto_Is_Empty = "Goto: this line gives nothing to execute.";
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "

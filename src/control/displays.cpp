@@ -75,9 +75,7 @@ void Blink_Retool() {
       Red_When(Controller.Retool_Active && Controller.Blink_Ticks < period / 2);
 }
 
-}  // namespace
-
-void CNCMode_Display() {
+void Fill_CNCMode() {
   const auto mode = std::clamp<int>(Machine.CNCMode, CNC_Stopped, CNC_Running);
   const Mode_Row& row = Mode_Rows[mode];
   CNC_Controls.Command_CNC_Play.Enabled = row.Play;
@@ -86,10 +84,9 @@ void CNCMode_Display() {
   CNC_Controls.Command_CNC_Stop.Enabled = row.Stop;
   CNC_Controls.Label_CNC_Status.Caption =
       Machine.EStop_Flag ? control_text::EStop_Pressed : control_text::CNC_Status[mode];
-  CNC_Controls_Host.Form_Changed();
 }
 
-void CNC_Display() {
+void Fill_CNC() {
   auto& form = CNC_Controls;
   form.Label_CNC_Step.Caption =
       "Step " + std::to_string(Machine.Run_Step) + " of " + std::to_string(Machine.EndingStep);
@@ -103,10 +100,9 @@ void CNC_Display() {
           : std::string();
   Display_Feeds();
   Display_Home_Safety();
-  CNC_Controls_Host.Form_Changed();
 }
 
-void CNC_Axis_Display() {
+void Fill_CNC_Axis() {
   for (int axis = 1; axis <= 4; ++axis) {
     CNC_Controls.Label_Axis_Pos[axis].Caption =
         Format_Number(Machine.Position[axis], MachineSetup.DRO_Format);
@@ -114,10 +110,9 @@ void CNC_Axis_Display() {
         Step_Engine.Active ? Controller.Move_Target[axis] - Machine.Position[axis] : 0;
     CNC_Controls.Label_Axis_DTG[axis].Caption = Format_Number(to_go, "00.000000");
   }
-  CNC_Controls_Host.Form_Changed();
 }
 
-void Display_IO() {
+void Fill_IO() {
   const bool spindle = Pins.Output_State[1] || Pins.Output_State[2];
   CNC_Controls.Label_Spindle_State.Caption =
       spindle ? control_text::Spindle_On : control_text::Spindle_Off;
@@ -130,7 +125,40 @@ void Display_IO() {
     CNC_Controls.Command_Limit1[axis].Color = Red_When(Pins.Limit_State[axis]);
     if (Pins.Limit_State[axis]) CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
   }
+}
+
+void Show(void (*fill)()) {
+  fill();
   CNC_Controls_Host.Form_Changed();
+}
+
+// The switches, unless they are switched off: the panel's copy of them then stays as it was, and
+// only the outputs are read back.
+void Read_Inputs() {
+  const auto limits = Pins.Limit_State;
+  const auto distances = Pins.Home_Distance;
+  Drive().Read_Switches();
+  if (MachineSetup.LimitSwitchDisable != 1) return;
+  Pins.Limit_State = limits;
+  Pins.Home_Distance = distances;
+}
+
+}  // namespace
+
+void CNCMode_Display() {
+  Show(Fill_CNCMode);
+}
+
+void CNC_Display() {
+  Show(Fill_CNC);
+}
+
+void CNC_Axis_Display() {
+  Show(Fill_CNC_Axis);
+}
+
+void Display_IO() {
+  Show(Fill_IO);
 }
 
 std::string Convert_Process_Time(double seconds) {
@@ -148,16 +176,17 @@ void ResetRetoolDisplay() {
 
 void CNC_Controls_Timer1() {
   if (Application.Closing_Program || Application.ShutdownFlag) return;
-  if (MachineSetup.LimitSwitchDisable != 1) Drive().Read_Switches();
+  Read_Inputs();
   Watch_EStop_Input();
   Watch_Limits_In_Run();
   Jog_Guard_Tick();
-  CNCMode_Display();
-  CNC_Display();
-  CNC_Axis_Display();
-  Display_IO();
-  Run_Plot_Host.Draw_Cursor();
+  Fill_CNCMode();
+  Fill_CNC();
+  Fill_CNC_Axis();
+  Fill_IO();
   Blink_Retool();
+  CNC_Controls_Host.Form_Changed();
+  Run_Plot_Host.Draw_Cursor();
 }
 
 void Command_Lim_Latch_Click(int axis) {
@@ -176,9 +205,10 @@ void Load_CNC_Controls() {
   Load_Goto_Controls();
   Load_Z_Levels();
   Draw_Knob(Knob.Knob_Position);
-  CNCMode_Display();
-  CNC_Display();
-  CNC_Axis_Display();
+  Fill_CNCMode();
+  Fill_CNC();
+  Fill_CNC_Axis();
+  CNC_Controls_Host.Form_Changed();
 }
 
 }  // namespace norvik

@@ -66,7 +66,10 @@ void Run_Goto() {
   ResetRetoolDisplay();
   Resynchronise_Position();
   Trap("Command_Goto_Error", [] {
-    CompileBlock(CNC_Controls.Text_Goto.Text);
+    if (!CompileBlock(CNC_Controls.Text_Goto.Text)) {
+      SetStatus(1, control_text::Goto_Not_Compiled, 10);
+      return;
+    }
     Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
     Ramp_First_Wire();
     Run_Plot_Host.Program_Replaced();

@@ -70,7 +70,6 @@ void Display_Jog_Feed() {
 }  // namespace
 
 void JogKey_Form_Load() {
-  JogKey.Open = true;
   const bool joystick = MachineSetup.KeyJog_Device == 1;
   JogKey_Form.Option_JoyCtrl = {{!joystick, joystick}};
   Reset_Joystick();
@@ -81,7 +80,6 @@ void JogKey_Form_Load() {
 void JogKey_Form_Unload() {
   Release_Jog();
   Forget_Jog_Key();
-  JogKey.Open = false;
 }
 
 void Start_Key_Jog(const std::vector<Jog_Way>& ways) {

@@ -41,7 +41,6 @@ struct JogKey_Host_Operations {
 extern JogKey_Host_Operations JogKey_Host;
 
 struct JogKey_State {
-  bool Open = false;             // the window is loaded
   std::int16_t Active_Key = 0;   // the key that holds the window's jog; 0: none
   bool Key_Moving = false;       // a key is held
   bool Key_Busy = false;         // a jog of this window runs

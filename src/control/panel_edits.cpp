@@ -45,14 +45,6 @@ std::optional<double> Ask(const std::string& title, const std::string& prompt,
   return value;
 }
 
-void Take_Step(Text_Control& field, std::int32_t& step, std::int32_t low, std::int32_t high) {
-  const std::optional<double> typed = Try_Number(field.Text);
-  if (typed && !Controller.Controller_Active)
-    step = static_cast<std::int32_t>(std::clamp<double>(Whole_Part(*typed), low, high));
-  field.Text = std::to_string(step);
-  CNC_Controls_Host.Form_Changed();
-}
-
 // Asks for a feed and stores it; `key` in section Axis. True when it changed.
 bool Ask_Feed(const char* prompt, const char* key, float& feed) {
   if (!Stands_Still()) return false;
@@ -128,15 +120,6 @@ void Label_FeedRate_Jogging_Click() {
     return;
   Text_Jog_IPM_LostFocus();
   CNC_Display();
-}
-
-void Text_StartingStep_Change() {
-  Take_Step(CNC_Controls.Text_StartingStep, Machine.StartingStep, 1, std::max(GCodeLineCount(), 1));
-}
-
-void Text_EndingStep_Change() {
-  Take_Step(CNC_Controls.Text_EndingStep, Machine.EndingStep, Machine.StartingStep,
-            std::max(GCodeLineCount(), Machine.StartingStep));
 }
 
 }  // namespace norvik

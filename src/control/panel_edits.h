@@ -20,10 +20,4 @@ void Label_FeedRate_Travel_Click();
 // Also of the jog window.
 void Label_FeedRate_Jogging_Click();
 
-// The step range, typed in the panel or in the `Gcode` window: the start is not below 1, the end
-// lies between the start and the last line. Text that is no number, and any text while a run goes
-// on, changes nothing; the field then shows what counts.
-void Text_StartingStep_Change();
-void Text_EndingStep_Change();
-
 }  // namespace norvik

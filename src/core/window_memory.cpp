@@ -53,13 +53,17 @@ void Write_Edge(const std::string& key, int pixels) {
   WriteSetup(Section, key, std::to_string(static_cast<long long>(pixels * Units_Per_Pixel)));
 }
 
-// Where a window may lie: the main window on the screen, the others inside it.
-Screen_Area Area_Of(Form_Id form, const Screen_Area& screen) {
+// Where a window may lie: the main window on the screen, the others inside it when they live there.
+Screen_Area Limits_Of(Form_Id form, const Screen_Area& screen) {
+  return form == Form_Id::Main ? screen : Window_Area.Tool_Windows.value_or(screen);
+}
+
+// What the default layout divides among the tool windows.
+Screen_Area Layout_Area(const Screen_Area& screen) {
   constexpr int menu_height = 60;
-  if (form == Form_Id::Main) return screen;
-  if (Window_Area.Tool_Windows) return *Window_Area.Tool_Windows;
-  return {screen.Left, screen.Top + menu_height, screen.Width,
-          std::max(Least_Height, screen.Height - menu_height)};
+  return Window_Area.Tool_Windows.value_or(
+      Screen_Area{screen.Left, screen.Top + menu_height, screen.Width,
+                  std::max(Least_Height, screen.Height - menu_height)});
 }
 
 }  // namespace
@@ -81,7 +85,7 @@ Window_Place Read_Form_Place(Form_Id form) {
   if (state && *state >= Window_Normal && *state <= Window_Maximized) {
     place.WindowState = To_Int16(*state);
   }
-  return Brought_On_Screen(place, Area_Of(form, screen));
+  return Brought_On_Screen(place, Limits_Of(form, screen));
 }
 
 void Write_Form_Place(Form_Id form, const Window_Place& place) {
@@ -117,7 +121,7 @@ void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views) {
 Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
   constexpr int jog_size = 420;
   if (form == Form_Id::Main) return {0, 0, screen.Height, screen.Width, Window_Maximized};
-  const Screen_Area area = Area_Of(form, screen);
+  const Screen_Area area = Layout_Area(screen);
   const int controls = std::min(Window_Area.Panel_Width, area.Width / 2);
   const int left_part = area.Width - controls;
   const int plot_height = area.Height * 6 / 10;

@@ -27,7 +27,6 @@
 #include <QCloseEvent>
 #include <QMdiSubWindow>
 #include <QMenuBar>
-#include <QMessageBox>
 #include <QMimeData>
 #include <QStatusBar>
 
@@ -398,11 +397,11 @@ void Main_Frame::changeEvent(QEvent* event) {
 void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (Gcode_Form.Text_Edited) {
-    const auto answer = QMessageBox::question(
-        this, "Norvik", "The program has changes that are not saved. Save them?",
-        QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
-    if (answer == QMessageBox::Cancel) return;
-    if (answer == QMessageBox::Save) {
+    const Box_Answer answer =
+        Platform.Message_Box("Norvik", "The program has changes that are not saved. Save them?",
+                             Box_Buttons::Yes_No_Cancel);
+    if (answer == Box_Answer::Cancel) return;
+    if (answer == Box_Answer::Yes) {
       Menu_File_Save();
       if (Gcode_Form.Text_Edited) return;  // the save was cancelled or failed
     }

@@ -118,6 +118,17 @@ TEST_F(Home_Test, The_retool_request_of_the_run_loop_ends_with_the_motors_disabl
   Expect_Position_True();
 }
 
+TEST_F(Home_Test, Stop_in_a_retool_request_ends_the_sequence_once) {
+  In_Yield_After(100, [] { Command_CNC_Stop_Click(); });
+  CNC_Retool();
+  EXPECT_NEAR(Machine.Position[3], 1.5, 1e-9);  // the running move is finished
+  EXPECT_EQ(Machine.Position[1], 0);
+  EXPECT_TRUE(Machine.EStop_Flag);
+  EXPECT_FALSE(Controller.Retool_Request || Controller.Panel_Busy);
+  EXPECT_FALSE(FileExists(Application.ErrorFile));
+  Expect_Position_True();
+}
+
 TEST_F(Home_Test, Validation_sets_the_counters_at_the_switches) {
   Set_Up_Validation(0.125);  // the machine really stands at 0
   MachineSetup.Axis_Backlash_Enable = true;

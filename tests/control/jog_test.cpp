@@ -450,24 +450,6 @@ TEST_F(Jog_Test, No_box_opens_while_the_machine_moves) {
   EXPECT_NEAR(At(1), 1, 1e-9);
 }
 
-TEST_F(Jog_Test, The_step_range_is_held_to_the_program) {
-  SaveChanges("G0 X1\nG0 X2\nG0 X3\nG0 X4\n");
-  struct {
-    const char *Start, *End;
-    std::int32_t Starting, Ending;
-  } const rows[] = {
-      {"2", "3", 2, 3}, {"0", "99", 1, 4}, {"3", "1", 3, 3}, {"x", "", 3, 3}, {"-5", "2.9", 1, 2}};
-  for (const auto& row : rows) {
-    CNC_Controls.Text_StartingStep.Text = row.Start;
-    Text_StartingStep_Change();
-    CNC_Controls.Text_EndingStep.Text = row.End;
-    Text_EndingStep_Change();
-    EXPECT_EQ(Machine.StartingStep, row.Starting) << row.Start;
-    EXPECT_EQ(Machine.EndingStep, row.Ending) << row.End;
-    EXPECT_EQ(CNC_Controls.Text_EndingStep.Text, std::to_string(row.Ending));
-  }
-}
-
 TEST_F(Jog_Test, The_key_page_reads_keys_and_restores_its_defaults) {
   Command_JogKey(3);
   JogKey_Test_KeyDown(87);

@@ -155,6 +155,19 @@ TEST_F(Safety_Test, The_spindle_directions_exclude_each_other_off_first) {
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
 }
 
+TEST_F(Safety_Test, Without_limit_switches_the_output_boxes_still_follow_the_outputs) {
+  MachineSetup.LimitSwitchDisable = 1;
+  Force_Input(2, Input_Force::On);
+  CNC_Controls.Check_Outputs[2].Value = true;
+  Toggle_Outputs(2);
+  CNC_Controls_Timer1();
+  EXPECT_TRUE(CNC_Controls.Check_Outputs[2].Value);
+  EXPECT_FALSE(Pins.Limit_State[2]);
+  PPSetPort(Output_Port_Address, 0, true);
+  CNC_Controls_Timer1();
+  EXPECT_FALSE(CNC_Controls.Check_Outputs[2].Value);
+}
+
 TEST_F(Safety_Test, Limit_lamps_follow_and_latch) {
   Force_Input(2, Input_Force::On);
   CNC_Controls_Timer1();
