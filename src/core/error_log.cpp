@@ -29,11 +29,14 @@ void Write_Line(const std::string& line, std::ios::openmode mode) {
   file << line << "\r\n";
 }
 
-// An entry is one line, whatever a faulty file put into the text.
+// An entry is one line of readable length, whatever a faulty file put into the text.
 std::string One_Line(std::string_view text) {
-  std::string line(text);
+  constexpr std::size_t longest = 1000;
+  std::string line(text.substr(0, longest));
   std::replace_if(
-      line.begin(), line.end(), [](char c) { return c == '\r' || c == '\n' || c == '\0'; }, ' ');
+      line.begin(), line.end(),
+      [](char c) { return static_cast<unsigned char>(c) < ' ' || c == '\x7F'; }, ' ');
+  if (text.size() > longest) line += "... (" + std::to_string(text.size()) + " characters)";
   return line;
 }
 

@@ -6,7 +6,8 @@
 namespace norvik {
 
 // Shows the text in panels 1 and 3 for ten seconds and appends the line
-// "mm/dd/yyyy hh:nn:ss Error Description: text" to `Application.ErrorFile`. Any failure of these
+// "mm/dd/yyyy hh:nn:ss Error Description: text", control characters as blanks and cut at 1000
+// characters, to `Application.ErrorFile`. Any failure of these
 // steps is ignored.
 void ErrorLogWrite(std::string_view text);
 

@@ -71,6 +71,9 @@ TEST_F(Messages_Test, Error_Log_Takes_One_Line_An_Entry) {
   const std::string stamp = "05/06/2024 10:20:30 Error Description: ";
   EXPECT_EQ(Log(), stamp + "first\r\n" + stamp + "Some_Error # 6 too  large\r\n" + stamp +
                        "Import Error # 51 lost\r\n");
+  ErrorLogWrite(std::string(5000, 'x') + "\x1B[2J");
+  EXPECT_THAT(Log(), testing::EndsWith("xxx... (5004 characters)\r\n"));
+  EXPECT_LT(Messages.Panel[1].size(), 1100U);
   Reset_Error_Log();
   EXPECT_EQ(Log(), "05/06/2024 10:20:30 Error File Cleared on Startup\r\n");
   EXPECT_EQ(Messages.Panel[1], "Error File Reset:");
