@@ -25,5 +25,5 @@ run_target() {
 export -f run_target
 export seconds
 mapfile -t targets < <(find "$PWD/build/fuzz/fuzz" -maxdepth 1 -type f -name 'fuzz_*' -executable | sort)
-[ "${#targets[@]}" -gt 0 ] || { echo "No fuzz target is built: cmake --preset fuzz && cmake --build --preset fuzz" >&2; exit 1; }
+[ "${#targets[@]}" -gt 0 ] || { echo "No fuzz target is built: cmake --preset fuzz && cmake --build --preset fuzz --target fuzz_targets" >&2; exit 1; }
 printf '%s\n' "${targets[@]}" | xargs -P "$(nproc)" -I{} bash -c 'run_target {}'

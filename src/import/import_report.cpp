@@ -8,7 +8,6 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
-#include <ranges>
 
 namespace norvik {
 
@@ -233,7 +232,8 @@ std::vector<std::string> Import_Report_Lines() {
 
 void Show_Import_Report() {
   const std::vector<std::string> lines = Import_Report_Lines();
-  for (const std::string& line : std::views::reverse(lines)) AddMessage(line);
+  // The list shows the newest message first.
+  for (auto line = lines.rbegin(); line != lines.rend(); ++line) AddMessage(*line);
   Import_Host.Show_Report(lines);
 }
 
