@@ -165,7 +165,9 @@ void Record_Walk::Scan(std::int32_t stop) {
     squares[n] = square0 < square1 ? square0 : square1;
   }
   const std::int32_t block_start = block * Block;
-  for (std::int32_t n = At - block_start; n < Block; ++n) {
+  // The last block is filled up with places that hold no row.
+  const std::int32_t rows = std::min(Block, Size() - block_start);
+  for (std::int32_t n = At - block_start; n < rows; ++n) {
     if (squares[n] <= High && Passes(squares[n], block_start + n)) Take(block_start + n);
   }
   At = block_start + Block;

@@ -11,6 +11,7 @@
 #include "platform/scripted/scripted_platform.h"
 
 #include <cmath>
+#include <unistd.h>
 #include <filesystem>
 #include <random>
 
@@ -309,7 +310,7 @@ TEST_F(Feed_Pass, Speeds_Join_And_Keep_The_Limits) {
 // ---------------------------------------------------------------------------
 
 struct Feed_Pass_Run : Feed_Pass {
-  Feed_Pass_Run() : Path(testing::TempDir() + "norvik_feed_pass.csv") {
+  Feed_Pass_Run() : Path(testing::TempDir() + std::to_string(::getpid()) + "norvik_feed_pass.csv") {
     std::filesystem::remove(Path);
   }
   ~Feed_Pass_Run() override {

@@ -16,6 +16,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace norvik {
 
@@ -23,7 +24,7 @@ class Line_Pass_Test : public ::testing::Test {
  protected:
   Line_Pass_Test() {
     Folder = std::filesystem::path(::testing::TempDir()) /
-             ("line_" + std::to_string(::testing::UnitTest::GetInstance()->random_seed()) + "_" +
+             ("line_" + std::to_string(::getpid()) + "_" +
               std::to_string(reinterpret_cast<std::uintptr_t>(this)));
     std::filesystem::create_directories(Folder);
     Application = {};

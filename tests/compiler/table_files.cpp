@@ -7,6 +7,7 @@
 #include "core/paths.h"
 
 #include <filesystem>
+#include <unistd.h>
 #include <fstream>
 #include <functional>
 #include <random>
@@ -23,7 +24,7 @@ using testing::HasSubstr;
 
 // A folder of its own for each test.
 struct Table_Files : testing::Test {
-  Table_Files() : Folder(testing::TempDir() + "norvik_table_files") {
+  Table_Files() : Folder(testing::TempDir() + std::to_string(::getpid()) + "norvik_table_files") {
     std::filesystem::remove_all(Folder);
     std::filesystem::create_directories(Folder);
   }

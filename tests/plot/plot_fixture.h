@@ -22,6 +22,7 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace norvik {
 
@@ -83,7 +84,7 @@ class Plot_Test : public testing::Test {
     Messages = {};
     Machine = {};
     Application = {};
-    Application.ErrorFile = testing::TempDir() + "plot_errors.txt";
+    Application.ErrorFile = testing::TempDir() + std::to_string(::getpid()) + "plot_errors.txt";
     std::remove(Application.ErrorFile.c_str());
     Tools = {};
     MachineSetup = {};

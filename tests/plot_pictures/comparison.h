@@ -12,6 +12,7 @@
 #include <string>
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace norvik {
 
@@ -54,7 +55,7 @@ inline void Compare_With_Stored(const Plot_Image& picture, const std::string& na
   if (std::getenv("NORVIK_RENEW_PICTURES")) Write_Picture_File(Stored_Path(name), picture);
   const QImage stored(QString::fromStdString(Stored_Path(name)));
   if (Difference(Image_Of(picture), stored) > tolerance) {
-    const std::string drawn = testing::TempDir() + name + ".png";
+    const std::string drawn = testing::TempDir() + std::to_string(::getpid()) + name + ".png";
     Write_Picture_File(drawn, picture);
     ADD_FAILURE() << name << " differs from the stored picture; drawn now: " << drawn;
   }

@@ -10,6 +10,7 @@
 #include <QImageReader>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -17,7 +18,7 @@ namespace {
 using testing::ElementsAre;
 
 std::string Path(const std::string& name) {
-  return testing::TempDir() + name;
+  return testing::TempDir() + std::to_string(::getpid()) + name;
 }
 
 void Write_Bytes(const std::string& path, const QByteArray& bytes) {
@@ -113,7 +114,7 @@ TEST(Picture_Files, Refused_Names_Say_What_To_Do) {
     std::string Path, Text;
   };
   for (const Row& row : {Row{"/no/such/folder/a.png", "choose another folder"},
-                         Row{testing::TempDir() + "a.xyz", "ends in .png"}}) {
+                         Row{testing::TempDir() + std::to_string(::getpid()) + "a.xyz", "ends in .png"}}) {
     try {
       Write_Picture_File(row.Path, picture);
       ADD_FAILURE() << row.Path;

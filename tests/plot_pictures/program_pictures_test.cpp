@@ -7,6 +7,7 @@
 #include "plot/view.h"
 
 #include <gtest/gtest.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -85,7 +86,7 @@ TEST_F(Program_Pictures, A_Fine_Grid_Stays_A_Grid) {
 
 TEST_F(Program_Pictures, The_Pixmap_Holds_The_Same_Pixels) {
   const Plot_Image picture = Make_Program_Picture({6, 40, false});
-  const std::string path = testing::TempDir() + "program.ppm";
+  const std::string path = testing::TempDir() + std::to_string(::getpid()) + "program.ppm";
   Write_Pixmap_File(path, picture);
   EXPECT_EQ(QImage(QString::fromStdString(path)).convertToFormat(QImage::Format_ARGB32),
             Image_Of(picture));
