@@ -14,6 +14,7 @@
 // the next statement (`Import_Faults`).
 #pragma once
 
+#include "import/gerber_layers.h"
 #include "import/import_line.h"
 
 #include <cstdint>
@@ -44,6 +45,9 @@ struct Import_Host_Operations {
   std::function<void(const std::string& path)> Open_GCode = [](const std::string&) {};
   // Shows the window `DXF_Import_Layers` without blocking; the record is filled.
   std::function<void()> Show_DXF_Layers = [] {};
+  // Shows the window `GerberLayerSelection` and returns when it is closed; the record is filled.
+  // By default all layers are taken.
+  std::function<void()> Select_Gerber_Layers = [] { GerberLayerSelection_Command_OK_Click(); };
   // The report lines of a finished import, from the first to the last, after they have been added
   // to the message list.
   std::function<void(const std::vector<std::string>& lines)> Show_Report =
