@@ -188,7 +188,7 @@ void Home_Move() {
 void Set_Axis_Position(int axis, double value) {
   Machine.Position[axis] = value;
   Machine.Theoretical_Pos[axis] = value;
-  Save_Axis_Positions();
+  Keep_Given_Positions();
 }
 
 void Command_Home_Click() {

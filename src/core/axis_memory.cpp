@@ -10,6 +10,8 @@
 
 namespace norvik {
 
+Axis_Memory_Host_Operations Axis_Memory_Host;
+
 namespace {
 
 constexpr std::string_view Section = "Axis Position";
@@ -40,6 +42,11 @@ void Save_Axis_Positions() {
       WriteSetup(Section, "Axis_Mach_Pos_" + number, Position_Text(Machine.Absolute_Pos[axis]));
     }
   });
+}
+
+void Keep_Given_Positions() {
+  Save_Axis_Positions();
+  Axis_Memory_Host.Positions_Given();
 }
 
 void Load_Axis_Positions() {

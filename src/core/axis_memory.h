@@ -5,10 +5,21 @@
 // position survives.
 #pragma once
 
+#include <functional>
+
 namespace norvik {
+
+struct Axis_Memory_Host_Operations {
+  // Positions were given and not reached by steps; does nothing by default.
+  std::function<void()> Positions_Given = [] {};
+};
+extern Axis_Memory_Host_Operations Axis_Memory_Host;
 
 // Writes `Position` and `Absolute_Pos` of axes 1 to 4, the four together.
 void Save_Axis_Positions();
+// After the operator or homing has given an axis its position: saves it and tells
+// `Axis_Memory_Host`.
+void Keep_Given_Positions();
 // Reads them. Missing values are 0; text that is no number is logged and counts as 0.
 // `Theoretical_Pos` starts where the machine stands.
 void Load_Axis_Positions();

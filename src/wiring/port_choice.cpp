@@ -1,5 +1,6 @@
 #include "wiring/port_choice.h"
 
+#include "core/axis_memory.h"
 #include "core/error_log.h"
 #include "core/messages.h"
 #include "core/paths.h"
@@ -32,6 +33,7 @@ std::string Use_Direct_Port() {
 void Use_Simulated_Machine() {
   Load_Simulated_Machine();
   Install_Simulated_Machine();
+  Axis_Memory_Host.Positions_Given = Align_With_Application;
   Port_Choice.Simulated = true;
 }
 

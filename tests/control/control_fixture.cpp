@@ -11,6 +11,7 @@ Control_Test::Control_Test() {
   Set_Up_Machine();
   Reset_Simulated_Machine();
   Install_Simulated_Machine();
+  Axis_Memory_Host.Positions_Given = Align_With_Application;
   Watch_Delays();
   Connect_Control();
 }

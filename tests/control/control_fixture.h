@@ -23,6 +23,7 @@
 #include "control/machine_move.h"
 #include "control/run_plot_host.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"

@@ -145,6 +145,9 @@ TEST_F(Home_Test, Validation_sets_the_counters_at_the_switches) {
   EXPECT_THAT(Messages.MessageLog, Not(Contains(HasSubstr("The A Axis"))));
   EXPECT_TRUE(MachineSetup.Axis_Backlash_Enable);
   EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "-0.5");
+  for (int axis = 1; axis <= 3; ++axis) {
+    EXPECT_EQ(View_Simulated_Machine().Axes[axis].Steps_Apart, 0) << axis;
+  }
 }
 
 TEST_F(Home_Test, An_axis_without_a_target_takes_no_part) {

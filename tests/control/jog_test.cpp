@@ -414,6 +414,7 @@ TEST_F(Jog_Test, Positions_levels_and_feeds_are_edited_in_boxes) {
   EXPECT_EQ(scripted.Inputs[0].Title, "Axis");
   EXPECT_EQ(scripted.Inputs[0].Prompt, "Change X Axis Position");
   EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "2.5");
+  EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, 0);  // given, not lost
   Label_Axis_Pos_DblClick(1);  // empty: nothing changes
   EXPECT_DOUBLE_EQ(At(1), 2.5);
   Label_Tool_Height_Click(2);
