@@ -3,7 +3,7 @@
 # the simulated machine, and in dark. Needs Xvfb, xdotool and ImageMagick; build the target norvik first.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-program=${NORVIK:-build/debug/src/ui/norvik}
+program=${NORVIK:-build/release/src/ui/norvik}
 display=:${SCREENSHOT_DISPLAY:-47}
 scratch=$(mktemp -d)
 started=()
