@@ -2,6 +2,7 @@
 #include "cli/companion.h"
 #include "control/connect.h"
 #include "control/displays.h"
+#include "control/machine_move.h"
 #include "control/run_program.h"
 #include "core/fault.h"
 #include "parallel/ports.h"
@@ -59,6 +60,10 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   Stop_Port_Recorder();
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   std::cout << Summary_Text(summary);
+  if (!Move_Trace.Failed_Path.empty()) {
+    Complain("The move trace " + Move_Trace.Failed_Path +
+             " could not be written. Choose a folder that you may write to.");
+  }
   for (const std::string& finding : companion.Environment.Findings()) {
     std::cout << "Noticed  " << finding << '\n';
   }
