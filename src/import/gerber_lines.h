@@ -1,25 +1,62 @@
 // gerber_lines.h: the line file of the artwork import: X1, Y1, X2, Y2 in each record, CR LF.
 #pragma once
 
-#include "core/paths.h"
+#include "import/gerber_geometry.h"
+#include "import/import_line.h"
+#include "import/import_pipeline.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace norvik {
 
+inline constexpr std::string_view Gerber_Fault_Name = "Get_Gerber_DataFile_Error";
+
 // A straight cut.
 struct Gerber_Cut {
-  double X1 = 0, Y1 = 0, X2 = 0, Y2 = 0;
+  Plane_Point From, To;
 };
 
-// Every record of the file; none when there is no file. A record that cannot be read is logged
-// under `fault_name` and left out. ESC stops.
-std::vector<Gerber_Cut> Read_Gerber_Lines(const std::string& path, std::string_view fault_name);
+// A record that cannot be read is logged under `fault_name` and left out.
+class Gerber_Line_Reader {
+ public:
+  // No file reads as an empty one.
+  Gerber_Line_Reader(const std::string& path, std::string_view fault_name);
+  // False at the end of the file.
+  bool Read(Gerber_Cut& cut);
 
-// Raise a file fault.
-void Append_Gerber_Lines(const std::string& path, const std::vector<Gerber_Cut>& cuts);
-void Replace_Gerber_Lines(const std::string& path, const std::vector<Gerber_Cut>& cuts);
+ private:
+  Import_Faults Faults;
+  std::optional<Line_File_Reader> File;
+  ImportLine Line;
+};
+
+// Appends cuts whose points are singles. Failures raise a file fault; `Close` must be called.
+class Gerber_Line_Appender {
+ public:
+  explicit Gerber_Line_Appender(const std::string& path);
+  void Write(const Gerber_Cut& cut);
+  void Close() { File.Close(); }
+
+ private:
+  Line_File_Writer File;
+  ImportLine Line;
+};
+
+// Writes a line file anew, in place of the old one once it is whole. Failures raise a file fault
+// and leave the old one.
+class Gerber_Line_Replacement {
+ public:
+  explicit Gerber_Line_Replacement(const std::string& path);
+  void Write(const Gerber_Cut& cut);
+  void Commit();
+
+ private:
+  std::string Target;
+  Scratch_File Neighbour;
+  Line_File_Writer File;
+  ImportLine Line;
+};
 
 }  // namespace norvik

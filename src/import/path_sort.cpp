@@ -17,16 +17,30 @@ class Path_Sort {
   std::vector<Path_Step> Run(Point& position, const std::function<bool(std::int32_t)>& round);
 
  private:
+  // What is known of a row since it last changed its place.
+  struct Turn {
+    std::int32_t Place = 0;
+    std::int32_t Slots = 0;  // places filled by then
+    bool Second = false;     // it started at its second end then
+  };
+  static std::size_t Index(std::int32_t n) { return static_cast<std::size_t>(n); }
   bool Starts_At_Second(const Point& position, std::int32_t row) const;
+  bool Was_Looked_At(std::int32_t row, std::size_t slot) const {
+    return !To_Meeting || Looked_To[slot] > Turns[Index(row)].Place;
+  }
   void Place_Next(std::int32_t slot);
+  void Keep_Turns(std::int32_t slot, std::int32_t row_before);
 
   Record_Walk Walk{Record_Walk::Finds::Not_Farther};
-  bool Single;
+  bool Single, To_Meeting;
   std::vector<Point> Passed;  // positions so far, the present one last
+  // Where a meeting ends the search:
+  std::vector<std::int32_t> Looked_To;  // for each slot, one past the last place looked at
+  std::vector<Turn> Turns;              // by row
 };
 
 Path_Sort::Path_Sort(const std::vector<Point>& points, Path_Rows rows)
-    : Single(rows == Path_Rows::Points) {
+    : Single(rows == Path_Rows::Points), To_Meeting(rows == Path_Rows::Lines_To_Meeting) {
   std::vector<Point> ends;
   if (Single) {
     ends.reserve(points.size() * 2);
@@ -37,10 +51,16 @@ Path_Sort::Path_Sort(const std::vector<Point>& points, Path_Rows rows)
   const auto count = static_cast<std::int32_t>(ends.size());
   Walk.Build(std::move(ends));
   for (std::int32_t end = 0; end < count; end += Single ? 2 : 1) Walk.Switch(end, true);
+  if (!To_Meeting) return;
+  Walk.End_At_Meeting();
+  Turns.resize(Index(Walk.Size()));
+  for (std::int32_t row = 0; row < Walk.Size(); ++row) Turns[Index(row)].Place = row;
+  Looked_To.assign(Index(Walk.Size()), 0);
 }
 
-// Every row left is turned at every step. Where its ends are equally far the row stays as the step
-// before had turned it, and before the first step as it was given.
+// Every row that is looked at is turned. Where its ends are equally far the row stays as the slot
+// before had turned it, and before the first slot as it was given. Asked for rows that were looked
+// at for the present slot, the last of Passed.
 bool Path_Sort::Starts_At_Second(const Point& position, std::int32_t row) const {
   const Point &first = Walk.End_At(row * 2), &second = Walk.End_At(row * 2 + 1);
   const auto compare = [&](const Point& from) {
@@ -50,15 +70,32 @@ bool Path_Sort::Starts_At_Second(const Point& position, std::int32_t row) const 
   };
   int order = compare(position);
   if (first.X == second.X && first.Y == second.Y) return false;
-  for (std::size_t n = Passed.size(); order == 0 && n > 0; --n) order = compare(Passed[n - 1]);
-  return order > 0;
+  const Turn known = To_Meeting ? Turns[Index(row)] : Turn{};
+  for (std::size_t n = Passed.size() - 1; order == 0 && n > Index(known.Slots); --n) {
+    if (Was_Looked_At(row, n - 1)) order = compare(Passed[n - 1]);
+  }
+  return order == 0 ? known.Second : order > 0;
+}
+
+// Notes where the search has left the rows that it moved.
+void Path_Sort::Keep_Turns(std::int32_t slot, std::int32_t row_before) {
+  const auto keep = [&](std::int32_t row) {
+    Turns[Index(row)] = {Walk.Place_Of(row), slot + 1, Starts_At_Second(Passed.back(), row)};
+  };
+  keep(row_before);
+  for (const std::int32_t row : Walk.Rows_Found()) keep(row);
 }
 
 void Path_Sort::Place_Next(std::int32_t slot) {
   const Point position = Passed.back();
   const std::int32_t row = Walk.Row_In(slot);
   const bool second = !Single && Starts_At_Second(position, row);
-  Walk.Find(position, slot, slot + 1, Walk.End_At(row * 2 + (second ? 1 : 0)));
+  const Point& start = Walk.End_At(row * 2 + (second ? 1 : 0));
+  const bool meets = To_Meeting && start.X == position.X && start.Y == position.Y;
+  if (!meets) Walk.Find(position, slot, slot + 1, start);
+  if (!To_Meeting) return;
+  if (!meets) Keep_Turns(slot, row);
+  Looked_To[Index(slot)] = meets ? slot + 1 : Walk.Looked_To();
 }
 
 std::vector<Path_Step> Path_Sort::Run(Point& position,

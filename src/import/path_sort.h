@@ -4,6 +4,9 @@
 // end; a later row that starts no farther from the position than the row in the slot changes places
 // with it, so that of equals the last one wins; the position moves to the end of the row in the
 // slot. The outcome is that of the plain scan, equals and turned rows included, in about n log n.
+//
+// Where a meeting ends the search, the scan for a slot stops as soon as the row in it starts at the
+// position: later rows are then neither taken nor turned.
 #pragma once
 
 #include "import/point_tree.h"
@@ -19,8 +22,9 @@ struct Path_Step {
   bool Reversed = false;
 };
 
-// How rows are given: start and end of each, or one point of each, which is both.
-enum class Path_Rows { Lines, Points };
+// How rows are given: start and end of each, or one point of each, which is both; and whether a
+// meeting ends the search.
+enum class Path_Rows { Lines, Lines_To_Meeting, Points };
 
 // The order in which rows are taken from `position` on, which is left at the end of the last one.
 // `round(rows done)` is called before each row; when it gives false the rest stays in the order in

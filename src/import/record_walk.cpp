@@ -125,6 +125,10 @@ inline void Record_Walk::Take(std::int32_t place) {
   Put_State(place, Carried);
   Carried = found;
   Last_Found = place;
+  Found.push_back(found.Row);
+  if (Ends_At_Meeting) {
+    for (const int side : {0, 1}) Met |= found.X[side] == Centre.X && found.Y[side] == Centre.Y;
+  }
   const float first = Rough_Square(found.X[0], found.Y[0]);
   const float second = Rough_Square(found.X[1], found.Y[1]);
   Set_Best(first < second ? first : second);
@@ -167,7 +171,7 @@ void Record_Walk::Scan(std::int32_t stop) {
   const std::int32_t block_start = block * Block;
   // The last block is filled up with places that hold no row.
   const std::int32_t rows = std::min(Block, Size() - block_start);
-  for (std::int32_t n = At - block_start; n < rows; ++n) {
+  for (std::int32_t n = At - block_start; n < rows && !Met; ++n) {
     if (squares[n] <= High && Passes(squares[n], block_start + n)) Take(block_start + n);
   }
   At = block_start + Block;
@@ -199,7 +203,7 @@ void Record_Walk::Walk_Answer() {
     if (!(square <= High) || !Passes(square, place)) continue;
     Take(place);
     At = place + 1;
-    if (High > asked) return;
+    if (High > asked || Met) return;
   }
   At = Size();
 }
@@ -208,13 +212,15 @@ void Record_Walk::Find(Point_Tree::Point centre, std::int32_t slot, std::int32_t
                        Point_Tree::Point best) {
   Centre = centre;
   At = Last_Found = from;
+  Met = false;
+  Found.clear();
   Carried = State_At(slot);
   Set_Best(Rough_Square(best.X, best.Y));
   Root = std::sqrt(Distance_Square(centre.X, centre.Y, best.X, best.Y));
   std::int32_t allowance = First_Allowance;
-  while (At < Size()) {
+  while (At < Size() && !Met) {
     Scan(std::min(Size(), Last_Found + allowance));
-    if (At - Last_Found < allowance || At >= Size()) continue;
+    if (Met || At - Last_Found < allowance || At >= Size()) continue;
     if (Ask_Tree()) {
       Walk_Answer();
     } else {

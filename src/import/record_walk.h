@@ -34,6 +34,9 @@ class Record_Walk {
   enum class Finds { Nearer, Not_Farther };
   explicit Record_Walk(Finds rule) : Rule(rule) {}
 
+  // From now on a row found with a live end at the point itself ends the search.
+  void End_At_Meeting() { Ends_At_Meeting = true; }
+
   // Two ends for each row, all off; row r stands at place r and starts at its side 0.
   void Build(std::vector<Point_Tree::Point> ends);
 
@@ -62,6 +65,10 @@ class Record_Walk {
   void Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
             Point_Tree::Point best);
 
+  // Of the last search: the rows found, in order, and one past the last place looked at.
+  const std::vector<std::int32_t>& Rows_Found() const { return Found; }
+  std::int32_t Looked_To() const { return Met ? Last_Found + 1 : Size(); }
+
  private:
   static constexpr std::int32_t Block = 16;
   static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
@@ -88,6 +95,7 @@ class Record_Walk {
   void Walk_Answer();
 
   Finds Rule;
+  bool Ends_At_Meeting = false;
   std::vector<std::int32_t> Row_At, Place;
   std::vector<std::uint8_t> Side_At;  // where the row of a place starts
   // Ends by place; infinite where off. Filled up to whole blocks.
@@ -100,6 +108,8 @@ class Record_Walk {
   float Low = 0, High = 0;  // rough squares below are nearer than the best, above are farther
   double Root = -1;         // exact distance of the best; -1: that of Carried, not computed yet
   std::int32_t At = 0, Last_Found = 0;
+  bool Met = false;  // the row found last starts at the point itself and ends the search
+  std::vector<std::int32_t> Found;
   std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
 };

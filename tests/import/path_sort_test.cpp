@@ -20,16 +20,20 @@ Numbers Sorted(const Points& points, Path_Rows rows, Point_Tree::Point& position
 }
 
 void Compare_Strokes(const Points& ends, const std::string& name) {
-  std::vector<Plain_Stroke> strokes;
+  std::vector<Plain_Stroke> given;
   for (std::size_t n = 0; n < ends.size(); n += 2) {
-    strokes.push_back({ends[n].X, ends[n].Y, ends[n + 1].X, ends[n + 1].Y,
-                       static_cast<std::int32_t>(n / 2), false});
+    given.push_back({ends[n].X, ends[n].Y, ends[n + 1].X, ends[n + 1].Y,
+                     static_cast<std::int32_t>(n / 2), false});
   }
-  Plain_Stroke_Sort(strokes);
-  Numbers plain;
-  for (const Plain_Stroke& stroke : strokes) plain.emplace_back(stroke.Number, stroke.Reversed);
-  Point_Tree::Point position;
-  ASSERT_EQ(Sorted(ends, Path_Rows::Lines, position), plain) << name;
+  for (const Path_Rows rows : {Path_Rows::Lines, Path_Rows::Lines_To_Meeting}) {
+    std::vector<Plain_Stroke> strokes = given;
+    Plain_Stroke_Sort(strokes, rows == Path_Rows::Lines_To_Meeting);
+    Numbers plain;
+    for (const Plain_Stroke& stroke : strokes) plain.emplace_back(stroke.Number, stroke.Reversed);
+    Point_Tree::Point position;
+    ASSERT_EQ(Sorted(ends, rows, position), plain)
+        << name << (rows == Path_Rows::Lines ? "" : ", to meeting");
+  }
 }
 
 void Compare_Holes(const Points& points, Point_Tree::Point start, const std::string& name) {

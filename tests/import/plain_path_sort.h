@@ -23,14 +23,16 @@ struct Plain_Stroke {
   }
 };
 
-inline void Plain_Stroke_Sort(std::vector<Plain_Stroke>& strokes) {
+// `to_meeting`: a stroke that starts at the position ends the search for the next.
+inline void Plain_Stroke_Sort(std::vector<Plain_Stroke>& strokes, bool to_meeting = false) {
   float x = 0, y = 0;
   const auto turn = [&](Plain_Stroke& s) {
     if (Is_Closer(x, y, s.X1, s.Y1, s.X2, s.Y2)) s.Reverse();
   };
   for (std::size_t i = 0; i < strokes.size(); ++i) {
     turn(strokes[i]);
-    for (std::size_t j = i + 1; j < strokes.size(); ++j) {
+    const auto met = [&] { return to_meeting && strokes[i].X1 == x && strokes[i].Y1 == y; };
+    for (std::size_t j = i + 1; j < strokes.size() && !met(); ++j) {
       Plain_Stroke &here = strokes[i], &later = strokes[j];
       turn(later);
       const bool farther = Is_Closer(x, y, later.X1, later.Y1, here.X1, here.Y1);
