@@ -312,8 +312,8 @@ void Data_Scan::Draw_Line() {
   if (aperture.Size_X > Thin_Width) {
     Gerber_Table.Lines.push_back({New.X, New.Y, Old.X, Old.Y, aperture.Size_X, false});
     Count_Read("draw");
-  } else if (Keep_Thin) {
-    Gerber_Table.Thin_Lines.push_back({New.X, New.Y, Old.X, Old.Y});
+  } else if (Keep_Thin) {  // in the order of the file, so that cuts join without lifts
+    Gerber_Table.Thin_Lines.push_back({Old.X, Old.Y, New.X, New.Y});
     Count_Read("thin draw (cut along its middle)");
   } else {
     Count_Skipped("thin draw");
