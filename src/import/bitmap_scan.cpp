@@ -53,6 +53,9 @@ class Scanner {
   void Link_To(const Spot& start);
   void Take(const Spot& here, bool last_of_line);
   void Write(const Spot& from, const Spot& to);
+  // Rounded here as the program prints them: shorter texts are written and read faster.
+  double X_Of(const Spot& spot) const { return Round_12(spot.Col * Grid.Step_X + Offset_X); }
+  double Y_Of(const Spot& spot) const { return Round_12(spot.Row * Grid.Step_Y + Offset_Y); }
 
   const Picture& Source;
   const Bitmap_Grid Grid;
@@ -162,11 +165,11 @@ void Scanner::Take(const Spot& here, bool last_of_line) {
 }
 
 void Scanner::Write(const Spot& from, const Spot& to) {
-  Record.X1 = from.Col * Grid.Step_X + Offset_X;
-  Record.Y1 = from.Row * Grid.Step_Y + Offset_Y;
+  Record.X1 = X_Of(from);
+  Record.Y1 = Y_Of(from);
   Record.Z1 = from.Z;
-  Record.X2 = to.Col * Grid.Step_X + Offset_X;
-  Record.Y2 = to.Row * Grid.Step_Y + Offset_Y;
+  Record.X2 = X_Of(to);
+  Record.Y2 = Y_Of(to);
   Record.Z2 = to.Z;
   File.Write(Record);
 }
@@ -174,7 +177,8 @@ void Scanner::Write(const Spot& from, const Spot& to) {
 }  // namespace
 
 Bitmap_Grid Bitmap_Grid_Of_Setup() {
-  const float size_x = MachineSetup.BMAP_Material_Size_X, size_y = MachineSetup.BMAP_Material_Size_Y;
+  const float size_x = MachineSetup.BMAP_Material_Size_X,
+              size_y = MachineSetup.BMAP_Material_Size_Y;
   Bitmap_Grid grid;
   grid.Cols = Steps_Of("X", size_x, MachineSetup.BMAP_Increment_X);
   grid.Rows = Steps_Of("Y", size_y, MachineSetup.BMAP_Increment_Y);

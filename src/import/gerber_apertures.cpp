@@ -114,8 +114,8 @@ void Aperture_Scan::Read_Sizes(Gerber_Aperture& aperture, std::string_view defin
     const std::optional<double> second = Gerber_Find_Val('X', sizes);
     const bool round_or_square =
         aperture.Shape == 'C' || aperture.Shape == 'R' || aperture.Shape == 'O';
-    aperture.Size_Y =
-        (round_or_square && !second) || aperture.Shape == 'C' ? aperture.Size_X : Single_Or_0(second);
+    aperture.Size_Y = (round_or_square && !second) || aperture.Shape == 'C' ? aperture.Size_X
+                                                                            : Single_Or_0(second);
     if (aperture.Shape == 'C' && second) aperture.Sides = Single_Or_0(second);
   });
 }

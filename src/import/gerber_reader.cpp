@@ -13,6 +13,7 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
+#include <vector>
 
 namespace norvik {
 
@@ -130,7 +131,7 @@ class Data_Scan {
   void Select_Aperture(double code);
   void Draw_Line();
   void Flash_Pad();
-  bool Find_Aperture(const char* what);
+  bool Is_Kept(const char* what);
 
   void Note_Units();
   void Note_Apertures();
@@ -147,12 +148,11 @@ class Data_Scan {
 
   Point Old, New;
   bool Seen = false;  // the word under way has a coordinate
-  int Last = 0;  // operation; 0 before the first
+  int Last = 0;       // operation; 0 before the first
   std::int32_t Aperture = 0;
   bool Aperture_In_Range = true;
   bool Arc = false;
   std::int64_t Short_Coordinates = 0, Lost_Words = 0;
-  std::array<std::int64_t, 1001> Undefined_Uses{};
 };
 
 void Data_Scan::Load() {
@@ -287,9 +287,8 @@ void Data_Scan::Operate(std::optional<double> code) {
   if (now == Move || now == Flash || (now == Draw && Seen)) Old = New;
 }
 
-// True when the stroke or flash is to be kept. An aperture that is not defined has no size, so that
-// its strokes are thin.
-bool Data_Scan::Find_Aperture(const char* what) {
+// True when a stroke or flash is to be cut.
+bool Data_Scan::Is_Kept(const char* what) {
   if (!Layer_On) {
     Count_Skipped(std::string(what) + " of a layer that was not chosen");
     return false;
@@ -298,14 +297,11 @@ bool Data_Scan::Find_Aperture(const char* what) {
     Count_Skipped(std::string(what) + " with an aperture beyond D1000");
     return false;
   }
-  if (!Gerber_Apertures.Aperture[Aperture].Defined) {
-    ++Undefined_Uses[static_cast<std::size_t>(Aperture)];
-  }
   return true;
 }
 
 void Data_Scan::Draw_Line() {
-  if (!Find_Aperture("draw")) return;
+  if (!Is_Kept("draw")) return;
   if (Arc) Count_Skipped("arc (drawn straight to its end)");
   Gerber_Aperture& aperture = Gerber_Apertures.Aperture[Aperture];
   ++aperture.Draws;
@@ -321,7 +317,7 @@ void Data_Scan::Draw_Line() {
 }
 
 void Data_Scan::Flash_Pad() {
-  if (!Find_Aperture("flash")) return;
+  if (!Is_Kept("flash")) return;
   Gerber_Aperture& aperture = Gerber_Apertures.Aperture[Aperture];
   ++aperture.Flashes;
   if (aperture.Size_X < Thin_Width) {
@@ -335,6 +331,18 @@ void Data_Scan::Flash_Pad() {
 
 // --- Report --------------------------------------------------------------------------------------
 
+// "D12, D14 to D30"
+std::string Code_List(const std::vector<int>& codes) {
+  std::string text;
+  for (std::size_t n = 0; n < codes.size(); ++n) {
+    const std::size_t first = n;
+    while (n + 1 < codes.size() && codes[n + 1] == codes[n] + 1) ++n;
+    text += (text.empty() ? "D" : ", D") + std::to_string(codes[first]);
+    if (n > first) text += (n > first + 1 ? " to D" : ", D") + std::to_string(codes[n]);
+  }
+  return text;
+}
+
 void Data_Scan::Note_Units() {
   const Gerber_Format_State& format = Gerber_Format;
   const auto digits = [](const std::string& text) {
@@ -342,7 +350,7 @@ void Data_Scan::Note_Units() {
                         : std::string{text.front()} + "." + std::string{text.back()};
   };
   std::string& line = Import_Report.Format;
-  line = !format.Inches    ? "the file names no unit"
+  line = !format.Inches   ? "the file names no unit"
          : *format.Inches ? "file in inches"
                           : "file in millimetres";
   line += ", format " + digits(format.Format_X);
@@ -352,9 +360,8 @@ void Data_Scan::Note_Units() {
                                        : ", no zeros omitted";
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
   if (format.Inches && *format.Inches == metric) {
-    Report_Note(metric
-                    ? "The file says inches, the setup is metric; nothing was converted."
-                    : "The file says millimetres, the setup is inch; nothing was converted.");
+    Report_Note(metric ? "The file says inches, the setup is metric; nothing was converted."
+                       : "The file says millimetres, the setup is inch; nothing was converted.");
   }
   if (Short_Coordinates > 0) {
     Report_Note(std::to_string(Short_Coordinates) +
@@ -364,27 +371,23 @@ void Data_Scan::Note_Units() {
 }
 
 void Data_Scan::Note_Apertures() {
-  std::string unused;
-  for (int code = First_Aperture; code <= Gerber_Apertures.Aperture.last; ++code) {
-    const Gerber_Aperture& aperture = Gerber_Apertures.Aperture[code];
-    if (!aperture.Defined) continue;
-    const std::string name = "D" + std::to_string(code);
-    const std::int64_t uses = aperture.Draws + aperture.Flashes;
-    if (uses == 0) {
-      unused += (unused.empty() ? "" : ", ") + name;
-      continue;
-    }
-    const std::string shape = aperture.Shape != 0 ? std::string{' ', aperture.Shape} : "";
-    Import_Report.Tools.push_back(name + shape + " " + General_Text(aperture.Size_X) + " x " +
-                                  std::to_string(uses));
-  }
-  if (!unused.empty()) Report_Note("Apertures without use: " + unused);
+  std::vector<int> unused;
   std::string undefined;
-  for (std::size_t code = 0; code < Undefined_Uses.size(); ++code) {
-    if (Undefined_Uses[code] == 0) continue;
-    undefined += (undefined.empty() ? "D" : ", D") + std::to_string(code) + " x " +
-                 std::to_string(Undefined_Uses[code]);
+  for (int code = Gerber_Apertures.Aperture.first; code <= Gerber_Apertures.Aperture.last; ++code) {
+    const Gerber_Aperture& aperture = Gerber_Apertures.Aperture[code];
+    const std::int64_t uses = aperture.Draws + aperture.Flashes;
+    const std::string name = "D" + std::to_string(code), times = " x " + std::to_string(uses);
+    if (!aperture.Defined) {
+      if (uses > 0)
+        undefined += (undefined.empty() ? "" : ", ") + (code > 0 ? name : "none") + times;
+    } else if (uses == 0) {
+      unused.push_back(code);
+    } else {
+      const std::string shape = aperture.Shape != 0 ? std::string{' ', aperture.Shape} : "";
+      Import_Report.Tools.push_back(name + shape + " " + General_Text(aperture.Size_X) + times);
+    }
   }
+  if (!unused.empty()) Report_Note("Apertures without use: " + Code_List(unused));
   if (!undefined.empty()) {
     Report_Note("Apertures used but not defined, taken as thin: " + undefined);
   }
@@ -397,7 +400,7 @@ void Data_Scan::Note_End() {
   }
   if (Application.EscFlag) return;
   if (Words.Was_Cut()) {
-    Report_Note("Word " + std::to_string(Words.Number() + 1) +
+    Report_Note("Word " + std::to_string(Words.Number()) +
                 " has more than 1000 characters; the reading stopped there.");
   } else if (Words.Ended_In_Word()) {
     Report_Note("The file ends in the middle of a word; it may be incomplete.");

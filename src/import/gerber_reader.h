@@ -14,8 +14,8 @@
 // | no D        | with a coordinate: a stroke while the pen is down, otherwise a move         |
 //
 // Strokes up to `Gerber_Isolation_Minimum_Poly_Width` wide are thin: kept as thin lines with
-// `Gerber_Isolation_SmallLines_Function`, otherwise dropped. Flashes narrower than that are dropped.
-// While a layer is switched off the position follows, but nothing is kept.
+// `Gerber_Isolation_SmallLines_Function`, otherwise dropped. Flashes narrower than that are
+// dropped. While a layer is switched off the position follows, but nothing is kept.
 //
 // Parameter words FS, MO, OF, IN, IO, IP and LN are read (the last switches the layer), the others
 // pass. What has no effect here but would in the artwork goes to the import report with its count.

@@ -110,12 +110,12 @@ bool Gerber_Is_Short(std::string_view text, std::string_view format,
 }
 
 bool Gerber_Words::Next(std::string& word) {
+  ++Count;
   word.clear();
   Cut = false;
   const auto take = [&] {
     word = Trim(word);
     Word_In_Block = Block;
-    ++Count;
     return true;
   };
   for (int c = Source.Next_Char(); c >= 0; c = Source.Next_Char()) {
@@ -140,7 +140,8 @@ bool Gerber_Words::Next(std::string& word) {
     word.clear();
     Cut = false;
   }
-  Left_Over = word.find_first_not_of(' ') != std::string::npos;
+  // Some systems fill the last sector with zeros.
+  Left_Over = std::any_of(word.begin(), word.end(), [](char c) { return c > ' '; });
   return false;
 }
 

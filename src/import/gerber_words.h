@@ -75,6 +75,7 @@ class Gerber_Words {
   bool Was_Cut() const { return Cut; }
   // Something stood behind the last "*": the file ends in the middle of a word.
   bool Ended_In_Word() const { return Left_Over; }
+  // Of the word under way, from 1 on.
   std::int64_t Number() const { return Count; }
 
  private:

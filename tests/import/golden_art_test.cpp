@@ -65,7 +65,8 @@ struct Golden_Art : Import_Test {
     int cases = 0;
     for (const auto& entry : fs::directory_iterator(Golden / kind)) {
       EXPECT_EQ(Run(entry.path(), importer), "")
-          << entry.path().filename() << ": " << Read_Whole_File((entry.path() / "why.txt").string());
+          << entry.path().filename() << ": "
+          << Read_Whole_File((entry.path() / "why.txt").string());
       EXPECT_TRUE(Scratch_Is_Gone()) << entry.path();
       ++cases;
     }
