@@ -4,7 +4,6 @@
 #include "core/fault.h"
 #include "core/paths.h"
 #include "core/setup.h"
-#include "import/bitmap_passes.h"
 #include "import/bitmap_scan.h"
 #include "import/import_numbers.h"
 #include "import/import_pipeline.h"
@@ -59,7 +58,6 @@ bool Import_Bitmap_File(const std::string& path) {
       Clear_Import_Status();
       return false;
     }
-    Bitmap_Add_Passes(line_file);
     Import_Status("Converting Graphic File: Processing");
     Line_GCode_Rules rules;
     rules.Kind = Import_Kind::Bitmap;

@@ -9,6 +9,7 @@
 #include "import/import_pipeline.h"
 #include "import/import_report.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
@@ -36,10 +37,24 @@ double Step_Of(float size, std::int32_t steps) {
   return 1 / (steps / Decimal_Of(size));
 }
 
+// The height in a pass from the height in the picture.
+struct Pass_Height {
+  double Top = Decimal_Of(MachineSetup.BMAP_Material_Size_Z);
+  double Offset = Decimal_Of(MachineSetup.BMAP_Import_Offset_Z);
+  bool In_Passes = false;
+  double Share = 1;  // of the depth
+
+  double operator()(double z) const {
+    return In_Passes ? (z - Top + Offset) * Share + Top : z + Offset;
+  }
+};
+
 class Scanner {
  public:
   Scanner(const Picture& picture, const Bitmap_Grid& grid, const std::string& line_file);
-  void Run();
+  // False on ESC.
+  bool Scan_Pass(const Pass_Height& height);
+  void Close();
 
  private:
   struct Spot {
@@ -48,7 +63,7 @@ class Scanner {
   };
 
   Spot At(std::int32_t line, std::int32_t place) const;
-  double Height(std::int32_t col, std::int32_t row);
+  double Picture_Height(std::int32_t col, std::int32_t row);
   bool Scan_Line(std::int32_t line, bool down);
   void Link_To(const Spot& start);
   void Take(const Spot& here, bool last_of_line);
@@ -68,10 +83,11 @@ class Scanner {
   std::vector<std::int32_t> Col_Pixel, Row_Pixel;  // the pixel of each step on its picture axis
 
   Line_File_Writer File;
+  Pass_Height Height;
   Yield_Counter Yields{200};
   ImportLine Record;
   Spot Last, Previous;     // end of the last record; the point scanned before
-  std::int64_t Count = 0;  // points scanned
+  std::int64_t Count = 0;  // points scanned in the pass
   bool Coloured = false;
 };
 
@@ -91,18 +107,27 @@ Scanner::Scanner(const Picture& picture, const Bitmap_Grid& grid, const std::str
       Col_Pixel(Pixels_Of_Steps(grid.Cols, Rotated ? picture.Height : picture.Width)),
       Row_Pixel(Pixels_Of_Steps(grid.Rows, Rotated ? picture.Width : picture.Height)),
       File(line_file, Line_Form::Thirteen) {
+  File.Write_Z_As_Singles();
   Record.Pen = 0;
 }
 
-void Scanner::Run() {
+bool Scanner::Scan_Pass(const Pass_Height& height) {
+  Height = height;
+  Count = 0;
   const std::int32_t last_line = Along_X ? Grid.Rows : Grid.Cols;
   const std::int32_t last_place = Along_X ? Grid.Cols : Grid.Rows;
   bool down = true;
   for (std::int32_t line = 0; line <= last_line; ++line) {
+    Import_Progress("Add Passes: Adding Passes... ", static_cast<double>(line) / last_line,
+                    "% Completed, press ESC to cancel");
     if (line > 0) Link_To(At(line, down ? 0 : last_place));
-    if (!Scan_Line(line, down)) break;
+    if (!Scan_Line(line, down)) return false;
     down = !down;
   }
+  return true;
+}
+
+void Scanner::Close() {
   File.Close();
   Count_Read("points", Count);
   if (Coloured) {
@@ -117,7 +142,7 @@ Scanner::Spot Scanner::At(std::int32_t line, std::int32_t place) const {
 }
 
 // Pictures count their rows from the top, the table from the front.
-double Scanner::Height(std::int32_t col, std::int32_t row) {
+double Scanner::Picture_Height(std::int32_t col, std::int32_t row) {
   const std::int32_t c = Col_Pixel[static_cast<std::size_t>(col)];
   const std::int32_t r = Row_Pixel[static_cast<std::size_t>(row)];
   const std::int64_t x = Rotated ? r : c, y = Rotated ? c : Source.Height - 1 - r;
@@ -134,7 +159,7 @@ bool Scanner::Scan_Line(std::int32_t line, bool down) {
     if (Application.EscFlag) return false;
     Yields.Round();
     Spot here = At(line, down ? n : last_place - n);
-    here.Z = Height(here.Col, here.Row);
+    here.Z = Picture_Height(here.Col, here.Row);
     ++Count;
     Take(here, n == last_place);
     Previous = here;
@@ -167,10 +192,10 @@ void Scanner::Take(const Spot& here, bool last_of_line) {
 void Scanner::Write(const Spot& from, const Spot& to) {
   Record.X1 = X_Of(from);
   Record.Y1 = Y_Of(from);
-  Record.Z1 = from.Z;
+  Record.Z1 = Height(from.Z);
   Record.X2 = X_Of(to);
   Record.Y2 = Y_Of(to);
-  Record.Z2 = to.Z;
+  Record.Z2 = Height(to.Z);
   File.Write(Record);
 }
 
@@ -193,7 +218,15 @@ Bitmap_Grid Bitmap_Grid_Of_Setup() {
 }
 
 void Bitmap_Scan(const Picture& picture, const Bitmap_Grid& grid, const std::string& line_file) {
-  Scanner(picture, grid, line_file).Run();
+  Scanner scanner(picture, grid, line_file);
+  const int passes = std::max<int>(MachineSetup.BMAP_Passes_to_Depth, 1);
+  Pass_Height height;
+  height.In_Passes = passes >= 2;
+  for (int pass = 1; pass <= passes; ++pass) {
+    height.Share = static_cast<double>(pass) / passes;
+    if (!scanner.Scan_Pass(height)) break;
+  }
+  scanner.Close();
 }
 
 }  // namespace norvik

@@ -11,6 +11,11 @@
 // takes the colour of the pixel below it as Z: the 24-bit number blue * 65536 + green * 256 + red
 // over 16777215, times the material's height. White is the top surface, black is 0. Runs of equal Z
 // become one record. Lengths in units of the setup.
+//
+// With `BMAP_Passes_to_Depth` below 2 the offset in Z is added to all heights. With 2 or more the
+// picture is scanned once for each pass, the depth below the top taken by an equal share more in
+// each, so that the last pass reaches the full depth; a noisy picture gives millions of records,
+// which are cheaper to make again than to keep.
 #pragma once
 
 #include "platform/platform.h"
@@ -32,9 +37,10 @@ struct Bitmap_Grid {
 // fault, worded for the operator, where the settings give no grid or more than 25 million points.
 Bitmap_Grid Bitmap_Grid_Of_Setup();
 
-// Writes the records of `picture`, which must not be empty, to `line_file`, with the offsets in X
-// and Y added. The first point is entered from the travel height above it; offset and passes of Z
-// come later (bitmap_passes.h). Yields every 200 points; ESC ends the scan. Raises file faults.
+// Writes the records of all passes over `picture`, which must not be empty, to `line_file`, offsets
+// added. The first point of a pass is entered from the travel height above it. Yields every 200
+// points; ESC ends the scan. Raises file faults, and overflow faults where a height does not fit a
+// single.
 void Bitmap_Scan(const Picture& picture, const Bitmap_Grid& grid, const std::string& line_file);
 
 }  // namespace norvik
