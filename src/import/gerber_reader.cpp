@@ -389,7 +389,7 @@ void Data_Scan::Note_Apertures() {
   }
   if (!unused.empty()) Report_Note("Apertures without use: " + Code_List(unused));
   if (!undefined.empty()) {
-    Report_Note("Apertures used but not defined, taken as thin: " + undefined);
+    Report_Note("Apertures used but not defined (no size): " + undefined);
   }
 }
 

@@ -240,6 +240,17 @@ TEST_F(Gerber_Test, CancelledLayerWindowEndsTheImport) {
   EXPECT_TRUE(Scratch_Is_Gone());
 }
 
+TEST_F(Gerber_Test, TimeStandsOnTopOfTheMessages) {
+  Scripted.Yield_Nanoseconds = 1'234'000'000;
+  Application.DecimalSeparator = ',';
+  const std::string path = Store("a.gbr", With_Head("X1000D01*"));
+  EXPECT_TRUE(Import_Gerber_File(path));
+  EXPECT_THAT(Messages.MessageLog[0],
+              ::testing::MatchesRegex("Gerber Total Process Time: [0-9]+,[0-9][0-9] Seconds"));
+  EXPECT_EQ(Messages.MessageLog[1], "Import report: a.gbr (Gerber)");
+  EXPECT_THAT(Messages.MessageLog, Contains("Importing Gerber File " + path));
+}
+
 // What the artwork asks for and the program lacks is named.
 TEST_F(Gerber_Test, ReportNamesWhatHasNoEffect) {
   Read(
@@ -264,8 +275,7 @@ TEST_F(Gerber_Test, ReportNamesWhatHasNoEffect) {
   for (const char* note :
        {"The file says millimetres, the setup is inch", "incremental coordinates (FS I)",
         "incremental coordinates (G91)", "The image is negative",
-        "Apertures without use: D11, D13, D14",
-        "Apertures used but not defined, taken as thin: D12 x 1",
+        "Apertures without use: D11, D13, D14", "Apertures used but not defined (no size): D12 x 1",
         "2 coordinates have so few digits", "The file ends in the middle of a word"}) {
     EXPECT_THAT(report, Contains(AllOf(StartsWith("Note: "), HasSubstr(note))));
   }
