@@ -19,6 +19,7 @@ namespace {
 constexpr std::string_view Fault_Name = "Get_Gerber_AperatureFile_Error";
 constexpr std::size_t Longest_Word = 4096;  // no name, macro or definition needs more
 constexpr std::size_t Most_Layers = 1001;
+constexpr float Polygon_Sides = 8;  // whatever the macro says
 
 float Single_Or_0(std::optional<double> value) {
   return To_Single(value.value_or(0));
@@ -109,20 +110,20 @@ void Aperture_Scan::Take_Definition(std::string_view text) {
 void Aperture_Scan::Read_Sizes(Gerber_Aperture& aperture, std::string_view definition) {
   aperture.Shape = definition.front() == ',' ? '\0' : definition.front();
   const std::string_view sizes = definition.substr(definition.find(',') + 1);
-  CSV_Faults.Try([&] { aperture.Size_X = Single_Or_0(Gerber_Find_CSV_Val(1, definition)); });
-  Value_Faults.Try([&] {
+  const bool first_read =
+      CSV_Faults.Try([&] { aperture.Size_X = Single_Or_0(Gerber_Find_CSV_Val(1, definition)); });
+  const bool second_read = Value_Faults.Try([&] {
     const std::optional<double> second = Gerber_Find_Val('X', sizes);
-    const bool round_or_square =
-        aperture.Shape == 'C' || aperture.Shape == 'R' || aperture.Shape == 'O';
-    aperture.Size_Y = (round_or_square && !second) || aperture.Shape == 'C' ? aperture.Size_X
-                                                                            : Single_Or_0(second);
+    const bool needs_second = aperture.Shape != 'R' && aperture.Shape != 'O';
+    const bool as_high_as_wide = aperture.Shape == 'C' || (!second && !needs_second);
+    aperture.Size_Y = as_high_as_wide ? aperture.Size_X : Single_Or_0(second);
     if (aperture.Shape == 'C' && second) aperture.Sides = Single_Or_0(second);
   });
+  if (!first_read || !second_read) Count_Skipped("aperture size that is no number");
 }
 
 void Aperture_Scan::Read_Macro_Polygon(Gerber_Aperture& aperture, std::string_view name) {
   constexpr int diameter_place = 5;
-  constexpr float polygon_sides = 8;
   for (std::int32_t n = 0; n < Gerber_Apertures.Macro_Count; ++n) {
     const Gerber_Macro& macro = Gerber_Apertures.Macro[n];
     if (macro.Name != name) continue;
@@ -130,7 +131,7 @@ void Aperture_Scan::Read_Macro_Polygon(Gerber_Aperture& aperture, std::string_vi
     CSV_Faults.Try([&] {
       aperture.Size_X = Single_Or_0(Gerber_Find_CSV_Val(diameter_place, macro.Body));
       aperture.Size_Y = aperture.Size_X;
-      aperture.Sides = polygon_sides;
+      aperture.Sides = Polygon_Sides;
     });
     return;
   }
@@ -141,7 +142,7 @@ void Aperture_Scan::Note_Definition(const Gerber_Aperture& aperture, std::string
   const auto comma = definition.find(',');
   const std::string name(definition.substr(0, comma));
   if (comma == std::string_view::npos) {
-    if (aperture.Sides == 8) {
+    if (aperture.Sides == Polygon_Sides) {
       Count_Read("aperture macro (polygon)");
     } else {
       Count_Skipped("aperture macro " + name + " (no size)");
@@ -155,10 +156,6 @@ void Aperture_Scan::Note_Definition(const Gerber_Aperture& aperture, std::string
     return;
   }
   Count_Read("aperture " + name);
-  if (name == "P") {
-    Report_Note(
-        "Polygon apertures (P): the number of sides was taken as height. Check their pads.");
-  }
   const auto sizes_without_hole = name == "C" ? 0 : name == "P" ? 2 : 1;
   if (parts > sizes_without_hole) Count_Skipped("hole in an aperture");
 }

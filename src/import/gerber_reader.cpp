@@ -373,6 +373,7 @@ void Data_Scan::Note_Units() {
 void Data_Scan::Note_Apertures() {
   std::vector<int> unused;
   std::string undefined;
+  bool polygons = false;
   for (int code = Gerber_Apertures.Aperture.first; code <= Gerber_Apertures.Aperture.last; ++code) {
     const Gerber_Aperture& aperture = Gerber_Apertures.Aperture[code];
     const std::int64_t uses = aperture.Draws + aperture.Flashes;
@@ -384,8 +385,12 @@ void Data_Scan::Note_Apertures() {
       unused.push_back(code);
     } else {
       const std::string shape = aperture.Shape != 0 ? std::string{' ', aperture.Shape} : "";
+      polygons = polygons || (aperture.Shape == 'P' && aperture.Flashes > 0);
       Import_Report.Tools.push_back(name + shape + " " + General_Text(aperture.Size_X) + times);
     }
+  }
+  if (polygons) {
+    Report_Note("Polygon apertures (P): the number of sides counts as height. Check their pads.");
   }
   if (!unused.empty()) Report_Note("Apertures without use: " + Code_List(unused));
   if (!undefined.empty()) {

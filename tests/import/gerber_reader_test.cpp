@@ -118,7 +118,7 @@ TEST_F(Gerber_Test, ApertureDefinitions) {
       "%AMOCT*5,1,8,0,0,0.06,22.5*%%AMBOX*21,1,0.1,0.2,0,0,0*%\n"
       "%ADD10C,0.012*%%ADD11C,0.03X0.01*%%ADD12R,0.05*%%ADD13R,0.05X0.02*%%ADD014O,0.03X0.07*%\n"
       "%ADD15P,0.06X8*%%ADD16OCT*%%ADD17BOX*%%ADD18OC8,0.05*%%ADD19WIDE,0.1X0.3*%%ADD20NONE*%\n"
-      "%ADD13R,0.06X0.03*%%ADD1001C,0.5*%%ADC,1*%%ADD1E3C,0.5*%");
+      "%ADD13R,0.06X0.03*%%ADD21R,0.03260.326*%%ADD1001C,0.5*%%ADC,1*%%ADD1E3C,0.5*%D15*D03*");
   const auto text_of = [](int code) {
     const Gerber_Aperture& a = Gerber_Apertures.Aperture[code];
     return (a.Shape == 0 ? std::string("-") : std::string{a.Shape}) + " " +
@@ -136,8 +136,9 @@ TEST_F(Gerber_Test, ApertureDefinitions) {
       Contains(AllOf(
           HasSubstr("aperture macro BOX (no size) 1"), HasSubstr("aperture macro NONE (no size) 1"),
           HasSubstr("aperture macro WIDE (first values taken as sizes) 1"),
-          HasSubstr("aperture definition beyond D1000 1"), HasSubstr("hole in an aperture 1"))));
-  EXPECT_THAT(report, Contains(HasSubstr("Apertures without use: D1, D10 to D20")));
+          HasSubstr("aperture definition beyond D1000 1"),
+          HasSubstr("aperture size that is no number 1"), HasSubstr("hole in an aperture 1"))));
+  EXPECT_THAT(report, Contains(HasSubstr("Apertures without use: D1, D10 to D14, D16 to D21")));
   EXPECT_THAT(report, Contains(HasSubstr("Polygon apertures (P)")));
 }
 
