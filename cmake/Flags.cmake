@@ -17,3 +17,8 @@ if(NORVIK_SANITIZE)
     -fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   target_link_options(norvik_flags INTERFACE -fsanitize=address,undefined)
 endif()
+if(NORVIK_FUZZ)
+  # The fuzzer steers by the branches that an input takes; without this it would see only those of
+  # the target's own file.
+  target_compile_options(norvik_flags INTERFACE -fsanitize=fuzzer-no-link)
+endif()
