@@ -61,7 +61,7 @@ class Reader {
   void Load();
 
  private:
-  bool Next_Field(std::string& field);
+  bool Next_Field(std::string_view& field);
   void Read_Header();
   void Read_Header_Tool(std::string_view line);
   void Read_Body();
@@ -74,31 +74,33 @@ class Reader {
   void Note_Header_Word(std::string_view line);
   void Note_Format();
   void Note_Lost_Tools();
+  void Note_Text();
 
   Text_Source Source;
   Import_Faults Faults{Fault_Name};
   const Axis_Rounding Rounded;
-  std::string Rest;  // of the text line, behind the comma
+  std::string Line;      // in capitals
+  std::size_t Rest = 0;  // where the next field of the line begins
   bool Has_Rest = false, Stopped = false;
-  bool Any_Selection = false;
   std::int16_t Tool = 1;
   double X = 0, Y = 0;
   Reading_Extent Leading, Trailing;  // the same coordinates under both readings
 };
 
 // A comma ends a field as a line end does.
-bool Reader::Next_Field(std::string& field) {
+bool Reader::Next_Field(std::string_view& field) {
   if (Application.EscFlag || Stopped) return false;
   DoEvents();
   if (!Has_Rest) {
     std::string_view line;
     if (!Source.Next_Line(line)) return false;
-    Rest = Upper(line);
+    Line = Upper(line);
+    Rest = 0;
   }
-  const auto comma = Rest.find(',');
-  field = Trim(Rest.substr(0, comma));
-  Has_Rest = comma != std::string::npos;
-  if (Has_Rest) Rest.erase(0, comma + 1);
+  const auto comma = std::min(Line.find(',', Rest), Line.size());
+  field = Without_Blanks(std::string_view(Line).substr(Rest, comma - Rest));
+  Has_Rest = comma < Line.size();
+  Rest = comma + 1;
   return true;
 }
 
@@ -113,14 +115,16 @@ void Reader::Stop(const std::string& why) {
 }
 
 void Reader::Read_Header() {
-  std::string field;
+  std::string_view field;
   while (Next_Field(field)) {
     if (field == "%") return;
     Note_Header_Word(field);
     Faults.Try([&] { Read_Header_Tool(field); });
   }
   if (!Application.EscFlag && !Stopped) {
-    Report_Note("The file has no line \"%\", so all of it was read as header; nothing is drilled.");
+    Report_Note(
+        "The file has no line \"%\", so all of it was read as header and nothing is drilled. Put a "
+        "line \"%\" where its header ends and import again.");
   }
 }
 
@@ -128,11 +132,12 @@ void Reader::Read_Header_Tool(std::string_view line) {
   constexpr double metric_factor = 2.54;
   const auto number = Find_Coordinate('T', line), diameter = Find_Coordinate('C', line);
   if (!number || !diameter) return;
-  const std::int16_t tool = To_Int16(Foreign_Number(*number));
-  if (tool > Tools.Diameter.last) {
-    Stop("Tool " + std::to_string(tool) + " is above 200, the last of the tool list.");
+  const double value = Foreign_Number(*number);
+  if (value > Tools.Diameter.last) {
+    Stop("Tool " + std::string(*number) + " is above 200, the last of the tool list.");
     return;
   }
+  const std::int16_t tool = To_Int16(value);
   double size = Foreign_Number(*diameter);
   if (MachineSetup.UnitsofMeasurement == 1) size *= metric_factor;
   Excellon_Table.Tool[tool].Size = To_Single(size);
@@ -155,9 +160,9 @@ void Reader::Note_Header_Word(std::string_view line) {
 }
 
 void Reader::Read_Body() {
-  std::string field;
+  std::string_view field;
   while (Next_Field(field)) {
-    Faults.Try([&] { Read_Body_Line(field); });
+    if (!Faults.Try([&] { Read_Body_Line(field); })) Count_Skipped("lines with unreadable numbers");
   }
 }
 
@@ -224,10 +229,11 @@ void Reader::Add_Hole() {
 // What the line says besides a tool and a hole.
 void Reader::Count_Other(std::string_view line) {
   if (line.empty() || line.front() == ';' || line == "%") return;
-  if (line.find("G85") != std::string_view::npos)
-    Count_Skipped("G85 slot (drilled at its start only)");
   const char first = line.front();
-  if (first == 'R') Count_Skipped("R repeat");
+  if (line.find("G85") != std::string_view::npos) {
+    Count_Skipped("G85 slot (drilled at its start only)");
+  }
+  if (first == 'R') Count_Skipped("R repeat (drilled once)");
   if (first == 'G' || first == 'M') {
     const auto end = line.find_first_not_of("0123456789", 1);
     Count_Skipped(line.substr(0, std::min(end, line.size())));
@@ -273,11 +279,24 @@ void Reader::Note_Lost_Tools() {
               " holes. Tools must be numbered from 1 without gaps.");
 }
 
+void Reader::Note_Text() {
+  if (Source.Lines_Cut() > 0) {
+    Report_Note(
+        "The file has text lines of unusual length; they were read up to their 65,536th "
+        "character.");
+  }
+  const bool at_hole = Line.find('X') != std::string::npos || Line.find('Y') != std::string::npos;
+  if (!Source.Last_Line_Ended() && at_hole && !Stopped) {
+    Report_Note("The file ends within a line of coordinates; it may be cut short.");
+  }
+}
+
 void Reader::Load() {
   Read_Header();
   Read_Body();
   Note_Format();
   Note_Lost_Tools();
+  Note_Text();
 }
 
 }  // namespace
@@ -299,7 +318,7 @@ double Excellon_Value(std::string_view text) {
 
 void Excellon_Load(const std::string& path) {
   Import_Status("NC Conversion: Loading File...");
-  Trap(Fault_Name, [&] { Reader(path).Load(); });
+  if (!Trap(Fault_Name, [&] { Reader(path).Load(); })) Report_Unreadable();
 }
 
 }  // namespace norvik

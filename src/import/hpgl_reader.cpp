@@ -14,7 +14,9 @@
 #include "platform/platform.h"
 
 #include <array>
+#include <cctype>
 #include <cmath>
+#include <numbers>
 
 namespace norvik {
 
@@ -54,6 +56,10 @@ class Command_Source {
   // of the file and on ESC.
   bool Next(std::string& command);
   bool Ended_By_Semicolon() const { return By_Semicolon; }
+  // Characters that did not fit into the longest command.
+  std::int64_t Dropped() const { return Characters_Dropped; }
+  // Numbers that a line end or another character without a sign parted, read as one.
+  std::int64_t Joined() const { return Numbers_Joined; }
   // The character that ends a label was among the command's.
   bool Ended_A_Text() const { return Saw_Terminator; }
 
@@ -65,6 +71,7 @@ class Command_Source {
   char Carried = 0;  // 0: nothing
   int Before = 0;    // character read last
   bool By_Semicolon = false, Saw_Terminator = false;
+  std::int64_t Characters_Dropped = 0, Numbers_Joined = 0;
   int Until_Progress = 1000;
 };
 
@@ -91,6 +98,10 @@ bool Command_Source::Build(std::string& command) {
     Count_Character();
     if (c >= 'a' && c <= 'z') c += 'A' - 'a';
     const bool starts_next = Is_Letter(c) && !Is_Letter(Before);
+    if (c >= '0' && c <= '9' && Before < 32 && !command.empty() &&
+        std::isdigit(static_cast<unsigned char>(command.back())) != 0) {
+      ++Numbers_Joined;
+    }
     Before = c;
     if (starts_next) {
       Carried = static_cast<char>(c);
@@ -98,7 +109,11 @@ bool Command_Source::Build(std::string& command) {
     }
     if (c == Text_Terminator) Saw_Terminator = true;
     if (c < 32 || c > 127) continue;
-    if (command.size() < Longest_Command) command += static_cast<char>(c);
+    if (command.size() < Longest_Command) {
+      command += static_cast<char>(c);
+    } else {
+      ++Characters_Dropped;
+    }
     if (c == ';') {
       By_Semicolon = true;
       return true;
@@ -154,6 +169,13 @@ void Reader::Load() {
     if (Commands.Ended_A_Text()) In_Text = false;
   }
   File.Close();
+  if (Commands.Dropped() > 0) {
+    Report_Note("A command is longer than 16 million characters; its end was not read.");
+  }
+  if (Commands.Joined() > 0) {
+    Report_Note("Numbers that only a line end parts were read as one, " +
+                std::to_string(Commands.Joined()) + " times. Put commas between them.");
+  }
 }
 
 void Reader::Set_Mode(const std::string& command) {
@@ -270,15 +292,15 @@ void Reader::Stroke_To(double x, double y) {
 // under incremental centres holds its end minus the centre, as the compiler of such setups expects
 // it here.
 void Reader::Arc(const HPGL_Numbers& numbers, std::size_t first, double x, double y) {
-  constexpr double full_turn = 360;
+  constexpr double full_turn = 360, pi = std::numbers::pi;
   const double cx = Now == Mode::Arc_Relative ? Last_X + x : x;
   const double cy = Now == Mode::Arc_Relative ? Last_Y + y : y;
   const double sweep = numbers.Angle(first + 2).value_or(full_turn);
   const double dx = Last_X - cx, dy = Last_Y - cy;
   const double radius = std::sqrt(dx * dx + dy * dy);
   const double bearing = std::atan2(dx, dy);  // from +Y, clockwise
-  const double start = NormalizeAngle(Arc_Pi / 2 - bearing);
-  const double end = NormalizeAngle(sweep * (Arc_Pi / 180) + start);
+  const double start = NormalizeAngle(pi / 2 - bearing);
+  const double end = NormalizeAngle(sweep * (pi / 180) + start);
   double end_x = std::cos(end) * radius + cx, end_y = std::sin(end) * radius + cy;
   if (std::fmod(sweep, full_turn) == 0) {  // a full turn ends where it began, not next to it
     end_x = Last_X;
@@ -298,7 +320,7 @@ void Reader::Arc(const HPGL_Numbers& numbers, std::size_t first, double x, doubl
 
 void HPGL_Load(const std::string& path, const std::string& line_file) {
   Import_Status("HPGL Conversion: Loading File...");
-  Trap(HPGL_Fault_Name, [&] { Reader(path, line_file).Load(); });
+  if (!Trap(HPGL_Fault_Name, [&] { Reader(path, line_file).Load(); })) Report_Unreadable();
 }
 
 }  // namespace norvik

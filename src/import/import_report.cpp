@@ -201,6 +201,11 @@ void Report_Note(std::string_view text) {
   }
 }
 
+void Report_Unreadable() {
+  Report_Note(
+      "The file could not be read to its end; the program is incomplete. See the error log.");
+}
+
 void Report_Incomplete_Passes() {
   Report_Note(
       "The depth passes could not be written; the program is incomplete. See the error log.");
