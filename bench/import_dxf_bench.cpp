@@ -1,12 +1,14 @@
-// DXF import: seconds of each stage at three sizes, and the entity sort against the plain scan.
+// DXF import: processor seconds of each stage at three sizes, and the entity sort against the plain
+// scan.
 //
 //   import_dxf_bench [FILE.dxf...]       without files: generated drawings of 1,000, 10,000 and
 //   50,000
 //                                        entities
 //   import_dxf_bench --plain FILE.dxf    the plain scan, too, whatever it takes
-//   import_dxf_bench --depths FILE.dxf   with the depths of the drawing: an arc that gives one depth does
-//                                        not meet a polyline that gives none, so chains fall apart and
-//                                        more open ends compete
+//   import_dxf_bench --depths FILE.dxf   with the depths of the drawing: an arc that gives one
+//   depth does
+//                                        not meet a polyline that gives none, so chains fall apart
+//                                        and more open ends compete
 //
 // The plain scan grows with the cube of the entities; it runs on drawings of up to 2,000 by itself.
 #include "../tests/import/plain_dxf_sort.h"
@@ -21,15 +23,15 @@
 #include "import/import_report.h"
 
 #include <algorithm>
-#include <chrono>
+#include <ctime>
 
 namespace norvik {
 namespace {
 
 double Seconds(const auto& body) {
-  const auto start = std::chrono::steady_clock::now();
+  const std::clock_t start = std::clock();
   body();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
 struct Stages {

@@ -71,7 +71,7 @@ class Reader {
   void Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent);
   void Count_Other(std::string_view line);
   void Stop(const std::string& why);
-  void Note_Header_Word(std::string_view line);
+  void Note_Word(std::string_view line);
   void Note_Format();
   void Note_Lost_Tools();
   void Note_Text();
@@ -82,6 +82,7 @@ class Reader {
   std::string Line;      // in capitals
   std::size_t Rest = 0;  // where the next field of the line begins
   bool Has_Rest = false, Stopped = false;
+  std::string Zero_Word;  // "LZ" or "TZ" of the header
   std::int16_t Tool = 1;
   double X = 0, Y = 0;
   Reading_Extent Leading, Trailing;  // the same coordinates under both readings
@@ -118,7 +119,7 @@ void Reader::Read_Header() {
   std::string_view field;
   while (Next_Field(field)) {
     if (field == "%") return;
-    Note_Header_Word(field);
+    Note_Word(field);
     Faults.Try([&] { Read_Header_Tool(field); });
   }
   if (!Application.EscFlag && !Stopped) {
@@ -146,16 +147,15 @@ void Reader::Read_Header_Tool(std::string_view line) {
   Count_Read("tool sizes");
 }
 
-void Reader::Note_Header_Word(std::string_view line) {
+// Units and zero format as the file names them; the setup decides all the same.
+void Reader::Note_Word(std::string_view line) {
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  if (line == "INCH" && metric) {
+  if ((line == "INCH" || line == "M72") && metric) {
     Report_Note("The file says inches, the setup is metric; coordinates were not converted.");
-  } else if (line == "METRIC" && !metric) {
+  } else if ((line == "METRIC" || line == "M71") && !metric) {
     Report_Note("The file says millimetres, the setup is inch; coordinates were not converted.");
-  } else if (line == "LZ" && MachineSetup.Excellon_Zero_Format != Leading_Zeros) {
-    Report_Note("The file keeps leading zeros (LZ); the setup reads another zero format.");
-  } else if (line == "TZ" && MachineSetup.Excellon_Zero_Format != Trailing_Zeros) {
-    Report_Note("The file keeps trailing zeros (TZ); the setup reads another zero format.");
+  } else if (line == "LZ" || line == "TZ") {
+    Zero_Word = line;
   }
 }
 
@@ -172,7 +172,10 @@ void Reader::Read_Body_Line(std::string_view line) {
   if (tool) Select_Tool(*tool);
   if (Stopped) return;
   Count_Other(line);
-  if (!x && !y) return;
+  if (!x && !y) {
+    Note_Word(line);
+    return;
+  }
   if (x) Take_Coordinate(*x, X, &Reading_Extent::X);
   if (y) Take_Coordinate(*y, Y, &Reading_Extent::Y);
   Add_Hole();
@@ -233,7 +236,18 @@ void Reader::Count_Other(std::string_view line) {
   if (line.find("G85") != std::string_view::npos) {
     Count_Skipped("G85 slot (drilled at its start only)");
   }
-  if (first == 'R') Count_Skipped("R repeat (drilled once)");
+  if (first == 'R' && line.find_first_of("XY") != std::string_view::npos) {
+    Count_Skipped("R repeat");
+    Report_Note(
+        "The file repeats holes (R). The repeats are not drilled, and the step of each stands as a "
+        "hole. Have the file written without repeats and import again.");
+  }
+  if (first == 'T' && Find_Coordinate('C', line)) {
+    Count_Skipped("tool size behind the header");
+    Report_Note(
+        "Tool sizes behind the first line \"%\" are not read. Remove the line that ends the header "
+        "too early and import again.");
+  }
   if (first == 'G' || first == 'M') {
     const auto end = line.find_first_not_of("0123456789", 1);
     Count_Skipped(line.substr(0, std::min(end, line.size())));
@@ -249,6 +263,12 @@ void Reader::Note_Format() {
                          (zeros == Leading_Zeros    ? ", leading zeros kept"
                           : zeros == Trailing_Zeros ? ", trailing zeros kept"
                                                     : ", thousandths");
+  const bool placed = Leading.Size() > 0 || Trailing.Size() > 0;
+  if (placed && Zero_Word == "LZ" && zeros != Leading_Zeros) {
+    Report_Note("The file keeps leading zeros (LZ); the setup reads another zero format.");
+  } else if (placed && Zero_Word == "TZ" && zeros != Trailing_Zeros) {
+    Report_Note("The file keeps trailing zeros (TZ); the setup reads another zero format.");
+  }
   constexpr double suspicious = 5;
   const double leading = Leading.Size(), trailing = Trailing.Size();
   if (std::max(leading, trailing) <= suspicious * std::min(leading, trailing)) return;
@@ -260,19 +280,25 @@ void Reader::Note_Format() {
 }
 
 void Reader::Note_Lost_Tools() {
-  std::string lost;
-  std::size_t holes = 0;
+  std::string lost, first_idle;
+  std::size_t holes = 0, idle = 0;
   for (std::int32_t tool = 0; tool <= Excellon_Table.Tool.last; ++tool) {
     const Excellon_Tool& row = Excellon_Table.Tool[tool];
-    if (row.Holes.empty()) continue;
+    const bool drilled = tool >= 1 && tool <= Excellon_Tools_Drilled();
     const std::string number = std::to_string(tool);
-    if (tool >= 1 && tool <= Excellon_Tools_Drilled()) {
+    if (drilled && row.Holes.empty() && idle++ == 0) first_idle = number;
+    if (row.Holes.empty()) continue;
+    if (drilled) {
       Import_Report.Tools.push_back("T" + number + " " + General_Text(row.Size) + " x " +
                                     std::to_string(row.Holes.size()));
     } else {
       lost += (lost.empty() ? "T" : ", T") + number;
       holes += row.Holes.size();
     }
+  }
+  if (idle > 0) {
+    Report_Note("The program also stops for tools without holes: " + std::to_string(idle) +
+                ", the first is T" + first_idle + ".");
   }
   if (lost.empty()) return;
   Report_Note("Not drilled: " + lost + " with " + std::to_string(holes) +

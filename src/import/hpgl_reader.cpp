@@ -140,7 +140,8 @@ class Reader {
 
  private:
   void Set_Mode(const std::string& command);
-  void Count_Command(std::string_view letters, bool known);
+  void Count_Command(std::string_view command, bool known);
+  void Count_Run_Together(std::string_view command);
   void Read_Parameters(const std::string& command);
   void Select_Pen(double x);
   std::string Feed_Text(const std::string& text);
@@ -159,6 +160,7 @@ class Reader {
   Nullable Arc_I, Arc_J;
   std::optional<std::int16_t> Arc_Type;  // of the last arc
   bool In_Text = false;                  // behind a label command, up to its end character
+  bool In_Encoded = false;               // behind a PE, up to its semicolon
 };
 
 void Reader::Load() {
@@ -167,6 +169,7 @@ void Reader::Load() {
     Set_Mode(command);
     Faults.Try([&] { Read_Parameters(command); });
     if (Commands.Ended_A_Text()) In_Text = false;
+    if (Commands.Ended_By_Semicolon()) In_Encoded = false;
   }
   File.Close();
   if (Commands.Dropped() > 0) {
@@ -187,17 +190,47 @@ void Reader::Set_Mode(const std::string& command) {
     Now = mnemonic.Sets;
     if (mnemonic.Pen_Down) Pen_Down = *mnemonic.Pen_Down;
   }
-  Count_Command(letters, known);
+  Count_Command(command, known);
 }
 
-void Reader::Count_Command(std::string_view letters, bool known) {
-  if (known) {
-    Count_Read(letters);
+void Reader::Count_Command(std::string_view command, bool known) {
+  const std::string_view letters = command.substr(0, 2);
+  if (In_Encoded) {
+    Count_Skipped("words of encoded strokes");
   } else if (In_Text) {
     Count_Skipped("words of text");
+  } else if (known) {
+    Count_Read(letters);
   } else {
     Count_Skipped(letters);
     In_Text = letters == "LB";
+    In_Encoded = letters == "PE";
+    if (In_Encoded) {
+      Report_Note(
+          "The file holds encoded strokes (PE), which are not read. Have it plotted as plain HPGL "
+          "and import again.");
+    }
+    return;
+  }
+  Count_Run_Together(command);
+}
+
+// Only the first of commands that run together acts. A PA behind PU, PD or PA says nothing new.
+void Reader::Count_Run_Together(std::string_view command) {
+  std::string_view before = command.substr(0, 2);
+  for (std::size_t n = 2; !In_Text && !In_Encoded && n + 2 <= command.size(); n += 2) {
+    const std::string_view letters = command.substr(n, 2);
+    if (!Is_Letter(letters[0]) || !Is_Letter(letters[1])) return;
+    const bool repeats =
+        letters == before || (letters == "PA" && (before == "PU" || before == "PD"));
+    before = letters;
+    if (repeats) continue;
+    Count_Skipped(std::string(letters) + " run together with " + std::string(command.substr(0, 2)));
+    if (letters == "PU" || letters == "PD") {
+      Report_Note(
+          "Of commands that run together without a number or semicolon between them only the first "
+          "is read. Have the file written with semicolons and import again.");
+    }
   }
 }
 
@@ -221,6 +254,11 @@ void Reader::Read_Parameters(const std::string& command) {
     if (!x || !y) {
       Now = Mode::None;
       return;
+    }
+    if (In_Text || In_Encoded) {
+      Report_Note(
+          "Numbers inside texts or encoded strokes were read as coordinates. Look at the plot "
+          "before the program is run.");
     }
     if (!Pen_Down) {
       Last_X = *x;
