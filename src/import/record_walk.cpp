@@ -179,6 +179,7 @@ void Record_Walk::Scan(std::int32_t allowance) {
       hits |= near[n] <= high ? Place_Bits[n] : 0;
     }
     hits &= -Place_Bits[At - block_start];
+    std::int32_t next = block_start + Block;
     for (auto left = static_cast<std::uint32_t>(hits); left != 0; left &= left - 1) {
       const std::int32_t n = std::countr_zero(left), place = block_start + n;
       if (!(near[n] <= High) || place >= Size()) continue;
@@ -189,8 +190,12 @@ void Record_Walk::Scan(std::int32_t allowance) {
         continue;
       }
       Take(place, row, near[n], far[n]);
+      if (High > high) {  // the best has become worse: places of this block may pass after all
+        next = place + 1;
+        break;
+      }
     }
-    At = block_start + Block;
+    At = next;
   }
 }
 
