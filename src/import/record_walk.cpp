@@ -3,6 +3,7 @@
 #include "import/import_distance.h"
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -13,9 +14,11 @@ namespace norvik {
 namespace {
 
 constexpr float Nowhere = std::numeric_limits<float>::infinity();
-constexpr std::int32_t Place_Bits[] = {1 << 0,  1 << 1,  1 << 2,  1 << 3, 1 << 4,  1 << 5,
-                                       1 << 6,  1 << 7,  1 << 8,  1 << 9, 1 << 10, 1 << 11,
-                                       1 << 12, 1 << 13, 1 << 14, 1 << 15};
+constexpr auto Place_Bits = [] {
+  std::array<std::uint32_t, 32> bits{};
+  for (unsigned n = 0; n < bits.size(); ++n) bits[n] = 1U << n;
+  return bits;
+}();
 
 // Compiled twice, for processors with and without wide vectors; the program takes what it finds.
 #if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
@@ -95,18 +98,16 @@ inline bool Record_Walk::Passes(const Row_State& row, float rough_square) {
 
 // The row has its near end where the best has it, and the other ends are out of the question: an
 // exact tie. Where paths pass on from stroke to stroke these are most of the rows to be judged.
-inline bool Record_Walk::Shares_Best_Point(const Row_State& row, float near_square,
-                                           float far_square) const {
-  if (near_square != Near || !(far_square > High) || !(Far > High)) return false;
-  for (const int side : {0, 1}) {
-    for (const int other : {0, 1}) {
-      if (row.X[side] == Carried.X[other] && row.Y[side] == Carried.Y[other] &&
-          row.X[side] != Nowhere && Rough_Square(row.X[side], row.Y[side]) == Near) {
-        return true;
-      }
-    }
-  }
-  return false;
+inline bool Record_Walk::Shares_Best_Point(const Row_State& row, float near_square) const {
+  if (near_square != Near) return false;
+  const auto near_side = [&](const Row_State& of) {
+    const float square[] = {Rough_Square(of.X[0], of.Y[0]), Rough_Square(of.X[1], of.Y[1])};
+    return square[0] == Near && square[1] > High   ? 0
+           : square[1] == Near && square[0] > High ? 1
+                                                   : -1;
+  };
+  const int side = near_side(row), best = near_side(Carried);
+  return side >= 0 && best >= 0 && row.X[side] == Carried.X[best] && row.Y[side] == Carried.Y[best];
 }
 
 // --- Search --------------------------------------------------------------------------------------
@@ -145,14 +146,12 @@ void Record_Walk::Turn_Carried() {
   }
 }
 
-inline void Record_Walk::Take(std::int32_t place, const Row_State& row, float near_square,
-                              float far_square) {
+inline void Record_Walk::Take(std::int32_t place, const Row_State& row, float near_square) {
   const Row_State found = row;  // `row` may lie where the next line writes
   Put_State(place, Carried);
   Carried = found;
   Last_Found = place;
   Near = near_square;
-  Far = far_square;
   Set_Best(near_square);
   Root = Found_Root;
   if (Rule == Finds::Nearer) Turn_Carried();
@@ -167,29 +166,28 @@ void Record_Walk::Scan(std::int32_t allowance) {
   while (At < std::min(Size(), Last_Found + allowance)) {
     const Place_Block& block = Blocks[Index(At / Block)];
     const std::int32_t block_start = At / Block * Block;
-    float near[Block], far[Block];
+    float near[Block];
     const float high = High;
-    std::int32_t hits = 0;  // a bit for each place
+    std::uint32_t hits = 0;  // a bit for each place
     for (int n = 0; n < Block; ++n) {
       const float dx0 = block.X[0][n] - x, dy0 = block.Y[0][n] - y;
       const float dx1 = block.X[1][n] - x, dy1 = block.Y[1][n] - y;
       const float square0 = dx0 * dx0 + dy0 * dy0, square1 = dx1 * dx1 + dy1 * dy1;
       near[n] = square0 < square1 ? square0 : square1;
-      far[n] = square0 < square1 ? square1 : square0;
-      hits |= near[n] <= high ? Place_Bits[n] : 0;
+      hits |= near[n] <= high ? Place_Bits[Index(n)] : 0U;
     }
-    hits &= -Place_Bits[At - block_start];
+    hits &= 0U - Place_Bits[Index(At - block_start)];  // from At on
     std::int32_t next = block_start + Block;
-    for (auto left = static_cast<std::uint32_t>(hits); left != 0; left &= left - 1) {
-      const std::int32_t n = std::countr_zero(left), place = block_start + n;
+    for (; hits != 0; hits &= hits - 1) {
+      const std::int32_t n = std::countr_zero(hits), place = block_start + n;
       if (!(near[n] <= High) || place >= Size()) continue;
       const Row_State row = State_At(place);
-      if (Rule == Finds::Not_Farther && Shares_Best_Point(row, near[n], far[n])) {
+      if (Rule == Finds::Not_Farther && Shares_Best_Point(row, near[n])) {
         Found_Root = Root;
       } else if (!Passes(row, near[n])) {
         continue;
       }
-      Take(place, row, near[n], far[n]);
+      Take(place, row, near[n]);
       if (High > high) {  // the best has become worse: places of this block may pass after all
         next = place + 1;
         break;
@@ -223,7 +221,7 @@ void Record_Walk::Walk_Answer() {
     const float square0 = Rough_Square(row.X[0], row.Y[0]);
     const float square1 = Rough_Square(row.X[1], row.Y[1]), near = std::min(square0, square1);
     if (!(near <= High) || !Passes(row, near)) continue;
-    Take(place, row, near, std::max(square0, square1));
+    Take(place, row, near);
     At = place + 1;
     if (High > asked) return;
   }
@@ -233,7 +231,7 @@ void Record_Walk::Walk_Answer() {
 void Record_Walk::Find(Point_Tree::Point centre, std::int32_t slot, std::int32_t from,
                        Point_Tree::Point best) {
   Centre = centre;
-  Near = Far = -1;  // no row shares the first best
+  Near = -1;  // no row shares the first best
   At = Last_Found = from;
   Carried = State_At(slot);
   Set_Best(Rough_Square(best.X, best.Y));

@@ -5,7 +5,7 @@
 // of the whole table, depends on the places and not only on the distances. A plain scan measures
 // every row for every slot. The walk finds the same rows in the same order:
 //
-//   - It scans with a first look in singles, sixteen places at a time; coordinates lie by place.
+//   - It scans with a first look in singles, thirty-two places at a time; coordinates lie by place.
 //     Only where the first look cannot tell, the exact distances decide.
 //   - When a long stretch brought nothing it asks the tree for everything within the best distance.
 //     A short answer, sorted by place, holds all rows that can still be found. A long answer means
@@ -60,10 +60,10 @@ class Record_Walk {
             Point_Tree::Point best);
 
  private:
-  static constexpr std::int32_t Block = 16;
+  static constexpr std::int32_t Block = 32;
   static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
 
-  // Sixteen places. Ends that are off, and those of places behind the last row, are infinite.
+  // Thirty-two places. Ends that are off, and those of places behind the last row, are infinite.
   struct Place_Block {
     float X[2][Block], Y[2][Block];  // by side of the row
     std::int32_t Start[Block];       // the end at which the row starts
@@ -81,8 +81,8 @@ class Record_Walk {
   double Exact_Root(const Row_State& row) const;
   void Set_Best(float rough_square);
   bool Passes(const Row_State& row, float rough_square);
-  bool Shares_Best_Point(const Row_State& row, float near_square, float far_square) const;
-  void Take(std::int32_t place, const Row_State& row, float near_square, float far_square);
+  bool Shares_Best_Point(const Row_State& row, float near_square) const;
+  void Take(std::int32_t place, const Row_State& row, float near_square);
   void Turn_Carried();
   void Scan(std::int32_t allowance);
   bool Ask_Tree();
@@ -99,7 +99,7 @@ class Record_Walk {
   float Low = 0, High = 0;  // rough squares below are nearer than the best, above are farther
   double Root = -1;         // exact distance of the best; -1: that of Carried, not computed yet
   double Found_Root = -1;   // that of the row that has just passed, where it was computed
-  float Near = 0, Far = 0;  // rough squares of the ends of Carried
+  float Near = 0;           // rough square of the near end of Carried
   std::int32_t At = 0, Last_Found = 0;
   std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
