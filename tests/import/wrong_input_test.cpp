@@ -198,7 +198,7 @@ TEST_P(Wrong_Input, Numbers_that_are_none_never_reach_the_program) {
 
 TEST_P(Wrong_Input, A_line_of_ten_million_characters_is_bounded) {
   const std::string sample = Sample_Of(By, 1);
-  for (const char* piece : {"9", "X1,", "10\t", " "}) {
+  for (const char* piece : {"9", "X1,", " "}) {
     std::string line;
     while (line.size() < 10'000'000) line += piece;
     Import(sample.substr(0, sample.size() / 2) + line + sample.substr(sample.size() / 2), piece);
