@@ -21,37 +21,29 @@
 #include "import/dxf_sort.h"
 #include "import/dxf_table.h"
 #include "import/import_report.h"
+#include "import_stages.h"
 
-#include <algorithm>
-#include <ctime>
+#include <cstdint>
 
 namespace norvik {
 namespace {
 
-double Seconds(const auto& body) {
-  const std::clock_t start = std::clock();
-  body();
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
+constexpr std::size_t Plain_Limit = 2500;
 
-struct Stages {
-  double Load = 1e9, Sort = 1e9, Write = 1e9;
-};
-
-// Best of five runs of the whole import, stage by stage.
-Stages Measure(const std::string& path) {
-  Stages best;
-  for (int run = 0; run < 5; ++run) {
+bench::Stages Measure(const std::string& path) {
+  bench::Stages best;
+  for (int run = 0; run < bench::Runs; ++run) {
     DXF_Entity = {};
     Start_Import_Report(Import_Kind::DXF, path);
-    best.Load = std::min(best.Load, Seconds([&] { DXF_Load(path); }));
+    const double load = bench::Seconds([&] { DXF_Load(path); });
     DXF_Sort_Layers_Step();
-    best.Sort = std::min(best.Sort, Seconds([&] { DXF_Sort_Entities_Step(); }));
-    best.Write = std::min(best.Write, Seconds([&] {
-                            DXF_Add_Passes(Application.DXF_Scratch);
-                            DXF_Write_GCode(Application.DXF_Scratch);
-                          }));
+    const double sort = bench::Seconds(DXF_Sort_Entities_Step);
+    best.Take(load, sort, bench::Seconds([&] {
+                DXF_Add_Passes(Application.DXF_Scratch);
+                DXF_Write_GCode(Application.DXF_Scratch);
+              }));
   }
+  best.Records = DXF_Entity.Rows.size();
   return best;
 }
 
@@ -59,23 +51,8 @@ double Plain_Seconds(const std::string& path) {
   DXF_Entity = {};
   DXF_Load(path);
   Plain_Dxf_Sort sort{DXF_Entity.Rows, 0.0, 0.0, {}, {}, {}, 0, 0};
-  return Seconds(
+  return bench::Seconds(
       [&] { sort.Sort_Group(0, static_cast<std::int64_t>(DXF_Entity.Rows.size()) - 1); });
-}
-
-void Print(const std::string& path, bool plain) {
-  const Stages stages = Measure(path);
-  const std::size_t rows = DXF_Entity.Rows.size();
-  const double total = stages.Load + stages.Sort + stages.Write;
-  std::printf("%-28s %7zu rows  load %.4f  sort %.4f  write %.4f  total %.4f s  %.0f ns a row",
-              std::filesystem::path(path).filename().c_str(), rows, stages.Load, stages.Sort,
-              stages.Write, total,
-              total / static_cast<double>(std::max<std::size_t>(rows, 1)) * 1e9);
-  if (plain || rows <= 2500) {
-    const double seconds = Plain_Seconds(path);
-    std::printf("  plain sort %.3f s, ratio %.0f", seconds, seconds / stages.Sort);
-  }
-  std::printf("\n");
 }
 
 }  // namespace
@@ -99,7 +76,10 @@ int main(int count, char** arguments) {
                                    bench::Chains_DXF(entities)));
     }
   }
-  for (const std::string& file : files) Print(file, plain);
+  for (const std::string& file : files) {
+    bench::Print_Stages(file, "sorted", Measure(file), plain ? SIZE_MAX : Plain_Limit,
+                        [&] { return Plain_Seconds(file); });
+  }
   std::remove(Application.DXF_Scratch.c_str());
   std::remove(Application.Temporary_GCode.c_str());
 }

@@ -21,31 +21,13 @@
 #include "import/import_report.h"
 #include "import/line_gcode.h"
 #include "import/line_store.h"
+#include "import_stages.h"
 
-#include <algorithm>
-#include <ctime>
+#include <cstdint>
 
 namespace norvik {
 namespace {
 
-double Seconds(const auto& body) {
-  const std::clock_t start = std::clock();
-  body();
-  return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
-}
-
-struct Stages {
-  double Load = 1e9, Sort = 1e9, Write = 1e9;
-  std::size_t Records = 0;
-  // Best of several runs, stage by stage.
-  void Take(double load, double sort, double write) {
-    Load = std::min(Load, load);
-    Sort = std::min(Sort, sort);
-    Write = std::min(Write, write);
-  }
-};
-
-constexpr int Runs = 5;
 constexpr std::size_t Plain_Limit = 20'000;
 
 Line_Store Stored() {
@@ -54,17 +36,17 @@ Line_Store Stored() {
   return store;
 }
 
-Stages Measure_Plot(const std::string& path, bool sorted) {
-  Stages best;
+bench::Stages Measure_Plot(const std::string& path, bool sorted) {
+  bench::Stages best;
   MachineSetup.HPGL_Sort_Lines = sorted;
   Line_GCode_Rules rules;
   rules.Fault_Name = HPGL_Fault_Name;
-  for (int run = 0; run < Runs; ++run) {
+  for (int run = 0; run < bench::Runs; ++run) {
     Start_Import_Report(Import_Kind::HPGL, path);
-    const double load = Seconds([&] { HPGL_Load(path, Application.HPGL_Scratch); });
+    const double load = bench::Seconds([&] { HPGL_Load(path, Application.HPGL_Scratch); });
     best.Records = Stored().Size();
-    const double sort = Seconds([&] { HPGL_Sort_Step(Application.HPGL_Scratch); });
-    const double write = Seconds([&] { Write_Line_GCode(Application.HPGL_Scratch, rules); });
+    const double sort = bench::Seconds([&] { HPGL_Sort_Step(Application.HPGL_Scratch); });
+    const double write = bench::Seconds([&] { Write_Line_GCode(Application.HPGL_Scratch, rules); });
     best.Take(load, sort, write);
   }
   return best;
@@ -78,20 +60,20 @@ double Plain_Plot(const std::string& path) {
     strokes.push_back({To_Single(store.X(n, 0)), To_Single(store.Y(n, 0)), To_Single(store.X(n, 1)),
                        To_Single(store.Y(n, 1)), static_cast<std::int32_t>(n), false});
   }
-  return Seconds([&] { Plain_Stroke_Sort(strokes); });
+  return bench::Seconds([&] { Plain_Stroke_Sort(strokes); });
 }
 
-Stages Measure_Holes(const std::string& path) {
-  Stages best;
+bench::Stages Measure_Holes(const std::string& path) {
+  bench::Stages best;
   MachineSetup.Excellon_Sort_Location = true;
-  for (int run = 0; run < Runs; ++run) {
+  for (int run = 0; run < bench::Runs; ++run) {
     Start_Import_Report(Import_Kind::Excellon, path);
     Excellon_Table = {};
-    const double load = Seconds([&] { Excellon_Load(path); });
+    const double load = bench::Seconds([&] { Excellon_Load(path); });
     best.Records = 0;
     for (const Excellon_Tool& tool : Excellon_Table.Tool) best.Records += tool.Holes.size();
-    const double sort = Seconds(Excellon_Sort_Step);
-    const double write = Seconds(Excellon_Write_GCode);
+    const double sort = bench::Seconds(Excellon_Sort_Step);
+    const double write = bench::Seconds(Excellon_Write_GCode);
     best.Take(load, sort, write);
   }
   return best;
@@ -101,7 +83,7 @@ double Plain_Holes(const std::string& path) {
   Excellon_Table = {};
   Excellon_Load(path);
   float x = 0, y = 0;
-  return Seconds([&] {
+  return bench::Seconds([&] {
     for (const Excellon_Tool& tool : Excellon_Table.Tool) {
       std::vector<Plain_Hole> holes;
       for (const Excellon_Hole& hole : tool.Holes) {
@@ -112,32 +94,15 @@ double Plain_Holes(const std::string& path) {
   });
 }
 
-void Print(const std::string& path, const char* how, const Stages& stages) {
-  const double total = stages.Load + stages.Sort + stages.Write;
-  const auto records = static_cast<double>(std::max<std::size_t>(stages.Records, 1));
-  std::printf(
-      "%-28s %-8s %6zu records  load %.4f  sort %.4f  write %.4f  total %.4f s  %.0f ns each",
-      std::filesystem::path(path).filename().c_str(), how, stages.Records, stages.Load, stages.Sort,
-      stages.Write, total, total / records * 1e9);
-}
-
-void Print_Plain(double plain, double sort) {
-  std::printf("  plain sort %.3f s, ratio %.0f", plain, plain / std::max(sort, 1e-9));
-}
-
-void Print_File(const std::string& path, bool plain) {
+void Print_File(const std::string& path, std::size_t plain_limit) {
   if (path.ends_with(".plt")) {
-    Print(path, "unsorted", Measure_Plot(path, false));
-    std::printf("\n");
-    const Stages sorted = Measure_Plot(path, true);
-    Print(path, "sorted", sorted);
-    if (plain || sorted.Records <= Plain_Limit) Print_Plain(Plain_Plot(path), sorted.Sort);
+    bench::Print_Stages(path, "unsorted", Measure_Plot(path, false), 0, [] { return 0.0; });
+    bench::Print_Stages(path, "sorted", Measure_Plot(path, true), plain_limit,
+                        [&] { return Plain_Plot(path); });
   } else {
-    const Stages sorted = Measure_Holes(path);
-    Print(path, "sorted", sorted);
-    if (plain || sorted.Records <= Plain_Limit) Print_Plain(Plain_Holes(path), sorted.Sort);
+    bench::Print_Stages(path, "sorted", Measure_Holes(path), plain_limit,
+                        [&] { return Plain_Holes(path); });
   }
-  std::printf("\n");
 }
 
 }  // namespace
@@ -162,7 +127,7 @@ int main(int count, char** arguments) {
                                    bench::Holes_Excellon(holes)));
     }
   }
-  for (const std::string& file : files) Print_File(file, plain);
+  for (const std::string& file : files) Print_File(file, plain ? SIZE_MAX : Plain_Limit);
   std::remove(Application.HPGL_Scratch.c_str());
   std::remove(Application.Temporary_GCode.c_str());
 }
