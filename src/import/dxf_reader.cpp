@@ -178,10 +178,7 @@ void Reader::Load() {
   if (Any_Incomplete) {
     Report_Note("Entities without all their coordinates were left out.");
   }
-  if (Pairs.Lines_Cut() > 0)
-    Report_Note(
-        "The file has text lines of unusual length; they were read up to their 65,536th "
-        "character.");
+  if (Pairs.Lines_Cut() > 0) Report_Cut_Lines();
 }
 
 bool Reader::Skip_To_Entities() {

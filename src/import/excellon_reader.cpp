@@ -306,11 +306,7 @@ void Reader::Note_Lost_Tools() {
 }
 
 void Reader::Note_Text() {
-  if (Source.Lines_Cut() > 0) {
-    Report_Note(
-        "The file has text lines of unusual length; they were read up to their 65,536th "
-        "character.");
-  }
+  if (Source.Lines_Cut() > 0) Report_Cut_Lines();
   const bool at_hole = Line.find('X') != std::string::npos || Line.find('Y') != std::string::npos;
   if (!Source.Last_Line_Ended() && at_hole && !Stopped) {
     Report_Note("The file ends within a line of coordinates; it may be cut short.");

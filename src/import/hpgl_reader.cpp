@@ -58,7 +58,7 @@ class Command_Source {
   bool Ended_By_Semicolon() const { return By_Semicolon; }
   // Characters that did not fit into the longest command.
   std::int64_t Dropped() const { return Characters_Dropped; }
-  // Numbers that a line end or another character without a sign parted, read as one.
+  // How often digits were read as one number although a line end stands between them.
   std::int64_t Joined() const { return Numbers_Joined; }
   // The character that ends a label was among the command's.
   bool Ended_A_Text() const { return Saw_Terminator; }
@@ -159,7 +159,7 @@ class Reader {
   ImportLine Record;  // pen fields stay from record to record
   Nullable Arc_I, Arc_J;
   std::optional<std::int16_t> Arc_Type;  // of the last arc
-  bool In_Text = false;                  // behind a label command, up to its end character
+  bool In_Text = false;                  // behind a label command, up to its end character or ";"
   bool In_Encoded = false;               // behind a PE, up to its semicolon
 };
 
@@ -168,8 +168,8 @@ void Reader::Load() {
   while (Commands.Next(command)) {
     Set_Mode(command);
     Faults.Try([&] { Read_Parameters(command); });
+    if (Commands.Ended_By_Semicolon()) In_Text = In_Encoded = false;
     if (Commands.Ended_A_Text()) In_Text = false;
-    if (Commands.Ended_By_Semicolon()) In_Encoded = false;
   }
   File.Close();
   if (Commands.Dropped() > 0) {
