@@ -1,12 +1,14 @@
-// DXF import: seconds of each stage at three sizes, and the entity sort against the plain scan.
+// DXF import: processor seconds of each stage at three sizes, and the entity sort against the plain
+// scan.
 //
 //   import_dxf_bench [FILE.dxf...]       without files: generated drawings of 1,000, 10,000 and
 //   50,000
 //                                        entities
 //   import_dxf_bench --plain FILE.dxf    the plain scan, too, whatever it takes
-//   import_dxf_bench --depths FILE.dxf   with the depths of the drawing: an arc that gives one depth does
-//                                        not meet a polyline that gives none, so chains fall apart and
-//                                        more open ends compete
+//   import_dxf_bench --depths FILE.dxf   with the depths of the drawing: an arc that gives one
+//   depth does
+//                                        not meet a polyline that gives none, so chains fall apart
+//                                        and more open ends compete
 //
 // The plain scan grows with the cube of the entities; it runs on drawings of up to 2,000 by itself.
 #include "../tests/import/plain_dxf_sort.h"
@@ -19,37 +21,29 @@
 #include "import/dxf_sort.h"
 #include "import/dxf_table.h"
 #include "import/import_report.h"
+#include "import_stages.h"
 
-#include <algorithm>
-#include <chrono>
+#include <cstdint>
 
 namespace norvik {
 namespace {
 
-double Seconds(const auto& body) {
-  const auto start = std::chrono::steady_clock::now();
-  body();
-  return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
-}
+constexpr std::size_t Plain_Limit = 2500;
 
-struct Stages {
-  double Load = 1e9, Sort = 1e9, Write = 1e9;
-};
-
-// Best of five runs of the whole import, stage by stage.
-Stages Measure(const std::string& path) {
-  Stages best;
-  for (int run = 0; run < 5; ++run) {
+bench::Stages Measure(const std::string& path) {
+  bench::Stages best;
+  for (int run = 0; run < bench::Runs; ++run) {
     DXF_Entity = {};
     Start_Import_Report(Import_Kind::DXF, path);
-    best.Load = std::min(best.Load, Seconds([&] { DXF_Load(path); }));
+    const double load = bench::Seconds([&] { DXF_Load(path); });
     DXF_Sort_Layers_Step();
-    best.Sort = std::min(best.Sort, Seconds([&] { DXF_Sort_Entities_Step(); }));
-    best.Write = std::min(best.Write, Seconds([&] {
-                            DXF_Add_Passes(Application.DXF_Scratch);
-                            DXF_Write_GCode(Application.DXF_Scratch);
-                          }));
+    const double sort = bench::Seconds(DXF_Sort_Entities_Step);
+    best.Take(load, sort, bench::Seconds([&] {
+                DXF_Add_Passes(Application.DXF_Scratch);
+                DXF_Write_GCode(Application.DXF_Scratch);
+              }));
   }
+  best.Records = DXF_Entity.Rows.size();
   return best;
 }
 
@@ -57,23 +51,8 @@ double Plain_Seconds(const std::string& path) {
   DXF_Entity = {};
   DXF_Load(path);
   Plain_Dxf_Sort sort{DXF_Entity.Rows, 0.0, 0.0, {}, {}, {}, 0, 0};
-  return Seconds(
+  return bench::Seconds(
       [&] { sort.Sort_Group(0, static_cast<std::int64_t>(DXF_Entity.Rows.size()) - 1); });
-}
-
-void Print(const std::string& path, bool plain) {
-  const Stages stages = Measure(path);
-  const std::size_t rows = DXF_Entity.Rows.size();
-  const double total = stages.Load + stages.Sort + stages.Write;
-  std::printf("%-28s %7zu rows  load %.4f  sort %.4f  write %.4f  total %.4f s  %.0f ns a row",
-              std::filesystem::path(path).filename().c_str(), rows, stages.Load, stages.Sort,
-              stages.Write, total,
-              total / static_cast<double>(std::max<std::size_t>(rows, 1)) * 1e9);
-  if (plain || rows <= 2500) {
-    const double seconds = Plain_Seconds(path);
-    std::printf("  plain sort %.3f s, ratio %.0f", seconds, seconds / stages.Sort);
-  }
-  std::printf("\n");
 }
 
 }  // namespace
@@ -97,7 +76,10 @@ int main(int count, char** arguments) {
                                    bench::Chains_DXF(entities)));
     }
   }
-  for (const std::string& file : files) Print(file, plain);
+  for (const std::string& file : files) {
+    bench::Print_Stages(file, "sorted", Measure(file), plain ? SIZE_MAX : Plain_Limit,
+                        [&] { return Plain_Seconds(file); });
+  }
   std::remove(Application.DXF_Scratch.c_str());
   std::remove(Application.Temporary_GCode.c_str());
 }

@@ -118,12 +118,11 @@ void Print_Line(GCode_File& file, const ImportLine& line, const Last_End& last) 
 void Print_Record(GCode_File& file, ImportLine& line, Last_End& last) {
   Round_Line(line);
   if (Starts_Contour(line, last)) {
-    Nullable depth = line.Z1;
-    if (!depth && !MachineSetup.DXF_Ingore_Depth) {
-      depth = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
+    if (!line.Z1 && !MachineSetup.DXF_Ingore_Depth) {
+      line.Z1 = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
     }
     Write_Contour_Start(file, line, Decimal_Of(MachineSetup.Axis_Tool_Height[0]), [&] {
-      if (depth) file.Rapid_Z(*depth);
+      if (line.Z1) file.Rapid_Z(*line.Z1);
     });
   } else {
     Snap_Start(line, last);

@@ -23,12 +23,6 @@ namespace {
 constexpr std::int32_t Pairs_Per_Yield = 500;
 constexpr std::string_view Fault_Name = "DXF Import Error";
 
-std::string_view Without_Blanks(std::string_view text) {
-  const auto first = text.find_first_not_of(' ');
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
-
 struct Point {
   Nullable X, Y, Z;
 };
@@ -182,9 +176,9 @@ void Reader::Load() {
     Report_Note("The file ends before its EOF mark; it may be cut short.");
   }
   if (Any_Incomplete) {
-    Report_Note("Entities without all their coordinates were left out; see the error log.");
+    Report_Note("Entities without all their coordinates were left out.");
   }
-  if (Pairs.Lines_Cut() > 0) Report_Note("The file has text lines of unusual length.");
+  if (Pairs.Lines_Cut() > 0) Report_Cut_Lines();
 }
 
 bool Reader::Skip_To_Entities() {
@@ -481,7 +475,7 @@ void Reader::Add_Point() {
 
 void DXF_Load(const std::string& path) {
   Import_Status("DXF Conversion: Loading File...");
-  Trap(Fault_Name, [&] { Reader(path).Load(); });
+  if (!Trap(Fault_Name, [&] { Reader(path).Load(); })) Report_Unreadable();
   Import_Report.Layers = DXF_Entity.Layers.All();
 }
 

@@ -61,7 +61,7 @@ class Reader {
   void Load();
 
  private:
-  bool Next_Field(std::string& field);
+  bool Next_Field(std::string_view& field);
   void Read_Header();
   void Read_Header_Tool(std::string_view line);
   void Read_Body();
@@ -71,34 +71,37 @@ class Reader {
   void Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent);
   void Count_Other(std::string_view line);
   void Stop(const std::string& why);
-  void Note_Header_Word(std::string_view line);
+  void Note_Word(std::string_view line);
   void Note_Format();
   void Note_Lost_Tools();
+  void Note_Text();
 
   Text_Source Source;
   Import_Faults Faults{Fault_Name};
   const Axis_Rounding Rounded;
-  std::string Rest;  // of the text line, behind the comma
+  std::string Line;      // in capitals
+  std::size_t Rest = 0;  // where the next field of the line begins
   bool Has_Rest = false, Stopped = false;
-  bool Any_Selection = false;
+  std::string Zero_Word;  // "LZ" or "TZ" of the header
   std::int16_t Tool = 1;
   double X = 0, Y = 0;
   Reading_Extent Leading, Trailing;  // the same coordinates under both readings
 };
 
 // A comma ends a field as a line end does.
-bool Reader::Next_Field(std::string& field) {
+bool Reader::Next_Field(std::string_view& field) {
   if (Application.EscFlag || Stopped) return false;
   DoEvents();
   if (!Has_Rest) {
     std::string_view line;
     if (!Source.Next_Line(line)) return false;
-    Rest = Upper(line);
+    Line = Upper(line);
+    Rest = 0;
   }
-  const auto comma = Rest.find(',');
-  field = Trim(Rest.substr(0, comma));
-  Has_Rest = comma != std::string::npos;
-  if (Has_Rest) Rest.erase(0, comma + 1);
+  const auto comma = std::min(Line.find(',', Rest), Line.size());
+  field = Without_Blanks(std::string_view(Line).substr(Rest, comma - Rest));
+  Has_Rest = comma < Line.size();
+  Rest = comma + 1;
   return true;
 }
 
@@ -113,14 +116,16 @@ void Reader::Stop(const std::string& why) {
 }
 
 void Reader::Read_Header() {
-  std::string field;
+  std::string_view field;
   while (Next_Field(field)) {
     if (field == "%") return;
-    Note_Header_Word(field);
+    Note_Word(field);
     Faults.Try([&] { Read_Header_Tool(field); });
   }
   if (!Application.EscFlag && !Stopped) {
-    Report_Note("The file has no line \"%\", so all of it was read as header; nothing is drilled.");
+    Report_Note(
+        "The file has no line \"%\", so all of it was read as header and nothing is drilled. Put a "
+        "line \"%\" where its header ends and import again.");
   }
 }
 
@@ -128,11 +133,12 @@ void Reader::Read_Header_Tool(std::string_view line) {
   constexpr double metric_factor = 2.54;
   const auto number = Find_Coordinate('T', line), diameter = Find_Coordinate('C', line);
   if (!number || !diameter) return;
-  const std::int16_t tool = To_Int16(Foreign_Number(*number));
-  if (tool > Tools.Diameter.last) {
-    Stop("Tool " + std::to_string(tool) + " is above 200, the last of the tool list.");
+  const double value = Foreign_Number(*number);
+  if (value > Tools.Diameter.last) {
+    Stop("Tool " + std::string(*number) + " is above 200, the last of the tool list.");
     return;
   }
+  const std::int16_t tool = To_Int16(value);
   double size = Foreign_Number(*diameter);
   if (MachineSetup.UnitsofMeasurement == 1) size *= metric_factor;
   Excellon_Table.Tool[tool].Size = To_Single(size);
@@ -141,23 +147,22 @@ void Reader::Read_Header_Tool(std::string_view line) {
   Count_Read("tool sizes");
 }
 
-void Reader::Note_Header_Word(std::string_view line) {
+// Units and zero format as the file names them; the setup decides all the same.
+void Reader::Note_Word(std::string_view line) {
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  if (line == "INCH" && metric) {
+  if ((line == "INCH" || line == "M72") && metric) {
     Report_Note("The file says inches, the setup is metric; coordinates were not converted.");
-  } else if (line == "METRIC" && !metric) {
+  } else if ((line == "METRIC" || line == "M71") && !metric) {
     Report_Note("The file says millimetres, the setup is inch; coordinates were not converted.");
-  } else if (line == "LZ" && MachineSetup.Excellon_Zero_Format != Leading_Zeros) {
-    Report_Note("The file keeps leading zeros (LZ); the setup reads another zero format.");
-  } else if (line == "TZ" && MachineSetup.Excellon_Zero_Format != Trailing_Zeros) {
-    Report_Note("The file keeps trailing zeros (TZ); the setup reads another zero format.");
+  } else if (line == "LZ" || line == "TZ") {
+    Zero_Word = line;
   }
 }
 
 void Reader::Read_Body() {
-  std::string field;
+  std::string_view field;
   while (Next_Field(field)) {
-    Faults.Try([&] { Read_Body_Line(field); });
+    if (!Faults.Try([&] { Read_Body_Line(field); })) Count_Skipped("lines with unreadable numbers");
   }
 }
 
@@ -167,7 +172,10 @@ void Reader::Read_Body_Line(std::string_view line) {
   if (tool) Select_Tool(*tool);
   if (Stopped) return;
   Count_Other(line);
-  if (!x && !y) return;
+  if (!x && !y) {
+    Note_Word(line);
+    return;
+  }
   if (x) Take_Coordinate(*x, X, &Reading_Extent::X);
   if (y) Take_Coordinate(*y, Y, &Reading_Extent::Y);
   Add_Hole();
@@ -224,10 +232,22 @@ void Reader::Add_Hole() {
 // What the line says besides a tool and a hole.
 void Reader::Count_Other(std::string_view line) {
   if (line.empty() || line.front() == ';' || line == "%") return;
-  if (line.find("G85") != std::string_view::npos)
-    Count_Skipped("G85 slot (drilled at its start only)");
   const char first = line.front();
-  if (first == 'R') Count_Skipped("R repeat");
+  if (line.find("G85") != std::string_view::npos) {
+    Count_Skipped("G85 slot (drilled at its start only)");
+  }
+  if (first == 'R' && line.find_first_of("XY") != std::string_view::npos) {
+    Count_Skipped("R repeat");
+    Report_Note(
+        "The file repeats holes (R). The repeats are not drilled, and the step of each stands as a "
+        "hole. Have the file written without repeats and import again.");
+  }
+  if (first == 'T' && Find_Coordinate('C', line)) {
+    Count_Skipped("tool size behind the header");
+    Report_Note(
+        "Tool sizes behind the first line \"%\" are not read. Remove the line that ends the header "
+        "too early and import again.");
+  }
   if (first == 'G' || first == 'M') {
     const auto end = line.find_first_not_of("0123456789", 1);
     Count_Skipped(line.substr(0, std::min(end, line.size())));
@@ -243,6 +263,12 @@ void Reader::Note_Format() {
                          (zeros == Leading_Zeros    ? ", leading zeros kept"
                           : zeros == Trailing_Zeros ? ", trailing zeros kept"
                                                     : ", thousandths");
+  const bool placed = Leading.Size() > 0 || Trailing.Size() > 0;
+  if (placed && Zero_Word == "LZ" && zeros != Leading_Zeros) {
+    Report_Note("The file keeps leading zeros (LZ); the setup reads another zero format.");
+  } else if (placed && Zero_Word == "TZ" && zeros != Trailing_Zeros) {
+    Report_Note("The file keeps trailing zeros (TZ); the setup reads another zero format.");
+  }
   constexpr double suspicious = 5;
   const double leading = Leading.Size(), trailing = Trailing.Size();
   if (std::max(leading, trailing) <= suspicious * std::min(leading, trailing)) return;
@@ -254,13 +280,15 @@ void Reader::Note_Format() {
 }
 
 void Reader::Note_Lost_Tools() {
-  std::string lost;
-  std::size_t holes = 0;
+  std::string lost, first_idle;
+  std::size_t holes = 0, idle = 0;
   for (std::int32_t tool = 0; tool <= Excellon_Table.Tool.last; ++tool) {
     const Excellon_Tool& row = Excellon_Table.Tool[tool];
-    if (row.Holes.empty()) continue;
+    const bool drilled = tool >= 1 && tool <= Excellon_Tools_Drilled();
     const std::string number = std::to_string(tool);
-    if (tool >= 1 && tool <= Excellon_Tools_Drilled()) {
+    if (drilled && row.Holes.empty() && idle++ == 0) first_idle = number;
+    if (row.Holes.empty()) continue;
+    if (drilled) {
       Import_Report.Tools.push_back("T" + number + " " + General_Text(row.Size) + " x " +
                                     std::to_string(row.Holes.size()));
     } else {
@@ -268,9 +296,21 @@ void Reader::Note_Lost_Tools() {
       holes += row.Holes.size();
     }
   }
+  if (idle > 0) {
+    Report_Note("The program also stops for tools without holes: " + std::to_string(idle) +
+                ", the first is T" + first_idle + ".");
+  }
   if (lost.empty()) return;
   Report_Note("Not drilled: " + lost + " with " + std::to_string(holes) +
               " holes. Tools must be numbered from 1 without gaps.");
+}
+
+void Reader::Note_Text() {
+  if (Source.Lines_Cut() > 0) Report_Cut_Lines();
+  const bool at_hole = Line.find('X') != std::string::npos || Line.find('Y') != std::string::npos;
+  if (!Source.Last_Line_Ended() && at_hole && !Stopped) {
+    Report_Note("The file ends within a line of coordinates; it may be cut short.");
+  }
 }
 
 void Reader::Load() {
@@ -278,6 +318,7 @@ void Reader::Load() {
   Read_Body();
   Note_Format();
   Note_Lost_Tools();
+  Note_Text();
 }
 
 }  // namespace
@@ -299,7 +340,7 @@ double Excellon_Value(std::string_view text) {
 
 void Excellon_Load(const std::string& path) {
   Import_Status("NC Conversion: Loading File...");
-  Trap(Fault_Name, [&] { Reader(path).Load(); });
+  if (!Trap(Fault_Name, [&] { Reader(path).Load(); })) Report_Unreadable();
 }
 
 }  // namespace norvik

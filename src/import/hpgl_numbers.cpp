@@ -1,13 +1,18 @@
 #include "import/hpgl_numbers.h"
 
-#include "core/paths.h"
 #include "import/import_numbers.h"
+
+#include <algorithm>
 
 namespace norvik {
 
 namespace {
 
 constexpr double Units_Ended = 1016, Units_At_End = 1000;
+
+char Capital(char c) {
+  return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
 
 bool Is_Number_Character(char c) {
   return (c >= '0' && c <= '9') || c == '-' || c == '.';
@@ -46,7 +51,8 @@ Nullable HPGL_Angle(std::size_t n, std::string_view text) {
 }
 
 bool Contains_Word(std::string_view word, std::string_view text) {
-  return Upper(text).find(Upper(word)) != std::string::npos;
+  const auto same = [](char a, char b) { return Capital(a) == Capital(b); };
+  return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();
 }
 
 }  // namespace norvik

@@ -14,7 +14,9 @@
 #include "platform/platform.h"
 
 #include <array>
+#include <cctype>
 #include <cmath>
+#include <numbers>
 
 namespace norvik {
 
@@ -54,6 +56,10 @@ class Command_Source {
   // of the file and on ESC.
   bool Next(std::string& command);
   bool Ended_By_Semicolon() const { return By_Semicolon; }
+  // Characters that did not fit into the longest command.
+  std::int64_t Dropped() const { return Characters_Dropped; }
+  // How often digits were read as one number although a line end stands between them.
+  std::int64_t Joined() const { return Numbers_Joined; }
   // The character that ends a label was among the command's.
   bool Ended_A_Text() const { return Saw_Terminator; }
 
@@ -65,6 +71,7 @@ class Command_Source {
   char Carried = 0;  // 0: nothing
   int Before = 0;    // character read last
   bool By_Semicolon = false, Saw_Terminator = false;
+  std::int64_t Characters_Dropped = 0, Numbers_Joined = 0;
   int Until_Progress = 1000;
 };
 
@@ -91,6 +98,10 @@ bool Command_Source::Build(std::string& command) {
     Count_Character();
     if (c >= 'a' && c <= 'z') c += 'A' - 'a';
     const bool starts_next = Is_Letter(c) && !Is_Letter(Before);
+    if (c >= '0' && c <= '9' && Before < 32 && !command.empty() &&
+        std::isdigit(static_cast<unsigned char>(command.back())) != 0) {
+      ++Numbers_Joined;
+    }
     Before = c;
     if (starts_next) {
       Carried = static_cast<char>(c);
@@ -98,7 +109,11 @@ bool Command_Source::Build(std::string& command) {
     }
     if (c == Text_Terminator) Saw_Terminator = true;
     if (c < 32 || c > 127) continue;
-    if (command.size() < Longest_Command) command += static_cast<char>(c);
+    if (command.size() < Longest_Command) {
+      command += static_cast<char>(c);
+    } else {
+      ++Characters_Dropped;
+    }
     if (c == ';') {
       By_Semicolon = true;
       return true;
@@ -125,7 +140,8 @@ class Reader {
 
  private:
   void Set_Mode(const std::string& command);
-  void Count_Command(std::string_view letters, bool known);
+  void Count_Command(std::string_view command, bool known);
+  void Count_Run_Together(std::string_view command);
   void Read_Parameters(const std::string& command);
   void Select_Pen(double x);
   std::string Feed_Text(const std::string& text);
@@ -143,7 +159,8 @@ class Reader {
   ImportLine Record;  // pen fields stay from record to record
   Nullable Arc_I, Arc_J;
   std::optional<std::int16_t> Arc_Type;  // of the last arc
-  bool In_Text = false;                  // behind a label command, up to its end character
+  bool In_Text = false;                  // behind a label command, up to its end character or ";"
+  bool In_Encoded = false;               // behind a PE, up to its semicolon
 };
 
 void Reader::Load() {
@@ -151,9 +168,17 @@ void Reader::Load() {
   while (Commands.Next(command)) {
     Set_Mode(command);
     Faults.Try([&] { Read_Parameters(command); });
+    if (Commands.Ended_By_Semicolon()) In_Text = In_Encoded = false;
     if (Commands.Ended_A_Text()) In_Text = false;
   }
   File.Close();
+  if (Commands.Dropped() > 0) {
+    Report_Note("A command is longer than 16 million characters; its end was not read.");
+  }
+  if (Commands.Joined() > 0) {
+    Report_Note("Numbers that only a line end parts were read as one, " +
+                std::to_string(Commands.Joined()) + " times. Put commas between them.");
+  }
 }
 
 void Reader::Set_Mode(const std::string& command) {
@@ -165,17 +190,47 @@ void Reader::Set_Mode(const std::string& command) {
     Now = mnemonic.Sets;
     if (mnemonic.Pen_Down) Pen_Down = *mnemonic.Pen_Down;
   }
-  Count_Command(letters, known);
+  Count_Command(command, known);
 }
 
-void Reader::Count_Command(std::string_view letters, bool known) {
-  if (known) {
-    Count_Read(letters);
+void Reader::Count_Command(std::string_view command, bool known) {
+  const std::string_view letters = command.substr(0, 2);
+  if (In_Encoded) {
+    Count_Skipped("words of encoded strokes");
   } else if (In_Text) {
     Count_Skipped("words of text");
+  } else if (known) {
+    Count_Read(letters);
   } else {
     Count_Skipped(letters);
     In_Text = letters == "LB";
+    In_Encoded = letters == "PE";
+    if (In_Encoded) {
+      Report_Note(
+          "The file holds encoded strokes (PE), which are not read. Have it plotted as plain HPGL "
+          "and import again.");
+    }
+    return;
+  }
+  Count_Run_Together(command);
+}
+
+// Only the first of commands that run together acts. A PA behind PU, PD or PA says nothing new.
+void Reader::Count_Run_Together(std::string_view command) {
+  std::string_view before = command.substr(0, 2);
+  for (std::size_t n = 2; !In_Text && !In_Encoded && n + 2 <= command.size(); n += 2) {
+    const std::string_view letters = command.substr(n, 2);
+    if (!Is_Letter(letters[0]) || !Is_Letter(letters[1])) return;
+    const bool repeats =
+        letters == before || (letters == "PA" && (before == "PU" || before == "PD"));
+    before = letters;
+    if (repeats) continue;
+    Count_Skipped(std::string(letters) + " run together with " + std::string(command.substr(0, 2)));
+    if (letters == "PU" || letters == "PD") {
+      Report_Note(
+          "Of commands that run together without a number or semicolon between them only the first "
+          "is read. Have the file written with semicolons and import again.");
+    }
   }
 }
 
@@ -199,6 +254,11 @@ void Reader::Read_Parameters(const std::string& command) {
     if (!x || !y) {
       Now = Mode::None;
       return;
+    }
+    if (In_Text || In_Encoded) {
+      Report_Note(
+          "Numbers inside texts or encoded strokes were read as coordinates. Look at the plot "
+          "before the program is run.");
     }
     if (!Pen_Down) {
       Last_X = *x;
@@ -270,15 +330,15 @@ void Reader::Stroke_To(double x, double y) {
 // under incremental centres holds its end minus the centre, as the compiler of such setups expects
 // it here.
 void Reader::Arc(const HPGL_Numbers& numbers, std::size_t first, double x, double y) {
-  constexpr double full_turn = 360;
+  constexpr double full_turn = 360, pi = std::numbers::pi;
   const double cx = Now == Mode::Arc_Relative ? Last_X + x : x;
   const double cy = Now == Mode::Arc_Relative ? Last_Y + y : y;
   const double sweep = numbers.Angle(first + 2).value_or(full_turn);
   const double dx = Last_X - cx, dy = Last_Y - cy;
   const double radius = std::sqrt(dx * dx + dy * dy);
   const double bearing = std::atan2(dx, dy);  // from +Y, clockwise
-  const double start = NormalizeAngle(Arc_Pi / 2 - bearing);
-  const double end = NormalizeAngle(sweep * (Arc_Pi / 180) + start);
+  const double start = NormalizeAngle(pi / 2 - bearing);
+  const double end = NormalizeAngle(sweep * (pi / 180) + start);
   double end_x = std::cos(end) * radius + cx, end_y = std::sin(end) * radius + cy;
   if (std::fmod(sweep, full_turn) == 0) {  // a full turn ends where it began, not next to it
     end_x = Last_X;
@@ -298,7 +358,7 @@ void Reader::Arc(const HPGL_Numbers& numbers, std::size_t first, double x, doubl
 
 void HPGL_Load(const std::string& path, const std::string& line_file) {
   Import_Status("HPGL Conversion: Loading File...");
-  Trap(HPGL_Fault_Name, [&] { Reader(path, line_file).Load(); });
+  if (!Trap(HPGL_Fault_Name, [&] { Reader(path, line_file).Load(); })) Report_Unreadable();
 }
 
 }  // namespace norvik

@@ -81,6 +81,12 @@ std::string File_Name_Part(std::string_view path) {
   return PathFileName(path);
 }
 
+std::string_view Without_Blanks(std::string_view text) {
+  const auto first = text.find_first_not_of(" \t");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
 bool Is_Same_Layer(std::string_view a, std::string_view b) {
   return Upper(a) == Upper(b);
 }

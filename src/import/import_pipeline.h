@@ -68,6 +68,8 @@ bool Run_Import(Import_Kind kind, const std::string& path, const std::string& sc
 std::string Import_Sequence_Text(std::int64_t n);
 // Behind the last separator.
 std::string File_Name_Part(std::string_view path);
+// Without blanks and tabs at both ends.
+std::string_view Without_Blanks(std::string_view text);
 // Equal after upper-casing both.
 bool Is_Same_Layer(std::string_view a, std::string_view b);
 

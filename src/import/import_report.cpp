@@ -201,6 +201,16 @@ void Report_Note(std::string_view text) {
   }
 }
 
+void Report_Unreadable() {
+  Report_Note(
+      "The file could not be read to its end; the program is incomplete. See the error log.");
+}
+
+void Report_Cut_Lines() {
+  Report_Note("The file has text lines of unusual length; they were read up to their " +
+              std::to_string(Text_Source::Line_Limit) + "th character.");
+}
+
 void Report_Incomplete_Passes() {
   Report_Note(
       "The depth passes could not be written; the program is incomplete. See the error log.");

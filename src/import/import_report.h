@@ -78,6 +78,10 @@ void Finish_Import_Report(bool cancelled);
 void Count_Read(std::string_view kind, std::int64_t count = 1);
 void Count_Skipped(std::string_view kind, std::int64_t count = 1);
 void Report_Note(std::string_view text);
+// The file to import exists and could not be read to its end.
+void Report_Unreadable();
+// Text lines were longer than `Text_Source` takes.
+void Report_Cut_Lines();
 // The line file could not be written to its end.
 void Report_Incomplete_Passes();
 

@@ -20,7 +20,7 @@ class Line_Writer {
 
  private:
   double Layer_Depth(const ImportLine& line) const;
-  void Start_Contour(const ImportLine& line);
+  void Start_Contour(ImportLine& line);
   void Print_Stroke(const ImportLine& line);
   void Print_Arc(const ImportLine& line);
 
@@ -38,11 +38,16 @@ double Line_Writer::Layer_Depth(const ImportLine& line) const {
   return Decimal_Of(MachineSetup.Axis_Tool_Height[deep ? 2 : 1]);
 }
 
-// Several tests here go by the DXF settings; so do the programs that users have.
-void Line_Writer::Start_Contour(const ImportLine& line) {
+// Several tests here go by the DXF settings; so do the programs that users have. A record without a
+// depth that begins a contour counts as one that starts at the normal cut depth, so a new pen
+// without a depth of its own gets its pause there.
+void Line_Writer::Start_Contour(ImportLine& line) {
   const double normal_depth = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
   if (Rules.Passes < 2) Cut_Depth = Layer_Depth(line);
-  if (!MachineSetup.DXF_Ingore_Depth) Cut_Depth = line.Z1.value_or(normal_depth);
+  if (!MachineSetup.DXF_Ingore_Depth) {
+    if (!line.Z1) line.Z1 = normal_depth;
+    Cut_Depth = line.Z1;
+  }
   Write_Contour_Start(File, line, Rules.Travel, [&] {
     if (Rules.Passes < 2) File.Cut_Z(Cut_Depth.value_or(normal_depth));
   });

@@ -3,6 +3,8 @@
 #include "import/import_distance.h"
 
 #include <algorithm>
+#include <array>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -12,41 +14,50 @@ namespace norvik {
 namespace {
 
 constexpr float Nowhere = std::numeric_limits<float>::infinity();
+constexpr auto Place_Bits = [] {
+  std::array<std::uint32_t, 32> bits{};
+  for (unsigned n = 0; n < bits.size(); ++n) bits[n] = 1U << n;
+  return bits;
+}();
+
+// Compiled twice, for processors with and without wide vectors; the program takes what it finds.
+#if defined(__x86_64__) && defined(__GNUC__) && !defined(__clang__) && \
+    !defined(__SANITIZE_ADDRESS__)
+#define NORVIK_WIDE_VECTORS __attribute__((target_clones("avx2", "default")))
+#else
+#define NORVIK_WIDE_VECTORS
+#endif
 
 }  // namespace
 
 void Record_Walk::Build(std::vector<Point_Tree::Point> ends) {
-  const std::size_t rows = ends.size() / 2;
-  Row_At.resize(rows);
-  std::iota(Row_At.begin(), Row_At.end(), 0);
-  Place = Row_At;
-  Side_At.assign(rows, 0);
-  const std::size_t filled = (rows + Block - 1) / Block * Block;
-  for (std::size_t side = 0; side < 2; ++side) {
-    X_At[side].assign(filled, Nowhere);
-    Y_At[side].assign(filled, Nowhere);
+  const auto rows = static_cast<std::int32_t>(ends.size() / 2);
+  Place.resize(ends.size() / 2);
+  std::iota(Place.begin(), Place.end(), 0);
+  Place_Block empty;
+  for (std::size_t n = 0; n < Block; ++n) {
+    for (const int side : {0, 1}) empty.X[side][n] = empty.Y[side][n] = Nowhere;
+    empty.Start[n] = 0;
+  }
+  Blocks.assign(Index((rows + Block - 1) / Block), empty);
+  for (std::int32_t row = 0; row < rows; ++row) {
+    Blocks[Index(row / Block)].Start[Index(row % Block)] = row * 2;
   }
   Tree.Build(std::move(ends));
 }
 
 void Record_Walk::Switch(std::int32_t end, bool on) {
   Tree.Switch(end, on);
-  const std::size_t at = Index(Place_Of(end / 2)), side = Index(end % 2);
-  X_At[side][at] = on ? Tree.At(end).X : Nowhere;
-  Y_At[side][at] = on ? Tree.At(end).Y : Nowhere;
+  const std::int32_t place = Place_Of(end / 2);
+  Place_Block& block = Blocks[Index(place / Block)];
+  block.X[end % 2][place % Block] = on ? Tree.At(end).X : Nowhere;
+  block.Y[end % 2][place % Block] = on ? Tree.At(end).Y : Nowhere;
 }
 
 void Record_Walk::Exchange(std::int32_t place, std::int32_t other) {
-  if (place == other) return;
-  const std::size_t a = Index(place), b = Index(other);
-  std::swap(Row_At[a], Row_At[b]);
-  std::swap(Side_At[a], Side_At[b]);
-  Place[Index(Row_At[a])] = place;
-  Place[Index(Row_At[b])] = other;
-  for (std::size_t side = 0; side < 2; ++side) {
-    std::swap(X_At[side][a], X_At[side][b]);
-    std::swap(Y_At[side][a], Y_At[side][b]);
-  }
+  const Row_State here = State_At(place);
+  Put_State(place, State_At(other));
+  Put_State(other, here);
 }
 
 // --- Distances -----------------------------------------------------------------------------------
@@ -76,105 +87,119 @@ inline void Record_Walk::Set_Best(float rough_square) {
 }
 
 // For rough squares up to High.
-inline bool Record_Walk::Passes(float rough_square, std::int32_t place) {
+inline bool Record_Walk::Passes(const Row_State& row, float rough_square) {
+  Found_Root = -1;
   if (rough_square < Low) return true;
-  const Row_State row = State_At(place);
   if (row.X[0] == Nowhere && row.X[1] == Nowhere) return false;
-  const double root = Exact_Root(row);
+  Found_Root = Exact_Root(row);
   if (Root < 0) Root = Exact_Root(Carried);
-  return Rule == Finds::Nearer ? root < Root : root <= Root;
+  return Rule == Finds::Nearer ? Found_Root < Root : Found_Root <= Root;
+}
+
+// The row has its near end where the best has it, and the other ends are out of the question: an
+// exact tie. Where paths pass on from stroke to stroke these are most of the rows to be judged.
+inline bool Record_Walk::Shares_Best_Point(const Row_State& row, float near_square) const {
+  if (near_square != Near) return false;
+  const auto near_side = [&](const Row_State& of) {
+    const float square[] = {Rough_Square(of.X[0], of.Y[0]), Rough_Square(of.X[1], of.Y[1])};
+    return square[0] == Near && square[1] > High   ? 0
+           : square[1] == Near && square[0] > High ? 1
+                                                   : -1;
+  };
+  const int side = near_side(row), best = near_side(Carried);
+  return side >= 0 && best >= 0 && row.X[side] == Carried.X[best] && row.Y[side] == Carried.Y[best];
 }
 
 // --- Search --------------------------------------------------------------------------------------
 
 inline Record_Walk::Row_State Record_Walk::State_At(std::int32_t place) const {
-  const std::size_t at = Index(place);
-  return {Row_At[at], Side_At[at], {X_At[0][at], X_At[1][at]}, {Y_At[0][at], Y_At[1][at]}};
+  const Place_Block& block = Blocks[Index(place / Block)];
+  const std::size_t n = Index(place % Block);
+  return {block.Start[n], {block.X[0][n], block.X[1][n]}, {block.Y[0][n], block.Y[1][n]}};
 }
 
 inline void Record_Walk::Put_State(std::int32_t place, const Row_State& state) {
-  const std::size_t at = Index(place);
-  Row_At[at] = state.Row;
-  Side_At[at] = state.Side;
-  X_At[0][at] = state.X[0];
-  Y_At[0][at] = state.Y[0];
-  X_At[1][at] = state.X[1];
-  Y_At[1][at] = state.Y[1];
-  Place[Index(state.Row)] = place;
+  Place_Block& block = Blocks[Index(place / Block)];
+  const std::size_t n = Index(place % Block);
+  block.Start[n] = state.Start;
+  for (const int side : {0, 1}) {
+    block.X[side][n] = state.X[side];
+    block.Y[side][n] = state.Y[side];
+  }
+  Place[Index(state.Start / 2)] = place;
 }
 
 // Turns the row to start at its nearer live end, on a tie where it starts now.
 void Record_Walk::Turn_Carried() {
   const bool live[] = {Carried.X[0] != Nowhere, Carried.X[1] != Nowhere};
-  const int start = Carried.Side, end = 1 - start;
+  const int start = Carried.Start % 2, end = 1 - start;
   if (live[0] && live[1]) {
     const auto square = [&](int side) {
       return Distance_Square(Centre.X, Centre.Y, Carried.X[side], Carried.Y[side]);
     };
-    if (Is_Nearer_Square(square(end), square(start))) Carried.Side ^= 1;
+    if (Is_Nearer_Square(square(end), square(start))) Carried.Start ^= 1;
   } else if (live[end]) {
-    Carried.Side ^= 1;
-    const Point_Tree::Point& other = Tree.At(Carried.Row * 2 + start);
+    const Point_Tree::Point& other = Tree.At(Carried.Start);
+    Carried.Start ^= 1;
     Set_Best(Rough_Square(other.X, other.Y));
     Root = std::sqrt(Distance_Square(Centre.X, Centre.Y, other.X, other.Y));
   }
 }
 
-inline void Record_Walk::Take(std::int32_t place) {
-  const Row_State found = State_At(place);
+inline void Record_Walk::Take(std::int32_t place, const Row_State& row, float near_square) {
+  const Row_State found = row;  // `row` may lie where the next line writes
   Put_State(place, Carried);
   Carried = found;
   Last_Found = place;
-  Found.push_back(found.Row);
   if (Ends_At_Meeting) {
+    Found.push_back(found.Start / 2);
     for (const int side : {0, 1}) Met |= found.X[side] == Centre.X && found.Y[side] == Centre.Y;
   }
-  const float first = Rough_Square(found.X[0], found.Y[0]);
-  const float second = Rough_Square(found.X[1], found.Y[1]);
-  Set_Best(first < second ? first : second);
+  Near = near_square;
+  Set_Best(near_square);
+  Root = Found_Root;
   if (Rule == Finds::Nearer) Turn_Carried();
 }
 
-// The first block from `block` on, before `stop`, with a place whose rough square is at most High.
-// The loop over a block stands in a form that compilers turn into vector instructions.
-inline std::int32_t Record_Walk::Next_Near_Block(std::int32_t block, std::int32_t stop) const {
-  const float x = Centre.X, y = Centre.Y, high = High;
-  for (; block < stop; ++block) {
-    const std::size_t first = Index(block * Block);
-    const float *x0 = &X_At[0][first], *y0 = &Y_At[0][first];
-    const float *x1 = &X_At[1][first], *y1 = &Y_At[1][first];
-    std::int32_t any = 0;
+// From At on, until `allowance` places behind the row found last brought nothing. Places are looked
+// at a block at a time; the loop over a block stands in a form that compilers turn into vector
+// instructions. A row found leaves the places behind it, and so their squares, as they are.
+NORVIK_WIDE_VECTORS
+void Record_Walk::Scan(std::int32_t allowance) {
+  const float x = Centre.X, y = Centre.Y;
+  while (At < std::min(Size(), Last_Found + allowance)) {
+    const Place_Block& block = Blocks[Index(At / Block)];
+    const std::int32_t block_start = At / Block * Block;
+    float near[Block];
+    const float high = High;
+    std::uint32_t hits = 0;  // a bit for each place
     for (int n = 0; n < Block; ++n) {
-      const float dx0 = x0[n] - x, dy0 = y0[n] - y, dx1 = x1[n] - x, dy1 = y1[n] - y;
-      any |= static_cast<std::int32_t>(dx0 * dx0 + dy0 * dy0 <= high) |
-             static_cast<std::int32_t>(dx1 * dx1 + dy1 * dy1 <= high);
+      const float dx0 = block.X[0][n] - x, dy0 = block.Y[0][n] - y;
+      const float dx1 = block.X[1][n] - x, dy1 = block.Y[1][n] - y;
+      const float square0 = dx0 * dx0 + dy0 * dy0, square1 = dx1 * dx1 + dy1 * dy1;
+      near[n] = square0 < square1 ? square0 : square1;
+      hits |= near[n] <= high ? Place_Bits[Index(n)] : 0U;
     }
-    if (any != 0) break;
+    hits &= 0U - Place_Bits[Index(At - block_start)];  // from At on
+    std::int32_t next = block_start + Block;
+    for (; hits != 0; hits &= hits - 1) {
+      const std::int32_t n = std::countr_zero(hits), place = block_start + n;
+      if (!(near[n] <= High) || place >= Size()) continue;
+      const Row_State row = State_At(place);
+      if (Rule == Finds::Not_Farther && Shares_Best_Point(row, near[n])) {
+        Found_Root = Root;
+      } else if (!Passes(row, near[n])) {
+        continue;
+      }
+      Take(place, row, near[n]);
+      if (Met) return;
+      if (High > high) {  // the best has become worse: places of this block may pass after all
+        next = place + 1;
+        break;
+      }
+    }
+    At = next;
   }
-  return block;
-}
-
-// From At through the next near block, or to `stop`. A row found leaves the places behind it, and
-// so their squares, as they are.
-void Record_Walk::Scan(std::int32_t stop) {
-  const std::int32_t stop_block = (stop + Block - 1) / Block;
-  const std::int32_t block = Next_Near_Block(At / Block, stop_block);
-  At = std::max(At, block * Block);
-  if (block == stop_block) return;
-  const std::size_t first = Index(block * Block);
-  float squares[Block];
-  for (std::size_t n = 0; n < Block; ++n) {
-    const float square0 = Rough_Square(X_At[0][first + n], Y_At[0][first + n]);
-    const float square1 = Rough_Square(X_At[1][first + n], Y_At[1][first + n]);
-    squares[n] = square0 < square1 ? square0 : square1;
-  }
-  const std::int32_t block_start = block * Block;
-  // The last block is filled up with places that hold no row.
-  const std::int32_t rows = std::min(Block, Size() - block_start);
-  for (std::int32_t n = At - block_start; n < rows && !Met; ++n) {
-    if (squares[n] <= High && Passes(squares[n], block_start + n)) Take(block_start + n);
-  }
-  At = block_start + Block;
 }
 
 // Fills Answer with what can still be found; false when that is much.
@@ -197,11 +222,11 @@ void Record_Walk::Walk_Answer() {
   const float asked = High;
   for (const std::int32_t place : Answer) {
     if (place < At) continue;
-    const std::size_t at = Index(place);
-    const float square =
-        std::min(Rough_Square(X_At[0][at], Y_At[0][at]), Rough_Square(X_At[1][at], Y_At[1][at]));
-    if (!(square <= High) || !Passes(square, place)) continue;
-    Take(place);
+    const Row_State row = State_At(place);
+    const float square0 = Rough_Square(row.X[0], row.Y[0]);
+    const float square1 = Rough_Square(row.X[1], row.Y[1]), near = std::min(square0, square1);
+    if (!(near <= High) || !Passes(row, near)) continue;
+    Take(place, row, near);
     At = place + 1;
     if (High > asked || Met) return;
   }
@@ -211,6 +236,7 @@ void Record_Walk::Walk_Answer() {
 void Record_Walk::Find(Point_Tree::Point centre, std::int32_t slot, std::int32_t from,
                        Point_Tree::Point best) {
   Centre = centre;
+  Near = -1;  // no row shares the first best
   At = Last_Found = from;
   Met = false;
   Found.clear();
@@ -219,8 +245,8 @@ void Record_Walk::Find(Point_Tree::Point centre, std::int32_t slot, std::int32_t
   Root = std::sqrt(Distance_Square(centre.X, centre.Y, best.X, best.Y));
   std::int32_t allowance = First_Allowance;
   while (At < Size() && !Met) {
-    Scan(std::min(Size(), Last_Found + allowance));
-    if (Met || At - Last_Found < allowance || At >= Size()) continue;
+    Scan(allowance);
+    if (Met || At >= Size()) break;
     if (Ask_Tree()) {
       Walk_Answer();
     } else {

@@ -5,12 +5,10 @@
 // of the whole table, depends on the places and not only on the distances. A plain scan measures
 // every row for every slot. The walk finds the same rows in the same order:
 //
-//   - It scans with a first look in singles, sixteen places at a time; coordinates lie by place.
-//   Only
-//     where the first look cannot tell, the exact distances decide.
+//   - It scans with a first look in singles, thirty-two places at a time; coordinates lie by place.
+//     Only where the first look cannot tell, the exact distances decide.
 //   - When a long stretch brought nothing it asks the tree for everything within the best distance.
-//   A
-//     short answer, sorted by place, holds all rows that can still be found. A long answer means
+//     A short answer, sorted by place, holds all rows that can still be found. A long answer means
 //     that the scan will find one soon: it goes on with a larger allowance.
 //
 // Rows found later than the answer mostly lie within smaller distances, so one answer serves the
@@ -22,7 +20,6 @@
 
 #include "import/point_tree.h"
 
-#include <array>
 #include <cstdint>
 #include <utility>
 #include <vector>
@@ -40,20 +37,20 @@ class Record_Walk {
   // Two ends for each row, all off; row r stands at place r and starts at its side 0.
   void Build(std::vector<Point_Tree::Point> ends);
 
-  std::int32_t Size() const { return static_cast<std::int32_t>(Row_At.size()); }
-  std::int32_t Row_In(std::int32_t place) const { return Row_At[Index(place)]; }
+  std::int32_t Size() const { return static_cast<std::int32_t>(Place.size()); }
+  std::int32_t Row_In(std::int32_t place) const { return Start_Of(place) / 2; }
   std::int32_t Place_Of(std::int32_t row) const { return Place[Index(row)]; }
   const Point_Tree::Point& End_At(std::int32_t end) const { return Tree.At(end); }
   bool Any_On() const { return Tree.Live() > 0; }
   // Ends of the row at a place.
   std::int32_t Start_Of(std::int32_t place) const {
-    return Row_In(place) * 2 + Side_At[Index(place)];
+    return Blocks[Index(place / Block)].Start[Index(place % Block)];
   }
-  std::int32_t End_Of(std::int32_t place) const {
-    return Row_In(place) * 2 + 1 - Side_At[Index(place)];
+  std::int32_t End_Of(std::int32_t place) const { return Start_Of(place) ^ 1; }
+  bool Is_Reversed(std::int32_t place) const { return Start_Of(place) % 2 != 0; }
+  void Reverse(std::int32_t place) {
+    Blocks[Index(place / Block)].Start[Index(place % Block)] ^= 1;
   }
-  bool Is_Reversed(std::int32_t place) const { return Side_At[Index(place)] != 0; }
-  void Reverse(std::int32_t place) { Side_At[Index(place)] ^= 1; }
 
   void Switch(std::int32_t end, bool on);
   void Exchange(std::int32_t place, std::int32_t other);
@@ -65,18 +62,23 @@ class Record_Walk {
   void Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
             Point_Tree::Point best);
 
-  // Of the last search: the rows found, in order, and one past the last place looked at.
+  // Of the last search where a meeting ends it: the rows found, in order, and one past the last place
+  // looked at.
   const std::vector<std::int32_t>& Rows_Found() const { return Found; }
   std::int32_t Looked_To() const { return Met ? Last_Found + 1 : Size(); }
 
  private:
-  static constexpr std::int32_t Block = 16;
+  static constexpr std::int32_t Block = 32;
   static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
 
+  // Thirty-two places. Ends that are off, and those of places behind the last row, are infinite.
+  struct Place_Block {
+    float X[2][Block], Y[2][Block];  // by side of the row
+    std::int32_t Start[Block];       // the end at which the row starts
+  };
   // What stands at a place, while it is carried to the next one.
   struct Row_State {
-    std::int32_t Row = 0;
-    std::uint8_t Side = 0;
+    std::int32_t Start = 0;
     float X[2] = {}, Y[2] = {};
   };
 
@@ -86,20 +88,18 @@ class Record_Walk {
   float Rough_Square(float x, float y) const;
   double Exact_Root(const Row_State& row) const;
   void Set_Best(float rough_square);
-  bool Passes(float rough_square, std::int32_t place);
-  void Take(std::int32_t place);
+  bool Passes(const Row_State& row, float rough_square);
+  bool Shares_Best_Point(const Row_State& row, float near_square) const;
+  void Take(std::int32_t place, const Row_State& row, float near_square);
   void Turn_Carried();
-  std::int32_t Next_Near_Block(std::int32_t block, std::int32_t stop) const;
-  void Scan(std::int32_t stop);
+  void Scan(std::int32_t allowance);
   bool Ask_Tree();
   void Walk_Answer();
 
   Finds Rule;
   bool Ends_At_Meeting = false;
-  std::vector<std::int32_t> Row_At, Place;
-  std::vector<std::uint8_t> Side_At;  // where the row of a place starts
-  // Ends by place; infinite where off. Filled up to whole blocks.
-  std::array<std::vector<float>, 2> X_At, Y_At;
+  std::vector<std::int32_t> Place;  // of each row
+  std::vector<Place_Block> Blocks;
   Point_Tree Tree;
 
   // The search in progress.
@@ -107,9 +107,11 @@ class Record_Walk {
   Row_State Carried;        // the row found last; it goes to the slot, or to the place of the next
   float Low = 0, High = 0;  // rough squares below are nearer than the best, above are farther
   double Root = -1;         // exact distance of the best; -1: that of Carried, not computed yet
+  double Found_Root = -1;   // that of the row that has just passed, where it was computed
+  float Near = 0;           // rough square of the near end of Carried
   std::int32_t At = 0, Last_Found = 0;
   bool Met = false;  // the row found last starts at the point itself and ends the search
-  std::vector<std::int32_t> Found;
+  std::vector<std::int32_t> Found;  // where a meeting ends the search
   std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
 };
