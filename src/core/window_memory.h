@@ -15,7 +15,20 @@
 
 namespace norvik {
 
-enum class Form_Id { Main, GCode, CNC_Controls, Plot, JogKey, Port_IO };
+enum class Form_Id {
+  Main,
+  GCode,
+  CNC_Controls,
+  Plot,
+  JogKey,
+  Port_IO,
+  DXF_Layer_List,
+  Gerber_Layer_Choice,
+  Bitmap_Choice
+};
+inline constexpr std::size_t Form_Count = 9;
+// Those of the layout. The windows of the importers remember their place on their own, and nothing
+// opens them again at a start.
 inline constexpr std::array All_Forms{Form_Id::Main, Form_Id::GCode,  Form_Id::CNC_Controls,
                                       Form_Id::Plot, Form_Id::JogKey, Form_Id::Port_IO};
 
