@@ -122,7 +122,7 @@ int Import(const Import_Options& options) {
     for (const std::string& line : lines) std::cerr << line << '\n';
   };
   if (!Import_File(*kind, options.File)) {
-    Complain(options.File + ": nothing was imported; the file is missing.");
+    Complain(options.File + ": nothing was imported; there is no such file.");
     return Wrong_Usage;
   }
   if (!call.Unknown_Layers.empty()) {
