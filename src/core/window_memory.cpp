@@ -147,7 +147,8 @@ Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
     case Form_Id::Port_IO:
       break;
     case Form_Id::DXF_Layer_List:
-      return CenterWindow(320, 360, area);
+      // Beside the panel, so that no control of the machine lies under it.
+      return CenterWindow(320, 360, {area.Left, area.Top, left_part, area.Height});
     case Form_Id::Gerber_Layer_Choice:
       return CenterWindow(480, 400, screen);
     case Form_Id::Bitmap_Choice:

@@ -31,6 +31,9 @@ class Layer_Row : public QStyledItemDelegate {
     option->checkState = selected ? Qt::Checked : Qt::Unchecked;
     // The tick says it all; a list painted in the highlight colour from end to end does not.
     option->state.setFlag(QStyle::State_Selected, false);
+    // The frame of an empty box is a darker shade of this colour; on a dark ground it would not
+    // show.
+    option->palette.setColor(QPalette::Window, option->palette.color(QPalette::PlaceholderText));
   }
 };
 

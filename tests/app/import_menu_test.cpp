@@ -154,6 +154,7 @@ TEST_F(Import_Menu_Test, Esc_Leaves_A_Program_With_Its_End_And_Says_So) {
   Import_Host.Show_DXF_Layers = [] { Application.EscFlag = true; };
   Import_File(Import_Kind::DXF, path);
   EXPECT_THAT(Messages.MessageLog[1], HasSubstr("Cancelled by ESC: the program is incomplete"));
+  EXPECT_EQ(Messages.Panel[1], Messages.MessageLog[1]);
   EXPECT_THAT(std::string(GCode_Line(GCodeLineCount())), HasSubstr("M30"));
   EXPECT_FALSE(Application.EscFlag);
 }
