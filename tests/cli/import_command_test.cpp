@@ -20,6 +20,8 @@ using testing::StartsWith;
 const std::string Samples = NORVIK_SAMPLES_FOLDER;
 
 struct Import_Command_Test : testing::Test {
+  // A machine file of its own: drill files write their tool sizes there.
+  Import_Command_Test() { Write_File("inch.ini", Read_Whole_File(Samples + "/inch.ini")); }
   ~Import_Command_Test() override { Forget(); }
 
   static void Forget() {
@@ -34,7 +36,7 @@ struct Import_Command_Test : testing::Test {
   int Import(std::vector<std::string> words) {
     Forget();
     words.insert(words.begin(), {"norvik-cli", "--home", Folder.File("home"), "--machine",
-                                 Samples + "/inch.ini", "import"});
+                                 Folder.File("inch.ini"), "import"});
     words.insert(words.end(), {"-o", Program});
     std::vector<char*> arguments;
     for (std::string& word : words) arguments.push_back(word.data());
