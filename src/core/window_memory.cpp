@@ -56,15 +56,12 @@ void Write_Edge(const std::string& key, int pixels) {
   WriteSetup(Section, key, std::to_string(static_cast<long long>(pixels * Units_Per_Pixel)));
 }
 
-// A window of its own on the screen; the others live inside the main window.
-bool Stands_Alone(Form_Id form) {
-  return form == Form_Id::Main || form == Form_Id::Gerber_Layer_Choice ||
-         form == Form_Id::Bitmap_Choice;
-}
-
-// Where a window may lie.
+// Where a window may lie: the main window and dialogs on the screen, the others inside the main
+// window when they live there.
 Screen_Area Limits_Of(Form_Id form, const Screen_Area& screen) {
-  return Stands_Alone(form) ? screen : Window_Area.Tool_Windows.value_or(screen);
+  const bool is_alone = form == Form_Id::Main || form == Form_Id::Gerber_Layer_Choice ||
+                        form == Form_Id::Bitmap_Choice;
+  return is_alone ? screen : Window_Area.Tool_Windows.value_or(screen);
 }
 
 // What the default layout divides among the tool windows.

@@ -27,10 +27,11 @@ enum class Form_Id {
   Bitmap_Choice
 };
 inline constexpr std::size_t Form_Count = 9;
-// Those of the layout. The windows of the importers remember their place on their own, and nothing
-// opens them again at a start.
-inline constexpr std::array All_Forms{Form_Id::Main, Form_Id::GCode,  Form_Id::CNC_Controls,
-                                      Form_Id::Plot, Form_Id::JogKey, Form_Id::Port_IO};
+// Those of the layout: the main window and what stands inside it. The others are dialogs; each
+// remembers its place on its own.
+inline constexpr std::array All_Forms{
+    Form_Id::Main,   Form_Id::GCode,   Form_Id::CNC_Controls,  Form_Id::Plot,
+    Form_Id::JogKey, Form_Id::Port_IO, Form_Id::DXF_Layer_List};
 
 inline constexpr int Window_Normal = 0, Window_Minimized = 1, Window_Maximized = 2;
 
