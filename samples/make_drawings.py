@@ -98,9 +98,9 @@ def board():
     for pin in range(7):
         x, low, high = 500 + 100 * pin, 500, 800
         bend = 320 - 20 * abs(pin - 3)
-        text += [word(x, low, 2), word(x, bend, 1), word(300 + 150 * pin, bend - 120, 1)]
+        text += [word(x, low, 2), word(x, bend, 1), word(350 + 150 * pin, bend - 120, 1)]
         top = 980 + 20 * abs(pin - 3)
-        text += [word(x, high, 2), word(x, top, 1), word(300 + 150 * pin, top + 90, 1)]
+        text += [word(x, high, 2), word(x, top, 1), word(350 + 150 * pin, top + 90, 1)]
     text += ["%LNMARKS*%", "D13*"]
     corners = [(100, 100), (1700, 100), (1700, 1200), (100, 1200), (100, 100)]
     text += [word(*corners[0], 2)] + [word(x, y, 1) for x, y in corners[1:]]

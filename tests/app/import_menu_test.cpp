@@ -11,6 +11,7 @@ namespace norvik {
 namespace {
 
 using testing::Contains;
+using testing::ElementsAre;
 using testing::HasSubstr;
 
 struct Menu_Case {
@@ -79,7 +80,7 @@ TEST_F(Import_Menu_Test, Each_Entry_Asks_Remembers_And_Opens_The_Program) {
     EXPECT_EQ(scripted.Pointers.back(), Mouse_Pointer::Normal);
     ASSERT_GT(GCodeLineCount(), 2);
     EXPECT_THAT(std::string(GCode_Line(GCodeLineCount())), HasSubstr("N0"));
-    EXPECT_THAT(Messages.MessageLog[0], HasSubstr("Import report: " + std::string(menu.File)));
+    EXPECT_THAT(Messages_Shown(), Contains(HasSubstr("Import report: " + std::string(menu.File))));
     EXPECT_FALSE(FileExists(Application.Temporary_GCode));
 
     scripted.Open_Answers.push_back(std::nullopt);
@@ -180,8 +181,7 @@ TEST_F(Import_Menu_Test, Layers_Called_Off_Leave_The_Old_Program) {
   scripted.Open_Answers.push_back(Two_Layers());
   Menu_Import_Gerber();
   EXPECT_NE(GCode_Line(2), before);
-  EXPECT_FALSE(Gerber_Layers.Layers.at(0).Layer_Selected);
-  EXPECT_TRUE(Gerber_Layers.Layers.at(1).Layer_Selected);
+  EXPECT_THAT(Import_Report.Layers, ElementsAre("MARKS"));
 }
 
 TEST_F(Import_Menu_Test, The_End_Of_The_Program_Ends_An_Import) {

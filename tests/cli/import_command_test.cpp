@@ -5,6 +5,7 @@
 #include "core/setup.h"
 #include "import/gerber_layers.h"
 #include "import/import_pipeline.h"
+#include "import/import_report.h"
 #include "platform/scripted/scripted_platform.h"
 #include "support/temporary_folder.h"
 
@@ -13,6 +14,7 @@
 namespace norvik {
 namespace {
 
+using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
@@ -89,19 +91,12 @@ TEST_F(Import_Command_Test, Where_The_Menu_Would_Only_Beep_Nothing_Is_Written) {
 
 TEST_F(Import_Command_Test, Layers_Are_Answered_By_Name_In_Any_Case) {
   const std::string board = Samples + "/board.gbr";
-  const auto selected = [] {
-    std::string names;
-    for (const Gerber_Layer& layer : Gerber_Layers.Layers) {
-      if (layer.Layer_Selected) names += layer.Layer_Name + " ";
-    }
-    return names;
-  };
   EXPECT_EQ(Import({board}), Done);
-  EXPECT_EQ(selected(), "COPPER MARKS ");
+  EXPECT_THAT(Import_Report.Layers, ElementsAre("COPPER", "MARKS"));
   EXPECT_EQ(Import({board, "--layers", "marks"}), Done);
-  EXPECT_EQ(selected(), "MARKS ");
+  EXPECT_THAT(Import_Report.Layers, ElementsAre("MARKS"));
   EXPECT_EQ(Import({board, "--layers", "marks,copper"}), Done);
-  EXPECT_EQ(selected(), "COPPER MARKS ");
+  EXPECT_THAT(Import_Report.Layers, ElementsAre("COPPER", "MARKS"));
   std::filesystem::remove(Program);
   Expect_Refused({board, "--layers", "copper,SILK"}, "no layer SILK. The file has: COPPER, MARKS");
   // A file of one layer never asks for it.

@@ -155,8 +155,7 @@ TEST_F(Import_Test, Board_Layers_Are_Chosen_By_Rows_Or_All_At_Once) {
     Press(dialog, "Command_OK");
   });
   Import("Menu_Import_Gerber", Samples + "/board.gbr");
-  EXPECT_FALSE(GerberLayerSelection.List_Layers.at(0).Selected);
-  EXPECT_TRUE(GerberLayerSelection.List_Layers.at(1).Selected);
+  EXPECT_THAT(Import_Report.Layers, testing::ElementsAre("MARKS"));
   EXPECT_EQ(scripted.Pointers.back(), Mouse_Pointer::Normal);
   EXPECT_TRUE(Text_Of("Text_GCode").contains("board.gbr"));
   When_Modal("GerberLayerSelection", [&](QDialog& dialog) {
@@ -164,7 +163,7 @@ TEST_F(Import_Test, Board_Layers_Are_Chosen_By_Rows_Or_All_At_Once) {
     Press(dialog, "Command_OK");
   });
   Import("Menu_Import_Gerber", Samples + "/board.gbr");
-  EXPECT_TRUE(GerberLayerSelection.List_Layers.at(0).Selected);
+  EXPECT_THAT(Import_Report.Layers, testing::ElementsAre("COPPER", "MARKS"));
 }
 
 TEST_F(Import_Test, Called_Off_Layers_Leave_The_Program_Alone) {
