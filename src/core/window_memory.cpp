@@ -144,8 +144,8 @@ Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
     case Form_Id::Port_IO:
       break;
     case Form_Id::DXF_Layer_List:
-      // Beside the panel, so that no control of the machine lies under it.
-      return CenterWindow(320, 360, {area.Left, area.Top, left_part, area.Height});
+      // In the corner of the program: plot and panel stay in sight.
+      return {area.Top + area.Height - 300, area.Left + left_part - 320, 300, 320, Window_Normal};
     case Form_Id::Gerber_Layer_Choice:
       return CenterWindow(480, 400, screen);
     case Form_Id::Bitmap_Choice:

@@ -182,8 +182,8 @@ std::optional<std::string> Ask_Open(const File_Dialog& ask) {
   QString selected = filters.value(ask.Filter_Index - 1);
   const QString path = QFileDialog::getOpenFileName(
       QApplication::activeWindow(), QString::fromStdString(ask.Title),
-      QDir(Dialog_Folder(ask)).filePath(QString::fromStdString(ask.File_Name)),
-      filters.join(";;"), &selected);
+      QDir(Dialog_Folder(ask)).filePath(QString::fromStdString(ask.File_Name)), filters.join(";;"),
+      &selected);
   if (path.isEmpty()) return std::nullopt;
   return path.toStdString();
 }
@@ -252,8 +252,8 @@ void Install_Desktop_Platform(std::function<void()> before_box) {
   qApp->installEventFilter(new Key_Watch(qApp));
 
   Platform.Do_Events = Do_Desktop_Events;
-  // The toolkit reads input on a thread of its own and does not tell whether some waits. A yield too
-  // many costs a little time; a Stop button that is not heard would cost more.
+  // The toolkit reads input on a thread of its own and does not tell whether some waits. A yield
+  // too many costs a little time; a Stop button that is not heard would cost more.
   Platform.Input_Pending = [] { return true; };
   Platform.Start_Timer = Start_Desktop_Timer;
   Platform.Stop_Timer = Stop_Desktop_Timer;
