@@ -2,6 +2,7 @@
 
 #include "app/gcode_file.h"
 #include "app/gcode_form.h"
+#include "app/import_menu.h"
 #include "app/openers.h"
 #include "compiler/compile_host.h"
 #include "compiler/compiler_state.h"
@@ -12,10 +13,6 @@
 #include "core/application.h"
 #include "core/event_sounds.h"
 #include "core/setup.h"
-#include "import/dxf_import.h"
-#include "import/excellon_import.h"
-#include "import/hpgl_import.h"
-#include "import/import_pipeline.h"
 #include "parallel/timing.h"
 #include "plot/cursor.h"
 #include "plot/nist_plot.h"
@@ -47,14 +44,6 @@ void Show_Compiled_Program() {
   Plot_New_Program();
 }
 
-void Register_Openers() {
-  Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
-  Register_Opener(Opened_Kind::DXF, [](const std::string& path) { Import_DXF_File(path); });
-  Register_Opener(Opened_Kind::HPGL, [](const std::string& path) { Import_HPGL_File(path); });
-  Register_Opener(Opened_Kind::Excellon,
-                  [](const std::string& path) { Import_Excellon_File(path); });
-}
-
 }  // namespace
 
 void Connect_App() {
@@ -63,7 +52,6 @@ void Connect_App() {
   Compile_Host.Highlight_Line = Highlight_Program_Line;
   Compile_Host.Play_Sound_Slot = Play_Event_Sound;
   Compile_Host.Refresh_Plot = Show_Compiled_Program;
-  Import_Host.Open_GCode = [](const std::string& path) { Open_GCode(path); };
   Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
   Run_Plot_Host.Draw_Segment = [](std::size_t, const Wire& wire) {
     Plot_Draw_Wire(wire, 0, Line_Mode_Run);
@@ -71,7 +59,8 @@ void Connect_App() {
   Run_Plot_Host.Mark_Rate_Error = [] { Plot_Mark_At_Cursor("X"); };
   Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;
   Run_Plot_Host.Refresh = Plot_Refresh;
-  Register_Openers();
+  Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
+  Connect_Importers();
 }
 
 }  // namespace norvik

@@ -8,6 +8,7 @@
 
 #include <functional>
 #include <string>
+#include <string_view>
 
 namespace norvik {
 
@@ -40,7 +41,7 @@ struct Main_Host_Operations {
 };
 extern Main_Host_Operations Main_Host;
 
-// "Norvik 4  " and the file's name.
-void Set_Caption(const std::string& path);
+// `before`, then the file's name.
+void Set_Caption(const std::string& path, std::string_view before = "Norvik 4  ");
 
 }  // namespace norvik

@@ -1,5 +1,6 @@
 #include "app/shutdown.h"
 
+#include "app/import_menu.h"
 #include "app/main_form.h"
 #include "app/startup.h"
 #include "compiler/compile.h"
@@ -62,6 +63,7 @@ void bye() {
   if (!is_second_instance) All_Outputs_Off();
   Application.ShutdownFlag = true;
   Application.Closing_Program = true;
+  if (Import_Is_Running()) Application.EscFlag = true;
   Let_Loops_End();
   if (!is_second_instance) Save_And_Disable();
   DoEvents();

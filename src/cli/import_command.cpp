@@ -1,79 +1,159 @@
 // The command `import`.
+#include "app/import_menu.h"
 #include "app/openers.h"
 #include "cli/companion.h"
 #include "core/fault.h"
 #include "core/paths.h"
-#include "import/dxf_import.h"
-#include "import/excellon_import.h"
-#include "import/hpgl_import.h"
+#include "import/gerber_layers.h"
 #include "import/import_pipeline.h"
+#include "import/import_report.h"
 
+#include <algorithm>
 #include <filesystem>
 #include <iostream>
+#include <map>
 #include <memory>
+#include <optional>
 
 namespace norvik {
 
 namespace {
 
 struct Import_Options {
-  std::string File, Program;
+  std::string File, Program, As;
+  std::vector<std::string> Layers;  // empty: all
 };
 
-using Importer = bool (*)(const std::string& path);
-
-// None for kinds that are not built in.
-Importer Importer_Of(Opened_Kind kind) {
-  switch (kind) {
-    case Opened_Kind::DXF:
-      return Import_DXF_File;
-    case Opened_Kind::HPGL:
-      return Import_HPGL_File;
-    case Opened_Kind::Excellon:
-      return Import_Excellon_File;
-    default:
-      return nullptr;
-  }
+const std::map<std::string, Import_Kind>& Kinds_By_Name() {
+  static const std::map<std::string, Import_Kind> kinds = {{"dxf", Import_Kind::DXF},
+                                                           {"hpgl", Import_Kind::HPGL},
+                                                           {"excellon", Import_Kind::Excellon},
+                                                           {"gerber", Import_Kind::Gerber},
+                                                           {"picture", Import_Kind::Bitmap}};
+  return kinds;
 }
 
-// The importers open the program that they made; here it is copied to where it was asked for.
+// By the option, else by the extension.
+std::optional<Import_Kind> Kind_Of(const Import_Options& options) {
+  if (!options.As.empty()) return Kinds_By_Name().at(options.As);
+  return Import_Kind_Of(Kind_Of_File(options.File));
+}
+
+// The layers of the file as the window would show them: those asked for are selected. The names
+// asked for that no layer has.
+std::vector<std::string> Select_Layers(const std::vector<std::string>& wanted) {
+  const auto is_among = [](const auto& names, const std::string& name) {
+    return std::any_of(names.begin(), names.end(),
+                       [&](const std::string& other) { return Is_Same_Layer(name, other); });
+  };
+  std::vector<std::string> present, unknown;
+  for (auto& row : GerberLayerSelection.List_Layers) {
+    row.Selected = wanted.empty() || is_among(wanted, row.Name);
+    present.push_back(row.Name);
+  }
+  for (const std::string& name : wanted) {
+    if (!is_among(present, name)) unknown.push_back(name);
+  }
+  return unknown;
+}
+
+std::string Joined(const std::vector<std::string>& names) {
+  std::string text;
+  for (const std::string& name : names) text += (text.empty() ? "" : ", ") + name;
+  return text;
+}
+
+void Complain_Of_Layers(const std::string& file, const std::vector<std::string>& unknown) {
+  std::vector<std::string> present;
+  for (const auto& row : GerberLayerSelection.List_Layers) present.push_back(row.Name);
+  Complain(file + ": no layer " + Joined(unknown) + ". The file has: " + Joined(present));
+}
+
+// One call of the command: what it asked for and what has become of it.
+struct Import_Call {
+  const Import_Options& Options;
+  std::vector<std::string> Unknown_Layers;
+  bool Written = false;
+
+  // Instead of the layer window. A file of one layer never asks, so the name is looked at before
+  // the program is written, too.
+  void Answer_Layers() {
+    Unknown_Layers = Select_Layers(Options.Layers);
+    if (Unknown_Layers.empty()) {
+      GerberLayerSelection_Command_OK_Click();
+    } else {
+      GerberLayerSelection_Command_Cancel_Click();
+    }
+  }
+  // The importers open the program that they made; here it is copied to where it was asked for.
+  void Take_Program(const std::string& path) {
+    Unknown_Layers = Select_Layers(Options.Layers);
+    if (Unknown_Layers.empty()) {
+      try {
+        Replace_File(Options.Program, Read_Whole_File(path));
+        Written = true;
+      } catch (const Fault& fault) {
+        Complain(fault.Description);
+      }
+    }
+    std::error_code ignored;
+    std::filesystem::remove(path, ignored);
+  }
+};
+
 int Import(const Import_Options& options) {
-  const Importer importer = Importer_Of(Kind_Of_File(options.File));
-  if (importer == nullptr) {
-    Complain(options.File +
-             ": no importer for this kind of file. It reads .dxf, .plt and .nc files.");
+  const auto kind = Kind_Of(options);
+  if (!kind) {
+    Complain(
+        options.File +
+        ": the name does not say what kind of file this is (.dxf, .plt, .nc, .gb*, .jpg, .bmp, "
+        ".gif do). Name the kind: --as dxf, hpgl, excellon, gerber or picture.");
     return Wrong_Usage;
   }
-  bool written = false;
-  Import_Host.Open_GCode = [&](const std::string& path) {
-    try {
-      Replace_File(options.Program, Read_Whole_File(path));
-      std::filesystem::remove(path);
-      written = true;
-    } catch (const Fault& fault) {
-      Complain(fault.Description);
-    }
-  };
-  Import_Host.Show_Report = [](const std::vector<std::string>& lines) {
+  if (!options.Layers.empty() && *kind != Import_Kind::Gerber) {
+    Complain("--layers selects layers of Gerber files only.");
+    return Wrong_Usage;
+  }
+  Import_Call call{options, {}, false};
+  Import_Host.Select_Gerber_Layers = [&] { call.Answer_Layers(); };
+  Import_Host.Open_GCode = [&](const std::string& path) { call.Take_Program(path); };
+  Import_Host.Show_Report = [&](const std::vector<std::string>& lines) {
+    if (!call.Unknown_Layers.empty()) return;
     for (const std::string& line : lines) std::cerr << line << '\n';
   };
-  if (!importer(options.File)) {
-    Complain(options.File + ": nothing was imported; the file is missing or cannot be read.");
+  if (!Import_File(*kind, options.File)) {
+    Complain(options.File + ": nothing was imported; there is no such file.");
     return Wrong_Usage;
   }
-  return written ? Done : Failed;
+  if (!call.Unknown_Layers.empty()) {
+    Complain_Of_Layers(options.File, call.Unknown_Layers);
+    return Wrong_Usage;
+  }
+  return call.Written && !Import_Report.Cancelled ? Done : Failed;
+}
+
+std::vector<std::string> Kind_Names() {
+  std::vector<std::string> names;
+  for (const auto& [name, kind] : Kinds_By_Name()) names.push_back(name);
+  return names;
 }
 
 }  // namespace
 
 void Add_Import_Command(CLI::App& app, Companion& companion) {
   const auto import = std::make_shared<Import_Options>();
-  CLI::App* command =
-      app.add_subcommand("import", "Make a program of a DXF, HPGL or Excellon file");
+  CLI::App* command = app.add_subcommand(
+      "import", "Make a program of a DXF, HPGL, Excellon or Gerber file or of a picture");
   command->add_option("file", import->File, "File to import")->required()->type_name("FILE");
   command->add_option("-o,--output", import->Program, "Program to write")
       ->required()
       ->type_name("PROGRAM");
+  command->add_option("--as", import->As, "What kind of file it is, whatever its name ends in")
+      ->check(CLI::IsMember(Kind_Names()));
+  command->add_option("--layers", import->Layers, "Layers of a Gerber file; without it all of them")
+      ->type_name("NAME,NAME")
+      ->delimiter(',')
+      ->allow_extra_args(false);
   command->callback(
       [&companion, import] { companion.Command = [import] { return Import(*import); }; });
 }

@@ -24,13 +24,16 @@ struct Form_Words {
 };
 
 // In the order of Form_Id.
-constexpr std::array<Form_Words, All_Forms.size()> Words{{
+constexpr std::array<Form_Words, Form_Count> Words{{
     {"Main", ""},
     {"GCode", "GCode_Open"},
     {"CNC_Controls", "CNC_Controls_Open"},
     {"Plot", "Plot_Open"},
     {"JogKey", "JogKey_Open"},
     {"Port_IO", "Port_IO_Open"},
+    {"DXF_Import_Layers", ""},
+    {"GerberLayerSelection", ""},
+    {"Bitmap_Import", ""},
 }};
 
 const Form_Words& Words_Of(Form_Id form) {
@@ -53,9 +56,12 @@ void Write_Edge(const std::string& key, int pixels) {
   WriteSetup(Section, key, std::to_string(static_cast<long long>(pixels * Units_Per_Pixel)));
 }
 
-// Where a window may lie: the main window on the screen, the others inside it when they live there.
+// Where a window may lie: the main window and dialogs on the screen, the others inside the main
+// window when they live there.
 Screen_Area Limits_Of(Form_Id form, const Screen_Area& screen) {
-  return form == Form_Id::Main ? screen : Window_Area.Tool_Windows.value_or(screen);
+  const bool is_alone = form == Form_Id::Main || form == Form_Id::Gerber_Layer_Choice ||
+                        form == Form_Id::Bitmap_Choice;
+  return is_alone ? screen : Window_Area.Tool_Windows.value_or(screen);
 }
 
 // What the default layout divides among the tool windows.
@@ -137,6 +143,13 @@ Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
     case Form_Id::JogKey:
     case Form_Id::Port_IO:
       break;
+    case Form_Id::DXF_Layer_List:
+      // In the corner of the program: plot and panel stay in sight.
+      return {area.Top + area.Height - 300, area.Left + left_part - 320, 300, 320, Window_Normal};
+    case Form_Id::Gerber_Layer_Choice:
+      return CenterWindow(480, 400, screen);
+    case Form_Id::Bitmap_Choice:
+      return CenterWindow(520, 820, screen);
   }
   return CenterWindow(jog_size, jog_size, area);
 }

@@ -15,9 +15,23 @@
 
 namespace norvik {
 
-enum class Form_Id { Main, GCode, CNC_Controls, Plot, JogKey, Port_IO };
-inline constexpr std::array All_Forms{Form_Id::Main, Form_Id::GCode,  Form_Id::CNC_Controls,
-                                      Form_Id::Plot, Form_Id::JogKey, Form_Id::Port_IO};
+enum class Form_Id {
+  Main,
+  GCode,
+  CNC_Controls,
+  Plot,
+  JogKey,
+  Port_IO,
+  DXF_Layer_List,
+  Gerber_Layer_Choice,
+  Bitmap_Choice
+};
+inline constexpr std::size_t Form_Count = 9;
+// Those of the layout: the main window and what stands inside it. The others are dialogs; each
+// remembers its place on its own.
+inline constexpr std::array All_Forms{
+    Form_Id::Main,   Form_Id::GCode,   Form_Id::CNC_Controls,  Form_Id::Plot,
+    Form_Id::JogKey, Form_Id::Port_IO, Form_Id::DXF_Layer_List};
 
 inline constexpr int Window_Normal = 0, Window_Minimized = 1, Window_Maximized = 2;
 

@@ -1,6 +1,7 @@
 #include "import/gerber_layers.h"
 
 #include "import/import_pipeline.h"
+#include "import/import_report.h"
 
 namespace norvik {
 
@@ -32,6 +33,7 @@ bool Choose_Gerber_Layers() {
   } else {
     GerberLayerSelection_Command_OK_Click();
   }
+  if (!GerberLayerSelection.Accepted) Import_Report.Cancelled = true;
   return GerberLayerSelection.Accepted;
 }
 

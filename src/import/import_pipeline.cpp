@@ -63,7 +63,7 @@ bool Run_Import(Import_Kind kind, const std::string& path, const std::string& sc
     Trap(std::string(Import_Row(kind).Name) + " Import Error", [&] { complete = steps(); });
     return complete;
   }();
-  Finish_Import_Report(Application.EscFlag);
+  Finish_Import_Report(Application.EscFlag, written);
   if (written) Import_Host.Open_GCode(Application.Temporary_GCode);
   Application.EscFlag = false;
   Show_Import_Report();

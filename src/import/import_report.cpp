@@ -104,6 +104,19 @@ void Add_Table_Fit(std::vector<std::string>& lines) {
                                   : "Outside the table: " + outside);
 }
 
+// How the import ended, when it did not end well; empty otherwise.
+std::string Ending(const Import_Report_State& report) {
+  if (report.Cancelled && report.Written) {
+    return "Cancelled by ESC: the program is incomplete. Import the file again before it is run.";
+  }
+  if (report.Cancelled)
+    return "Cancelled: nothing was imported, the program is the one from before";
+  if (!report.Written) {
+    return "No program was made, the program is the one from before. The error log says why.";
+  }
+  return "";
+}
+
 }  // namespace
 
 // --- Motion ------------------------------------------------------------------------------------
@@ -177,8 +190,9 @@ void Start_Import_Report(Import_Kind kind, const std::string& path) {
   Import_Report.Source = path;
 }
 
-void Finish_Import_Report(bool cancelled) {
-  Import_Report.Cancelled = cancelled;
+void Finish_Import_Report(bool stopped, bool written) {
+  Import_Report.Cancelled = Import_Report.Cancelled || stopped;
+  Import_Report.Written = written;
   if (Import_Report.Motion.Arcs > 0 && MachineSetup.GC_IJ_Incremental) {
     Report_Note(
         "Arc centres in this program are absolute, but the setup reads I and J as incremental. "
@@ -221,6 +235,9 @@ std::vector<std::string> Import_Report_Lines() {
   std::vector<std::string> lines;
   lines.push_back("Import report: " + PathFileName(report.Source) + " (" +
                   std::string(Import_Row(report.Kind).Name) + ")");
+  const std::string ending = Ending(report);
+  if (!ending.empty()) lines.push_back(ending);
+  if (report.Cancelled && !report.Written) return lines;
   const std::string unit = MachineSetup.UnitsofMeasurement == 1 ? "millimetres" : "inches";
   lines.push_back("Units: " + unit + " of the setup" +
                   (report.Format.empty() ? "" : ", " + report.Format));
@@ -236,7 +253,6 @@ std::vector<std::string> Import_Report_Lines() {
   Add_Motion(lines);
   Add_Table_Fit(lines);
   for (const std::string& note : report.Notes) lines.push_back("Note: " + note);
-  if (report.Cancelled) lines.push_back("Cancelled by ESC: the program is incomplete");
   return lines;
 }
 
@@ -244,6 +260,10 @@ void Show_Import_Report() {
   const std::vector<std::string> lines = Import_Report_Lines();
   // The list shows the newest message first.
   for (auto line = lines.rbegin(); line != lines.rend(); ++line) AddMessage(*line);
+  // An importer that was called off in its window has told so in its own words.
+  const bool told = Import_Report.Cancelled && !Import_Report.Written;
+  const std::string ending = Ending(Import_Report);
+  if (!ending.empty() && !told) SetStatus(1, ending, 10);
   Import_Host.Show_Report(lines);
 }
 

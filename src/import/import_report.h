@@ -65,13 +65,15 @@ struct Import_Report_State {
   std::vector<std::string> Layers, Tools;
   std::vector<std::string> Notes;  // each one line; what the operator should look at
   Motion_Tally Motion;
-  bool Cancelled = false;
+  bool Cancelled = false;  // by ESC, or in a window that the import opened
+  bool Written = true;     // false: there is no new program
 };
 extern Import_Report_State Import_Report;
 
 // Begins a new report.
 void Start_Import_Report(Import_Kind kind, const std::string& path);
-void Finish_Import_Report(bool cancelled);
+// `stopped`: ESC ended a phase; `written`: there is a program to open.
+void Finish_Import_Report(bool stopped, bool written);
 
 // Counts entities or commands by kind. Names come from the file: they are cut to a short printable
 // text, and after the first hundred kinds the rest counts as "other".

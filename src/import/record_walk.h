@@ -62,8 +62,8 @@ class Record_Walk {
   void Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
             Point_Tree::Point best);
 
-  // Of the last search where a meeting ends it: the rows found, in order, and one past the last place
-  // looked at.
+  // Of the last search where a meeting ends it: the rows found, in order, and one past the last
+  // place looked at.
   const std::vector<std::int32_t>& Rows_Found() const { return Found; }
   std::int32_t Looked_To() const { return Met ? Last_Found + 1 : Size(); }
 
@@ -111,7 +111,7 @@ class Record_Walk {
   float Near = 0;           // rough square of the near end of Carried
   std::int32_t At = 0, Last_Found = 0;
   bool Met = false;  // the row found last starts at the point itself and ends the search
-  std::vector<std::int32_t> Found;  // where a meeting ends the search
+  std::vector<std::int32_t> Found;   // where a meeting ends the search
   std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
 };

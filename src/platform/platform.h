@@ -47,9 +47,11 @@ struct Picture {
   std::vector<std::uint8_t> Rgb;
 };
 
-// What a file dialog is asked. `Filter` is pairs of text and pattern joined by "|".
+// What a file dialog is asked. `Filter` is pairs of text and pattern joined by "|"; the entry
+// `Filter_Index`, counted from 1, is selected when the dialog opens.
 struct File_Dialog {
   std::string Title, Filter, Directory, File_Name, Default_Extension;
+  int Filter_Index = 1;
 };
 
 // Virtual key codes that the logic asks for; printable keys use their upper-case ASCII code.

@@ -2,6 +2,7 @@
 #include "app/connect.h"
 #include "app/folders.h"
 #include "app/main_form.h"
+#include "app/openers.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
 #include "control/jog_guard.h"
@@ -19,6 +20,7 @@
 #include <csignal>
 
 #include <QApplication>
+#include <QFileInfo>
 #include <QSocketNotifier>
 #include <sys/socket.h>
 #include <unistd.h>
@@ -53,6 +55,15 @@ void End_On_Signals(QApplication& application) {
   std::signal(SIGTERM, Note_Signal);
 }
 
+// Files named in the call, by full paths: the program enters its own folder later.
+QStringList Files_Of_Call() {
+  QStringList files;
+  for (const QString& name : QApplication::arguments().mid(1)) {
+    files << QFileInfo(name).absoluteFilePath();
+  }
+  return files;
+}
+
 }  // namespace
 
 int main(int argument_count, char** arguments) {
@@ -67,6 +78,7 @@ int main(int argument_count, char** arguments) {
   Install_Linux_Priority();
   Install_Sdl_Platform();
   Install_Picture_Reader();
+  const QStringList files = Files_Of_Call();
   Enter_Desktop_Folders();
 
   Main_Frame window;
@@ -80,5 +92,6 @@ int main(int argument_count, char** arguments) {
     window.Set_Banner("SIMULATED MACHINE - no motion takes place");
   }
   window.Start_Is_Over();
+  if (!files.isEmpty()) LoadRecentFile(files.front().toStdString());
   return QApplication::exec();
 }

@@ -1,8 +1,10 @@
 #include "ui/main_window.h"
 
+#include "app/bitmap_form.h"
 #include "app/forms.h"
 #include "app/gcode_file.h"
 #include "app/gcode_form.h"
+#include "app/import_menu.h"
 #include "app/machine_menu.h"
 #include "app/main_form.h"
 #include "app/openers.h"
@@ -13,10 +15,14 @@
 #include "core/messages.h"
 #include "core/recent_files.h"
 #include "core/window_memory.h"
+#include "import/import_pipeline.h"
 #include "plot/nist_plot.h"
 #include "plot/view.h"
+#include "ui/bitmap_import_window.h"
 #include "ui/controls_window.h"
+#include "ui/dxf_layers_window.h"
 #include "ui/gcode_window.h"
+#include "ui/gerber_layers_window.h"
 #include "ui/jog_key_window.h"
 #include "ui/plot_window.h"
 #include "ui/port_io_window.h"
@@ -52,6 +58,31 @@ const std::vector<Menu_Row>& Menu_Rows() {
        Menu_File_Save},
       {"&File", "Menu_File_Print", "&Print...", QKeySequence::Print, "Print the program",
        Print_Data},
+      {"&Import", "Menu_Import_DXF", "&DXF...", {}, "Make a program of a drawing", Menu_Import_DXF},
+      {"&Import",
+       "Menu_Import_HPGL",
+       "&HPGL...",
+       {},
+       "Make a program of a plot file",
+       Menu_Import_HPGL},
+      {"&Import",
+       "Menu_Import_Excellon",
+       "&Excellon...",
+       {},
+       "Make a program of a drill file",
+       Menu_Import_Excellon},
+      {"&Import",
+       "Menu_Import_Gerber",
+       "&Gerber...",
+       {},
+       "Make a program of a board's artwork",
+       Menu_Import_Gerber},
+      {"&Import",
+       "Menu_Import_Bitmap",
+       "&Bitmap...",
+       {},
+       "Make a carving of a picture",
+       Menu_Import_Bitmap},
       {"&Machine",
        "Menu_Machine_Create_New_Machine",
        "&Create new machine...",
@@ -99,6 +130,8 @@ const std::vector<Form_Row>& Form_Rows() {
        [] { return new Controls_Window; }},
       {Form_Id::JogKey, "JogKey", "&Jog by keys", [] { return new JogKey_Window; }},
       {Form_Id::Port_IO, "Port_IO", "Port &I/O", [] { return new Port_IO_Window; }},
+      {Form_Id::DXF_Layer_List, "DXF_Import_Layers", "DXF &layers",
+       [] { return new DXF_Layers_Window; }},
   };
   return rows;
 }
@@ -154,13 +187,15 @@ Main_Frame::~Main_Frame() {
   Compile_Host.Show_Progress = [](const std::string&) {};
   Recent_Host.List_Changed = [] {};
   Messages_Host.Panel_Changed = [](int) {};
+  Bitmap_Host = {};
+  Import_Host = {};
 }
 
 // --- Menus and status bar ------------------------------------------------------------------------
 
 void Main_Frame::Build_Menus() {
   std::map<QString, QMenu*> menus;
-  for (const char* title : {"&File", "&Edit", "&View", "&Machine", "&Window"}) {
+  for (const char* title : {"&File", "&Edit", "&Import", "&View", "&Machine", "&Window"}) {
     menus[title] = menuBar()->addMenu(title);
     menus[title]->setToolTipsVisible(true);
   }
@@ -276,6 +311,12 @@ void Main_Frame::Connect_Hosts() {
   Compile_Host.Show_Progress = [this](const std::string& caption) {
     Progress->Show_Progress(QString::fromStdString(caption));
   };
+  Import_Host.Show_DXF_Layers = [this] {
+    Show_Tool_Window("DXF_Import_Layers");
+    static_cast<DXF_Layers_Window*>(Tool_Windows["DXF_Import_Layers"].Frame->widget())->Show_Form();
+  };
+  Connect_Gerber_Layers(*this);
+  Connect_Bitmap_Import(*this);
   Recent_Host.List_Changed = [this] { Build_Recent_Menu(*Recent_Menu); };
   Messages_Host.Panel_Changed = [this](int panel) {
     if (panel < 1 || panel > 4) return;

@@ -152,7 +152,7 @@ std::optional<std::string> Ask_Text(const std::string& title, const std::string&
 
 // "All Files (*.*)|*.*|G Code Files (*.gc)|*.gc" in the toolkit's form. Patterns match both cases,
 // and "*.*" means every file.
-QString Toolkit_Filter(const std::string& filter) {
+QStringList Toolkit_Filters(const std::string& filter) {
   const QStringList parts = QString::fromStdString(filter).split('|');
   QStringList entries;
   for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
@@ -168,7 +168,7 @@ QString Toolkit_Filter(const std::string& filter) {
     patterns.removeDuplicates();
     entries << name + " (" + patterns.join(' ') + ")";
   }
-  return entries.join(";;");
+  return entries;
 }
 
 QString Dialog_Folder(const File_Dialog& ask) {
@@ -178,10 +178,12 @@ QString Dialog_Folder(const File_Dialog& ask) {
 
 std::optional<std::string> Ask_Open(const File_Dialog& ask) {
   Desktop.Before_Box();
+  const QStringList filters = Toolkit_Filters(ask.Filter);
+  QString selected = filters.value(ask.Filter_Index - 1);
   const QString path = QFileDialog::getOpenFileName(
       QApplication::activeWindow(), QString::fromStdString(ask.Title),
-      QDir(Dialog_Folder(ask)).filePath(QString::fromStdString(ask.File_Name)),
-      Toolkit_Filter(ask.Filter));
+      QDir(Dialog_Folder(ask)).filePath(QString::fromStdString(ask.File_Name)), filters.join(";;"),
+      &selected);
   if (path.isEmpty()) return std::nullopt;
   return path.toStdString();
 }
@@ -189,7 +191,7 @@ std::optional<std::string> Ask_Open(const File_Dialog& ask) {
 std::optional<std::string> Ask_Save(const File_Dialog& ask) {
   Desktop.Before_Box();
   QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(ask.Title),
-                     Dialog_Folder(ask), Toolkit_Filter(ask.Filter));
+                     Dialog_Folder(ask), Toolkit_Filters(ask.Filter).join(";;"));
   dialog.setAcceptMode(QFileDialog::AcceptSave);
   dialog.setDefaultSuffix(QString::fromStdString(ask.Default_Extension));
   dialog.selectFile(QString::fromStdString(ask.File_Name));

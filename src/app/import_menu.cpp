@@ -1,0 +1,146 @@
+#include "app/import_menu.h"
+
+#include "app/bitmap_form.h"
+#include "app/gcode_file.h"
+#include "app/main_form.h"
+#include "control/cnc_controller.h"
+#include "core/application.h"
+#include "core/messages.h"
+#include "core/recent_files.h"
+#include "core/remembered_files.h"
+#include "import/bitmap_import.h"
+#include "import/dxf_import.h"
+#include "import/excellon_import.h"
+#include "import/gerber_import.h"
+#include "import/hpgl_import.h"
+#include "import/import_report.h"
+#include "platform/platform.h"
+
+namespace norvik {
+
+namespace {
+
+// What the rooms below cannot know about a kind.
+struct Importer_Row {
+  Opened_Kind Opened;
+  File_Kind Remembered;
+  bool (*Import)(const std::string& path);
+  const char* Title;  // of the file dialog
+  const char* Default_Extension;
+};
+
+// In the order of Import_Kind.
+constexpr std::array<Importer_Row, Import_Kinds.size()> Importers{{
+    {Opened_Kind::DXF, File_Kind::DXF_In, Import_DXF_File, "Import DXF", "dxf"},
+    {Opened_Kind::HPGL, File_Kind::HPGL_In, Import_HPGL_File, "Import HPGL", "plt"},
+    {Opened_Kind::Excellon, File_Kind::Excellon_In, Import_Excellon_File, "Import Excellon", "nc"},
+    {Opened_Kind::Gerber, File_Kind::Gerber_In, Import_Gerber_File, "Import Gerber", "gbr"},
+    {Opened_Kind::Picture, File_Kind::Bitmap_In, Import_Bitmap_File, "Import Bitmap", "bmp"},
+}};
+
+constexpr int Second_Entry = 2;
+
+bool Running = false;
+
+const Importer_Row& Row_Of(Import_Kind kind) {
+  return Importers.at(static_cast<std::size_t>(kind));
+}
+
+// An import in progress: keeps others out and shows the busy pointer.
+struct Import_Under_Way {
+  Import_Under_Way() {
+    Running = true;
+    Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
+  }
+  ~Import_Under_Way() {
+    Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
+    Running = false;
+  }
+  Import_Under_Way(const Import_Under_Way&) = delete;
+  Import_Under_Way& operator=(const Import_Under_Way&) = delete;
+};
+
+bool Nothing_Is_Imported() {
+  if (!Running) return true;
+  Platform.Beep();
+  SetStatus(1, "Can't import another file now: wait for the import, or press ESC to end it", 5);
+  return false;
+}
+
+bool May_Import() {
+  return Stopped_For("Can't open file") && Nothing_Is_Imported();
+}
+
+void Import_By_Dialog(Import_Kind kind) {
+  if (!May_Import()) return;
+  const Importer_Row& row = Row_Of(kind);
+  const auto path = Platform.Open_File_Dialog(
+      {row.Title, std::string(Import_Row(kind).Dialog_Filter), Last_File(row.Remembered).Directory,
+       "", row.Default_Extension, Second_Entry});
+  if (path) Import_Chosen_File(kind, *path);
+}
+
+void Open_Imported_Program(const std::string& path) {
+  if (Application.ShutdownFlag || Open_GCode(path)) return;
+  Report_Note(
+      "The new program was not opened, the old one is still there. Stop the machine and import the "
+      "file again.");
+}
+
+}  // namespace
+
+std::optional<Import_Kind> Import_Kind_Of(Opened_Kind kind) {
+  for (const Import_Kind candidate : Import_Kinds) {
+    if (Row_Of(candidate).Opened == kind) return candidate;
+  }
+  return std::nullopt;
+}
+
+bool Import_File(Import_Kind kind, const std::string& path) {
+  if (!Nothing_Is_Imported()) return false;
+  const Import_Under_Way under_way;
+  return Row_Of(kind).Import(path);
+}
+
+bool Import_Is_Running() {
+  return Running;
+}
+
+void Import_Chosen_File(Import_Kind kind, const std::string& path) {
+  if (!May_Import()) return;
+  RememberFile(Row_Of(kind).Remembered, path);
+  Add_Recent_File(path);
+  Main_Form.Current_File = path;
+  Set_Caption(path, Import_Row(kind).Caption);
+  Import_File(kind, path);
+}
+
+void Menu_Import_DXF() {
+  Import_By_Dialog(Import_Kind::DXF);
+}
+
+void Menu_Import_HPGL() {
+  Import_By_Dialog(Import_Kind::HPGL);
+}
+
+void Menu_Import_Excellon() {
+  Import_By_Dialog(Import_Kind::Excellon);
+}
+
+void Menu_Import_Gerber() {
+  Import_By_Dialog(Import_Kind::Gerber);
+}
+
+void Menu_Import_Bitmap() {
+  if (May_Import()) Bitmap_Host.Show();
+}
+
+void Connect_Importers() {
+  Import_Host.Open_GCode = Open_Imported_Program;
+  for (const Import_Kind kind : Import_Kinds) {
+    Register_Opener(Row_Of(kind).Opened,
+                    [kind](const std::string& path) { Import_File(kind, path); });
+  }
+}
+
+}  // namespace norvik
