@@ -3,6 +3,7 @@
 #include "app/gcode_file.h"
 #include "app/gcode_form.h"
 #include "app/openers.h"
+#include "app/yield_watch.h"
 #include "compiler/compile_host.h"
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
@@ -59,6 +60,7 @@ void Register_Openers() {
 
 void Connect_App() {
   Connect_Control();
+  Watch_Yields();
   Setup_Host.Apply_Priority = [](std::int16_t level) { Set_Application_Priority(level); };
   Compile_Host.Highlight_Line = Highlight_Program_Line;
   Compile_Host.Play_Sound_Slot = Play_Event_Sound;

@@ -15,9 +15,10 @@
 
 namespace norvik {
 
-enum class Form_Id { Main, GCode, CNC_Controls, Plot, JogKey, Port_IO };
-inline constexpr std::array All_Forms{Form_Id::Main, Form_Id::GCode,  Form_Id::CNC_Controls,
-                                      Form_Id::Plot, Form_Id::JogKey, Form_Id::Port_IO};
+enum class Form_Id { Main, GCode, CNC_Controls, Plot, JogKey, Port_IO, Simulated_Machine };
+inline constexpr std::array All_Forms{
+    Form_Id::Main,   Form_Id::GCode,   Form_Id::CNC_Controls,     Form_Id::Plot,
+    Form_Id::JogKey, Form_Id::Port_IO, Form_Id::Simulated_Machine};
 
 inline constexpr int Window_Normal = 0, Window_Minimized = 1, Window_Maximized = 2;
 
@@ -58,7 +59,8 @@ std::optional<bool> Form_Was_Open(Form_Id form);
 // loaded in this run.
 void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views);
 
-// A layout for this screen: controls at the right, plot above the program at the left.
+// A layout for this screen: controls at the right, plot above the program at the left. Where the
+// screen is too low for both, each of these takes the whole left part and F4 and F5 change them.
 Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen);
 // `Reset_Form_Positions`: writes that layout.
 void Reset_Form_Positions();

@@ -25,6 +25,8 @@ constexpr int Most_Findings = 500;
 // Above so many lines the check waits for its button.
 constexpr int Check_At_Once = 200'000;
 
+constexpr int Refresh_Ms = 250;
+
 struct Tool_Row {
   const char* Name;
   const char* Caption;
@@ -89,9 +91,11 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   Display_Gcode_Steps();
   Display_Parameters();
   Show_Form();
+  Timer = Platform.Start_Timer(Refresh_Ms, Refresh_Step_Range);
 }
 
 GCode_Window::~GCode_Window() {
+  Platform.Stop_Timer(Timer);
   // What is typed is not lost with the window.
   Take_Typed_Text();
   Gcode_Host = {};
@@ -175,9 +179,13 @@ QWidget* GCode_Window::Build_Steps() {
   Binding.Label(unit, "Label_FRUnits", Gcode_Form.Label_FRUnits);
   grid->addWidget(unit, 0, 8);
   grid->setColumnStretch(9, 1);
+  auto* pointer = new QHBoxLayout;
+  pointer->addWidget(new QLabel("Step"));
   auto* step = new QLabel;
+  step->setToolTip("The step that \"Step >\" marks next");
   Binding.Label(step, "Label_GStep", Gcode_Form.Label_GStep);
-  grid->addWidget(step, 1, 0);
+  pointer->addWidget(step, 1);
+  grid->addLayout(pointer, 1, 0);
   auto* text = new QLabel;
   text->setFont(Text_GCode->font());
   text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
