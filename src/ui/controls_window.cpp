@@ -85,6 +85,8 @@ class Value_Label : public QLabel {
 
 QGroupBox* Group(const QString& title, QLayout* layout) {
   auto* group = new QGroupBox(title);
+  const int side = Text_Height() / 2;
+  layout->setContentsMargins(side, Text_Height() / 4, side, Text_Height() / 3);
   group->setLayout(layout);
   return group;
 }
@@ -327,7 +329,7 @@ QWidget* Controls_Window::Build_Outputs() {
   auto* rows = new QGridLayout;
   for (int output = 0; output <= 4; ++output) {
     auto* check = new QCheckBox(QString::fromStdString(MachineSetup.Output_Names[output + 1]));
-    check->setMinimumHeight(Finger_Height() * 3 / 4);
+    check->setMinimumHeight(Finger_Height() * 2 / 3);
     Binding.Check(check, QString("Check_Outputs_%1").arg(output),
                   CNC_Controls.Check_Outputs[output], [output] { Toggle_Outputs(output); });
     rows->addWidget(check, output / 2, output % 2);
@@ -390,7 +392,7 @@ QWidget* Controls_Window::Build_Messages() {
   Status_Box = new QPlainTextEdit;
   Status_Box->setObjectName("Text_Status");
   Status_Box->setReadOnly(true);
-  Status_Box->setMinimumHeight(Text_Height() * 4);
+  Status_Box->setMinimumHeight(Text_Height() * 7 / 2);
   rows->addWidget(Status_Box, 1);
   return area;
 }

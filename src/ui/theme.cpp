@@ -98,10 +98,12 @@ class Outlined_Style : public QProxyStyle {
           return;
         [[fallthrough]];
       case PE_Frame:
-      case PE_FrameGroupBox:
       case PE_IndicatorCheckBox:
       case PE_PanelButtonCommand:
-        return Outline(*option, *painter);
+        return Outline(option->rect, *option, *painter);
+      case PE_FrameGroupBox:  // its title stands above the frame
+        return Outline(option->rect.adjusted(0, option->fontMetrics.height() + 3, 0, 0), *option,
+                       *painter);
       default:
         return;
     }
@@ -109,7 +111,7 @@ class Outlined_Style : public QProxyStyle {
   void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
                           QPainter* painter, const QWidget* widget) const override {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
-    if (control == CC_SpinBox || control == CC_ComboBox) Outline(*option, *painter);
+    if (control == CC_SpinBox || control == CC_ComboBox) Outline(option->rect, *option, *painter);
   }
   // A check box that a glove hits.
   int pixelMetric(PixelMetric metric, const QStyleOption* option,
@@ -119,13 +121,13 @@ class Outlined_Style : public QProxyStyle {
   }
 
  private:
-  static void Outline(const QStyleOption& option, QPainter& painter) {
+  static void Outline(const QRect& place, const QStyleOption& option, QPainter& painter) {
     if (option.state & State_HasFocus) return;  // the style marks it more strongly
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(option.palette.color(QPalette::Mid));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(option.rect).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
     painter.restore();
   }
 };

@@ -86,7 +86,7 @@ TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
     bool Ends_In_The_Move, EStop;
   } const rows[] = {{"Command_CNC_Pause", "CNC Paused", CNC_Paused, false, false},
                     {"Command_CNC_Stop", "CNC Stopped", CNC_Stopped, false, false},
-                    {"Command_EStop", "CNC Stopped", CNC_Stopped, true, true}};
+                    {"Command_EStop", "EStop Pressed", CNC_Stopped, true, true}};
   double pressed_at = 0;
   for (const auto& row : rows) {
     SCOPED_TRACE(row.Button);
@@ -98,7 +98,8 @@ TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
                     // Heard while the move goes on, whatever it does to the move.
                     EXPECT_EQ(Text_Of("Label_CNC_Status"), row.Status);
                     pressed_at = True_Position(1);
-                    if (!row.EStop) EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("first"));
+                    if (row.EStop) return;
+                    EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("is finished first"));
                   });
     Click("Command_CNC_Play");
     EXPECT_EQ(Machine.CNCMode, row.Mode);
@@ -145,7 +146,7 @@ TEST_F(Main_Job_Test, The_Step_Range_Is_The_Operators_Only_While_The_Machine_Is_
                 });
   Click("Command_CNC_Play");
   EXPECT_TRUE(locked);
-  scripted.Pass(1);
+  scripted.Advance(1);
   auto& first = Find<QLineEdit>("Text_StartingStep");
   EXPECT_TRUE(first.isEnabled());
   first.selectAll();
@@ -172,7 +173,7 @@ TEST_F(Main_Job_Test, The_About_Box_Tells_The_Longest_Gap_Between_Two_Yields_Of_
   Click("Command_CNC_Play");
   ASSERT_GT(longest, 0);
   const double gap_ms = static_cast<double>(longest) * 1e-6;
-  EXPECT_NEAR(Longest_Yield_Gap_Ms(), gap_ms, 0.001);
+  EXPECT_NEAR(Longest_Yield_Gap_Ms(), gap_ms, 0.002);  // a yield itself takes 1 us
   Choose("Menu_Help_About");
   const std::string text = Text_Of("Text_Support").toStdString();
   EXPECT_THAT(text, HasSubstr(": " + Format_Number_Point(gap_ms, "0.0") + " ms\n"));
@@ -194,7 +195,7 @@ TEST_F(Main_Job_Test, Goto_Runs_A_Line_And_Zero_Renames_The_Place) {
   EXPECT_EQ(Text_Of("Label_Axis_Pos_X").toDouble(), 0);
 
   // Words that run together give nothing; the operator is told what to type.
-  Type_Goto("Y2X1");
+  Type_Goto("G1X1Y2");
   Click("Command_Goto");
   EXPECT_NEAR(True_Position(1), 0.3, 1e-3);
   EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("a blank between its words"));

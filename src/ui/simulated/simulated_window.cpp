@@ -113,8 +113,8 @@ QWidget* Simulated_Window::Build_Axes() {
     grid->addWidget(row.State, axis, 4);
   }
   grid->setColumnStretch(1, 1);
-  grid->setHorizontalSpacing(Text_Height());
-  grid->setColumnMinimumWidth(3, QFontMetrics(Axes[1].Rate->font()).horizontalAdvance("-0000.0"));
+  grid->setHorizontalSpacing(Text_Height() / 2);
+  grid->setColumnMinimumWidth(3, QFontMetrics(Axes[1].Rate->font()).horizontalAdvance("-000.0"));
   grid->setColumnMinimumWidth(4, QFontMetrics(font()).horizontalAdvance("STALLED"));
   return group;
 }
