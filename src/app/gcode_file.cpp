@@ -70,10 +70,10 @@ std::string Read_Program(const std::string& path) {
   for (std::size_t start = 0, line = 1; start < text.size(); ++line) {
     const std::size_t end = std::min(text.find_first_of("\r\n", start), text.size());
     if (end - start > Longest_Line) {
-      throw Fault(Fault_Number::Overflow,
-                  path + " is no program: line " + std::to_string(line) + " has " +
-                      std::to_string(end - start) + " characters, at most " +
-                      std::to_string(Longest_Line) + " can be read.");
+      throw Fault(Fault_Number::Overflow, path + " is no program: line " + std::to_string(line) +
+                                              " has " + std::to_string(end - start) +
+                                              " characters, at most " +
+                                              std::to_string(Longest_Line) + " can be read.");
     }
     start = end + 1 + (text.compare(end, 2, "\r\n") == 0 ? 1 : 0);
   }
@@ -123,14 +123,13 @@ bool Open_GCode(const std::string& path) {
 }
 
 bool Save_GCode(const std::string& path) {
-  return Trap_With(
-      [](const Fault& fault) { Tell_Failure(fault, "The program is not saved."); },
-      [&] {
-        Take_Typed_Text();
-        SetStatus(1, "Save GCode: Saving File...", -1);
-        Replace_File(path, Program_Bytes());
-        SetStatus(1, "", -1);
-      });
+  return Trap_With([](const Fault& fault) { Tell_Failure(fault, "The program is not saved."); },
+                   [&] {
+                     Take_Typed_Text();
+                     SetStatus(1, "Save GCode: Saving File...", -1);
+                     Replace_File(path, Program_Bytes());
+                     SetStatus(1, "", -1);
+                   });
 }
 
 void Menu_File_Open() {

@@ -22,7 +22,6 @@ std::string Yield_Text() {
 std::string Support_Text() {
   const std::pair<const char*, std::string> lines[] = {
       {"Version", std::string(Program_Title) + ", " + std::string(Program_Version())},
-      {"Drive", Main_Form.Port_Text},
       {"Machine file", Application.MachineFile},
       {"Pointer file", Pointer_File()},
       {"Working folder", Application.AppDirectory},
@@ -30,7 +29,7 @@ std::string Support_Text() {
       {"Error log", Application.ErrorFile},
       {"Longest wait of a button while the machine moves", Yield_Text()},
   };
-  std::string text;
+  std::string text = Main_Form.Port_Text + "\n";
   for (const auto& [title, fact] : lines) text += std::string(title) + ": " + fact + "\n";
   return text;
 }

@@ -12,7 +12,6 @@ namespace norvik {
 namespace {
 
 struct Yield_Watch_State {
-  bool Was_Moving = false;
   std::int64_t Last_Yield = 0;  // when it was over, nanoseconds
   std::int64_t Longest = 0;     // nanoseconds
 };
@@ -21,14 +20,8 @@ Yield_Watch_State Yield_Watch;
 // What lies between two motions is no gap: then the window system's own loop serves the buttons.
 void Note_Gap() {
   if (!Anything_Moves()) return;
-  const std::int64_t now = Platform.Monotonic_Clock();
-  std::int64_t since = now;
-  if (Yield_Watch.Was_Moving) {
-    since = Yield_Watch.Last_Yield;
-  } else if (Controller.Controller_Active) {
-    since = Controller.Run_Entered;
-  }
-  Yield_Watch.Longest = std::max(Yield_Watch.Longest, now - since);
+  const std::int64_t since = std::max(Yield_Watch.Last_Yield, Controller.Operation_Began);
+  Yield_Watch.Longest = std::max(Yield_Watch.Longest, Platform.Monotonic_Clock() - since);
 }
 
 }  // namespace
@@ -38,7 +31,6 @@ void Watch_Yields() {
   Platform.Do_Events = [yield = std::move(Platform.Do_Events)] {
     Note_Gap();
     yield();
-    Yield_Watch.Was_Moving = Anything_Moves();
     Yield_Watch.Last_Yield = Platform.Monotonic_Clock();
   };
 }

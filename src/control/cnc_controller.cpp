@@ -143,7 +143,7 @@ void Run_In_Mode(std::int16_t mode) {
   const Value_In_Scope busy(Controller.Panel_Busy, true);
   Machine.CNCMode = mode;
   CNCMode_Display();
-  Controller.Run_Clock = Controller.Run_Entered = Platform.Monotonic_Clock();
+  Controller.Run_Clock = Platform.Monotonic_Clock();
   NIST_CNC_Controller();
   CNC_Display();
   Announce_End();
@@ -251,6 +251,7 @@ bool Begin_Operation() {
     SetStatus(1, Drive().Missing, 10);
     return false;
   }
+  Controller.Operation_Began = Platform.Monotonic_Clock();
   Controller.Stop_Request = false;
   Controller.Stop_Text.clear();
   // A press of ESC that lies before this operation does not belong to it.

@@ -71,7 +71,7 @@ inline constexpr std::string_view Goto_Needs_Stop =
     "Goto replaces the program of the paused run. Press Stop first.";
 inline constexpr std::string_view Goto_Not_Compiled =
     "Goto: the line could not be compiled. The message list says why.";
-inline constexpr std::string_view Goto_Is_Empty = 
+inline constexpr std::string_view Goto_Is_Empty =
     "Goto: this line gives nothing to execute. Type a move with a blank between its words, such as "
     "G01 X1 Y2.";
 inline constexpr std::string_view Goto_Needs_Reset =

@@ -36,8 +36,9 @@ void Show_About_Box(QWidget* parent) {
   auto* title = new QLabel(QString::fromUtf8(Program_Title.data()));
   title->setFont(Bold_Font(1.6));
   rows->addWidget(title);
-  rows->addWidget(new QLabel("Control of step-and-direction machines.\n"
-                             "Send the text below along when you ask for help."));
+  rows->addWidget(
+      new QLabel("Control of step-and-direction machines.\n"
+                 "Send the text below along when you ask for help."));
   auto* text = new QPlainTextEdit(Whole_Text());
   text->setObjectName("Text_Support");
   text->setReadOnly(true);

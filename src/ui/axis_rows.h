@@ -3,8 +3,9 @@
 
 #include "ui/form_binding.h"
 
-#include <QGridLayout>
 #include <vector>
+
+#include <QGridLayout>
 
 namespace norvik {
 

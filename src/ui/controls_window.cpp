@@ -237,7 +237,7 @@ QWidget* Controls_Window::Build_Run_Buttons() {
   auto* block = new QLineEdit;
   block->setReadOnly(true);
   block->setFont(Readout_Font(1.0));
-  block->setPlaceholderText("The block being executed");
+  block->setPlaceholderText("The block executed last");
   Binding.Text(block, "Text_Program_Messages", CNC_Controls.Text_Program_Messages, [] {});
   rows->addWidget(block);
   return area;
@@ -385,6 +385,7 @@ QWidget* Controls_Window::Build_Messages() {
   auto* time = new QLabel;
   Binding.Label(time, "Label_MaterialProcess_Time", CNC_Controls.Label_MaterialProcess_Time);
   estimate_row->addWidget(time, 1);
+  estimate_row->addWidget(new QLabel("Tool"));
   auto* tool = new QLabel;
   Binding.Label(tool, "Label_Tool", CNC_Controls.Label_Tool);
   estimate_row->addWidget(tool);

@@ -1,9 +1,8 @@
 // The main job through the windows: open, look, edit, run, stop.
-#include "ui_fixture.h"
-
 #include "app/yield_watch.h"
 #include "core/format.h"
 #include "core/version.h"
+#include "ui_fixture.h"
 
 #include <QClipboard>
 #include <QLabel>
@@ -133,7 +132,8 @@ TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {
   EXPECT_NEAR(True_Position(1), Machine.Position[1], 1e-3);
 }
 
-// The boxes are locked while the program runs, and what was typed before the run is not taken in it.
+// The boxes are locked while the program runs, and what was typed before the run is not taken in
+// it.
 TEST_F(Main_Job_Test, The_Step_Range_Is_The_Operators_Only_While_The_Machine_Is_Stopped) {
   Open("part.gc", Three_Moves);
   Click("Command_Update");
@@ -167,7 +167,8 @@ TEST_F(Main_Job_Test, The_About_Box_Tells_The_Longest_Gap_Between_Two_Yields_Of_
   std::int64_t last = -1, longest = 0;
   scripted.On_Yield = [&] {
     QCoreApplication::processEvents();
-    if (last >= 0 && Step_Engine.Active) longest = std::max(longest, Platform.Monotonic_Clock() - last);
+    if (last >= 0 && Step_Engine.Active)
+      longest = std::max(longest, Platform.Monotonic_Clock() - last);
     last = Platform.Monotonic_Clock();
   };
   Click("Command_CNC_Play");
@@ -180,6 +181,12 @@ TEST_F(Main_Job_Test, The_About_Box_Tells_The_Longest_Gap_Between_Two_Yields_Of_
   EXPECT_THAT(text, HasSubstr(std::string(Program_Version())));
   EXPECT_THAT(text, HasSubstr("Port: simulated machine"));
   EXPECT_THAT(text, HasSubstr(Folder.File("work/mill.ini")));
+  // The time between two motions is no gap.
+  scripted.Advance(30);
+  Type_Goto("G01 X0 Y0");
+  Click("Command_Goto");
+  Expect_Machine_At(0, 0);
+  EXPECT_LT(Longest_Yield_Gap_Ms(), 300);
   Click("Command_Copy_Support");
   EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), text);
 }

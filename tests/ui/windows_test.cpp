@@ -28,7 +28,8 @@ struct Windows_Test : Ui_Test {
 QSize Room_Of_Text(const QWidget& part) {
   const QString text = part.property("text").toString();
   if (text.isEmpty()) return {};
-  const int width = part.fontMetrics().horizontalAdvance(text), height = part.fontMetrics().height();
+  const int width = part.fontMetrics().horizontalAdvance(text),
+            height = part.fontMetrics().height();
   if (const auto* label = qobject_cast<const QLabel*>(&part)) {
     if (label->wordWrap()) return {};
     const int frame = 2 * (label->margin() + label->frameWidth());
@@ -104,7 +105,8 @@ TEST_F(Windows_Test, Windows_That_Stood_Off_Every_Screen_Are_Brought_Back) {
 // What an operator reads or presses is whole at every size of the screen: 1600 x 1000 at a scale of
 // 100, 150 and 200 %, and 1024 x 600.
 TEST_F(Windows_Test, No_Text_Or_Button_Is_Cut_On_A_Small_Or_Finely_Scaled_Screen) {
-  for (const QSize size : {QSize(1600, 1000), QSize(1066, 666), QSize(1024, 600), QSize(800, 500)}) {
+  for (const QSize size :
+       {QSize(1600, 1000), QSize(1066, 666), QSize(1024, 600), QSize(800, 500)}) {
     SCOPED_TRACE(std::to_string(size.width()));
     Start_Again([&] {
       scripted.Screen_Size = {0, 0, size.width(), size.height()};
@@ -129,7 +131,8 @@ TEST_F(Windows_Test, No_Text_Or_Button_Is_Cut_On_A_Small_Or_Finely_Scaled_Screen
       }
     }
     for (const QScrollArea* area : Window->findChildren<QScrollArea*>()) {
-      EXPECT_LE(area->widget()->width(), area->viewport()->width()) << area->parent()->objectName().toStdString();
+      EXPECT_LE(area->widget()->width(), area->viewport()->width())
+          << area->parent()->objectName().toStdString();
     }
   }
 }
@@ -196,7 +199,8 @@ TEST_F(Windows_Test, A_File_That_Cannot_Be_Loaded_Is_Told_And_The_Program_Stays)
   const std::string one_line = Write_Program("picture.gc", std::string(3'000'000, 'X'));
   struct {
     std::string Path, Told;
-  } const rows[] = {{huge, "2048 MB"}, {vanishing, "Cannot read"}, {one_line, "line 1 has 3000000"}};
+  } const rows[] = {
+      {huge, "2048 MB"}, {vanishing, "Cannot read"}, {one_line, "line 1 has 3000000"}};
   for (const auto& row : rows) {
     SCOPED_TRACE(row.Path);
     const auto boxes = scripted.Boxes.size();

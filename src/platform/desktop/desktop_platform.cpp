@@ -240,8 +240,8 @@ void Install_Desktop_Platform(std::function<void()> before_box) {
   qApp->installEventFilter(new Key_Watch(qApp));
 
   Platform.Do_Events = [] { QCoreApplication::processEvents(QEventLoop::AllEvents); };
-  // The toolkit reads input on a thread of its own and does not tell whether some waits. A yield too
-  // many costs a little time; a Stop button that is not heard would cost more.
+  // The toolkit reads input on a thread of its own and does not tell whether some waits. A yield
+  // too many costs a little time; a Stop button that is not heard would cost more.
   Platform.Input_Pending = [] { return true; };
   Platform.Start_Timer = Start_Desktop_Timer;
   Platform.Stop_Timer = Stop_Desktop_Timer;

@@ -5,6 +5,8 @@
 #include "simulate/virtual_clock.h"
 #include "ui/theme.h"
 
+#include <cmath>
+
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -13,8 +15,6 @@
 #include <QPushButton>
 #include <QScrollArea>
 #include <QVBoxLayout>
-
-#include <cmath>
 
 namespace norvik {
 
@@ -85,7 +85,9 @@ void Simulated_Window::resizeEvent(QResizeEvent* event) {
   Columns->setDirection(both <= width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
 }
 
-Simulated_Window::~Simulated_Window() { Platform.Stop_Timer(Timer); }
+Simulated_Window::~Simulated_Window() {
+  Platform.Stop_Timer(Timer);
+}
 
 QWidget* Simulated_Window::Build_Axes() {
   auto* group = new QGroupBox("Where the carriages are");

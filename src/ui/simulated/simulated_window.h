@@ -4,10 +4,10 @@
 #include "platform/platform.h"
 #include "simulate/simulated_machine.h"
 
+#include <array>
+
 #include <QLabel>
 #include <QWidget>
-
-#include <array>
 
 class QBoxLayout;
 class QListWidget;
