@@ -352,7 +352,13 @@ void Main_Frame::Restore_Place(const QString& name, QMdiSubWindow& frame) {
   const auto form = Form_Of(name);
   if (!form) return frame.resize(frame.sizeHint());
   const Window_Place place = Read_Form_Place(*form);
-  frame.setGeometry(place.Left, place.Top, place.Width, place.Height);
+  // Never so small that its controls lie over each other, as long as there is room.
+  const QSize room = QSize(place.Width, place.Height)
+                         .expandedTo(frame.minimumSizeHint())
+                         .boundedTo(Area->contentsRect().size());
+  const QPoint corner(std::min(place.Left, Area->width() - room.width()),
+                      std::min(place.Top, Area->height() - room.height()));
+  frame.setGeometry(QRect(corner, room));
   if (place.WindowState == Window_Maximized) frame.setWindowState(Qt::WindowMaximized);
 }
 

@@ -28,8 +28,8 @@ struct Windows_Test : Ui_Test {
 QSize Room_Of_Text(const QWidget& part) {
   const QString text = part.property("text").toString();
   if (text.isEmpty()) return {};
-  const int width = part.fontMetrics().horizontalAdvance(text),
-            height = part.fontMetrics().height();
+  const QSize drawn = part.fontMetrics().size(0, text);
+  const int width = drawn.width(), height = drawn.height();
   if (const auto* label = qobject_cast<const QLabel*>(&part)) {
     if (label->wordWrap()) return {};
     const int frame = 2 * (label->margin() + label->frameWidth());
@@ -113,7 +113,8 @@ TEST_F(Windows_Test, No_Text_Or_Button_Is_Cut_On_A_Small_Or_Finely_Scaled_Screen
       Write_Machine("work/mill.ini", Main_Window_Size(size.width(), size.height()));
     });
     Choose("Menu_Window_Simulated_Machine");
-    for (const char* name : {"Plot", "GCode", "CNC_Controls", "Simulated_Machine"}) {
+    for (const char* name :
+         {"Plot", "GCode", "CNC_Controls", "Simulated_Machine", "JogKey", "Port_IO"}) {
       Window->Show_Tool_Window(name);
       QCoreApplication::processEvents();
       const QWidget& window = Find(name);
