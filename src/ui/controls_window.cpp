@@ -69,7 +69,7 @@ class Value_Label : public QLabel {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setFrameShape(QFrame::StyledPanel);
     setMargin(Text_Height() / 5);
-    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-000.0000") +
+    setMinimumWidth(QFontMetrics(font()).size(0, "-000.0000").width() +
                     2 * (margin() + frameWidth()));
     Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
     setToolTip(tip);

@@ -101,6 +101,8 @@ class Outlined_Style : public QProxyStyle {
       case PE_IndicatorCheckBox:
       case PE_PanelButtonCommand:
         return Outline(option->rect, *option, *painter);
+      case PE_IndicatorRadioButton:
+        return Outline(option->rect, *option, *painter, option->rect.width() / 2.0);
       case PE_FrameGroupBox:  // its title stands above the frame
         return Outline(option->rect.adjusted(0, option->fontMetrics.height() + 3, 0, 0), *option,
                        *painter);
@@ -116,18 +118,26 @@ class Outlined_Style : public QProxyStyle {
   // A check box that a glove hits.
   int pixelMetric(PixelMetric metric, const QStyleOption* option,
                   const QWidget* widget) const override {
-    if (metric == PM_IndicatorWidth || metric == PM_IndicatorHeight) return Text_Height();
-    return QProxyStyle::pixelMetric(metric, option, widget);
+    switch (metric) {
+      case PM_IndicatorWidth:
+      case PM_IndicatorHeight:
+      case PM_ExclusiveIndicatorWidth:
+      case PM_ExclusiveIndicatorHeight:
+        return Text_Height();
+      default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
   }
 
  private:
-  static void Outline(const QRect& place, const QStyleOption& option, QPainter& painter) {
+  static void Outline(const QRect& place, const QStyleOption& option, QPainter& painter,
+                      double corner = 2) {
     if (option.state & State_HasFocus) return;  // the style marks it more strongly
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(option.palette.color(QPalette::Mid));
     painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
+    painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), corner, corner);
     painter.restore();
   }
 };

@@ -2,6 +2,7 @@
 #include "app/yield_watch.h"
 #include "core/format.h"
 #include "core/version.h"
+#include "ui/gcode_editor.h"
 #include "ui_fixture.h"
 
 #include <QClipboard>
@@ -42,6 +43,17 @@ TEST_F(Main_Job_Test, An_Opened_Program_Is_Shown_Compiled_And_Compiled_Again_Aft
   EXPECT_FALSE(Gcode_Form.Text_Edited);
   EXPECT_GT(Program_Wire.Rows().size(), wires);
   EXPECT_EQ(Text_Of("Label_GC_NOS"), "4");
+}
+
+TEST_F(Main_Job_Test, The_Line_Numbers_Of_A_Long_Program_Stand_Beside_The_Text) {
+  auto& text = Find<GCode_Editor>("Text_GCode");
+  const int before = text.viewport()->x();
+  std::string program;
+  for (int line = 0; line < 12'000; ++line) program += "G1 X1\n";
+  MachineSetup.Plot_Auto_Loading = 0;
+  Open("long.gc", program);
+  EXPECT_GT(text.viewport()->x(), before);
+  EXPECT_GE(text.viewport()->x(), text.Margin_Width());
 }
 
 TEST_F(Main_Job_Test, Mouse_And_Wheel_Zoom_The_Plot) {
