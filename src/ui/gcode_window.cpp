@@ -167,10 +167,24 @@ QWidget* GCode_Window::Build_Steps() {
     edit->setMaximumWidth(Text_Height() * 6);
     Binding.Text(edit, name, control, std::move(changed));
     grid->addWidget(edit, 0, column + 1);
+    return edit;
   };
-  field(0, "From step", "Text_StartingStep", Gcode_Form.Text_StartingStep,
-        Gcode_StartingStep_Change);
-  field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Gcode_EndingStep_Change);
+  // A step counts as soon as it is typed: Play does not take the focus. Leaving the box shows what
+  // became of it.
+  const auto step_field = [&](int column, const QString& title, const QString& name,
+                              Text_Control& control, Handler changed) {
+    const QLineEdit* edit = field(column, title, name, control, [changed] {
+      changed();
+      Display_Gcode_Steps();
+    });
+    connect(edit, &QLineEdit::textEdited, edit, [&control, changed](const QString& typed) {
+      control.Text = typed.toStdString();
+      changed();
+    });
+  };
+  step_field(0, "From step", "Text_StartingStep", Gcode_Form.Text_StartingStep,
+             Gcode_StartingStep_Change);
+  step_field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Gcode_EndingStep_Change);
   field(4, "Travel", "Text_Feed_Rates_0", Gcode_Form.Text_Feed_Rates[0],
         [] { Text_Feed_Rates_Change(0); });
   field(6, "Cut", "Text_Feed_Rates_1", Gcode_Form.Text_Feed_Rates[1],

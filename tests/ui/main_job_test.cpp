@@ -144,27 +144,30 @@ TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {
   EXPECT_NEAR(True_Position(1), Machine.Position[1], 1e-3);
 }
 
-// The boxes are locked while the program runs, and what was typed before the run is not taken in
-// it.
+// A typed step counts at once, also without Enter; while the program runs the boxes are locked.
 TEST_F(Main_Job_Test, The_Step_Range_Is_The_Operators_Only_While_The_Machine_Is_Stopped) {
   Open("part.gc", Three_Moves);
   Click("Command_Update");
-  EXPECT_EQ(Text_Of("Text_StartingStep"), "1");
-  bool locked = false;
-  In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.4; },
-                [&] {
-                  locked = !Find("Text_StartingStep").isEnabled() &&
-                           !Find("Text_EndingStep").isEnabled();
-                });
-  Click("Command_CNC_Play");
-  EXPECT_TRUE(locked);
-  scripted.Advance(1);
   auto& first = Find<QLineEdit>("Text_StartingStep");
-  EXPECT_TRUE(first.isEnabled());
+  EXPECT_EQ(first.text(), "1");
+  first.setFocus();
   first.selectAll();
   QTest::keyClicks(&first, "3");
+  bool locked = false;
+  In_Yield_When([] { return Step_Engine.Active && True_Position(2) > 0.2; },
+                [&] { locked = !first.isEnabled() && !Find("Text_EndingStep").isEnabled(); });
+  Click("Command_CNC_Play");
+  EXPECT_TRUE(locked);
+  EXPECT_EQ(Controller.Steps_Executed, 1);  // the third step alone
+  scripted.Advance(1);
+  DoEvents();
+  EXPECT_TRUE(first.isEnabled());
+  EXPECT_EQ(first.text(), "3");
+  first.selectAll();
+  QTest::keyClicks(&first, "-7");
   QTest::keyClick(&first, Qt::Key_Return);
-  EXPECT_EQ(Machine.StartingStep, 3);
+  EXPECT_EQ(Machine.StartingStep, 1);
+  EXPECT_EQ(first.text(), "1");
 }
 
 // The figure of the about box is what a second look at the same yields finds.
