@@ -4,6 +4,7 @@
 #include "app/gcode_form.h"
 #include "app/import_menu.h"
 #include "app/openers.h"
+#include "app/yield_watch.h"
 #include "compiler/compile_host.h"
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
@@ -48,6 +49,7 @@ void Show_Compiled_Program() {
 
 void Connect_App() {
   Connect_Control();
+  Watch_Yields();
   Setup_Host.Apply_Priority = [](std::int16_t level) { Set_Application_Priority(level); };
   Compile_Host.Highlight_Line = Highlight_Program_Line;
   Compile_Host.Play_Sound_Slot = Play_Event_Sound;

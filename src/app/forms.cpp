@@ -28,8 +28,9 @@ void UnLoad_Forms() {
   Forms.Plot_Was_Open = Main_Host.View_Of(Form_Id::Plot).Visible;
   Forms.GCode_Was_Open = Main_Host.View_Of(Form_Id::GCode).Visible;
   Forms.CNC_Controls_Was_Open = Main_Host.View_Of(Form_Id::CNC_Controls).Visible;
-  for (const Form_Id form :
-       {Form_Id::Plot, Form_Id::GCode, Form_Id::CNC_Controls, Form_Id::JogKey, Form_Id::Port_IO}) {
+  Forms.Simulated_Machine_Was_Open = Main_Host.View_Of(Form_Id::Simulated_Machine).Visible;
+  for (const Form_Id form : {Form_Id::Plot, Form_Id::GCode, Form_Id::CNC_Controls, Form_Id::JogKey,
+                             Form_Id::Port_IO, Form_Id::Simulated_Machine}) {
     Main_Host.Unload_Form(form);
   }
 }
@@ -39,6 +40,7 @@ void ReLoad_Forms() {
   Show_If(Form_Id::CNC_Controls, Forms.CNC_Controls_Was_Open);
   Show_If(Form_Id::Plot, Forms.Plot_Was_Open);
   Show_If(Form_Id::GCode, Forms.GCode_Was_Open);
+  Show_If(Form_Id::Simulated_Machine, Forms.Simulated_Machine_Was_Open);
 }
 
 void Show_Open_Forms() {

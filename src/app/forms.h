@@ -4,8 +4,9 @@
 namespace norvik {
 
 struct Forms_State {
-  // Which of the three main tool windows `UnLoad_Forms` found open.
+  // Which of the tool windows `UnLoad_Forms` found open.
   bool Plot_Was_Open = false, GCode_Was_Open = false, CNC_Controls_Was_Open = false;
+  bool Simulated_Machine_Was_Open = false;
 };
 extern Forms_State Forms;
 

@@ -50,11 +50,47 @@ void Delete_If_Temporary(const std::string& path) {
   std::filesystem::remove(path, ignored);
 }
 
+// Above these the text box would take the memory of the computer, or its patience.
+constexpr std::uintmax_t Most_Bytes = 256U << 20;
+constexpr std::size_t Longest_Line = 100'000;
+
+std::string Megabytes(std::uintmax_t bytes) {
+  return std::to_string((bytes + (1U << 20) - 1) >> 20) + " MB";
+}
+
+std::string Read_Program(const std::string& path) {
+  std::error_code unknown;
+  const std::uintmax_t size = std::filesystem::file_size(path, unknown);
+  if (!unknown && size > Most_Bytes) {
+    throw Fault(Fault_Number::Overflow, path + " has " + Megabytes(size) +
+                                            "; a program has at most " + Megabytes(Most_Bytes) +
+                                            ". Split it and run the parts one after the other.");
+  }
+  std::string text = Read_Whole_File(path);
+  for (std::size_t start = 0, line = 1; start < text.size(); ++line) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", start), text.size());
+    if (end - start > Longest_Line) {
+      throw Fault(Fault_Number::Overflow, path + " is no program: line " + std::to_string(line) +
+                                              " has " + std::to_string(end - start) +
+                                              " characters, at most " +
+                                              std::to_string(Longest_Line) + " can be read.");
+    }
+    start = end + 1 + (text.compare(end, 2, "\r\n") == 0 ? 1 : 0);
+  }
+  return text;
+}
+
 bool Load_Lines(const std::string& path) {
   const auto before = GCode_Program.Text;
   SetStatus(1, "Open GCode: Loading File...", 5);
-  SaveChanges(Read_Whole_File(path));
+  SaveChanges(Read_Program(path));
   return GCode_Program.Text != before;  // a text that is too large was refused and told
+}
+
+// Logs a failure and tells the operator what is left.
+void Tell_Failure(const Fault& fault, const char* what_stands) {
+  ErrorLogWrite(std::string(Trap_Name) + " # " + fault.Description);
+  Platform.Message_Box("Norvik 4", fault.Description + "\n\n" + what_stands, Box_Buttons::Ok);
 }
 
 std::string Program_Bytes() {
@@ -77,28 +113,23 @@ bool Open_GCode(const std::string& path) {
     return false;
   }
   bool loaded = false;
-  Trap(Trap_Name, [&] {
-    loaded = Load_Lines(path);
-    if (!loaded) return;
-    Delete_If_Temporary(path);
-    Show_New_Program();
-  });
-  return loaded;
+  Trap_With(
+      [](const Fault& fault) { Tell_Failure(fault, "The program that was open before stays."); },
+      [&] { loaded = Load_Lines(path); });
+  if (!loaded) return false;
+  Delete_If_Temporary(path);
+  Trap(Trap_Name, Show_New_Program);
+  return true;
 }
 
 bool Save_GCode(const std::string& path) {
-  return Trap_With(
-      [](const Fault& fault) {
-        ErrorLogWrite(std::string(Trap_Name) + " # " + fault.Description);
-        Platform.Message_Box("Norvik 4", fault.Description + "\n\nThe program is not saved.",
-                             Box_Buttons::Ok);
-      },
-      [&] {
-        Take_Typed_Text();
-        SetStatus(1, "Save GCode: Saving File...", -1);
-        Replace_File(path, Program_Bytes());
-        SetStatus(1, "", -1);
-      });
+  return Trap_With([](const Fault& fault) { Tell_Failure(fault, "The program is not saved."); },
+                   [&] {
+                     Take_Typed_Text();
+                     SetStatus(1, "Save GCode: Saving File...", -1);
+                     Replace_File(path, Program_Bytes());
+                     SetStatus(1, "", -1);
+                   });
 }
 
 void Menu_File_Open() {

@@ -4,6 +4,7 @@
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
 #include "control/cnc_controller.h"
+#include "control/cnc_controls_form.h"
 #include "core/application.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -184,12 +185,21 @@ void Command_GCode_Reset_Click() {
 }
 
 void Gcode_StartingStep_Change() {
+  if (!Gcode_Form.Text_StartingStep.Enabled) return Display_Gcode_Steps();
   Machine.StartingStep = std::max(Typed_Step(Gcode_Form.Text_StartingStep.Text), 1);
 }
 
 void Gcode_EndingStep_Change() {
+  if (!Gcode_Form.Text_EndingStep.Enabled) return Display_Gcode_Steps();
   const std::int32_t typed = Typed_Step(Gcode_Form.Text_EndingStep.Text);
   Machine.EndingStep = std::max(Machine.StartingStep, std::min(typed, GCodeLineCount()));
+}
+
+void Refresh_Step_Range() {
+  const bool enabled = CNC_Controls.Text_StartingStep.Enabled;
+  if (Gcode_Form.Text_StartingStep.Enabled == enabled) return;
+  Gcode_Form.Text_StartingStep.Enabled = Gcode_Form.Text_EndingStep.Enabled = enabled;
+  Display_Gcode_Steps();
 }
 
 void Display_Gcode_Steps() {
@@ -198,7 +208,8 @@ void Display_Gcode_Steps() {
   Gcode_Form.Label_GC_NOS.Caption = std::to_string(GCodeLineCount());
   Gcode_Form.Label_GStep.Caption = std::to_string(step);
   Gcode_Form.Label_CGStep.Caption = has_line ? std::string(GCode_Line(step)) : std::string();
-  Gcode_Form.Text_StartingStep.Text = std::to_string(Machine.StartingStep);
+  // 0, as a compile leaves it, runs from the first step too.
+  Gcode_Form.Text_StartingStep.Text = std::to_string(std::max(Machine.StartingStep, 1));
   Gcode_Form.Text_EndingStep.Text = std::to_string(Machine.EndingStep);
   Gcode_Host.Form_Changed();
 }

@@ -77,6 +77,8 @@ void Command_GCode_Reset_Click();
 // have handlers of their own.
 void Gcode_StartingStep_Change();
 void Gcode_EndingStep_Change();
+// The step boxes are locked while a program runs, as the run loop tells the panel's.
+void Refresh_Step_Range();
 
 // --- Displays ------------------------------------------------------------------------------------
 

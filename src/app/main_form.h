@@ -14,6 +14,7 @@ namespace norvik {
 
 struct Main_Form_Record {
   std::string Caption = "Norvik 4";
+  std::string Port_Text;     // which port the drive uses, in words
   std::string Current_File;  // the file that was opened or saved last, with its folder
 };
 extern Main_Form_Record Main_Form;

@@ -20,6 +20,8 @@
 #include "parallel/timing.h"
 #include "platform/platform.h"
 
+#include <algorithm>
+
 namespace norvik {
 
 Controller_State Controller;
@@ -38,6 +40,11 @@ void Add_Elapsed_Time() {
 void Enable_Step_Range(bool enabled) {
   CNC_Controls.Text_StartingStep.Enabled = enabled;
   CNC_Controls.Text_EndingStep.Enabled = enabled;
+}
+
+// A compile leaves 0 as the starting step; steps count from 1.
+std::int32_t First_Step() {
+  return std::max(Machine.StartingStep, 1);
 }
 
 // What a stopped machine looks like, whichever way it was stopped.
@@ -69,7 +76,7 @@ bool May_Run() {
 }
 
 void Begin_Run_If_At_Start() {
-  if (Machine.Run_Step != Machine.StartingStep || Controller.Run_Started) {
+  if (Machine.Run_Step != First_Step() || Controller.Run_Started) {
     Controller.Run_Started = false;
     return;
   }
@@ -100,7 +107,7 @@ void End_Run() {
 
 // One step. False when the loop must be left.
 bool Run_Pass() {
-  if (Machine.Run_Step < Machine.StartingStep) Machine.Run_Step = Machine.StartingStep;
+  Machine.Run_Step = std::max(Machine.Run_Step, First_Step());
   Enable_Step_Range(false);
   Begin_Run_If_At_Start();
   Controller.Program_Busy = true;
@@ -127,7 +134,7 @@ bool Prepare_Run() {
   if (Machine.Run_Step > Machine.EndingStep)
     Machine.Run_Step = 1;
   else if (Machine.CNCMode == CNC_Stopped)
-    Machine.Run_Step = Machine.StartingStep;
+    Machine.Run_Step = First_Step();
   Resynchronise_Position();
   return true;
 }
@@ -140,6 +147,11 @@ void Run_In_Mode(std::int16_t mode) {
   NIST_CNC_Controller();
   CNC_Display();
   Announce_End();
+}
+
+// The button was heard, although the machine still moves.
+void Tell_What_Ends_First() {
+  if (Step_Engine.Active) SetStatus(1, control_text::Move_Ends_First, 5);
 }
 
 }  // namespace
@@ -215,11 +227,13 @@ void Command_CNC_Pause_Click() {
   if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over
   Play_Event_Sound(sound::Pause);
   CNC_Pause();
+  Tell_What_Ends_First();
 }
 
 void Command_CNC_Stop_Click() {
   Play_Event_Sound(sound::Stopped);
   CNC_Stop();
+  Tell_What_Ends_First();
   Controller.Program_Busy = false;
 }
 
@@ -237,6 +251,7 @@ bool Begin_Operation() {
     SetStatus(1, Drive().Missing, 10);
     return false;
   }
+  Controller.Operation_Began = Platform.Monotonic_Clock();
   Controller.Stop_Request = false;
   Controller.Stop_Text.clear();
   // A press of ESC that lies before this operation does not belong to it.

@@ -54,6 +54,8 @@ inline constexpr std::string_view Ended_By_EStop_Input =
     "Stopped: the E-stop input is on. Release the E-stop, then start again.";
 inline constexpr std::string_view Ended_By_EStop = "Stopped by the E-stop.";
 inline constexpr std::string_view Ended_By_Esc = "Stopped by ESC.";
+inline constexpr std::string_view Move_Ends_First =
+    "The running move is finished first. The E-stop or ESC ends it at once.";
 inline constexpr std::string_view Ended_By_Operator = "Stopped by the operator.";
 inline constexpr std::string_view Ended_By_Failure =
     "Stopped: the move could not be made. The error log says why.";
@@ -69,7 +71,9 @@ inline constexpr std::string_view Goto_Needs_Stop =
     "Goto replaces the program of the paused run. Press Stop first.";
 inline constexpr std::string_view Goto_Not_Compiled =
     "Goto: the line could not be compiled. The message list says why.";
-inline constexpr std::string_view Goto_Is_Empty = "Goto: this line gives nothing to execute.";
+inline constexpr std::string_view Goto_Is_Empty =
+    "Goto: this line gives nothing to execute. Type a move with a blank between its words, such as "
+    "G01 X1 Y2.";
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
     "program, then try again.";

@@ -42,10 +42,11 @@ struct Controller_State {
   std::string Stop_Text;
 
   // --- Run time ---------------------------------------------------------------------------------
-  double Machine_Run_Time = 0;      // of the running or last run; pauses do not count
-  std::int64_t Run_Clock = 0;       // last reading of the monotonic clock, nanoseconds
-  bool Run_Started = false;         // the pass before started the run
-  std::int32_t Steps_Executed = 0;  // of the running or last run
+  double Machine_Run_Time = 0;       // of the running or last run; pauses do not count
+  std::int64_t Run_Clock = 0;        // last reading of the monotonic clock, nanoseconds
+  std::int64_t Operation_Began = 0;  // the last run, jog, Goto or sequence; same clock
+  bool Run_Started = false;          // the pass before started the run
+  std::int32_t Steps_Executed = 0;   // of the running or last run
 
   // --- Repeat of a step range -------------------------------------------------------------------
   std::int16_t Repeat_Count = 0;

@@ -18,6 +18,8 @@ constexpr std::string_view Section = "Form Position";
 constexpr double Units_Per_Pixel = 15;
 // Smaller than this no window can be worked with.
 constexpr int Least_Height = 100, Least_Width = 160;
+// From this height on plot and program have room above each other.
+constexpr int Least_Stacked_Height = 680;
 
 struct Form_Words {
   std::string_view Name, Open_Key;
@@ -31,6 +33,7 @@ constexpr std::array<Form_Words, Form_Count> Words{{
     {"Plot", "Plot_Open"},
     {"JogKey", "JogKey_Open"},
     {"Port_IO", "Port_IO_Open"},
+    {"Simulated_Machine", "Simulated_Machine_Open"},
     {"DXF_Import_Layers", ""},
     {"GerberLayerSelection", ""},
     {"Bitmap_Import", ""},
@@ -130,15 +133,17 @@ Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen) {
   const Screen_Area area = Layout_Area(screen);
   const int controls = std::min(Window_Area.Panel_Width, area.Width / 2);
   const int left_part = area.Width - controls;
-  const int plot_height = area.Height * 6 / 10;
+  const bool stacked = area.Height >= Least_Stacked_Height;
+  const int plot_height = stacked ? area.Height * 6 / 10 : area.Height;
+  const int text_top = stacked ? plot_height : 0;
   switch (form) {
     case Form_Id::CNC_Controls:
       return {area.Top, area.Left + left_part, area.Height, controls, Window_Normal};
     case Form_Id::Plot:
       return {area.Top, area.Left, plot_height, left_part, Window_Normal};
     case Form_Id::GCode:
-      return {area.Top + plot_height, area.Left, area.Height - plot_height, left_part,
-              Window_Normal};
+    case Form_Id::Simulated_Machine:
+      return {area.Top + text_top, area.Left, area.Height - text_top, left_part, Window_Normal};
     case Form_Id::Main:
     case Form_Id::JogKey:
     case Form_Id::Port_IO:

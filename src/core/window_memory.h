@@ -22,16 +22,17 @@ enum class Form_Id {
   Plot,
   JogKey,
   Port_IO,
+  Simulated_Machine,
   DXF_Layer_List,
   Gerber_Layer_Choice,
   Bitmap_Choice
 };
-inline constexpr std::size_t Form_Count = 9;
+inline constexpr std::size_t Form_Count = 10;
 // Those of the layout: the main window and what stands inside it. The others are dialogs; each
 // remembers its place on its own.
 inline constexpr std::array All_Forms{
-    Form_Id::Main,   Form_Id::GCode,   Form_Id::CNC_Controls,  Form_Id::Plot,
-    Form_Id::JogKey, Form_Id::Port_IO, Form_Id::DXF_Layer_List};
+    Form_Id::Main,   Form_Id::GCode,   Form_Id::CNC_Controls,      Form_Id::Plot,
+    Form_Id::JogKey, Form_Id::Port_IO, Form_Id::Simulated_Machine, Form_Id::DXF_Layer_List};
 
 inline constexpr int Window_Normal = 0, Window_Minimized = 1, Window_Maximized = 2;
 
@@ -72,7 +73,8 @@ std::optional<bool> Form_Was_Open(Form_Id form);
 // loaded in this run.
 void Write_Form_Views(const std::array<Form_View, All_Forms.size()>& views);
 
-// A layout for this screen: controls at the right, plot above the program at the left.
+// A layout for this screen: controls at the right, plot above the program at the left. Where the
+// screen is too low for both, each of these takes the whole left part and F4 and F5 change them.
 Window_Place Default_Form_Place(Form_Id form, const Screen_Area& screen);
 // `Reset_Form_Positions`: writes that layout.
 void Reset_Form_Positions();

@@ -48,7 +48,8 @@ QPushButton* Lamp(const QString& tip) {
   return lamp;
 }
 
-void Build_Row(QGridLayout& grid, Form_Binding& binding, int axis) {
+// The label of the distance to go.
+QWidget* Build_Row(QGridLayout& grid, Form_Binding& binding, int axis) {
   const QString name = Axis_Names[axis];
   auto* title = new QLabel(name);
   title->setFont(Bold_Font(1.9));
@@ -86,26 +87,29 @@ void Build_Row(QGridLayout& grid, Form_Binding& binding, int axis) {
   zero->setToolTip("Make this the zero of " + name);
   QObject::connect(zero, &QPushButton::clicked, zero, [axis] { Command_Zero_Pos_Click(axis); });
   grid.addWidget(zero, axis, 6);
+  return to_go;
 }
 
 }  // namespace
 
-void Build_Axis_Rows(QGridLayout& grid, Form_Binding& binding) {
+std::vector<QWidget*> Build_Axis_Rows(QGridLayout& grid, Form_Binding& binding) {
   const auto head = [&grid](int column, const QString& text) {
     auto* label = new QLabel(text);
     label->setForegroundRole(QPalette::PlaceholderText);
     label->setAlignment(Qt::AlignRight);
     grid.addWidget(label, 0, column);
+    return label;
   };
   head(1, "Position");
-  head(3, "To go");
+  std::vector<QWidget*> to_go{head(3, "To go")};
   auto* lamps = new QLabel("Switch");
   lamps->setForegroundRole(QPalette::PlaceholderText);
   lamps->setToolTip("Left: the switch now. Right: it has been on.");
   grid.addWidget(lamps, 0, 4, 1, 2);
   const int last_axis = MachineSetup.Hide_CNC_A_Axis ? 3 : 4;
-  for (int axis = 1; axis <= last_axis; ++axis) Build_Row(grid, binding, axis);
+  for (int axis = 1; axis <= last_axis; ++axis) to_go.push_back(Build_Row(grid, binding, axis));
   grid.setColumnStretch(1, 1);
+  return to_go;
 }
 
 }  // namespace norvik

@@ -3,12 +3,15 @@
 
 #include "ui/form_binding.h"
 
+#include <vector>
+
 #include <QGridLayout>
 
 namespace norvik {
 
 // Adds one row for each axis to `grid`: name, position, unit, distance to go, switch lamps, Zero.
-// The A row is left out while `Hide_CNC_A_Axis` is set.
-void Build_Axis_Rows(QGridLayout& grid, Form_Binding& binding);
+// The A row is left out while `Hide_CNC_A_Axis` is set. The labels of the distances to go, which a
+// narrow panel may hide.
+std::vector<QWidget*> Build_Axis_Rows(QGridLayout& grid, Form_Binding& binding);
 
 }  // namespace norvik

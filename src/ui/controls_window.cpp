@@ -69,7 +69,7 @@ class Value_Label : public QLabel {
     setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     setFrameShape(QFrame::StyledPanel);
     setMargin(Text_Height() / 5);
-    setMinimumWidth(QFontMetrics(font()).horizontalAdvance("-000.0000") +
+    setMinimumWidth(QFontMetrics(font()).size(0, "-000.0000").width() +
                     2 * (margin() + frameWidth()));
     Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
     setToolTip(tip);
@@ -85,6 +85,8 @@ class Value_Label : public QLabel {
 
 QGroupBox* Group(const QString& title, QLayout* layout) {
   auto* group = new QGroupBox(title);
+  const int side = Text_Height() / 2;
+  layout->setContentsMargins(side, Text_Height() / 4, side, Text_Height() / 3);
   group->setLayout(layout);
   return group;
 }
@@ -101,9 +103,9 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
 
   auto* content = new QWidget;
   auto* rows = new QVBoxLayout(content);
-  rows->setContentsMargins(0, 0, 0, 0);
+  rows->setContentsMargins(0, 0, Text_Height() / 3, 0);
   auto* axes = new QGridLayout;
-  Build_Axis_Rows(*axes, Binding);
+  To_Go = Build_Axis_Rows(*axes, Binding);
   rows->addLayout(axes);
   Columns = new QHBoxLayout;
   auto* left = new QVBoxLayout;
@@ -152,6 +154,7 @@ void Controls_Window::Start_Timer(int interval_ms) {
 
 void Controls_Window::Show_Form() {
   Binding.Show();
+  Safety->setVisible(!Safety->text().isEmpty());
   Knob->update();
   if (Shown_Status == Messages.Status_Box) return;
   Shown_Status = Messages.Status_Box;
@@ -159,7 +162,9 @@ void Controls_Window::Show_Form() {
   Status_Box->verticalScrollBar()->setValue(0);
 }
 
-// Two columns where both fit beside each other, one below the other in a narrow panel.
+// Two columns where both fit beside each other, one below the other in a narrow panel. There the
+// distances to go, leave their room to the positions, and
+// the E-stop has a row of its own.
 void Controls_Window::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   int both = Columns->spacing();
@@ -169,6 +174,13 @@ void Controls_Window::resizeEvent(QResizeEvent* event) {
   const int bar = Scroll->verticalScrollBar()->sizeHint().width();
   const int room = Scroll->width() - bar;
   Columns->setDirection(both <= room ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+  const bool narrow = width() < Text_Height() * 28;
+  for (QWidget* to_go : To_Go) to_go->setVisible(!narrow);
+  if (narrow) {
+    Status_Grid->addWidget(EStop, 3, 0, 1, 2);
+  } else {
+    Status_Grid->addWidget(EStop, 0, 1, 3, 1);
+  }
 }
 
 void Controls_Window::hideEvent(QHideEvent* event) {
@@ -178,7 +190,7 @@ void Controls_Window::hideEvent(QHideEvent* event) {
 
 QWidget* Controls_Window::Build_Status() {
   auto* area = new QWidget;
-  auto* grid = new QGridLayout(area);
+  auto* grid = Status_Grid = new QGridLayout(area);
   grid->setContentsMargins(0, 0, 0, 0);
   auto* status = new QLabel;
   status->setFont(Bold_Font(1.5));
@@ -191,11 +203,11 @@ QWidget* Controls_Window::Build_Status() {
   Binding.Label(timer, "Label_Run_Timer", CNC_Controls.Label_Run_Timer);
   grid->addWidget(timer, 2, 0);
 
-  auto* estop = new QPushButton;
+  auto* estop = EStop = new QPushButton;
   estop->setFont(Bold_Font(1.25));
   estop->setMinimumHeight(Finger_Height() * 7 / 4);
   estop->setIcon(EStop_Icon());
-  estop->setIconSize({Finger_Height() * 5 / 4, Finger_Height() * 5 / 4});
+  estop->setIconSize({Finger_Height(), Finger_Height()});
   estop->setToolTip("Stops all motion at once; press again to enable the motors");
   estop->setFocusPolicy(Qt::NoFocus);
   Binding.Button(estop, "Command_EStop", CNC_Controls.Command_EStop, Command_EStop_Click);
@@ -203,11 +215,11 @@ QWidget* Controls_Window::Build_Status() {
   grid->setColumnStretch(0, 3);
   grid->setColumnStretch(1, 4);
 
-  auto* safety = new QLabel;
+  auto* safety = Safety = new QLabel;
   safety->setWordWrap(true);
   safety->setForegroundRole(QPalette::Link);
   Binding.Label(safety, "Label_Home_Safety", CNC_Controls.Label_Home_Safety);
-  grid->addWidget(safety, 3, 0, 1, 2);
+  grid->addWidget(safety, 4, 0, 1, 2);
   return area;
 }
 
@@ -225,7 +237,7 @@ QWidget* Controls_Window::Build_Run_Buttons() {
   auto* block = new QLineEdit;
   block->setReadOnly(true);
   block->setFont(Readout_Font(1.0));
-  block->setPlaceholderText("The block being executed");
+  block->setPlaceholderText("The block executed last");
   Binding.Text(block, "Text_Program_Messages", CNC_Controls.Text_Program_Messages, [] {});
   rows->addWidget(block);
   return area;
@@ -314,22 +326,20 @@ QWidget* Controls_Window::Build_Levels() {
 }
 
 QWidget* Controls_Window::Build_Outputs() {
-  auto* rows = new QVBoxLayout;
+  auto* rows = new QGridLayout;
   for (int output = 0; output <= 4; ++output) {
     auto* check = new QCheckBox(QString::fromStdString(MachineSetup.Output_Names[output + 1]));
     check->setMinimumHeight(Finger_Height() * 2 / 3);
     Binding.Check(check, QString("Check_Outputs_%1").arg(output),
                   CNC_Controls.Check_Outputs[output], [output] { Toggle_Outputs(output); });
-    rows->addWidget(check);
+    rows->addWidget(check, output / 2, output % 2);
   }
   auto* spindle = new QLabel;
   Binding.Label(spindle, "Label_Spindle_State", CNC_Controls.Label_Spindle_State);
   auto* estop = new QLabel;
   Binding.Label(estop, "Label_EStop_State", CNC_Controls.Label_EStop_State);
-  auto* states = new QHBoxLayout;
-  states->addWidget(spindle);
-  states->addWidget(estop);
-  rows->addLayout(states);
+  rows->addWidget(spindle, 3, 0);
+  rows->addWidget(estop, 3, 1);
   return Group("Outputs", rows);
 }
 
@@ -375,6 +385,7 @@ QWidget* Controls_Window::Build_Messages() {
   auto* time = new QLabel;
   Binding.Label(time, "Label_MaterialProcess_Time", CNC_Controls.Label_MaterialProcess_Time);
   estimate_row->addWidget(time, 1);
+  estimate_row->addWidget(new QLabel("Tool"));
   auto* tool = new QLabel;
   Binding.Label(tool, "Label_Tool", CNC_Controls.Label_Tool);
   estimate_row->addWidget(tool);
@@ -382,7 +393,7 @@ QWidget* Controls_Window::Build_Messages() {
   Status_Box = new QPlainTextEdit;
   Status_Box->setObjectName("Text_Status");
   Status_Box->setReadOnly(true);
-  Status_Box->setMinimumHeight(Text_Height() * 4);
+  Status_Box->setMinimumHeight(Text_Height() * 7 / 2);
   rows->addWidget(Status_Box, 1);
   return area;
 }

@@ -10,7 +10,9 @@
 #include <QWidget>
 
 class QBoxLayout;
+class QGridLayout;
 class QPlainTextEdit;
+class QPushButton;
 class QScrollArea;
 
 namespace norvik {
@@ -43,6 +45,10 @@ class Controls_Window : public QWidget {
   Form_Binding Binding;
   Knob_Widget* Knob = nullptr;
   QBoxLayout* Columns = nullptr;
+  QGridLayout* Status_Grid = nullptr;
+  QPushButton* EStop = nullptr;
+  QLabel* Safety = nullptr;
+  std::vector<QWidget*> To_Go;
   QScrollArea* Scroll = nullptr;
   QPlainTextEdit* Status_Box = nullptr;
   std::string Shown_Status;

@@ -52,8 +52,7 @@ GCode_Editor::GCode_Editor(QWidget* parent)
   font.setPointSizeF(std::max(10.0, QWidget::font().pointSizeF()));
   setFont(font);
   setTabChangesFocus(false);
-  connect(this, &QPlainTextEdit::blockCountChanged, this,
-          [this] { setViewportMargins(Margin_Width(), 0, 0, 0); });
+  connect(this, &QPlainTextEdit::blockCountChanged, this, &GCode_Editor::Fit_Margin);
   connect(this, &QPlainTextEdit::updateRequest, this, [this](const QRect& area, int dy) {
     if (dy != 0) {
       Margin->scroll(0, dy);
@@ -61,7 +60,13 @@ GCode_Editor::GCode_Editor(QWidget* parent)
       Margin->update(0, area.y(), Margin->width(), area.height());
     }
   });
-  setViewportMargins(Margin_Width(), 0, 0, 0);
+  Fit_Margin();
+}
+
+void GCode_Editor::Fit_Margin() {
+  const int width = Margin_Width();
+  setViewportMargins(width, 0, 0, 0);
+  Margin->resize(width, Margin->height());
 }
 
 void GCode_Editor::Set_Program(const QString& text) {
@@ -69,6 +74,7 @@ void GCode_Editor::Set_Program(const QString& text) {
   Current_Line = 0;
   setPlainText(text);
   document()->setModified(false);
+  Fit_Margin();  // the signals are blocked while a program is shown
 }
 
 void GCode_Editor::Show_Line(int line) {

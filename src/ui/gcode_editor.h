@@ -54,6 +54,7 @@ class GCode_Editor : public QPlainTextEdit {
  private:
   void Color_Visible_Blocks();
   void Show_Current_Line();
+  void Fit_Margin();
 
   QWidget* Margin;
   int Current_Line = 0;

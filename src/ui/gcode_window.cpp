@@ -25,6 +25,8 @@ constexpr int Most_Findings = 500;
 // Above so many lines the check waits for its button.
 constexpr int Check_At_Once = 200'000;
 
+constexpr int Refresh_Ms = 250;
+
 struct Tool_Row {
   const char* Name;
   const char* Caption;
@@ -89,9 +91,11 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   Display_Gcode_Steps();
   Display_Parameters();
   Show_Form();
+  Timer = Platform.Start_Timer(Refresh_Ms, Refresh_Step_Range);
 }
 
 GCode_Window::~GCode_Window() {
+  Platform.Stop_Timer(Timer);
   // What is typed is not lost with the window.
   Take_Typed_Text();
   Gcode_Host = {};
@@ -163,10 +167,24 @@ QWidget* GCode_Window::Build_Steps() {
     edit->setMaximumWidth(Text_Height() * 6);
     Binding.Text(edit, name, control, std::move(changed));
     grid->addWidget(edit, 0, column + 1);
+    return edit;
   };
-  field(0, "From step", "Text_StartingStep", Gcode_Form.Text_StartingStep,
-        Gcode_StartingStep_Change);
-  field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Gcode_EndingStep_Change);
+  // A step counts as soon as it is typed: Play does not take the focus. Leaving the box shows what
+  // became of it.
+  const auto step_field = [&](int column, const QString& title, const QString& name,
+                              Text_Control& control, Handler changed) {
+    const QLineEdit* edit = field(column, title, name, control, [changed] {
+      changed();
+      Display_Gcode_Steps();
+    });
+    connect(edit, &QLineEdit::textEdited, edit, [&control, changed](const QString& typed) {
+      control.Text = typed.toStdString();
+      changed();
+    });
+  };
+  step_field(0, "From step", "Text_StartingStep", Gcode_Form.Text_StartingStep,
+             Gcode_StartingStep_Change);
+  step_field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Gcode_EndingStep_Change);
   field(4, "Travel", "Text_Feed_Rates_0", Gcode_Form.Text_Feed_Rates[0],
         [] { Text_Feed_Rates_Change(0); });
   field(6, "Cut", "Text_Feed_Rates_1", Gcode_Form.Text_Feed_Rates[1],
@@ -175,9 +193,13 @@ QWidget* GCode_Window::Build_Steps() {
   Binding.Label(unit, "Label_FRUnits", Gcode_Form.Label_FRUnits);
   grid->addWidget(unit, 0, 8);
   grid->setColumnStretch(9, 1);
+  auto* pointer = new QHBoxLayout;
+  pointer->addWidget(new QLabel("Step"));
   auto* step = new QLabel;
+  step->setToolTip("The step that \"Step >\" marks next");
   Binding.Label(step, "Label_GStep", Gcode_Form.Label_GStep);
-  grid->addWidget(step, 1, 0);
+  pointer->addWidget(step, 1);
+  grid->addLayout(pointer, 1, 0);
   auto* text = new QLabel;
   text->setFont(Text_GCode->font());
   text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);

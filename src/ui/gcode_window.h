@@ -1,6 +1,7 @@
 // gcode_window.h: the window `Gcode`: the program as text, its steps and what the check found.
 #pragma once
 
+#include "platform/platform.h"
 #include "ui/form_binding.h"
 
 #include <QWidget>
@@ -36,6 +37,7 @@ class GCode_Window : public QWidget {
   void Check_Now();
 
   Form_Binding Binding;
+  Timer_Id Timer = 0;
   GCode_Editor* Text_GCode;
   QLineEdit* Find_Text = nullptr;
   QWidget* Find_Row = nullptr;

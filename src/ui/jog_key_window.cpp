@@ -33,6 +33,23 @@ constexpr Key_Picture Key_Pictures[] = {
     {10, 3, 2, "Feed -"}, {11, 3, 3, "Feed +"}, {14, 2, 3, "Divisor"},
 };
 
+// What stands on the key of a virtual key code.
+QString Key_Name(int code) {
+  static constexpr std::pair<int, const char*> named[] = {
+      {33, "Page up"}, {34, "Page down"}, {35, "End"},    {36, "Home"},   {37, "Left"},
+      {38, "Up"},      {39, "Right"},     {40, "Down"},   {106, "Num *"}, {107, "Num +"},
+      {109, "Num -"},  {110, "Num ."},    {111, "Num /"}, {187, "="},     {188, ","},
+      {189, "-"},      {190, "."},        {191, "/"}};
+  for (const auto& [key, name] : named) {
+    if (key == code) return name;
+  }
+  constexpr int keypad_0 = 96, keypad_9 = 105;
+  if (code >= keypad_0 && code <= keypad_9) return QString("Num %1").arg(code - keypad_0);
+  const QChar character(code);
+  if (code < keypad_0 && character.isLetterOrNumber()) return character;
+  return code > 0 ? QString("key %1").arg(code) : QString("no key");
+}
+
 constexpr double Stick_Range = 65535;
 
 class Stick_Picture : public QWidget {
@@ -123,9 +140,10 @@ QWidget* JogKey_Window::Build_Key_Map() {
     picture->setAlignment(Qt::AlignCenter);
     picture->setFrameShape(QFrame::StyledPanel);
     picture->setMinimumSize(Finger_Height() * 2, Finger_Height());
-    picture->setToolTip(QString("Key code %1").arg(MachineSetup.KeyJog_KeyValue[key.Entry]));
+    const int code = MachineSetup.KeyJog_KeyValue[key.Entry];
+    picture->setToolTip(QString("Key code %1").arg(code));
     Label_Control& control = JogKey_Form.Picture1[key.Entry];
-    if (control.Caption.empty()) control.Caption = key.Caption;
+    control.Caption = key.Caption + std::string("\n") + Key_Name(code).toStdString();
     Binding.Label(picture, QString("Picture1_%1").arg(key.Entry), control);
     grid->addWidget(picture, key.Row, key.Column);
   }

@@ -83,7 +83,7 @@ int main(int argument_count, char** arguments) {
 
   Main_Frame window;
   Connect_App();
-  Main_Host.Open_Port = [] { Choose_Port(); };
+  Main_Host.Open_Port = [] { Main_Form.Port_Text = Choose_Port(); };
   End_On_Signals(application);
   Load_Main();
   if (Port_Is_Simulated()) {

@@ -18,6 +18,7 @@
 #include "import/import_pipeline.h"
 #include "plot/nist_plot.h"
 #include "plot/view.h"
+#include "ui/about_box.h"
 #include "ui/bitmap_import_window.h"
 #include "ui/controls_window.h"
 #include "ui/dxf_layers_window.h"
@@ -28,6 +29,8 @@
 #include "ui/port_io_window.h"
 #include "ui/progress_window.h"
 #include "ui/theme.h"
+
+#include <algorithm>
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -117,36 +120,31 @@ const std::vector<Menu_Row>& Menu_Rows() {
 
 struct Form_Row {
   Form_Id Form;
-  const char* Name;  // object name of the window
   const char* Menu_Text;
   std::function<QWidget*()> Make;
 };
 
 const std::vector<Form_Row>& Form_Rows() {
   static const std::vector<Form_Row> rows = {
-      {Form_Id::Plot, "Plot", "&Plot (F4)", [] { return new Plot_Window; }},
-      {Form_Id::GCode, "GCode", "&G-code (F5)", [] { return new GCode_Window; }},
-      {Form_Id::CNC_Controls, "CNC_Controls", "&CNC controls (F6)",
-       [] { return new Controls_Window; }},
-      {Form_Id::JogKey, "JogKey", "&Jog by keys", [] { return new JogKey_Window; }},
-      {Form_Id::Port_IO, "Port_IO", "Port &I/O", [] { return new Port_IO_Window; }},
-      {Form_Id::DXF_Layer_List, "DXF_Import_Layers", "DXF &layers",
-       [] { return new DXF_Layers_Window; }},
+      {Form_Id::Plot, "&Plot (F4)", [] { return new Plot_Window; }},
+      {Form_Id::GCode, "&G-code (F5)", [] { return new GCode_Window; }},
+      {Form_Id::CNC_Controls, "&CNC controls (F6)", [] { return new Controls_Window; }},
+      {Form_Id::JogKey, "&Jog by keys", [] { return new JogKey_Window; }},
+      {Form_Id::Port_IO, "Port &I/O", [] { return new Port_IO_Window; }},
+      {Form_Id::DXF_Layer_List, "DXF &layers", [] { return new DXF_Layers_Window; }},
   };
   return rows;
 }
 
-const char* Name_Of(Form_Id form) {
-  for (const Form_Row& row : Form_Rows()) {
-    if (row.Form == form) return row.Name;
-  }
-  return "";
+QString Name_Of(Form_Id form) {
+  const std::string_view name = Form_Name(form);
+  return QString::fromUtf8(name.data(), static_cast<qsizetype>(name.size()));
 }
 
 // Absent for windows without a memory.
 std::optional<Form_Id> Form_Of(const QString& name) {
-  for (const Form_Row& row : Form_Rows()) {
-    if (name == row.Name) return row.Form;
+  for (const Form_Id form : All_Forms) {
+    if (name == Name_Of(form)) return form;
   }
   return std::nullopt;
 }
@@ -172,7 +170,7 @@ Main_Frame::Main_Frame() : Area(new QMdiArea) {
   Area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
   setMinimumSize(640, 480);
   for (const Form_Row& row : Form_Rows()) {
-    Tool_Windows[row.Name] = {row.Menu_Text, row.Make, nullptr};
+    Tool_Windows[Name_Of(row.Form)] = {row.Menu_Text, row.Make, nullptr};
   }
   Build_Menus();
   Build_Status_Bar();
@@ -195,7 +193,7 @@ Main_Frame::~Main_Frame() {
 
 void Main_Frame::Build_Menus() {
   std::map<QString, QMenu*> menus;
-  for (const char* title : {"&File", "&Edit", "&Import", "&View", "&Machine", "&Window"}) {
+  for (const char* title : {"&File", "&Edit", "&Import", "&View", "&Machine", "&Window", "&Help"}) {
     menus[title] = menuBar()->addMenu(title);
     menus[title]->setToolTipsVisible(true);
   }
@@ -232,6 +230,9 @@ void Main_Frame::Build_Menus() {
   file->addSeparator();
   file->addAction("E&xit", QKeySequence::Quit, this, &QWidget::close)
       ->setObjectName("Menu_File_Exit");
+  menus["&Help"]
+      ->addAction("&About Norvik", this, [this] { Show_About_Box(this); })
+      ->setObjectName("Menu_Help_About");
   Window_Menu = menus["&Window"];
   for (const auto& [name, window] : Tool_Windows) {
     const QString window_name = name;
@@ -255,14 +256,14 @@ void Main_Frame::Build_Recent_Menu(QMenu& menu) {
 }
 
 void Main_Frame::Build_Status_Bar() {
-  static constexpr int stretches[] = {5, 3, 3, 2};
   for (std::size_t panel = 0; panel < Panels.size(); ++panel) {
     auto* label = new QLabel;
     label->setObjectName(QString("Panel_%1").arg(panel + 1));
     label->setTextFormat(Qt::PlainText);
     label->setMinimumWidth(Text_Height() * 4);
-    label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    statusBar()->addWidget(label, stretches[panel]);
+    // The first tells what happens; it has the room that the others leave.
+    if (panel == 0) label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusBar()->addWidget(label, panel == 0 ? 1 : 0);
     Panels[panel] = label;
   }
   Banner = new QLabel;
@@ -275,8 +276,19 @@ void Main_Frame::Build_Status_Bar() {
 }
 
 void Main_Frame::Set_Banner(const QString& text) {
-  Banner->setText(text);
+  Banner_Text = text;
   Banner->setVisible(!text.isEmpty());
+  Show_Banner();
+}
+
+void Main_Frame::Show_Banner() {
+  const bool narrow = width() < Text_Height() * 60;
+  Banner->setText(narrow ? Banner_Text.section(" - ", 0, 0) : Banner_Text);
+}
+
+void Main_Frame::resizeEvent(QResizeEvent* event) {
+  QMainWindow::resizeEvent(event);
+  Show_Banner();
 }
 
 // --- Hooks ---------------------------------------------------------------------------------------
@@ -359,10 +371,15 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
 void Main_Frame::Start_Is_Over() {
   Started = true;
   Activate_Main();
-  for (const auto& [name, window] : Tool_Windows) {
-    if (name != "Plot" && Tool_Window_Is_Open(name)) return;
+  const auto open = [this](const auto& row) {
+    return row.first != "Plot" && Tool_Window_Is_Open(row.first);
+  };
+  if (std::none_of(Tool_Windows.begin(), Tool_Windows.end(), open)) {
+    for (const char* name : {"GCode", "Plot", "CNC_Controls"}) Show_Tool_Window(name);
   }
-  for (const char* name : {"GCode", "Plot", "CNC_Controls"}) Show_Tool_Window(name);
+  if (Form_Was_Open(Form_Id::Simulated_Machine).value_or(false)) {
+    Show_Tool_Window(Name_Of(Form_Id::Simulated_Machine));
+  }
 }
 
 bool Main_Frame::Tool_Window_Is_Open(const QString& name) const {
@@ -375,7 +392,13 @@ void Main_Frame::Restore_Place(const QString& name, QMdiSubWindow& frame) {
   const auto form = Form_Of(name);
   if (!form) return frame.resize(frame.sizeHint());
   const Window_Place place = Read_Form_Place(*form);
-  frame.setGeometry(place.Left, place.Top, place.Width, place.Height);
+  // Never so small that its controls lie over each other, as long as there is room.
+  const QSize room = QSize(place.Width, place.Height)
+                         .expandedTo(frame.minimumSizeHint())
+                         .boundedTo(Area->contentsRect().size());
+  const QPoint corner(std::min(place.Left, Area->width() - room.width()),
+                      std::min(place.Top, Area->height() - room.height()));
+  frame.setGeometry(QRect(corner, room));
   if (place.WindowState == Window_Maximized) frame.setWindowState(Qt::WindowMaximized);
 }
 

@@ -31,7 +31,8 @@ class Main_Frame : public QMainWindow {
   // nothing would leave a newcomer before an empty frame.
   void Start_Is_Over();
   bool Tool_Window_Is_Open(const QString& name) const;
-  // A text that stays in the status bar, for the warning that no real machine is driven.
+  // A text that stays in the status bar, for the warning that no real machine is driven. A narrow
+  // window shows what stands before its dash.
   void Set_Banner(const QString& text);
 
  protected:
@@ -39,6 +40,7 @@ class Main_Frame : public QMainWindow {
   void dragEnterEvent(QDragEnterEvent* event) override;
   void dropEvent(QDropEvent* event) override;
   void changeEvent(QEvent* event) override;
+  void resizeEvent(QResizeEvent* event) override;
   bool eventFilter(QObject* watched, QEvent* event) override;
 
  private:
@@ -51,6 +53,7 @@ class Main_Frame : public QMainWindow {
   void Build_Menus();
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
+  void Show_Banner();
   void Connect_Hosts();
   void Restore_Place(const QString& name, QMdiSubWindow& frame);
   void Tell_Area();
@@ -66,6 +69,7 @@ class Main_Frame : public QMainWindow {
   QMenu* Recent_Menu = nullptr;
   std::array<QLabel*, 4> Panels{};
   QLabel* Banner = nullptr;
+  QString Banner_Text;
   Progress_Window* Progress = nullptr;
 };
 

@@ -42,7 +42,9 @@ void Plot_View::resizeEvent(QResizeEvent* event) {
   };
   const auto pens = std::max<std::int32_t>(1, static_cast<std::int32_t>(ratio));
   Frame.Resize(pixels(width()), pixels(height()), pens);
-  Frame.Set_Text_Height(pixels(Text_Height() * 3 / 4));
+  // The surface draws texts as many times larger as its pens are wider.
+  const int text = std::min(Text_Height() * 3 / 4, height() / Least_Lines);
+  Frame.Set_Text_Height(std::max(1, pixels(text) / pens));
   Resized();
 }
 

@@ -18,6 +18,8 @@ class Plot_View : public QWidget {
   explicit Plot_View(std::function<void(Picture_Surface&)> draw_over, QWidget* parent = nullptr);
 
   Picture_Surface& Surface() { return Frame; }
+  // So many lines of text must fit above each other; they are smaller where they would not.
+  void Set_Least_Lines(int lines) { Least_Lines = lines; }
   // Handler of a new size; the picture must be drawn again.
   std::function<void()> Resized = [] {};
 
@@ -28,6 +30,7 @@ class Plot_View : public QWidget {
  private:
   std::function<void(Picture_Surface&)> Draw_Over;
   Picture_Surface Frame, Over;
+  int Least_Lines = 1;
 };
 
 // The view of the program: its mouse goes to the handlers of `Plot_Form`.

@@ -47,6 +47,9 @@ constexpr Tool_Row Tools_Of_Zoom[] = {
 constexpr const char* Preset_Captions[] = {"Top",  "Bottom", "Front", "Rear",
                                            "Left", "Right",  "Iso R", "Iso L"};
 
+// The strip's figures and the room between them.
+constexpr int Strip_Lines = 24;
+
 // The pad for turning the view freely. Its coordinates run from 0 to 20 and rest in the middle.
 class Turn_Pad : public QWidget {
  public:
@@ -89,8 +92,10 @@ Plot_Window::Plot_Window(QWidget* parent) : QWidget(parent) {
       },
       this);
   Picture_ZAxis->setObjectName("Picture_ZAxis");
+  Picture_ZAxis->Set_Least_Lines(Strip_Lines);
   Frame_Zoom = Build_Zoom_Frame();
   Frame_3D = Build_Viewpoint_Frame();
+  Frame_Turn = Build_Turn_Frame();
 
   Plot_Host.Picture1 = &Picture1->Surface();
   Plot_Host.Picture_ZAxis = &Picture_ZAxis->Surface();
@@ -146,12 +151,19 @@ QWidget* Plot_Window::Build_Viewpoint_Frame() {
     auto* button = new QPushButton(Preset_Captions[view]);
     button->setObjectName(QString("Command_3D_%1").arg(view));
     button->setMinimumHeight(Finger_Height() * 2 / 3);
-    button->setMinimumWidth(QFontMetrics(button->font()).horizontalAdvance("Bottom ") +
-                            Text_Height());
+    button->setFixedWidth(QFontMetrics(button->font()).horizontalAdvance("Bottom") + Text_Height());
     button->setFocusPolicy(Qt::NoFocus);
     connect(button, &QPushButton::clicked, this, [view] { Command_3D_Click(view); });
     grid->addWidget(button, view % 2, view / 2);
   }
+  return frame;
+}
+
+QWidget* Plot_Window::Build_Turn_Frame() {
+  auto* frame = new QWidget(this);
+  auto* grid = new QGridLayout(frame);
+  grid->setContentsMargins(0, 0, 0, 0);
+  grid->setSpacing(Text_Height() / 6);
   static constexpr const char* turns[] = {"A", "B", "C"};
   for (int angle = 0; angle < 3; ++angle) {
     auto* value = new QSpinBox;
@@ -166,9 +178,9 @@ QWidget* Plot_Window::Build_Viewpoint_Frame() {
     connect(value, &QSpinBox::valueChanged, this,
             [angle](int degrees) { UpDown_3D_Viewpoint_Change(angle, degrees); });
     Angles[static_cast<std::size_t>(angle)] = value;
-    grid->addWidget(value, angle % 2, 4 + angle / 2);
+    grid->addWidget(value, angle % 2, angle / 2);
   }
-  grid->addWidget(new Turn_Pad, 0, 6, 2, 1);
+  grid->addWidget(new Turn_Pad, 0, 2, 2, 1);
   return frame;
 }
 
@@ -186,27 +198,34 @@ void Plot_Window::Show_Form() {
   Picture1->update();
 }
 
+// The tools from left to right in as many rows as they need, from `top` on. Where they end.
+int Plot_Window::Place_Tools(int top) {
+  const int gap = Text_Height() / 3;
+  int left = gap, row_height = 0;
+  for (QWidget* frame : {Frame_Zoom, Frame_3D, Frame_Turn}) {
+    const QSize size = frame->sizeHint();
+    if (left > gap && left + size.width() + gap > width()) {
+      left = gap;
+      top += row_height + gap;
+      row_height = 0;
+    }
+    frame->setGeometry(left, top, size.width(), size.height());
+    left += size.width() + gap;
+    row_height = std::max(row_height, size.height());
+  }
+  return top + row_height + gap;
+}
+
 // The program's surface is square; the strip stands beside it, the tools below both.
 void Plot_Window::Place_Surfaces() {
   const int gap = Text_Height() / 3;
   const int strip_width = Text_Height() * 13 / 2;
-  const QSize zoom = Frame_Zoom->sizeHint();
-  const QSize viewpoint = Frame_3D->sizeHint();
-  const bool one_row = zoom.width() + viewpoint.width() + 3 * gap <= width();
-  const int tools_height = one_row ? std::max(zoom.height(), viewpoint.height())
-                                   : zoom.height() + viewpoint.height() + gap;
-  const int room = height() - tools_height - 3 * gap;
+  const int room = height() - Place_Tools(0) - 2 * gap;
   const int side = std::max(50, std::min(room, width() - strip_width - 3 * gap));
   const int left = std::max(gap, (width() - strip_width - side - gap) / 2);
   Picture_ZAxis->setGeometry(left, gap, strip_width, side);
   Picture1->setGeometry(left + strip_width + gap, gap, side, side);
-  const int top = side + 2 * gap;
-  Frame_Zoom->setGeometry(gap, top, zoom.width(), zoom.height());
-  if (one_row) {
-    Frame_3D->setGeometry(2 * gap + zoom.width(), top, viewpoint.width(), viewpoint.height());
-  } else {
-    Frame_3D->setGeometry(gap, top + zoom.height() + gap, viewpoint.width(), viewpoint.height());
-  }
+  Place_Tools(side + 2 * gap);
   Plot_Form_Resize(width() * Units_Per_Pixel, height() * Units_Per_Pixel, isMinimized());
   Plot_Form.Picture1.Width = Plot_Form.Picture1.Height = side * Units_Per_Pixel;
 }

@@ -31,11 +31,13 @@ class Plot_Window : public QWidget {
  private:
   QWidget* Build_Zoom_Frame();
   QWidget* Build_Viewpoint_Frame();
+  QWidget* Build_Turn_Frame();
+  int Place_Tools(int top);
   void Place_Surfaces();
 
   Program_View* Picture1;
   Plot_View* Picture_ZAxis;
-  QWidget *Frame_Zoom, *Frame_3D;
+  QWidget *Frame_Zoom, *Frame_3D, *Frame_Turn;
   QToolButton *Zoom_In = nullptr, *Zoom_Win = nullptr, *Pan = nullptr;
   std::array<QSpinBox*, 3> Angles{};
 };

@@ -8,8 +8,9 @@
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
-#include <QStyle>
+#include <QProxyStyle>
 #include <QStyleFactory>
+#include <QStyleOption>
 #include <QWidget>
 
 namespace norvik {
@@ -37,7 +38,7 @@ QPalette Light_Palette() {
   palette.setColor(QPalette::Highlight, QColor(0x1F6FB5));
   palette.setColor(QPalette::HighlightedText, QColor(0xFFFFFF));
   palette.setColor(QPalette::Link, QColor(0x1F6FB5));
-  palette.setColor(QPalette::Mid, QColor(0xB4BAC2));
+  palette.setColor(QPalette::Mid, QColor(0x9AA2AC));
   palette.setColor(QPalette::PlaceholderText, QColor(0x6B7480));
   for (const QPalette::ColorRole role :
        {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
@@ -60,7 +61,7 @@ QPalette Dark_Palette() {
   palette.setColor(QPalette::Highlight, QColor(0x3D8FD6));
   palette.setColor(QPalette::HighlightedText, QColor(0xFFFFFF));
   palette.setColor(QPalette::Link, QColor(0x6CB0EA));
-  palette.setColor(QPalette::Mid, QColor(0x4A525C));
+  palette.setColor(QPalette::Mid, QColor(0x6C7682));
   palette.setColor(QPalette::PlaceholderText, QColor(0x97A0AB));
   for (const QPalette::ColorRole role :
        {QPalette::WindowText, QPalette::Text, QPalette::ButtonText}) {
@@ -78,6 +79,68 @@ Theme_Colors Dark_Colors() {
   return {QColor(0x4CC36F), QColor(0xE5484D), QColor(0xF0A53A),
           QColor(0x9AA4AF), QColor(0x9FD7FF), QColor(0x14171B)};
 }
+
+// The toolkit's style derives its outlines by darkening the ground, which on a dark one leaves
+// fields, check boxes and readouts without any. This one draws over them in the colour of `Mid`.
+class Outlined_Style : public QProxyStyle {
+ public:
+  Outlined_Style() : QProxyStyle(QStyleFactory::create("Fusion")) {}
+
+  void drawPrimitive(PrimitiveElement element, const QStyleOption* option, QPainter* painter,
+                     const QWidget* widget) const override {
+    QProxyStyle::drawPrimitive(element, option, painter, widget);
+    switch (element) {
+      case PE_FrameLineEdit:
+      case PE_PanelLineEdit:
+        // A field inside another control has that control's frame.
+        if (qstyleoption_cast<const QStyleOptionFrame*>(option) == nullptr ||
+            static_cast<const QStyleOptionFrame*>(option)->lineWidth <= 0)
+          return;
+        [[fallthrough]];
+      case PE_Frame:
+      case PE_IndicatorCheckBox:
+      case PE_PanelButtonCommand:
+        return Outline(option->rect, *option, *painter);
+      case PE_IndicatorRadioButton:
+        return Outline(option->rect, *option, *painter, option->rect.width() / 2.0);
+      case PE_FrameGroupBox:  // its title stands above the frame
+        return Outline(option->rect.adjusted(0, option->fontMetrics.height() + 3, 0, 0), *option,
+                       *painter);
+      default:
+        return;
+    }
+  }
+  void drawComplexControl(ComplexControl control, const QStyleOptionComplex* option,
+                          QPainter* painter, const QWidget* widget) const override {
+    QProxyStyle::drawComplexControl(control, option, painter, widget);
+    if (control == CC_SpinBox || control == CC_ComboBox) Outline(option->rect, *option, *painter);
+  }
+  // A check box that a glove hits.
+  int pixelMetric(PixelMetric metric, const QStyleOption* option,
+                  const QWidget* widget) const override {
+    switch (metric) {
+      case PM_IndicatorWidth:
+      case PM_IndicatorHeight:
+      case PM_ExclusiveIndicatorWidth:
+      case PM_ExclusiveIndicatorHeight:
+        return Text_Height();
+      default:
+        return QProxyStyle::pixelMetric(metric, option, widget);
+    }
+  }
+
+ private:
+  static void Outline(const QRect& place, const QStyleOption& option, QPainter& painter,
+                      double corner = 2) {
+    if (option.state & State_HasFocus) return;  // the style marks it more strongly
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(option.palette.color(QPalette::Mid));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), corner, corner);
+    painter.restore();
+  }
+};
 
 // --- Signs -------------------------------------------------------------------------------------
 // Every sign is drawn in a square of 24 by 24.
@@ -229,7 +292,7 @@ void Apply_Theme(QApplication& application) {
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
   if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";
   Theme.Colors = Theme.Dark ? Dark_Colors() : Light_Colors();
-  application.setStyle(QStyleFactory::create("Fusion"));
+  application.setStyle(new Outlined_Style);
   application.setPalette(Theme.Dark ? Dark_Palette() : Light_Palette());
   QFont font = application.font();
   if (font.pointSizeF() > 0 && font.pointSizeF() < 10) font.setPointSizeF(10);

@@ -45,10 +45,11 @@ TEST_F(Machine_Menu_Test, Load_Takes_Over_Setup_And_Layout) {
   Menu_Machine_Load_Machine_Setup();
   EXPECT_EQ(MachineSetup.Arc_Resolution, 99);
   EXPECT_EQ(Application.MachineFile, path);
-  EXPECT_THAT(Trace, ElementsAre("unload Plot", "unload GCode", "unload CNC_Controls",
-                                 "unload JogKey", "unload Port_IO", "place Main",
-                                 "show Plot",  // the file says nothing: as it was
-                                 "show GCode"));
+  EXPECT_THAT(Trace,
+              ElementsAre("unload Plot", "unload GCode", "unload CNC_Controls", "unload JogKey",
+                          "unload Port_IO", "unload Simulated_Machine", "place Main",
+                          "show Plot",  // the file says nothing: as it was
+                          "show GCode"));
   EXPECT_EQ(scripted.Pointers.front(), Mouse_Pointer::Busy);
   EXPECT_EQ(scripted.Pointers.back(), Mouse_Pointer::Normal);
 }

@@ -1,6 +1,11 @@
 // The main job through the windows: open, look, edit, run, stop.
+#include "app/yield_watch.h"
+#include "core/format.h"
+#include "core/version.h"
+#include "ui/gcode_editor.h"
 #include "ui_fixture.h"
 
+#include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
 #include <QWheelEvent>
@@ -40,6 +45,17 @@ TEST_F(Main_Job_Test, An_Opened_Program_Is_Shown_Compiled_And_Compiled_Again_Aft
   EXPECT_EQ(Text_Of("Label_GC_NOS"), "4");
 }
 
+TEST_F(Main_Job_Test, The_Line_Numbers_Of_A_Long_Program_Stand_Beside_The_Text) {
+  auto& text = Find<GCode_Editor>("Text_GCode");
+  const int before = text.viewport()->x();
+  std::string program;
+  for (int line = 0; line < 12'000; ++line) program += "G1 X1\n";
+  MachineSetup.Plot_Auto_Loading = 0;
+  Open("long.gc", program);
+  EXPECT_GT(text.viewport()->x(), before);
+  EXPECT_GE(text.viewport()->x(), text.Margin_Width());
+}
+
 TEST_F(Main_Job_Test, Mouse_And_Wheel_Zoom_The_Plot) {
   Open("part.gc", Three_Moves);
   auto& picture = Find("Picture1");
@@ -63,10 +79,8 @@ TEST_F(Main_Job_Test, A_Program_Runs_To_Its_End_By_Play_And_By_Steps) {
   Expect_Machine_At(0.5, 0.25);
   EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stopped");
 
-  Click("Command_CNC_Step");  // the first press names the step and moves nothing
+  Click("Command_CNC_Step");  // each press runs one step, the first press the first
   EXPECT_EQ(Text_Of("Label_CNC_Status"), "CNC Stepped");
-  Expect_Machine_At(0.5, 0.25);
-  Click("Command_CNC_Step");
   Expect_Machine_At(0, 0);
   Click("Command_CNC_Step");
   Expect_Machine_At(0.5, 0);
@@ -78,24 +92,32 @@ TEST_F(Main_Job_Test, A_Program_Runs_To_Its_End_By_Play_And_By_Steps) {
 // Pressed in a yield of the second move. Pause and Stop let that move end, the E-stop does not.
 TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
   struct {
-    const char* Button;
+    const char *Button, *Status;
     std::int16_t Mode;
     bool Ends_In_The_Move, EStop;
-  } const rows[] = {{"Command_CNC_Pause", CNC_Paused, false, false},
-                    {"Command_CNC_Stop", CNC_Stopped, false, false},
-                    {"Command_EStop", CNC_Stopped, true, true}};
+  } const rows[] = {{"Command_CNC_Pause", "CNC Paused", CNC_Paused, false, false},
+                    {"Command_CNC_Stop", "CNC Stopped", CNC_Stopped, false, false},
+                    {"Command_EStop", "EStop Pressed", CNC_Stopped, true, true}};
+  double pressed_at = 0;
   for (const auto& row : rows) {
     SCOPED_TRACE(row.Button);
     Open("part.gc", Three_Moves);
     Click("Command_Update");
     In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
-                  [&] { Click(row.Button); });
+                  [&] {
+                    Click(row.Button);
+                    // Heard while the move goes on, whatever it does to the move.
+                    EXPECT_EQ(Text_Of("Label_CNC_Status"), row.Status);
+                    pressed_at = True_Position(1);
+                    if (row.EStop) return;
+                    EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("is finished first"));
+                  });
     Click("Command_CNC_Play");
     EXPECT_EQ(Machine.CNCMode, row.Mode);
     EXPECT_EQ(Machine.EStop_Flag, row.EStop);
     EXPECT_NEAR(True_Position(2), 0, 1e-3);  // the third move never began
     if (row.Ends_In_The_Move) {
-      EXPECT_LT(True_Position(1), 0.4);
+      EXPECT_NEAR(True_Position(1), pressed_at, 1.5 / MachineSetup.Axis_SPI[1]);
     } else {
       EXPECT_NEAR(True_Position(1), 0.5, 1e-3);
     }
@@ -122,6 +144,68 @@ TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {
   EXPECT_NEAR(True_Position(1), Machine.Position[1], 1e-3);
 }
 
+// A typed step counts at once, also without Enter; while the program runs the boxes are locked.
+TEST_F(Main_Job_Test, The_Step_Range_Is_The_Operators_Only_While_The_Machine_Is_Stopped) {
+  Open("part.gc", Three_Moves);
+  Click("Command_Update");
+  auto& first = Find<QLineEdit>("Text_StartingStep");
+  EXPECT_EQ(first.text(), "1");
+  first.setFocus();
+  first.selectAll();
+  QTest::keyClicks(&first, "3");
+  bool locked = false;
+  In_Yield_When([] { return Step_Engine.Active && True_Position(2) > 0.2; },
+                [&] { locked = !first.isEnabled() && !Find("Text_EndingStep").isEnabled(); });
+  Click("Command_CNC_Play");
+  EXPECT_TRUE(locked);
+  EXPECT_EQ(Controller.Steps_Executed, 1);  // the third step alone
+  scripted.Advance(1);
+  DoEvents();
+  EXPECT_TRUE(first.isEnabled());
+  EXPECT_EQ(first.text(), "3");
+  first.selectAll();
+  QTest::keyClicks(&first, "-7");
+  QTest::keyClick(&first, Qt::Key_Return);
+  EXPECT_EQ(Machine.StartingStep, 1);
+  EXPECT_EQ(first.text(), "1");
+}
+
+// The figure of the about box is what a second look at the same yields finds.
+TEST_F(Main_Job_Test, The_About_Box_Tells_The_Longest_Gap_Between_Two_Yields_Of_The_Run) {
+  Open("part.gc", Three_Moves);
+  Click("Command_Update");
+  Choose("Menu_Help_About");
+  EXPECT_THAT(Text_Of("Text_Support").toStdString(), HasSubstr("not measured"));
+  Find("About").close();
+  QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+
+  std::int64_t last = -1, longest = 0;
+  scripted.On_Yield = [&] {
+    QCoreApplication::processEvents();
+    if (last >= 0 && Step_Engine.Active)
+      longest = std::max(longest, Platform.Monotonic_Clock() - last);
+    last = Platform.Monotonic_Clock();
+  };
+  Click("Command_CNC_Play");
+  ASSERT_GT(longest, 0);
+  const double gap_ms = static_cast<double>(longest) * 1e-6;
+  EXPECT_NEAR(Longest_Yield_Gap_Ms(), gap_ms, 0.002);  // a yield itself takes 1 us
+  Choose("Menu_Help_About");
+  const std::string text = Text_Of("Text_Support").toStdString();
+  EXPECT_THAT(text, HasSubstr(": " + Format_Number_Point(gap_ms, "0.0") + " ms\n"));
+  EXPECT_THAT(text, HasSubstr(std::string(Program_Version())));
+  EXPECT_THAT(text, HasSubstr("Port: simulated machine"));
+  EXPECT_THAT(text, HasSubstr(Folder.File("work/mill.ini")));
+  // The time between two motions is no gap.
+  scripted.Advance(30);
+  Type_Goto("G01 X0 Y0");
+  Click("Command_Goto");
+  Expect_Machine_At(0, 0);
+  EXPECT_LT(Longest_Yield_Gap_Ms(), 300);
+  Click("Command_Copy_Support");
+  EXPECT_EQ(QGuiApplication::clipboard()->text().toStdString(), text);
+}
+
 TEST_F(Main_Job_Test, Goto_Runs_A_Line_And_Zero_Renames_The_Place) {
   Type_Goto("G01 X0.3 Y0.1");
   Click("Command_Goto");
@@ -131,6 +215,12 @@ TEST_F(Main_Job_Test, Goto_Runs_A_Line_And_Zero_Renames_The_Place) {
   EXPECT_NEAR(Machine.Position[2], 0.1, 1e-3);
   EXPECT_EQ(Text_Of("Label_Axis_Pos_X").toStdString(), CNC_Controls.Label_Axis_Pos[1].Caption);
   EXPECT_EQ(Text_Of("Label_Axis_Pos_X").toDouble(), 0);
+
+  // Words that run together give nothing; the operator is told what to type.
+  Type_Goto("G1X1Y2");
+  Click("Command_Goto");
+  EXPECT_NEAR(True_Position(1), 0.3, 1e-3);
+  EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("a blank between its words"));
 }
 
 }  // namespace

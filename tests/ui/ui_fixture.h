@@ -83,18 +83,26 @@ struct Ui_Test : testing::Test {
     Window_Area = {};
   }
 
-  // The sample machine with its pins wired, long travels and no ramps.
+  static std::string Main_Window_Size(int width, int height) {
+    return "[Form Position]\nMain_WindowState=0\nMain_Width=" + std::to_string(width * 15) +
+           "\nMain_Height=" + std::to_string(height * 15) + "\n";
+  }
+
+  // The sample machine with its pins wired, long travels and no ramps. `more` replaces the place of
+  // the main window.
   void Write_Machine(const std::string& name, const std::string& more = "") {
     Replace_File(Folder.File(name),
                  Read_Whole_File(std::string(NORVIK_SAMPLES_FOLDER) + "/inch.ini") +
-                     "[Form Position]\nMain_WindowState=0\nMain_Width=24000\nMain_Height=15000\n" +
-                     more);
+                     (more.empty() ? Main_Window_Size(1600, 1000) : more));
   }
 
   // A start of the program.
   void Start() {
     Window = std::make_unique<Main_Frame>();
-    Main_Host.Open_Port = [] { Use_Simulated_Machine(); };
+    Main_Host.Open_Port = [] {
+      Use_Simulated_Machine();
+      Main_Form.Port_Text = "Port: simulated machine";
+    };
     scripted.On_Yield = [] { QCoreApplication::processEvents(); };
     Read_Machine_Name();
     Load_Main();
@@ -103,14 +111,16 @@ struct Ui_Test : testing::Test {
     Window->Start_Is_Over();
     QCoreApplication::processEvents();
   }
-  // Its end and another start, as after switching the computer off.
-  void Start_Again() {
+  // Its end and another start, as after switching the computer off; `between` may change files.
+  void Start_Again(const std::function<void()>& between = [] {}) {
     Window->close();
     ASSERT_TRUE(scripted.Process_Ended);
     Window.reset();
     Forget();
+    scripted.Process_Ended = false;
     Connect_App();
     Use_Folders({Folder.File("work"), Folder.File("config")});
+    between();
     Start();
   }
 

@@ -2,9 +2,13 @@
 #include "ui_fixture.h"
 
 #include <filesystem>
+#include <set>
 
+#include <QAbstractButton>
 #include <QDropEvent>
+#include <QLabel>
 #include <QMimeData>
+#include <QScrollArea>
 
 namespace norvik {
 namespace {
@@ -19,6 +23,23 @@ struct Windows_Test : Ui_Test {
     QApplication::sendEvent(Window.get(), &drop);
   }
 };
+
+// What the text of a label or button takes, with its picture and a little air; empty: no text.
+QSize Room_Of_Text(const QWidget& part) {
+  const QString text = part.property("text").toString();
+  if (text.isEmpty()) return {};
+  const QSize drawn = part.fontMetrics().size(0, text);
+  const int width = drawn.width(), height = drawn.height();
+  if (const auto* label = qobject_cast<const QLabel*>(&part)) {
+    if (label->wordWrap()) return {};
+    const int frame = 2 * (label->margin() + label->frameWidth());
+    return {width + frame, height + frame};
+  }
+  const auto* button = qobject_cast<const QAbstractButton*>(&part);
+  if (button == nullptr) return {};
+  const int picture = button->icon().isNull() ? 0 : button->iconSize().width() + 4;
+  return {width + picture + 8, height + 4};
+}
 
 TEST_F(Windows_Test, A_First_Start_Tiles_Three_Windows_Without_Overlap) {
   const QRect plot = Frame_Of("Plot").geometry(), text = Frame_Of("GCode").geometry(),
@@ -56,6 +77,93 @@ TEST_F(Windows_Test, Closing_With_Typed_Text_Asks_Once_And_Can_Be_Called_Off) {
   EXPECT_EQ(Read_Whole_File(Folder.File("kept.gc")), "G0 X1\r\n");
 }
 
+TEST_F(Windows_Test, The_Simulated_Machine_Has_A_Place_Of_Its_Own_And_Comes_Back) {
+  Choose("Menu_Window_Simulated_Machine");
+  EXPECT_FALSE(Frame_Of("Simulated_Machine").geometry().intersects(Frame_Of("Plot").geometry()));
+  const QRect place(60, 200, 620, 400);
+  Frame_Of("Simulated_Machine").setGeometry(place);
+  Start_Again();
+  EXPECT_TRUE(Window->Tool_Window_Is_Open("Simulated_Machine"));
+  EXPECT_EQ(Frame_Of("Simulated_Machine").geometry(), place);
+}
+
+TEST_F(Windows_Test, Windows_That_Stood_Off_Every_Screen_Are_Brought_Back) {
+  Start_Again([this] {
+    Write_Machine("work/mill.ini",
+                  "[Form Position]\nMain_WindowState=0\nMain_Top=-90000\nMain_Width=24000\n"
+                  "Main_Height=15000\nPlot_Left=450000\nPlot_Top=-300000\nGCode_Left=-99999999\n"
+                  "GCode_Width=7\nCNC_Controls_Height=none\n");
+  });
+  EXPECT_GE(Window->geometry().top(), 0);
+  for (const char* name : {"Plot", "GCode", "CNC_Controls"}) {
+    const QMdiSubWindow& frame = Frame_Of(name);
+    EXPECT_TRUE(frame.parentWidget()->rect().contains(frame.geometry())) << name;
+    EXPECT_GE(frame.width(), 100) << name;
+  }
+}
+
+// What an operator reads or presses is whole at every size of the screen: 1600 x 1000 at a scale of
+// 100, 150 and 200 %, and 1024 x 600.
+TEST_F(Windows_Test, No_Text_Or_Button_Is_Cut_On_A_Small_Or_Finely_Scaled_Screen) {
+  for (const QSize size :
+       {QSize(1600, 1000), QSize(1066, 666), QSize(1024, 600), QSize(800, 500)}) {
+    SCOPED_TRACE(std::to_string(size.width()));
+    Start_Again([&] {
+      scripted.Screen_Size = {0, 0, size.width(), size.height()};
+      Write_Machine("work/mill.ini", Main_Window_Size(size.width(), size.height()));
+    });
+    Choose("Menu_Window_Simulated_Machine");
+    for (const char* name :
+         {"Plot", "GCode", "CNC_Controls", "Simulated_Machine", "JogKey", "Port_IO"}) {
+      Window->Show_Tool_Window(name);
+      QCoreApplication::processEvents();
+      const QWidget& window = Find(name);
+      for (const QWidget* part : window.findChildren<QWidget*>()) {
+        const QSize needed = Room_Of_Text(*part);
+        if (needed.isEmpty() || !part->isVisibleTo(&window)) continue;
+        if (part->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored) continue;
+        const std::string which = std::string(name) + " " + part->objectName().toStdString() + " " +
+                                  part->property("text").toString().toStdString();
+        EXPECT_GE(part->width(), needed.width()) << which;
+        EXPECT_GE(part->height(), needed.height()) << which;
+        const QRect place(part->mapTo(&window, QPoint(0, 0)), part->size());
+        EXPECT_GE(place.left(), 0) << which;
+        EXPECT_LE(place.right(), window.width()) << which;
+      }
+    }
+    for (const QScrollArea* area : Window->findChildren<QScrollArea*>()) {
+      EXPECT_LE(area->widget()->width(), area->viewport()->width())
+          << area->parent()->objectName().toStdString();
+    }
+  }
+}
+
+TEST_F(Windows_Test, A_Machine_File_With_Nonsense_Colours_And_Sizes_Gives_Usable_Windows) {
+  Start_Again([this] {
+    Write_Machine("work/mill.ini",
+                  Main_Window_Size(1600, 1000) +
+                      "Plot_Width=-5\nPlot_Height=1e300\nPlot_WindowState=77\n"
+                      "CNC_Controls_Width=999999999999\n"
+                      "[General]\nPlot_Color_0=-1\nPlot_Color_1=99999999999\nPlot_Color_2=green\n"
+                      "Plot_Color_3=1e40\nPlot_Color_4=nan\nPlot_Bit_Radious=-3\n"
+                      "Arc_Resolution=-8\n[Axis]\nAxis_Depth_1=-1e30\nAxis_Depth_3=nan\n");
+  });
+  for (const char* name : {"Plot", "GCode", "CNC_Controls"}) {
+    const QMdiSubWindow& frame = Frame_Of(name);
+    EXPECT_TRUE(frame.parentWidget()->rect().contains(frame.geometry())) << name;
+  }
+  Open("part.gc", "G0 X0 Y0\nG1 X1 Y1\n");
+  Click("Command_Update");
+  Click("Command_Zoom_All");
+  // Something can be told from the ground.
+  const QImage seen = Find("Picture1").grab().toImage().convertToFormat(QImage::Format_RGB32);
+  std::set<QRgb> colors;
+  for (int y = 0; y < seen.height(); ++y) {
+    for (int x = 0; x < seen.width(); ++x) colors.insert(seen.pixel(x, y));
+  }
+  EXPECT_GE(colors.size(), 2U);
+}
+
 TEST_F(Windows_Test, Another_Machine_Setup_Is_Taken_Over_And_The_Windows_Speak_Its_Unit) {
   EXPECT_EQ(Find<QLabel>("Label_Axis_Unit_X").text(), "in");
   Replace_File(Folder.File("work/other.ini"),
@@ -80,6 +188,38 @@ TEST_F(Windows_Test, A_Dropped_Program_Is_Opened_What_Is_No_File_Changes_Nothing
     Drop(path);
     EXPECT_EQ(GCodeLineCount(), 2);
     EXPECT_TRUE(scripted.Beeps > beeps || scripted.Boxes.size() > boxes);
+  }
+}
+
+// None of these may take the program that is open with it.
+TEST_F(Windows_Test, A_File_That_Cannot_Be_Loaded_Is_Told_And_The_Program_Stays) {
+  Open("part.gc", "G0 X1\nG0 X2\n");
+  const std::string huge = Write_Program("huge.gc", "G0 X1\n");
+  std::filesystem::resize_file(huge, 2ULL << 30);  // no block of it lies on the disk
+  const std::string vanishing = Write_Program("vanishing.gc", "G0 X1\n");
+  const std::string one_line = Write_Program("picture.gc", std::string(3'000'000, 'X'));
+  struct {
+    std::string Path, Told;
+  } const rows[] = {
+      {huge, "2048 MB"}, {vanishing, "Cannot read"}, {one_line, "line 1 has 3000000"}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.Path);
+    const auto boxes = scripted.Boxes.size();
+    // The loading announces itself after the look whether the file exists.
+    const auto shown = Messages_Host.Panel_Changed;
+    Messages_Host.Panel_Changed = [&](int panel) {
+      shown(panel);
+      if (row.Path == vanishing && Messages.Panel[1] == "Open GCode: Loading File...") {
+        std::filesystem::remove(vanishing);
+      }
+    };
+    Drop(row.Path);
+    Messages_Host.Panel_Changed = shown;
+    ASSERT_EQ(scripted.Boxes.size(), boxes + 1);
+    EXPECT_THAT(scripted.Boxes.back().Text, testing::HasSubstr(row.Told));
+    EXPECT_THAT(scripted.Boxes.back().Text, testing::HasSubstr(row.Path));
+    EXPECT_EQ(GCodeLineCount(), 2);
+    EXPECT_EQ(Text_Of("Text_GCode").trimmed(), "G0 X1\nG0 X2");
   }
 }
 

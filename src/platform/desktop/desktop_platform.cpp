@@ -39,8 +39,6 @@ struct Desktop_State {
   Timer_Id Next_Timer = 1;
   bool Pointer_Busy = false;
   std::function<void()> Before_Box = [] {};
-  Clock::time_point Last_Yield = Clock::now();
-  double Longest_Gap_Ms = 0;
 };
 
 Desktop_State Desktop;
@@ -80,14 +78,6 @@ class Key_Watch : public QObject {
     if (down) Desktop.Keys.Went_Down[place] = true;
   }
 };
-
-void Do_Desktop_Events() {
-  const auto now = Clock::now();
-  const double gap = std::chrono::duration<double, std::milli>(now - Desktop.Last_Yield).count();
-  if (gap > Desktop.Longest_Gap_Ms) Desktop.Longest_Gap_Ms = gap;
-  QCoreApplication::processEvents(QEventLoop::AllEvents);
-  Desktop.Last_Yield = Clock::now();
-}
 
 bool Key_Is_Down(int code) {
   if (code < 0 || code > 255) return false;
@@ -251,9 +241,9 @@ void Install_Desktop_Platform(std::function<void()> before_box) {
   Desktop.Before_Box = std::move(before_box);
   qApp->installEventFilter(new Key_Watch(qApp));
 
-  Platform.Do_Events = Do_Desktop_Events;
-  // The toolkit reads input on a thread of its own and does not tell whether some waits. A yield too
-  // many costs a little time; a Stop button that is not heard would cost more.
+  Platform.Do_Events = [] { QCoreApplication::processEvents(QEventLoop::AllEvents); };
+  // The toolkit reads input on a thread of its own and does not tell whether some waits. A yield
+  // too many costs a little time; a Stop button that is not heard would cost more.
   Platform.Input_Pending = [] { return true; };
   Platform.Start_Timer = Start_Desktop_Timer;
   Platform.Stop_Timer = Stop_Desktop_Timer;
@@ -275,15 +265,6 @@ void Install_Desktop_Platform(std::function<void()> before_box) {
             .count()};
   };
   Platform.Local_Time = Desktop_Local_Time;
-}
-
-double Longest_Yield_Gap_Ms() {
-  return Desktop.Longest_Gap_Ms;
-}
-
-void Reset_Yield_Gap() {
-  Desktop.Last_Yield = Clock::now();
-  Desktop.Longest_Gap_Ms = 0;
 }
 
 }  // namespace norvik

@@ -12,8 +12,4 @@ namespace norvik {
 // input box opens: a box takes the focus, so whatever was held by a key or a button must end.
 void Install_Desktop_Platform(std::function<void()> before_box);
 
-// The longest time between two yields since the last reset, in milliseconds.
-double Longest_Yield_Gap_Ms();
-void Reset_Yield_Gap();
-
 }  // namespace norvik

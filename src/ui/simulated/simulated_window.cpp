@@ -5,15 +5,16 @@
 #include "simulate/virtual_clock.h"
 #include "ui/theme.h"
 
+#include <cmath>
+
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QPushButton>
+#include <QScrollArea>
 #include <QVBoxLayout>
-
-#include <cmath>
 
 namespace norvik {
 
@@ -40,27 +41,53 @@ Simulated_Window::Simulated_Window(QWidget* parent) : QWidget(parent) {
   auto* rows = new QVBoxLayout(this);
   auto* head = new QLabel("SIMULATED MACHINE - no motion takes place");
   head->setFont(Bold_Font(1.0));
-  head->setMargin(Text_Height() / 4);
+  head->setMargin(Text_Height() / 5);
   head->setAlignment(Qt::AlignCenter);
   Set_Face(*head, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
   rows->addWidget(head);
-  rows->addWidget(Build_Axes());
-  rows->addWidget(Build_Inputs());
-  rows->addWidget(Build_Outputs());
-  rows->addWidget(Build_Speed());
-  rows->addWidget(new QLabel("Noticed"));
+
+  auto* content = new QWidget;
+  Columns = new QHBoxLayout(content);
+  Columns->setContentsMargins(0, 0, 0, 0);
+  auto* left = new QVBoxLayout;
+  left->addWidget(Build_Axes());
+  left->addWidget(Build_Speed());
+  left->addStretch(1);
+  auto* right = new QVBoxLayout;
+  right->addWidget(Build_Inputs());
+  right->addWidget(Build_Outputs());
+  right->addWidget(new QLabel("Noticed"));
   Findings = new QListWidget;
   Findings->setObjectName("List_Noticed");
   Findings->setWordWrap(true);
-  Findings->setMinimumHeight(Text_Height() * 4);
-  rows->addWidget(Findings, 1);
+  Findings->setMinimumHeight(Text_Height() * 3);
+  right->addWidget(Findings, 1);
+  Columns->addLayout(left, 2);
+  Columns->addLayout(right, 3);
+  auto* scroll = new QScrollArea;
+  scroll->setWidgetResizable(true);
+  scroll->setFrameShape(QFrame::NoFrame);
+  scroll->setWidget(content);
+  rows->addWidget(scroll, 1);
   Timer = Platform.Start_Timer(Refresh_Ms, [this] {
     if (isVisible()) Show_View();
   });
   Show_View();
 }
 
-Simulated_Window::~Simulated_Window() { Platform.Stop_Timer(Timer); }
+// Two columns where both fit beside each other.
+void Simulated_Window::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  int both = 0;
+  for (int column = 0; column < Columns->count(); ++column) {
+    both += Columns->itemAt(column)->minimumSize().width() + Text_Height();
+  }
+  Columns->setDirection(both <= width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
+}
+
+Simulated_Window::~Simulated_Window() {
+  Platform.Stop_Timer(Timer);
+}
 
 QWidget* Simulated_Window::Build_Axes() {
   auto* group = new QGroupBox("Where the carriages are");
@@ -88,6 +115,9 @@ QWidget* Simulated_Window::Build_Axes() {
     grid->addWidget(row.State, axis, 4);
   }
   grid->setColumnStretch(1, 1);
+  grid->setHorizontalSpacing(Text_Height() / 2);
+  grid->setColumnMinimumWidth(3, QFontMetrics(Axes[1].Rate->font()).horizontalAdvance("-000.0"));
+  grid->setColumnMinimumWidth(4, QFontMetrics(font()).horizontalAdvance("STALLED"));
   return group;
 }
 
@@ -120,7 +150,7 @@ QWidget* Simulated_Window::Build_Inputs() {
 
 QWidget* Simulated_Window::Build_Outputs() {
   auto* group = new QGroupBox("Outputs");
-  auto* row = new QHBoxLayout(group);
+  auto* grid = new QGridLayout(group);
   for (int output = 1; output <= 5; ++output) {
     auto* label = new QLabel(QString::fromStdString(MachineSetup.Output_Names[output]));
     label->setObjectName(QString("Label_Output_%1").arg(output));
@@ -128,7 +158,7 @@ QWidget* Simulated_Window::Build_Outputs() {
     label->setFrameShape(QFrame::StyledPanel);
     label->setMargin(Text_Height() / 5);
     Outputs[static_cast<std::size_t>(output)] = label;
-    row->addWidget(label, 1);
+    grid->addWidget(label, (output - 1) / 3, (output - 1) % 3);
   }
   return group;
 }

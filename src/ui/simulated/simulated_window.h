@@ -4,13 +4,12 @@
 #include "platform/platform.h"
 #include "simulate/simulated_machine.h"
 
+#include <array>
+
 #include <QLabel>
 #include <QWidget>
 
-#include <array>
-
-class QComboBox;
-class QGridLayout;
+class QBoxLayout;
 class QListWidget;
 class QPushButton;
 
@@ -20,6 +19,9 @@ class Simulated_Window : public QWidget {
  public:
   explicit Simulated_Window(QWidget* parent = nullptr);
   ~Simulated_Window() override;
+
+ protected:
+  void resizeEvent(QResizeEvent* event) override;
 
  private:
   QWidget* Build_Axes();
@@ -36,6 +38,7 @@ class Simulated_Window : public QWidget {
   std::array<Axis_Row, 5> Axes{};
   std::array<QPushButton*, 6> Inputs{};
   std::array<QLabel*, 6> Outputs{};
+  QBoxLayout* Columns = nullptr;
   QLabel* Spindle = nullptr;
   QListWidget* Findings = nullptr;
   std::vector<std::string> Shown_Findings;
