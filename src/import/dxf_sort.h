@@ -3,15 +3,13 @@
 // Group by group, rows from the group's first place on:
 //
 //   1. Look through the rows that are left for the open chain that begins nearest to the tool. A
-//   free
-//      end, one that meets no end of another row left, is the end of an open chain. Each row that
-//      is nearer than the best so far changes places with the row in the slot, turned so that its
-//      near end comes first. A row of which only the second end is free counts by its other end
-//      once it is taken; so a later row may replace it although it lies farther.
+//      free end, one that meets no end of another row left, is the end of an open chain. Each row
+//      that is nearer than the best so far changes places with the row in the slot, turned so that
+//      its near end comes first. A row of which only the second end is free counts by its other
+//      end once it is taken; so a later row may replace it although it lies farther.
 //   2. Without a free end anywhere only closed chains are left: the row in the slot begins.
 //   3. Follow the chain: the first row in table order that meets the tool's point and depth takes
-//   the
-//      next place, turned to begin there; when there is none the chain has ended.
+//      the next place, turned to begin there; when there is none the chain has ended.
 //
 // The result depends on the order of the table, through ties as well as through the rows that step
 // 1 moves. `End_Index` answers what meets what, `Record_Walk` finds the candidates of step 1 in

@@ -6,12 +6,10 @@
 //
 // A coordinate with a point is taken as it stands. Without one the format of the setup places it:
 //
-// | `Excellon_Zero_Format` | digits in front of the point                 | decimals             |
-// |------------------------|----------------------------------------------|----------------------|
-// | 1, leading zeros kept  | the first `Excellon_Integer_Format`          | the next             |
-// |                        |                                              |
-// `Excellon_Decimal_Format` | | 2, trailing zeros kept | all but the last `Excellon_Decimal_Format`
-// | those                | | other                  | the number divided by 1000 | |
+//   1, leading zeros kept   the first `Excellon_Integer_Format` characters, the point, the next
+//                           `Excellon_Decimal_Format`
+//   2, trailing zeros kept  the point stands in front of the last `Excellon_Decimal_Format`
+//   any other               the number divided by 1000
 //
 // Short texts are not padded, and a sign counts as a character: under format 1 with 2:3, "+03851"
 // is 0.385. Since a wrong format gives a board that is a power of ten too large, the report

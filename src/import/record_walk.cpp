@@ -184,6 +184,7 @@ void Record_Walk::Scan(std::int32_t allowance) {
     std::int32_t next = block_start + Block;
     for (; hits != 0; hits &= hits - 1) {
       const std::int32_t n = std::countr_zero(hits), place = block_start + n;
+      // The last block is filled up with places that hold no row.
       if (!(near[n] <= High) || place >= Size()) continue;
       const Row_State row = State_At(place);
       if (Rule == Finds::Not_Farther && Shares_Best_Point(row, near[n])) {
