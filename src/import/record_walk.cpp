@@ -3,6 +3,7 @@
 #include "import/import_distance.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
 #include <limits>
 #include <numeric>
@@ -169,8 +170,19 @@ void Record_Walk::Scan(std::int32_t stop) {
   const std::int32_t block_start = block * Block;
   // The last block is filled up with places that hold no row.
   const std::int32_t rows = std::min(Block, Size() - block_start);
-  for (std::int32_t n = At - block_start; n < rows && !Met; ++n) {
-    if (squares[n] <= High && Passes(squares[n], block_start + n)) Take(block_start + n);
+  const auto near_from = [&](std::int32_t first_row) {
+    std::uint32_t near = 0;
+    for (int n = 0; n < Block; ++n) near |= static_cast<std::uint32_t>(squares[n] <= High) << n;
+    return near & ((1U << rows) - (1U << std::min(first_row, rows)));
+  };
+  std::uint32_t near = near_from(At - block_start);
+  while (near != 0 && !Met) {
+    const int n = std::countr_zero(near);
+    near &= near - 1;
+    if (!(squares[n] <= High) || !Passes(squares[n], block_start + n)) continue;
+    const float before = High;
+    Take(block_start + n);
+    if (High > before) near = near_from(n + 1);
   }
   At = block_start + Block;
 }
