@@ -1,13 +1,11 @@
 // gerber_polygon.h: the outlines of lines and pads.
 //
-//         8 ____________________________ 1          half width W, cap S = (full width) / 5.225
-//        /                              \.
-//      7 |  E1 ------------------>  E2  | 2         the long sides run S past the ends,
-//      6 |                              | 3         the blunt tips stand W beyond them
-//        \ ____________________________ /
-//         5                            4
-//
-// Seen along the line, its left is "up" from 5-4 to 8-1 reversed: point 1 lies to the right.
+//         5 ______________________________ 4
+//        /                                  \  .
+//     6 |                                    | 3    half width W, cap S = full width / 5.225:
+//     7 |   E1 ---------------------->  E2   | 2    the long sides run S past the ends,
+//        \ ________________________________ /  .    the blunt tips stand W beyond them
+//         8                                1
 #pragma once
 
 #include "import/gerber_geometry.h"

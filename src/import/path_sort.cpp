@@ -19,15 +19,11 @@ class Path_Sort {
  private:
   // What is known of a row since it last changed its place.
   struct Turn {
-    std::int32_t Place = 0;
-    std::int32_t Slots = 0;  // places filled by then
+    std::int32_t Slots = 0;  // filled by then
     bool Second = false;     // it started at its second end then
   };
   static std::size_t Index(std::int32_t n) { return static_cast<std::size_t>(n); }
-  bool Starts_At_Second(const Point& position, std::int32_t row) const;
-  bool Was_Looked_At(std::int32_t row, std::size_t slot) const {
-    return !To_Meeting || Looked_To[slot] > Turns[Index(row)].Place;
-  }
+  bool Starts_At_Second(std::int32_t row, std::int32_t place) const;
   void Place_Next(std::int32_t slot);
   void Keep_Turns(std::int32_t slot, std::int32_t row_before);
 
@@ -54,42 +50,42 @@ Path_Sort::Path_Sort(const std::vector<Point>& points, Path_Rows rows)
   if (!To_Meeting) return;
   Walk.End_At_Meeting();
   Turns.resize(Index(Walk.Size()));
-  for (std::int32_t row = 0; row < Walk.Size(); ++row) Turns[Index(row)].Place = row;
   Looked_To.assign(Index(Walk.Size()), 0);
 }
 
 // Every row that is looked at is turned. Where its ends are equally far the row stays as the slot
-// before had turned it, and before the first slot as it was given. Asked for rows that were looked
-// at for the present slot, the last of Passed.
-bool Path_Sort::Starts_At_Second(const Point& position, std::int32_t row) const {
+// before had turned it, and before the first slot as it was given. Asked for rows that are looked
+// at for the present slot, the last of Passed, and stood at `place` until then.
+bool Path_Sort::Starts_At_Second(std::int32_t row, std::int32_t place) const {
   const Point &first = Walk.End_At(row * 2), &second = Walk.End_At(row * 2 + 1);
   const auto compare = [&](const Point& from) {
     const double root_1 = std::sqrt(Distance_Square(from.X, from.Y, first.X, first.Y));
     const double root_2 = std::sqrt(Distance_Square(from.X, from.Y, second.X, second.Y));
     return root_2 < root_1 ? 1 : root_1 < root_2 ? -1 : 0;
   };
-  int order = compare(position);
   if (first.X == second.X && first.Y == second.Y) return false;
+  int order = compare(Passed.back());
   const Turn known = To_Meeting ? Turns[Index(row)] : Turn{};
   for (std::size_t n = Passed.size() - 1; order == 0 && n > Index(known.Slots); --n) {
-    if (Was_Looked_At(row, n - 1)) order = compare(Passed[n - 1]);
+    const bool looked_at = !To_Meeting || Looked_To[n - 1] > place;
+    if (looked_at) order = compare(Passed[n - 1]);
   }
   return order == 0 ? known.Second : order > 0;
 }
 
-// Notes where the search has left the rows that it moved.
+// Notes how the search has left the rows that it moved.
 void Path_Sort::Keep_Turns(std::int32_t slot, std::int32_t row_before) {
-  const auto keep = [&](std::int32_t row) {
-    Turns[Index(row)] = {Walk.Place_Of(row), slot + 1, Starts_At_Second(Passed.back(), row)};
-  };
-  keep(row_before);
-  for (const std::int32_t row : Walk.Rows_Found()) keep(row);
+  Turns[Index(row_before)] = {slot + 1, Starts_At_Second(row_before, slot)};
+  for (const Record_Walk::Found_Row& found : Walk.Rows_Found()) {
+    const auto exact = [&] { return Starts_At_Second(found.Row, found.Place); };
+    Turns[Index(found.Row)] = {slot + 1, found.Second_Nearer(exact)};
+  }
 }
 
 void Path_Sort::Place_Next(std::int32_t slot) {
   const Point position = Passed.back();
   const std::int32_t row = Walk.Row_In(slot);
-  const bool second = !Single && Starts_At_Second(position, row);
+  const bool second = !Single && Starts_At_Second(row, slot);
   const Point& start = Walk.End_At(row * 2 + (second ? 1 : 0));
   const bool meets = To_Meeting && start.X == position.X && start.Y == position.Y;
   if (!meets) Walk.Find(position, slot, slot + 1, start);
@@ -108,7 +104,7 @@ std::vector<Path_Step> Path_Sort::Run(Point& position,
     Passed.push_back(position);
     Place_Next(slot);
     const std::int32_t row = Walk.Row_In(slot);
-    const bool reversed = !Single && Starts_At_Second(position, row);
+    const bool reversed = !Single && Starts_At_Second(row, slot);
     steps.push_back({row, reversed});
     position = Walk.End_At(row * 2 + (reversed ? 0 : 1));
     Walk.Switch(row * 2, false);

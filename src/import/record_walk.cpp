@@ -78,11 +78,9 @@ double Record_Walk::Exact_Root(const Row_State& row) const {
   return std::sqrt(square);
 }
 
-// The margins are far wider than what rounding and underflow can hide in either square.
 inline void Record_Walk::Set_Best(float rough_square) {
-  constexpr float less = 1 - 1e-5F, more = 1 + 1e-5F, smallest = 1e-36F;
-  Low = rough_square * less - smallest;
-  High = rough_square * more + smallest;
+  Low = rough_square * Less - Smallest;
+  High = rough_square * More + Smallest;
   Root = -1;
 }
 
@@ -152,7 +150,9 @@ inline void Record_Walk::Take(std::int32_t place, const Row_State& row, float ne
   Carried = found;
   Last_Found = place;
   if (Ends_At_Meeting) {
-    Found.push_back(found.Start / 2);
+    Found.push_back({found.Start / 2,
+                     place,
+                     {Rough_Square(found.X[0], found.Y[0]), Rough_Square(found.X[1], found.Y[1])}});
     for (const int side : {0, 1}) Met |= found.X[side] == Centre.X && found.Y[side] == Centre.Y;
   }
   Near = near_square;

@@ -62,14 +62,27 @@ class Record_Walk {
   void Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
             Point_Tree::Point best);
 
-  // Of the last search where a meeting ends it: the rows found, in order, and one past the last
+  // A row found, where it stood and the rough squares of its ends.
+  struct Found_Row {
+    std::int32_t Row = 0, Place = 0;
+    float Squares[2] = {};
+    // Whether its second end is nearer; `exact` is asked where the rough squares cannot tell.
+    template <class Exact>
+    bool Second_Nearer(const Exact& exact) const {
+      if (Squares[1] < Squares[0] * Less - Smallest) return true;
+      return !(Squares[0] < Squares[1] * Less - Smallest) && exact();
+    }
+  };
+  // Of the last search, where a meeting ends it: the rows found, in order, and one past the last
   // place looked at.
-  const std::vector<std::int32_t>& Rows_Found() const { return Found; }
+  const std::vector<Found_Row>& Rows_Found() const { return Found; }
   std::int32_t Looked_To() const { return Met ? Last_Found + 1 : Size(); }
 
  private:
   static constexpr std::int32_t Block = 32;
   static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
+  // Margins far wider than what rounding and underflow can hide in a rough square.
+  static constexpr float Less = 1 - 1e-5F, More = 1 + 1e-5F, Smallest = 1e-36F;
 
   // Thirty-two places. Ends that are off, and those of places behind the last row, are infinite.
   struct Place_Block {
@@ -111,7 +124,7 @@ class Record_Walk {
   float Near = 0;           // rough square of the near end of Carried
   std::int32_t At = 0, Last_Found = 0;
   bool Met = false;  // the row found last starts at the point itself and ends the search
-  std::vector<std::int32_t> Found;   // where a meeting ends the search
+  std::vector<Found_Row> Found;
   std::vector<std::int32_t> Answer;  // places in ascending order
   std::vector<Point_Tree::Number> Points;
 };
