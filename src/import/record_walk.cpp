@@ -144,17 +144,20 @@ void Record_Walk::Turn_Carried() {
   }
 }
 
+void Record_Walk::Note_Found() {
+  const Row_State& row = Carried;
+  Found.push_back({row.Start / 2,
+                   Last_Found,
+                   {Rough_Square(row.X[0], row.Y[0]), Rough_Square(row.X[1], row.Y[1])}});
+  for (const int side : {0, 1}) Met |= row.X[side] == Centre.X && row.Y[side] == Centre.Y;
+}
+
 inline void Record_Walk::Take(std::int32_t place, const Row_State& row, float near_square) {
   const Row_State found = row;  // `row` may lie where the next line writes
   Put_State(place, Carried);
   Carried = found;
   Last_Found = place;
-  if (Ends_At_Meeting) {
-    Found.push_back({found.Start / 2,
-                     place,
-                     {Rough_Square(found.X[0], found.Y[0]), Rough_Square(found.X[1], found.Y[1])}});
-    for (const int side : {0, 1}) Met |= found.X[side] == Centre.X && found.Y[side] == Centre.Y;
-  }
+  if (Ends_At_Meeting) Note_Found();
   Near = near_square;
   Set_Best(near_square);
   Root = Found_Root;

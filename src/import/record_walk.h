@@ -105,6 +105,7 @@ class Record_Walk {
   bool Shares_Best_Point(const Row_State& row, float near_square) const;
   void Take(std::int32_t place, const Row_State& row, float near_square);
   void Turn_Carried();
+  void Note_Found();
   void Scan(std::int32_t allowance);
   bool Ask_Tree();
   void Walk_Answer();

@@ -16,6 +16,10 @@
 // 2. Time lost inside a wait, because the system ran something else, is paid back by the waits that
 //    follow, each shorter by a 64th and by a microsecond at most, so that a motor sees no jump of
 //    its speed; what a loss has above the limit is not.
+// 3. Up to a 2000th of the time may be lost for good and is paid back only beyond. A
+//    period of which a whole number makes a tick of the system's timer would otherwise stay where
+//    it is beside the ticks, and when one of them falls on a wait's end, all do. So the period
+//    slips out of their way.
 #pragma once
 
 #include <algorithm>
@@ -26,8 +30,9 @@ namespace norvik {
 // Feeds on the times around each wait; one instance for each loop that waits.
 class Period_Keeper {
  public:
-  static constexpr std::int64_t Microsecond = 1'000;     // ns
-  static constexpr std::int64_t Debt_Limit = 5'000'000;  // ns
+  static constexpr std::int64_t Microsecond = 1'000;                              // ns
+  static constexpr std::int64_t Debt_Limit = 5'000'000;                           // ns
+  static constexpr std::int64_t Allowance_Part = 2000, Allowance_Limit = 50'000;  // ns
 
   // When a wait that begins at `now` is to end; all in ns of one clock.
   std::int64_t Deadline(std::int64_t now, std::int64_t asked, std::int64_t period) {
@@ -42,13 +47,18 @@ class Period_Keeper {
 
   // The wait has ended at `now`.
   void Ended(std::int64_t now) {
-    Debt = std::min(Debt + std::max<std::int64_t>(now - Due, 0), Debt_Limit);
+    Allowance = std::min(Allowance + (now - Last_End) / Allowance_Part, Allowance_Limit);
+    const std::int64_t lost = std::max<std::int64_t>(now - Due, 0);
+    const std::int64_t let_go = std::min(lost, Allowance);
+    Allowance -= let_go;
+    Debt = std::min(Debt + lost - let_go, Debt_Limit);
     Last_End = now;
   }
 
  private:
   std::int64_t Last_End = 0, Due = 0;
-  std::int64_t Debt = 0;  // lost in waits and not paid back yet
+  std::int64_t Debt = 0;       // lost in waits and not paid back yet
+  std::int64_t Allowance = 0;  // may still be lost for good
 };
 
 }  // namespace norvik
