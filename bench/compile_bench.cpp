@@ -88,8 +88,7 @@ struct Yield_Clock {
   double Last = Cpu_Seconds(), Longest = 0;
 };
 
-// --- The compile
-// ----------------------------------------------------------------------------------
+// --- The compile ---------------------------------------------------------------------------------
 
 struct Paths {
   std::string Program, LineArc_File, Wire_File, Scratch;
@@ -105,8 +104,7 @@ void Compile(const Paths& paths) {
   if (!CompileProgram()) std::printf("  the compile failed: %s\n", Messages.LastMessage.c_str());
 }
 
-// --- The floor
-// ------------------------------------------------------------------------------------
+// --- The floor -----------------------------------------------------------------------------------
 
 // Letters and numbers of the text, once from left to right.
 double Scan(const std::string& text) {
@@ -209,8 +207,7 @@ double Bare_Read(const std::string& path) {
 
 volatile double Sink;
 
-// --- Reports
-// --------------------------------------------------------------------------------------
+// --- Reports -------------------------------------------------------------------------------------
 
 void Report_Tables(const Paths& paths, const Table<Wire>& wires) {
   const double write = Best([&] { Write_Wire_Table(paths.Scratch, wires); });

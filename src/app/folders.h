@@ -1,14 +1,13 @@
 // folders.h: where the program keeps its files.
 //
-// | what                                   | desktop                    | companion with --home DIR
-// |
-// |----------------------------------------|----------------------------|---------------------------|
-// | working folder: machine file, tools,   | $XDG_DATA_HOME/norvik      | DIR | |   scratch files,
-// error log             |   (~/.local/share/norvik)  |                           | | pointer file
-// Norvik.Ini                | $XDG_CONFIG_HOME/norvik    | DIR                       | | |
-// (~/.config/norvik)       |                           | | compile tables and traces              |
-// `Table_Directory` of section `Platform` of the pointer | | |   file; without it the working
-// folder                  |
+//   what                               desktop                   companion with --home DIR
+//   ------------------------------------------------------------------------------------------
+//   working folder: machine file,      $XDG_DATA_HOME/norvik     DIR
+//     tools, scratch files, error log    (~/.local/share/norvik)
+//   pointer file Norvik.Ini            $XDG_CONFIG_HOME/norvik   DIR
+//                                        (~/.config/norvik)
+//   compile tables and traces          `Table_Directory` of section `Platform` of the pointer file;
+//                                        without it the working folder
 //
 // The desktop enters its working folder; the companion stays where it was called, so that the names
 // on its command line mean what they say.

@@ -129,8 +129,7 @@ void Tell_Outputs(const Block_Event& event, Check_Memory& memory, const Report_F
   }
 }
 
-// --- Drill cycles
-// ---------------------------------------------------------------------------------
+// --- Drill cycles --------------------------------------------------------------------------------
 
 struct Cycle_Depth {
   double R = 0, Plane = 0, Bottom = 0;  // R as taken, heights of the plane and of the bottom

@@ -42,8 +42,7 @@ std::string Shown(const Meant_Word& word) {
   return word.Letter + std::string(word.Number.substr(0, 40));
 }
 
-// --- The programmer's reading
-// ---------------------------------------------------------------------
+// --- The programmer's reading --------------------------------------------------------------------
 
 char Closer_Of(char opener) {
   return opener == '(' ? ')' : opener == '[' ? ']' : '}';
@@ -146,8 +145,7 @@ bool Is_Number(std::string_view text) {
   return Try_Number(text).has_value();
 }
 
-// --- Blocks that are lost
-// -------------------------------------------------------------------------
+// --- Blocks that are lost ------------------------------------------------------------------------
 
 // A G or M word that is no number up to the next blank loses the block.
 bool Tell_Codes_Run_Together(const Line_Check& check) {
@@ -203,8 +201,7 @@ void Tell_Lost_Block(const Line_Check& check) {
   check.Tell(Check_Kind::Block_Fails, 0, Lost_Because(*check.Outcome.Failure));
 }
 
-// --- Words that arrive otherwise
-// ------------------------------------------------------------------
+// --- Words that arrive otherwise -----------------------------------------------------------------
 
 int Word_Place(char letter) {
   const auto place = std::string_view(word::Letters).find(letter);
@@ -281,8 +278,7 @@ void Take_Out_Swallowed(std::string_view text, Meant_Line& meant, const Report_F
   std::erase_if(meant.Unread, swallowed);
 }
 
-// --- What is never read
-// ---------------------------------------------------------------------------
+// --- What is never read --------------------------------------------------------------------------
 
 void Tell_Unread(const Line_Check& check) {
   for (const Meant_Word& word : check.Meant.Words) {
@@ -300,8 +296,7 @@ void Tell_Unread(const Line_Check& check) {
   }
 }
 
-// --- Codes
-// ----------------------------------------------------------------------------------------
+// --- Codes ---------------------------------------------------------------------------------------
 
 bool Is_User_Output(std::int16_t number) {
   const User_Output_Codes& codes = Current_User_Output_Codes();
@@ -348,8 +343,7 @@ void Tell_Code(const Line_Check& check, const Meant_Word& word) {
              Shown(word) + " (" + std::string(code.Title) + ") has no effect", code.Instead);
 }
 
-// --- Numbers and words
-// ----------------------------------------------------------------------------
+// --- Numbers and words ---------------------------------------------------------------------------
 
 void Tell_Rounding(const Line_Check& check, const Meant_Word& word) {
   const auto written = Try_Number(word.Number);

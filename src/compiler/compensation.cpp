@@ -33,8 +33,7 @@ bool Moves(const LineArc& record) {
   return record.RecordType == Record_Type::Line || record.RecordType == Record_Type::Arc;
 }
 
-// --- What the operator reads
-// ----------------------------------------------------------------------
+// --- What the operator reads ---------------------------------------------------------------------
 
 std::string Line_And_Text(const LineArc& record) {
   return std::to_string(record.LineNumber) + ", " + std::string(record.SourceText);
@@ -97,8 +96,7 @@ class Pass_Progress {
   std::size_t Rows, Next = 0;
 };
 
-// --- First stage: one record moved aside
-// ----------------------------------------------------------
+// --- First stage: one record moved aside ---------------------------------------------------------
 
 double To_Left(double radius, std::int16_t mode) {
   return mode == Left ? radius : -radius;
@@ -115,8 +113,7 @@ bool Nist_Add_Radius_to_Arc(Element& arc, double radius, std::int16_t mode) {
   return arc.Too_Tight;
 }
 
-// --- The pass
-// -------------------------------------------------------------------------------------
+// --- The pass ------------------------------------------------------------------------------------
 
 // Records First..Last - 1 that share mode and radius, without the control records behind them.
 struct Stretch {

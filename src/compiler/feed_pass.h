@@ -49,9 +49,8 @@ bool NIST_Optimus_Rates(const std::string& wirePath);
 // is logged as "GetMotionAngleVelocity_Error # " and keeps what it had got.
 void Plan_Rates(Record_List<Wire>& wires);
 
-// --- The small formulas
-// --------------------------------------------------------------------------- Each raises a
-// division fault where its divisor is 0.
+// --- The small formulas --------------------------------------------------------------------------
+// Each raises a division fault where its divisor is 0.
 struct Ramp {
   double Scale = 0;  // steps per unit of the major axis
   double Rate = 0;   // hertz a step

@@ -99,8 +99,7 @@ class Checker {
   std::vector<Pending_Arc> Arcs;
 };
 
-// --- Findings
-// -------------------------------------------------------------------------------------
+// --- Findings ------------------------------------------------------------------------------------
 
 void Checker::Report(Check_Place place, Check_Kind kind, std::size_t column, std::string what,
                      std::string_view instead) {
@@ -139,8 +138,7 @@ Check_Place Checker::Place_Of(std::string_view text) const {
   return {Files.back().Macro, static_cast<std::int32_t>(line - lines.begin()) + 1};
 }
 
-// --- Blocks
-// ---------------------------------------------------------------------------------------
+// --- Blocks --------------------------------------------------------------------------------------
 
 void Checker::Read_Block(std::string_view text) {
   const Check_Place place = Place_Of(text);
@@ -175,8 +173,7 @@ void Checker::Check_Arc_Walks() {
   }
 }
 
-// --- Macros
-// ---------------------------------------------------------------------------------------
+// --- Macros --------------------------------------------------------------------------------------
 
 void Checker::Tell_Macro_Number(Check_Place place, const std::string& number) {
   const auto value = Try_Number(number);
@@ -242,8 +239,7 @@ void Checker::Macro_Begin(std::int16_t macro, const Macro_Text& text) {
                 [&](std::int32_t line) { return text.Lines[static_cast<std::size_t>(line - 1)]; });
 }
 
-// --- Repeats
-// --------------------------------------------------------------------------------------
+// --- Repeats -------------------------------------------------------------------------------------
 
 template <class Line_At>
 void Checker::Check_Repeats(std::optional<std::int16_t> macro, std::int32_t count,
@@ -283,8 +279,7 @@ void Checker::Check_Repeats(std::optional<std::int16_t> macro, std::int32_t coun
   }
 }
 
-// --- The program as a whole
-// -----------------------------------------------------------------------
+// --- The program as a whole ----------------------------------------------------------------------
 
 void Check_Travel(const Record_List<Wire>& wires,
                   const std::function<void(std::int32_t line, std::string what)>& report) {

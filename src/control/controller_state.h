@@ -3,18 +3,17 @@
 // One thread: a handler that runs in a yield of a move sets flags here, the routine that yielded
 // reads them when it comes back.
 //
-// | flag              | set by                          | read by                | cleared by |
-// |-------------------|---------------------------------|------------------------|-------------------|
-// | Panel_Busy        | each operation of the panel     | every operation        | the same, at end
-// | | Controller_Active | NIST_CNC_Controller             | jogs, displays         | the same, at
-// end  | | Program_Busy      | a pass of the run loop          | other windows          | its end,
-// Stop     | | Stop_Request      | CNC_Stop, a drive that stopped  | waits, Execute_Step,   | start
-// of the next | |                   |                                 | Home, ReTool           |
-// operation, E-stop | |                   |                                 | | button            |
-// | Retool_Request    | CNC_Retool                      | NIST_CNC_Controller    | the same | |
-// From_Rest         | buttons Play and Step           | Execute_Step           | first wire with |
-// |                   |                                 |                        | steps | |
-// Jog_Held          | press of a jog without end      | release, jog guard     | end of the jog |
+//   flag               set by                        read by             cleared by
+//   ------------------------------------------------------------------------------------------
+//   Panel_Busy         each operation of the panel   every operation     the same, at its end
+//   Controller_Active  NIST_CNC_Controller           jogs, displays      the same, at its end
+//   Program_Busy       a pass of the run loop        other windows       its end, Stop
+//   Stop_Request       CNC_Stop, a drive that        waits, Home,        start of the next
+//                      stopped                       Execute_Step,       operation, the E-stop
+//                                                    ReTool              button
+//   Retool_Request     CNC_Retool                    NIST_CNC_Controller the same
+//   From_Rest          buttons Play and Step         Execute_Step        first wire with steps
+//   Jog_Held           press of a jog without end    release, jog guard  end of the jog
 //
 // Lengths in units of the setup, speeds in units per minute, times in seconds. Axes 1..4.
 #pragma once

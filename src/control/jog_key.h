@@ -5,10 +5,10 @@
 //
 //   KeyJog_KeyValue_<n>   7: Y+ X-    3: Y+    1: X+...   the roles by n stand in jog_key.cpp
 //
-// | flag       | set by                  | read by                   | cleared by                 |
-// |------------|-------------------------|---------------------------|----------------------------|
-// | Key_Moving | key down                | key down (key repeat)     | key up, focus lost         |
-// | Key_Busy   | a jog of this window    | every other operation     | end of the jog             |
+//   flag        set by               read by                cleared by
+//   ------------------------------------------------------------------------------------------
+//   Key_Moving  key down             key down (key repeat)  key up, focus lost
+//   Key_Busy    a jog of the window  every other operation  end of the jog
 #pragma once
 
 #include "control/form_controls.h"

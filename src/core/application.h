@@ -1,10 +1,10 @@
 // application.h: what lives as long as the process: folders, files and the process-wide flags.
 //
-// | flag              | set by                              | read by            | cleared by |
-// |-------------------|-------------------------------------|--------------------|-----------------------|
-// | EscFlag           | ESC poll, failed serial move        | every long loop    | whoever consumes
-// it   | | ShutdownFlag      | bye                                 | timers, run loop   | never |
-// | Closing_Program   | bye                                 | run loop, waits    | never |
+//   flag             set by                        read by           cleared by
+//   ------------------------------------------------------------------------------------------
+//   EscFlag          ESC poll, failed serial move  every long loop   whoever consumes it
+//   ShutdownFlag     bye                           timers, run loop  never
+//   Closing_Program  bye                           run loop, waits   never
 #pragma once
 
 #include "core/indexed.h"

@@ -31,8 +31,7 @@ std::string Bit_Text(const std::optional<int>& bit) {
   return bit ? std::to_string(*bit) : Not_Used;
 }
 
-// --- Pin and place
-// ---------------------------------------------------------------------------------
+// --- Pin and place -------------------------------------------------------------------------------
 
 const Connector_Line* Line_Of_Pin(const std::string& pin, bool input) {
   for (const Connector_Line& line : Connector_Lines) {
@@ -73,8 +72,7 @@ void Check_Row_Port(Port_Setup_Row& row, std::int32_t stored, bool input) {
   row.Pin = Pin_Of_Place(row, input);
 }
 
-// --- Load and save
-// -----------------------------------------------------------------------------------
+// --- Load and save -------------------------------------------------------------------------------
 
 template <class Row_Table, class Port_Table, class Bit_Table, class Invert_Table>
 void Show_Rows(Row_Table& rows, const Port_Table& ports, const Bit_Table& bits,

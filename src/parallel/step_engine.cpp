@@ -22,8 +22,7 @@ Drive_Host_Operations Drive_Host;
 
 namespace {
 
-// --- Set-up
-// ------------------------------------------------------------------------------------------
+// --- Set-up --------------------------------------------------------------------------------------
 
 void Switch_Outputs(const Step_Request& request) {
   for (int n = 1; n <= 5; ++n) {
@@ -128,8 +127,7 @@ void Plan_Move(const Step_Request& request) {
   e.Phase = false;
 }
 
-// --- One iteration
-// -----------------------------------------------------------------------------------
+// --- One iteration -------------------------------------------------------------------------------
 
 // Blocks the moving axes whose switch is on and that travel the way they went when it was last off,
 // and notes the free direction of the others. False: an axis is blocked, the move ends.
@@ -211,8 +209,7 @@ Move_End Step_Loop(const Step_Request& request) {
   return Move_End::Done;
 }
 
-// --- End
-// ---------------------------------------------------------------------------------------------
+// --- End -----------------------------------------------------------------------------------------
 
 void Check_End_Rate() {
   if (std::abs(Step_Engine.Current_IPM - Step_Engine.IPM_En) <= 1.5) return;

@@ -23,13 +23,13 @@
 //   IPM_En                        \          both tests are independent; never above Rn_Limit
 //               1    RampUp_Val  RampDN_Val  2 x MaxSteps
 //
-// | flag                      | set by                    | read by       | cleared by |
-// |---------------------------|---------------------------|---------------|------------------------|
-// | Machine.Jog_Stop_Request  | callers: true for a move; | step loop     | a jog's release: false
-// | |   (false = released)      | the loop when it ended    |               | | |
-// Machine.EStop_Flag        | panel, in a yield         | step loop     | panel                  |
-// | Application.EscFlag       | any ESC poll              | step loop     | whoever consumes it |
-// | Pins.Axis_Stepping        | set-up of a move          | motor timer   | end of the move |
+//   flag                       set by                         read by      cleared by
+//   ------------------------------------------------------------------------------------------
+//   Machine.Jog_Stop_Request   callers: true for a move;      step loop    a jog's release: false,
+//     (false: jog released)    the loop when it has ended                  which ends the move
+//   Machine.EStop_Flag         panel, in a yield              step loop    panel
+//   Application.EscFlag        any ESC poll                   step loop    whoever consumes it
+//   Pins.Axis_Stepping         set-up of a move               motor timer  end of the move
 #pragma once
 
 #include "core/indexed.h"

@@ -64,9 +64,8 @@ void Store_Time_Constant();
 // said once for each level in the message list and status panel 1.
 void Set_Application_Priority(int level);
 
-// --- Controls of the panel
-// ------------------------------------------------------------------------- Command_TC_Adjust:
-// index 0 raises the time constant by one, 1 lowers it, within its bounds.
+// --- Controls of the panel -----------------------------------------------------------------------
+// Command_TC_Adjust: index 0 raises the time constant by one, 1 lowers it, within its bounds.
 void Command_TC_Adjust(int index);
 // Label_Time_Constant: asks for a new value.
 void Label_Time_Constant_Click();

@@ -11,11 +11,11 @@
 //   PanActive          click: the point becomes the centre         stays armed
 //   HighlightEnabled   drag:  a line that measures and finds the element that it crosses
 //
-// | flag               | set by                     | read by           | cleared by |
-// |--------------------|----------------------------|-------------------|----------------------------|
-// | ZoomWindowDragging | press with a zoom window   | mouse move        | release, any tool change
-// | | LineDragging       | press with HighlightEnabled| mouse move        | release | |
-// HighlightEnabled   | right button, Refresh, ESC | press, mouse move | arming a tool |
+//   flag                set by                       read by            cleared by
+//   ------------------------------------------------------------------------------------------
+//   ZoomWindowDragging  press with a zoom window     mouse move         release, any tool change
+//   LineDragging        press with HighlightEnabled  mouse move         release
+//   HighlightEnabled    right button, Refresh, ESC   press, mouse move  arming a tool
 //
 // Units: window units are 15 to a pixel; angles of the up-downs are degrees.
 #pragma once

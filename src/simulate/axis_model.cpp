@@ -42,8 +42,7 @@ void Note(Finding_Kind kind, int axis, std::int64_t time, const char* words) {
   if (Count_Finding(kind, axis, time)) Word_Finding(words);
 }
 
-// --- Driver
-// ------------------------------------------------------------------------------------------
+// --- Driver --------------------------------------------------------------------------------------
 
 // Whether the driver passes the step on; what is wrong with its timing is noted.
 bool Driver_Takes(int axis, std::int64_t time) {
@@ -71,8 +70,7 @@ bool Driver_Takes(int axis, std::int64_t time) {
   return taken;
 }
 
-// --- Motor
-// -------------------------------------------------------------------------------------------
+// --- Motor ---------------------------------------------------------------------------------------
 
 void Begin_Stall(int axis, std::int64_t time, Finding_Kind kind, const std::string& words) {
   Simulated_Axis& a = Simulated_Machine.Axes[axis];
@@ -119,8 +117,7 @@ bool Motor_Follows(int axis, std::int64_t time) {
   return !a.Stalled;
 }
 
-// --- Carriage
-// ----------------------------------------------------------------------------------------
+// --- Carriage ------------------------------------------------------------------------------------
 
 // Carriage position after one motor step.
 struct Step_Result {

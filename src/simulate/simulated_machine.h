@@ -33,8 +33,7 @@
 
 namespace norvik {
 
-// --- Axes
-// --------------------------------------------------------------------------------------------
+// --- Axes ----------------------------------------------------------------------------------------
 
 struct Simulated_Axis_Settings {
   // Travel between the end switches, units; the hard stops lie `Overtravel` further out. Without
@@ -85,8 +84,7 @@ struct Simulated_Axis {
   double Quiet_From = 0, Quiet_To = 0;
 };
 
-// --- Inputs
-// ------------------------------------------------------------------------------------------
+// --- Inputs --------------------------------------------------------------------------------------
 
 // How the contact is wired to ground under a pull-up. `Matches_Setup` is what the invert flag of
 // the setup expects.
@@ -115,8 +113,7 @@ struct Simulated_Input {
   std::int64_t Changed = 0;
 };
 
-// --- Outputs
-// -----------------------------------------------------------------------------------------
+// --- Outputs -------------------------------------------------------------------------------------
 
 struct Simulated_Output {
   bool On = false;
@@ -130,8 +127,7 @@ struct Simulated_Spindle {
   std::int64_t Time = 0;
 };
 
-// --- The machine
-// -------------------------------------------------------------------------------------
+// --- The machine ---------------------------------------------------------------------------------
 
 enum class Read_Back { Latch, Zero, Ones };  // what a read of an output register answers
 

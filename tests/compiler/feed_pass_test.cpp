@@ -198,8 +198,7 @@ TEST(Feed_Formulas, Worked_By_Hand) {
   EXPECT_THROW(SplitCruise(ramp, 1, 0, 0), Fault);
 }
 
-// --- Any program
-// ----------------------------------------------------------------------------------
+// --- Any program ---------------------------------------------------------------------------------
 
 // Chains of every kind: long and short, straight and bent, with commands, standing wires and axes
 // never given.
@@ -306,8 +305,7 @@ TEST_F(Feed_Pass, Speeds_Join_And_Keep_The_Limits) {
   }
 }
 
-// --- The pass around it
-// ---------------------------------------------------------------------------
+// --- The pass around it --------------------------------------------------------------------------
 
 struct Feed_Pass_Run : Feed_Pass {
   Feed_Pass_Run() : Path(testing::TempDir() + std::to_string(::getpid()) + "norvik_feed_pass.csv") {

@@ -15,8 +15,7 @@ std::string Repeated(const std::string& text, int count) {
   return all;
 }
 
-// --- Program text
-// ---------------------------------------------------------------------------------
+// --- Program text --------------------------------------------------------------------------------
 
 struct Text_Row {
   const char* Text;
@@ -52,8 +51,7 @@ TEST_F(Line_Pass_Test, Saved_changes_are_the_program) {
   GCode_Program = {};
 }
 
-// --- Progress and ESC
-// -----------------------------------------------------------------------------
+// --- Progress and ESC ----------------------------------------------------------------------------
 
 TEST_F(Line_Pass_Test, Yields_once_more_than_a_hundred_lines_are_done) {
   Compile(Repeated("X1\n", 100));
@@ -105,8 +103,7 @@ TEST_F(Line_Pass_Test, A_compile_within_a_yield_does_nothing) {
   EXPECT_TRUE(refused);
 }
 
-// --- Wrong input
-// ----------------------------------------------------------------------------------
+// --- Wrong input ---------------------------------------------------------------------------------
 
 TEST_F(Line_Pass_Test, Garbage_is_logged_and_passed_over) {
   std::mt19937 random(7);
@@ -173,8 +170,7 @@ TEST_F(Line_Pass_Test, Reading_clean_lines_allocates_nothing) {
   EXPECT_EQ(Allocation_Count(), before);
 }
 
-// --- Properties of generated programs
-// -------------------------------------------------------------
+// --- Properties of generated programs ------------------------------------------------------------
 
 // Lines of well-formed words, each a text of its own.
 class Program_Maker {

@@ -131,8 +131,7 @@ TEST_F(Line_Pass_Test, Cutting_leaves_what_no_word_used_up) {
   EXPECT_EQ(left, "E5 X2 ;UV");
 }
 
-// --- Against the reference
-// ------------------------------------------------------------------------
+// --- Against the reference -----------------------------------------------------------------------
 
 class Line_Maker {
  public:

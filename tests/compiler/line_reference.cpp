@@ -12,8 +12,7 @@ namespace norvik {
 
 namespace {
 
-// --- Text functions with positions from 1
-// ---------------------------------------------------------
+// --- Text functions with positions from 1 --------------------------------------------------------
 
 int Length(const std::string& text) {
   return static_cast<int>(text.size());
@@ -40,8 +39,7 @@ std::string Middle(const std::string& text, int from, int count) {
   return text.substr(static_cast<std::size_t>(from - 1), static_cast<std::size_t>(count));
 }
 
-// --- The reader
-// -----------------------------------------------------------------------------------
+// --- The reader ----------------------------------------------------------------------------------
 
 struct Reference_Reader {
   Block& Result;

@@ -29,8 +29,7 @@ const Importer Importers[] = {
      {"G00 X000.000 Y000.000", "M05", "M09", "[END OF PROGRAM]"}},
 };
 
-// --- Samples: every kind of entity or command, again and again
-// ------------------------------------
+// --- Samples: every kind of entity or command, again and again -----------------------------------
 
 std::string Pairs(std::initializer_list<const char*> values) {
   std::string text;
@@ -87,8 +86,7 @@ std::string Sample_Of(const Importer& importer, int rounds) {
                           : Excellon_Sample(rounds);
 }
 
-// --- Programs
-// -------------------------------------------------------------------------------------
+// --- Programs ------------------------------------------------------------------------------------
 
 class Wrong_Input : public Import_Test, public ::testing::WithParamInterface<Importer> {
  protected:
@@ -260,8 +258,7 @@ TEST_P(Wrong_Input, What_cannot_be_read_or_written_is_told) {
   EXPECT_EQ(Report().find("nothing was opened") == std::string::npos, Opened == 1);
 }
 
-// --- Sizes
-// ----------------------------------------------------------------------------------------
+// --- Sizes ---------------------------------------------------------------------------------------
 
 TEST_F(Import_Test, Half_a_million_entities_are_read) {
   constexpr int entities = 500'000;

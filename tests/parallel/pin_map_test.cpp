@@ -157,8 +157,7 @@ TEST_F(Pin_Map_Test, Blocked_And_Backlash_Toggles_Do_Not_Count) {
   EXPECT_EQ(scripted.Ports[888], 1);
 }
 
-// --- Motors
-// ------------------------------------------------------------------------------------------
+// --- Motors --------------------------------------------------------------------------------------
 
 TEST_F(Pin_Map_Test, Timed_Motors_Go_Off_After_Their_Time) {
   MachineSetup.Parallel_MotorEnable_Option = 2;
@@ -192,8 +191,7 @@ TEST_F(Pin_Map_Test, Motors_On_With_Step_Are_Off_At_Rest) {
   EXPECT_EQ(scripted.Ports[890], 15);
 }
 
-// --- Recorder
-// ----------------------------------------------------------------------------------------
+// --- Recorder ------------------------------------------------------------------------------------
 
 TEST_F(Pin_Map_Test, Port_Record_File) {
   Temporary_Folder folder;
@@ -218,8 +216,7 @@ TEST_F(Pin_Map_Test, Recorder_Hands_Over_Whole_Blocks) {
   EXPECT_THAT(sizes, testing::ElementsAre(Port_Recorder_State::Block_Size, 3));
 }
 
-// --- Port_IO
-// -----------------------------------------------------------------------------------------
+// --- Port_IO -------------------------------------------------------------------------------------
 
 struct Address_Row {
   const char* Text;

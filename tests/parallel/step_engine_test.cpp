@@ -189,8 +189,7 @@ TEST_F(Step_Engine_Test, End_Far_From_The_Asked_Speed_Is_Reported) {
   EXPECT_EQ(scripted.Beeps, 1);
 }
 
-// --- Stops
-// -------------------------------------------------------------------------------------------
+// --- Stops ---------------------------------------------------------------------------------------
 
 // An event that a handler or the machine brings at the n-th half step (counted by the E-stop
 // reads).
@@ -271,8 +270,7 @@ TEST_F(Step_Engine_Test, Old_Escape_Does_Not_End_A_New_Move) {
   EXPECT_EQ(Step_Engine_Move(Move(10, 0, 0, 0)), Move_End::Escape);
 }
 
-// --- Limit guard
-// -------------------------------------------------------------------------------------
+// --- Limit guard ---------------------------------------------------------------------------------
 
 constexpr std::uint8_t X_Switch = 8, Y_Switch = 16;
 
@@ -332,8 +330,7 @@ TEST_F(Step_Engine_Test, Chattering_Switches_Lose_No_Count) {
   EXPECT_NEAR(Machine.Position[1], edges / 1000.0, 1e-9);
 }
 
-// --- Faults
-// ------------------------------------------------------------------------------------------
+// --- Faults --------------------------------------------------------------------------------------
 
 // A port that always reads 0 or 255: nothing hangs. 0 reads as E-stop and all switches on.
 TEST_F(Step_Engine_Test, Dead_Port) {

@@ -169,8 +169,7 @@ TEST_F(Timing_Test, Refused_Priority_Is_Said_Once) {
   EXPECT_THAT(scripted.Priorities, ElementsAre(1, 1));
 }
 
-// --- Calibration
-// -------------------------------------------------------------------------------------
+// --- Calibration ---------------------------------------------------------------------------------
 
 // Ports that cost time: nine reads by the guard and a read and a write, 2 microseconds each, are
 // work of 20 microseconds in each pass.

@@ -204,8 +204,7 @@ TEST_F(Simulated_Machine_Test, Hard_Stop_Loses_Steps) {
   EXPECT_NEAR(True_Position(1), 0.95, 1e-9);
 }
 
-// --- Inputs
-// ------------------------------------------------------------------------------------------
+// --- Inputs --------------------------------------------------------------------------------------
 
 constexpr int Switch_Bit = 8, EStop_Bit = 128;
 bool Low(int mask) {
@@ -294,8 +293,7 @@ TEST_F(Simulated_Machine_Test, EStop_May_Cut_The_Power) {
   EXPECT_EQ(Finding_Count(Finding_Kind::Step_Without_Power, 1), 5);
 }
 
-// --- Outputs and ports
-// -------------------------------------------------------------------------------
+// --- Outputs and ports ---------------------------------------------------------------------------
 
 TEST_F(Simulated_Machine_Test, Spindle_Runs_Up_And_Coasts) {
   Write(Second, 0b00001);

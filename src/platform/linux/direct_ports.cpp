@@ -35,8 +35,7 @@ struct Direct_Port_State {
 };
 Direct_Port_State Ports;
 
-// --- Words for the operator
-// --------------------------------------------------------------------------
+// --- Words for the operator ----------------------------------------------------------------------
 
 const std::string Simulated_Hint =
     " Or set Port_Access to Simulated to work on the simulated machine.";
@@ -85,8 +84,7 @@ void Refuse(bool& said, const std::string& words) {
   throw std::runtime_error(words);
 }
 
-// --- Way 1
-// -------------------------------------------------------------------------------------------
+// --- Way 1 ---------------------------------------------------------------------------------------
 
 // 0, or the error number. Also after an earlier refusal: the right may have been given meanwhile.
 int Allow(std::uint16_t address) {
@@ -110,8 +108,7 @@ void Write_By_Instruction(std::uint16_t address, std::uint8_t value) {
   Out_Byte(address, value);
 }
 
-// --- Way 2
-// -------------------------------------------------------------------------------------------
+// --- Way 2 ---------------------------------------------------------------------------------------
 
 // True when the device is open; otherwise `Open_Error` says why. Tried once.
 bool Device_Open() {

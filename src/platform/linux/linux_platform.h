@@ -27,8 +27,7 @@
 
 namespace norvik {
 
-// --- Time
-// ------------------------------------------------------------------------------------------
+// --- Time ----------------------------------------------------------------------------------------
 
 // Fills Monotonic_Clock, Delay_Microseconds and Delay_In_Period. Waits spin on the time-stamp
 // counter where it runs at one rate in all states of the processor, on the monotonic clock
@@ -37,8 +36,7 @@ void Install_Linux_Clock();
 // True when waits use the time-stamp counter.
 bool Waits_Use_Time_Stamp_Counter();
 
-// --- Ports
-// -----------------------------------------------------------------------------------------
+// --- Ports ---------------------------------------------------------------------------------------
 
 // Whether this process may access ports in the way 1 or 2. `Words` says how to get the right when
 // it may not; empty when it may. Reads and writes no port.
@@ -57,8 +55,7 @@ void Install_Direct_Ports(const std::int16_t* way);
 // The device of way 2; another path in tests.
 void Set_Port_Device(const std::string& path);
 
-// --- Priority
-// --------------------------------------------------------------------------------------
+// --- Priority ------------------------------------------------------------------------------------
 
 // Fills Set_Priority.
 void Install_Linux_Priority();

@@ -46,14 +46,12 @@ struct Scripted_Platform {
   bool Process_Ended = false;
   int Running_Timers() const;
 
-  // --- Answers, taken from the front; none left: as a default-constructed Platform
-  // ----------------
+  // --- Answers, taken from the front; none left: as a default-constructed Platform ---------------
   std::deque<Box_Answer> Box_Answers;
   std::deque<std::optional<std::string>> Input_Answers, Open_Answers, Save_Answers;
   void Answer_Box(Box_Answer answer) { Box_Answers.push_back(answer); }
 
-  // --- What was shown, asked and played
-  // ------------------------------------------------------------
+  // --- What was shown, asked and played ----------------------------------------------------------
   struct Shown_Box {
     std::string Title, Text;
     Box_Buttons Buttons = Box_Buttons::Ok;
@@ -76,16 +74,14 @@ struct Scripted_Platform {
   Screen_Area Screen_Size;
   std::map<std::string, Picture> Pictures;  // by path
 
-  // --- Keys and joystick
-  // ---------------------------------------------------------------------------
+  // --- Keys and joystick -------------------------------------------------------------------------
   std::set<int> Keys_Held;
   // A short press: down at the next look only.
   void Press(int key_code) { Keys_Pressed.insert(key_code); }
   std::map<int, Joystick_State> Joysticks;  // by device
 
-  // --- Ports
-  // ----------------------------------------------------------------------------------------- A
-  // write is kept and read back; a port never written reads 255. The functions replace that.
+  // --- Ports -------------------------------------------------------------------------------------
+  // A write is kept and read back; a port never written reads 255. The functions replace that.
   std::function<std::uint8_t(std::uint16_t)> On_Port_Read;
   std::function<void(std::uint16_t, std::uint8_t)> On_Port_Write;
   std::map<std::uint16_t, std::uint8_t> Ports;
