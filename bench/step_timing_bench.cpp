@@ -11,10 +11,10 @@
 // time is made good. `>5 us` counts the edges later than that, in thousandths: those that an
 // interrupt of the system fell on.
 //
-// The engine keeps its period exactly, so that 40 of its half steps of 100 microseconds are one
-// tick of the system's timer: where a tick falls on an edge, every tick of that turn does, and
-// where it falls between two, none. Each turn therefore begins at another phase of the tick; the
-// bare loop drifts through all of them.
+// 40 half steps of 100 microseconds are one tick of the system's timer, so that a loop which keeps
+// its period exactly stays at one place beside the ticks. The engine moves out of their way when
+// two in a row fall on its edges, the bare loop is pushed out by each. Each turn begins at another
+// place; the bare loop drifts through all of them.
 //
 // At the end: how long after a stop the last edge leaves, over a hundred moves at 50 microseconds.
 // The stop comes with an edge: the E-stop input changes its level, the ESC key goes down, or a

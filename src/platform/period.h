@@ -6,7 +6,7 @@
 //
 // A loop that takes its work off the wait in whole microseconds misses its period by up to one
 // microsecond in each round: one percent at 100, four at 25. A wait that is "accurate to about a
-// microsecond" has the room to close that gap. Two rules, in nanoseconds:
+// microsecond" has the room to close that gap. Three rules:
 //
 // 1. The wait asked for is period - W cut to whole microseconds, where W is the work that the loop
 //    takes itself to have. When its real work lies within one microsecond of W, so that period -
@@ -15,50 +15,71 @@
 //    the wait as asked.
 // 2. Time lost inside a wait, because the system ran something else, is paid back by the waits that
 //    follow, each shorter by a 64th and by a microsecond at most, so that a motor sees no jump of
-//    its speed; what a loss has above the limit is not.
-// 3. Up to a 2000th of the time may be lost for good and is paid back only beyond. A
-//    period of which a whole number makes a tick of the system's timer would otherwise stay where
-//    it is beside the ticks, and when one of them falls on a wait's end, all do. So the period
-//    slips out of their way.
+//    its speed. What a loss has above `Debt_Limit` is let go.
+// 3. A period of which a whole number makes a tick of the system's timer stays where it is beside
+//    the ticks, and when one of them falls on a wait's end, all do. So losses that follow each
+//    other closely move the ends of the waits to another place in the period, out of the ticks'
+//    way, and leave them there:
+//
+//      tick                ####                                ####
+//      ends before     |     |     |     |     |     |     |     |        every fifth is late
+//      ends after      |      |     |     |     |     |     |     |       Aim = behind the tick
+//
+//    The place stays within a quarter of a period of where exact periods would have it, so the mean
+//    rate is kept exactly: places further on begin again at the other side.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <optional>
 
 namespace norvik {
 
-// Feeds on the times around each wait; one instance for each loop that waits.
+// Feeds on the times around each wait, in ns of one clock; one instance for each loop that waits.
 class Period_Keeper {
  public:
-  static constexpr std::int64_t Microsecond = 1'000;                              // ns
-  static constexpr std::int64_t Debt_Limit = 5'000'000;                           // ns
-  static constexpr std::int64_t Allowance_Part = 2000, Allowance_Limit = 50'000;  // ns
+  static constexpr std::int64_t Microsecond = 1'000;
+  static constexpr std::int64_t Debt_Limit = 5'000'000;
 
-  // When a wait that begins at `now` is to end; all in ns of one clock.
+  // When a wait that begins at `now` is to end.
   std::int64_t Deadline(std::int64_t now, std::int64_t asked, std::int64_t period) {
     const std::int64_t shortest = std::max<std::int64_t>(asked - Microsecond, 0);
     const std::int64_t wanted = period - (now - Last_End);
     const bool kept = wanted >= shortest && wanted <= asked + 2 * Microsecond;
     const std::int64_t wait = kept ? wanted : asked;
-    const std::int64_t paid = std::min({Debt, wait - shortest, asked / 64, Microsecond});
-    Debt -= paid;
-    return Due = now + wait - paid;
+    const std::int64_t earlier = std::min({wait - shortest, asked / 64, Microsecond});
+    const std::int64_t later = std::min(asked / 1024, Microsecond);
+    const std::int64_t shift = std::clamp(Aim - Place, -earlier, later);
+    Place += shift;
+    Room = std::min(period / 4, Largest_Room);
+    return Due = now + wait + shift;
   }
 
   // The wait has ended at `now`.
   void Ended(std::int64_t now) {
-    Allowance = std::min(Allowance + (now - Last_End) / Allowance_Part, Allowance_Limit);
     const std::int64_t lost = std::max<std::int64_t>(now - Due, 0);
-    const std::int64_t let_go = std::min(lost, Allowance);
-    Allowance -= let_go;
-    Debt = std::min(Debt + lost - let_go, Debt_Limit);
+    Place = std::min(Place + lost, Debt_Limit);
+    if (lost >= Noticed) Note_Loss(now);
     Last_End = now;
   }
 
  private:
+  // Losses above the clock's own jitter; two within a few ticks (4 to 10 ms each) belong together;
+  // ticks differ in length, hence the margin behind them.
+  static constexpr std::int64_t Noticed = 250, Close_Together = 20'000'000, Margin = 3'000;
+  static constexpr std::int64_t Largest_Room = 25'000;
+
+  void Note_Loss(std::int64_t now) {
+    const bool repeated = Last_Loss && now - *Last_Loss < Close_Together;
+    Last_Loss = now;
+    if (repeated) Aim = Place + Margin <= Room ? Place + Margin : -Room;
+  }
+
   std::int64_t Last_End = 0, Due = 0;
-  std::int64_t Debt = 0;       // lost in waits and not paid back yet
-  std::int64_t Allowance = 0;  // may still be lost for good
+  std::optional<std::int64_t> Last_Loss;
+  // Of the ends of the waits, against those of exact periods: where they are, where they are to be,
+  // how far off that may be.
+  std::int64_t Place = 0, Aim = 0, Room = 0;
 };
 
 }  // namespace norvik

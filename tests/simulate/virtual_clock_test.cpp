@@ -8,8 +8,6 @@
 namespace norvik {
 namespace {
 
-using testing::ElementsAre;
-
 class Virtual_Clock_Test : public testing::Test {
  protected:
   Virtual_Clock_Test() { Install_Virtual_Clock(); }
@@ -86,25 +84,6 @@ TEST_F(Virtual_Clock_Test, Waits_In_A_Period) {
       before = Virtual_Clock.Now;
     }
   }
-}
-
-// Lost time is paid back by a 64th of a wait at most, up to a limit; but for a 2000th of the time.
-TEST(Period_Keeper_Test, Pays_Back_What_A_Wait_Lost) {
-  Period_Keeper keeper;
-  std::int64_t now = 0;
-  std::vector<std::int64_t> rounds;
-  for (int i = 0; i < 6; ++i) {
-    const std::int64_t before = now;
-    now = keeper.Deadline(now, 32'000, 32'000);
-    if (i == 1) now += 1'200;
-    keeper.Ended(now);
-    rounds.push_back(now - before);
-  }
-  EXPECT_THAT(rounds, ElementsAre(32'000, 33'200, 31'500, 31'500, 31'832, 32'000));
-  keeper.Ended(now += 50'000'000);
-  const std::int64_t stalled = now;
-  for (int i = 0; i < 20'000; ++i) keeper.Ended(now = keeper.Deadline(now, 32'000, 32'000));
-  EXPECT_EQ(now - stalled, 20'000 * 32'000 - Period_Keeper::Debt_Limit);
 }
 
 TEST_F(Virtual_Clock_Test, Everything_Is_Put_Back) {
