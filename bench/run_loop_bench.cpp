@@ -198,10 +198,19 @@ void Latency_Jog_Release(benchmark::State& state) {
         Jog_MouseDown(1, 1);
       });
 }
+// The running step is finished first: of its 1000 half steps 399 to 498 are left then.
+void Latency_Pause(benchmark::State& state) {
+  Measure_Stop(state, Command_CNC_Pause_Click, [] {
+    CNC_Stop();
+    Load_Program(3, 0.5, Feed_Of_50_us);
+    Command_CNC_Play_Click();
+  });
+}
 BENCHMARK(Latency_EStop_Input)->Iterations(200)->Unit(benchmark::kMillisecond);
 BENCHMARK(Latency_Escape)->Iterations(200)->Unit(benchmark::kMillisecond);
 BENCHMARK(Latency_EStop_Button)->Iterations(200)->Unit(benchmark::kMillisecond);
 BENCHMARK(Latency_Jog_Release)->Iterations(200)->Unit(benchmark::kMillisecond);
+BENCHMARK(Latency_Pause)->Iterations(200)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace norvik
