@@ -33,6 +33,7 @@ void UnLoad_Forms() {
                              Form_Id::Port_IO, Form_Id::Simulated_Machine}) {
     Main_Host.Unload_Form(form);
   }
+  Main_Host.Unload_Setup_Windows();
 }
 
 void ReLoad_Forms() {

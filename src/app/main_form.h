@@ -31,6 +31,8 @@ struct Main_Host_Operations {
   std::function<Form_View(Form_Id)> View_Of = [](Form_Id) { return Form_View(); };
   // Closes every other window: options, lists, dialogs.
   std::function<void()> Unload_Other_Windows = [] {};
+  // Closes the windows that change the setup: they show the one that was loaded when they opened.
+  std::function<void()> Unload_Setup_Windows = [] {};
 
   // --- Devices of other rooms --------------------------------------------------------------------
   // Real or simulated port, by the pointer file and the machine file, before the first access.

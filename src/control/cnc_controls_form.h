@@ -9,6 +9,7 @@
 //   jog           Jog_*                     panel_jog.h
 //   Goto          Combo_Goto, Text_Goto     goto.h
 //   edits         positions, feeds, levels  panel_edits.h
+//   timing        time constant, autotune   timing_edits.h
 //   displays      the labels, Timer1        displays.h
 //
 // Axis tables are indexed 1..4: X, Y, Z, A. Arrays of two are indexed 0 and 1.
@@ -65,8 +66,12 @@ struct CNC_Controls_Form {
   // --- Feeds ------------------------------------------------------------------------------------
   Label_Control Label_FeedRate_Cut, Label_FeedRate_Travel, Label_FeedRate_Jogging;
   Label_Control Label_Actual_IPM;  // measured speed
-  Label_Control Label_Time_Constant;
+
+  // --- Timing -----------------------------------------------------------------------------------
+  Label_Control Label_Time_Constant;  // microseconds
+  Indexed<Button_Control, 0, 1> Command_TC_Adjust;
   Check_Control Check_FeedRate_Autotune;
+  Button_Control Command_Get_Time_Constant;  // "Cancel" while a calibration runs
 
   // --- Home and ReTool --------------------------------------------------------------------------
   Button_Control Command_Home{"Home"}, Command_ReTool{"ReTool"};

@@ -58,6 +58,7 @@ void Display_Feeds() {
   form.Label_FeedRate_Jogging.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Jogging, "#0.00");
   form.Label_Actual_IPM.Caption = Format_Number(Timing.Actual_IPM, "##.0");
   form.Label_Time_Constant.Caption = std::to_string(MachineSetup.Parallel_Time_Constant);
+  form.Command_Get_Time_Constant.Caption = Timing.Tune_Active ? "Cancel" : "Find";
 }
 
 // Once every switch is off, a switch met later tells which direction is safe.
@@ -200,6 +201,7 @@ void Load_CNC_Controls() {
   Controller.Live_Feed = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
+  Load_FeedRate_Autotune();
   CNC_Controls.Check_FeedRate_Autotune.Value = Timing.FeedRate_Autotune;
   Load_Jog_Controls();
   Load_Goto_Controls();

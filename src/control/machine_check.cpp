@@ -205,17 +205,6 @@ struct Wired_Bit {
   int Bit;
 };
 
-std::string Output_Role(int slot) {
-  if (slot > 12) return "output " + std::to_string(slot - 12);
-  constexpr const char* functions[] = {"step", "direction", "enable"};
-  return Axis_Name((slot - 1) / 3 + 1) + " " + functions[(slot - 1) % 3];
-}
-
-std::string Input_Role(int slot) {
-  if (slot == EStop_Input) return "E-stop input";
-  return slot == Auxiliary_Input ? "auxiliary input" : Axis_Name(slot) + " switch";
-}
-
 std::vector<Wired_Bit> Wired_Bits() {
   std::vector<Wired_Bit> bits;
   for (int slot = 1; slot <= 17; ++slot)

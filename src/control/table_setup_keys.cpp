@@ -29,11 +29,16 @@ void Display_Jog_Tables() {
 }
 
 void Save_Jog_Tables() {
-  for (int n = 0; n <= 14; ++n)
-    Trap("KeyJog_KeyValue_" + std::to_string(n), [&] {
-      MachineSetup.KeyJog_KeyValue[n] =
-          To_Int16(To_Double(Table_Setup_Keys.Text_KeyJog_Code[n].Text));
-    });
+  Table_Setup_Keys.Label_Hint.clear();
+  for (int n = 0; n <= 14; ++n) {
+    const std::string& text = Table_Setup_Keys.Text_KeyJog_Code[n].Text;
+    const bool taken = Trap("KeyJog_KeyValue_" + std::to_string(n),
+                            [&] { MachineSetup.KeyJog_KeyValue[n] = To_Int16(To_Double(text)); });
+    if (!taken)
+      Table_Setup_Keys.Label_Hint = "\"" + text +
+                                    "\" is no key code: press Read and then the key. The one "
+                                    "before stays.";
+  }
   for (int n = 0; n <= 8; ++n)
     MachineSetup.JoyJog_KeyValue[n] = Table_Setup_Keys.Text_JoyJog_Code[n].Text;
 }

@@ -16,6 +16,7 @@ namespace norvik {
 struct Table_Setup_Keys_Form_State {
   Indexed<Text_Control, 0, 14> Text_KeyJog_Code;
   Indexed<Text_Control, 0, 8> Text_JoyJog_Code;
+  std::string Label_Hint;             // what was refused last, and what to write instead
   std::vector<std::string> List_Joy;  // raw values of the joystick while the page is open
 };
 extern Table_Setup_Keys_Form_State Table_Setup_Keys;
@@ -28,8 +29,8 @@ struct JogKey_Test_Form_State {
 };
 extern JogKey_Test_Form_State JogKey_Test;
 
-// The tables of the setup into the texts, and back. A text that is no key code is logged and leaves
-// its entry.
+// The tables of the setup into the texts, and back. A text that is no key code is logged, named in
+// the hint and leaves its entry.
 void Display_Jog_Tables();
 void Save_Jog_Tables();
 

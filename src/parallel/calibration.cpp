@@ -43,6 +43,7 @@ void Set_Panel_Interval(std::optional<int>& set) {
 }
 
 Calibration_End Run_Calibration(double feed) {
+  const bool estop_before = Machine.EStop_Flag;
   const double passes = std::trunc(feed * MachineSetup.Axis_SPI[2] / 60) * Passes_Per_Rate;
   std::optional<int> interval;
   int good_left = Good_Readings;
@@ -50,7 +51,9 @@ Calibration_End Run_Calibration(double feed) {
   for (std::int64_t i = 1; static_cast<double>(i) <= passes; ++i, second = !second) {
     Spend_Guard_Time();
     Set_Panel_Interval(interval);
-    if (Application.Closing_Program || Escape_Met()) return Calibration_End::Cancelled;
+    // Whoever presses the E-stop wants everything to end, also what moves nothing.
+    const bool pressed = Machine.EStop_Flag && !estop_before;
+    if (Application.Closing_Program || pressed || Escape_Met()) return Calibration_End::Cancelled;
     Toggle_Step(Dummy_Axis, false, false, false);
     const double live = Panel_Feed();
     Delay_Half_Step(1, live * Timing.Feed_Override);
@@ -96,6 +99,21 @@ Calibration_End Find_Time_Constant() {
   return end;
 }
 
+std::string Calibration_Text(Calibration_End end) {
+  const std::string constant =
+      std::to_string(MachineSetup.Parallel_Time_Constant) + " microseconds";
+  switch (end) {
+    case Calibration_End::Found:
+      return "Time constant found: " + constant + ".";
+    case Calibration_End::Not_Settled:
+      return "The measured feed did not settle; the time constant is " + constant +
+             ". End other programs or take another feed, then find it again.";
+    case Calibration_End::Cancelled:
+      break;
+  }
+  return "Cancelled; the time constant is " + constant + ".";
+}
+
 void Command_TC_Adjust(int index) {
   Set_Time_Constant(MachineSetup.Parallel_Time_Constant + (index == 0 ? 1.0 : -1.0));
 }
@@ -103,7 +121,10 @@ void Command_TC_Adjust(int index) {
 void Label_Time_Constant_Click() {
   const auto text = Platform.Input_Box("Motor Time Constant", "Enter new time constant",
                                        std::to_string(MachineSetup.Parallel_Time_Constant));
-  if (text) Trap("Label_Time_Constant_Error", [&] { Set_Time_Constant(To_Double(*text)); });
+  if (!text || text->empty()) return;
+  const bool taken =
+      Trap("Label_Time_Constant_Error", [&] { Set_Time_Constant(To_Double(*text)); });
+  if (!taken) SetStatus(1, "\"" + *text + "\" is no number: nothing changed.", 5);
 }
 
 void Check_FeedRate_Autotune_Click(bool checked) {
@@ -117,8 +138,8 @@ void Load_FeedRate_Autotune() {
 
 void Command_Get_Time_Constant_Click() {
   SetStatus(1, "Wait while Time Constant is found or press ESC to cancel", -1);
-  Find_Time_Constant();
-  SetStatus(1, "", -1);
+  const Calibration_End end = Find_Time_Constant();
+  SetStatus(1, Calibration_Text(end), 10);
   Trap("Command_Get_Time_Constant_Error", Store_Time_Constant);
 }
 

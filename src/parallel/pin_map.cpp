@@ -30,6 +30,8 @@ std::optional<int> Bit_In(const std::string& text) {
 
 namespace {
 
+constexpr char Axis_Letters[] = "XYZA";
+
 // One function's place; `Mask` 0: not used.
 struct Pin {
   std::int32_t Port = 0;
@@ -86,6 +88,18 @@ std::optional<int> Output_Bit(int slot) {
 }
 std::optional<int> Input_Bit(int slot) {
   return Bit_In(MachineSetup.Parallel_Input_Bit[slot]);
+}
+
+std::string Output_Role(int slot) {
+  if (slot >= Output_Slot(1)) return "output " + std::to_string(slot - Output_Slot(1) + 1);
+  constexpr const char* functions[] = {"step", "direction", "enable"};
+  return std::string(1, Axis_Letters[(slot - 1) / 3]) + " " + functions[(slot - 1) % 3];
+}
+
+std::string Input_Role(int slot) {
+  if (slot == EStop_Input) return "E-stop input";
+  if (slot == Auxiliary_Input) return "auxiliary input";
+  return std::string(1, Axis_Letters[slot - 1]) + " switch";
 }
 
 bool Read_Input(int slot) {

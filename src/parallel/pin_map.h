@@ -80,6 +80,10 @@ std::optional<int> Bit_In(const std::string& text);
 std::optional<int> Output_Bit(int slot);  // slot 1..17
 std::optional<int> Input_Bit(int slot);   // slot 0..5
 
+// What a slot is, in words: "X step", "output 5", "E-stop input", "Z switch".
+std::string Output_Role(int slot);  // slot 1..17
+std::string Input_Role(int slot);   // slot 0..5
+
 // State of an input 0..5 after its invert flag: an input that is not inverted is active low.
 bool Read_Input(int slot);
 // Refreshes `Pins.Limit_State` and `Pins.Output_State`. The home distance of an axis whose switch

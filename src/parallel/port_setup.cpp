@@ -64,9 +64,16 @@ void Fill_From_Pin(Port_Setup_Row& row, bool input) {
   row.Bit = std::to_string(line->Bit);
 }
 
+void Hint_At_Address(const std::string& text) {
+  Port_Setup.Label_Hint =
+      "\"" + text + "\" is no port address: write it like &H378. The one before stays.";
+}
+
 void Check_Row_Port(Port_Setup_Row& row, std::int32_t stored, bool input) {
+  Port_Setup.Label_Hint.clear();
   if (!Address_In(row.Port)) {
     ErrorLogWrite("Check_Bit_Port_Error Bad Address \"" + row.Port + "\"");
+    Hint_At_Address(row.Port);
     row.Port = Port_Text(stored);
   }
   row.Pin = Pin_Of_Place(row, input);
@@ -118,7 +125,7 @@ void Port_Setup_Form_Load() {
   Port_Setup.Text_MCode_High = MachineSetup.Parallel_MCode_High[0];
   Port_Setup.Text_MCode_Low = MachineSetup.Parallel_MCode_Low[0];
   Option_LPT_Setup_Type_Click(MachineSetup.Parallel_Setup_Type);
-  PortSelectionDisable();
+  Option_Port_Type_Click(MachineSetup.Parallel_Port_Type);
 }
 
 void Check_Output_Pin(int slot) {
@@ -139,7 +146,9 @@ void Check_Input_Bit(int slot) {
 }
 
 void Check_Pin_Port() {
+  Port_Setup.Label_Hint.clear();
   if (!Address_In(Port_Setup.Combo_LPT_Pin_Port)) {
+    Hint_At_Address(Port_Setup.Combo_LPT_Pin_Port);
     ErrorLogWrite("Check_Pin_Port_Error Bad Address");
     Port_Setup.Combo_LPT_Pin_Port = Port_Text(MachineSetup.Parallel_LPT_Pin_Port);
     return;
@@ -176,28 +185,39 @@ void Option_LPT_Setup_Type_Click(std::int16_t page) {
 }
 
 void PortSelectionDisable() {
-  Port_Setup.LPT_Page_Enabled = MachineSetup.Parallel_Port_Type == 1;
+  Port_Setup.LPT_Page_Enabled = Port_Setup.Option_Port_Type == 1;
 }
 
-void Save_Parallel_Info() {
+void Option_Port_Type_Click(std::int16_t type) {
+  Port_Setup.Option_Port_Type = type;
+  PortSelectionDisable();
+}
+
+bool Save_Parallel_Info() {
+  Port_Setup.Label_Hint.clear();
   Take_Rows(Port_Setup.Output, MachineSetup.Output_Port, MachineSetup.Parallel_Output_Bit,
             MachineSetup.Parallel_Output_Bit_Invert);
   Take_Rows(Port_Setup.Input, MachineSetup.Input_Port, MachineSetup.Parallel_Input_Bit,
             MachineSetup.Parallel_Input_Bit_Invert);
   Trap("Save_Parallel_Info_Error",
        [] { MachineSetup.Parallel_LPT_Pin_Port = Port_Address(Port_Setup.Combo_LPT_Pin_Port); });
-  Trap("Save_Parallel_Info_Error", [] {
+  const bool time_read = Trap("Save_Parallel_Info_Error", [] {
     MachineSetup.Parallel_MotorEnable_Time =
         To_Single(To_Double(Port_Setup.Combo_MotorEnable_Time));
   });
+  if (!time_read)
+    Port_Setup.Label_Hint = "\"" + Port_Setup.Combo_MotorEnable_Time +
+                            "\" is no number of seconds. The time before stays.";
   for (int n = 1; n <= 5; ++n) MachineSetup.Output_Names[n] = Port_Setup.Text_Output_Name[n];
   MachineSetup.Parallel_Setup_Type = Port_Setup.Option_LPT_Setup_Type;
   MachineSetup.Parallel_IODLL = Port_Setup.Option_IODLL;
   MachineSetup.Parallel_MotorEnable_Option = Port_Setup.Option_MotorEnable;
   MachineSetup.Parallel_MCode_High[0] = Trim(Port_Setup.Text_MCode_High);
   MachineSetup.Parallel_MCode_Low[0] = Trim(Port_Setup.Text_MCode_Low);
-  SaveMachineSetup();
+  MachineSetup.Parallel_Port_Type = Port_Setup.Option_Port_Type;
+  const bool saved = SaveMachineSetup();
   if (MachineSetup.Parallel_Port_Type == 1) Idle_All_Outputs();
+  return saved;
 }
 
 }  // namespace norvik

@@ -34,13 +34,15 @@ struct Port_Setup_Form_State {
   std::string Combo_LPT_Pin_Port;         // base address of the connector
   std::int16_t Option_LPT_Setup_Type = Bit_Setup_Page;
   bool Pins_Enabled = false, Bits_Enabled = true;
-  bool LPT_Page_Enabled = true;  // false while a serial board is selected
+  std::int16_t Option_Port_Type = 1;  // Parallel_Port_Type: 1 the parallel port
+  bool LPT_Page_Enabled = true;       // false while a serial board is selected
 
   Indexed<std::string, 1, 5> Text_Output_Name;
   std::int16_t Option_IODLL = 2;
   std::int16_t Option_MotorEnable = 0;
   std::string Combo_MotorEnable_Time;           // seconds
   std::string Text_MCode_High, Text_MCode_Low;  // user M codes of output 5, empty for none
+  std::string Label_Hint;                       // what was refused last, and what to write instead
 };
 extern Port_Setup_Form_State Port_Setup;
 
@@ -73,8 +75,10 @@ void Enable_Bits();
 void Option_LPT_Setup_Type_Click(std::int16_t page);
 // Greys the page while a serial board is selected.
 void PortSelectionDisable();
+void Option_Port_Type_Click(std::int16_t type);
 // Takes everything into `MachineSetup`, writes the machine file and brings the pins to their idle
-// levels. A field that cannot be read keeps its stored value and is logged.
-void Save_Parallel_Info();
+// levels. A field that cannot be read keeps its stored value, is logged and named in the hint.
+// False when the machine file could not be written.
+bool Save_Parallel_Info();
 
 }  // namespace norvik

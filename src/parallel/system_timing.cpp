@@ -41,6 +41,7 @@ void System_Timing_Start_Click() {
   System_Timing.Old_Time_Constant = MachineSetup.Parallel_Time_Constant;
   System_Timing.Command_Start = "Start";
   System_Timing.Command_Cancel = "Cancel";
+  System_Timing.Label_Result = "Wait while Time Constant is found or press ESC to cancel";
   const auto panel_feed = Drive_Host.Live_Feed();
   Drive_Host.Set_Live_Feed(Test_Feed());
   const Calibration_End end = Find_Time_Constant();
@@ -51,6 +52,7 @@ void System_Timing_Start_Click() {
     System_Timing.Command_Start = "Done";
     System_Timing.Command_Cancel = "OK";
   }
+  System_Timing.Label_Result = Calibration_Text(end);
   System_Timing_Timer1();
 }
 

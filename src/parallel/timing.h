@@ -53,9 +53,11 @@ std::optional<float> Feed_Monitor(int axis, double ipm);
 // What a calibration came to.
 enum class Calibration_End { Found, Not_Settled, Cancelled };
 // Runs the Y axis as a dummy (not enabled, no pin moves) at the live feed until ten readings were
-// good, the time is over or ESC was pressed. Leaves the result in `Parallel_Time_Constant`; the
-// caller stores it.
+// good, the time is over, or ESC or the E-stop was pressed. Leaves the result in
+// `Parallel_Time_Constant`; the caller stores it.
 Calibration_End Find_Time_Constant();
+// What it came to, in words, with the constant as it is now.
+std::string Calibration_Text(Calibration_End end);
 
 // Writes the time constant to section "General" of the machine file.
 void Store_Time_Constant();
@@ -73,7 +75,7 @@ void Label_Time_Constant_Click();
 void Check_FeedRate_Autotune_Click(bool checked);
 // The stored state, at load of the panel.
 void Load_FeedRate_Autotune();
-// Command_Get_Time_Constant: calibration with its text, then the store.
+// Command_Get_Time_Constant: calibration between its texts in status panel 1, then the store.
 void Command_Get_Time_Constant_Click();
 
 }  // namespace norvik

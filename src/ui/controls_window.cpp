@@ -7,19 +7,17 @@
 #include "control/goto.h"
 #include "control/home.h"
 #include "control/jog_guard.h"
-#include "control/knob.h"
-#include "control/panel_edits.h"
 #include "control/safety.h"
 #include "core/messages.h"
 #include "core/setup.h"
 #include "ui/axis_rows.h"
 #include "ui/jog_pad.h"
 #include "ui/knob_widget.h"
+#include "ui/panel_group.h"
+#include "ui/panel_values.h"
 #include "ui/theme.h"
 
 #include <QApplication>
-#include <QCheckBox>
-#include <QFormLayout>
 #include <QGroupBox>
 #include <QPlainTextEdit>
 #include <QPushButton>
@@ -61,36 +59,6 @@ QPushButton* Big_Button(const Button_Row& row) {
   return button;
 }
 
-// A label with a frame that asks for another value when it is clicked.
-class Value_Label : public QLabel {
- public:
-  Value_Label(const QString& tip, Handler clicked) : Clicked(std::move(clicked)) {
-    setFont(Readout_Font(1.15));
-    setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    setFrameShape(QFrame::StyledPanel);
-    setMargin(Text_Height() / 5);
-    setMinimumWidth(QFontMetrics(font()).size(0, "-000.0000").width() +
-                    2 * (margin() + frameWidth()));
-    Set_Face(*this, Colors().Readout_Ground, Colors().Readout);
-    setToolTip(tip);
-    setCursor(Qt::PointingHandCursor);
-  }
-
- protected:
-  void mouseReleaseEvent(QMouseEvent*) override { Clicked(); }
-
- private:
-  Handler Clicked;
-};
-
-QGroupBox* Group(const QString& title, QLayout* layout) {
-  auto* group = new QGroupBox(title);
-  const int side = Text_Height() / 2;
-  layout->setContentsMargins(side, Text_Height() / 4, side, Text_Height() / 3);
-  group->setLayout(layout);
-  return group;
-}
-
 }  // namespace
 
 Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
@@ -109,14 +77,17 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
   rows->addLayout(axes);
   Columns = new QHBoxLayout;
   auto* left = new QVBoxLayout;
-  left->addWidget(Group("Jog", new QVBoxLayout));
+  left->addWidget(Panel_Group("Jog", new QVBoxLayout));
   left->itemAt(0)->widget()->layout()->addWidget(Build_Jog_Pad(Binding));
   left->addWidget(Build_Sequences());
+  QWidget* timing = Build_Timing(Binding);
+  Binding.Also([timing] { timing->setVisible(MachineSetup.Parallel_Port_Type == 1); });
+  left->addWidget(timing);
   left->addStretch(1);
   auto* right = new QVBoxLayout;
-  right->addWidget(Build_Feeds());
-  right->addWidget(Build_Levels());
-  right->addWidget(Build_Outputs());
+  right->addWidget(Build_Feeds(Binding, Knob));
+  right->addWidget(Build_Levels(Binding));
+  right->addWidget(Build_Outputs(Binding));
   right->addStretch(1);
   Columns->addLayout(left, 3);
   Columns->addLayout(right, 2);
@@ -263,84 +234,7 @@ QWidget* Controls_Window::Build_Sequences() {
       "Go and change the tool", [] { Command_AutoRetool_Click(0); });
   add(1, 1, "Command_AutoRetool_1", CNC_Controls.Command_AutoRetool[1], Sign::Refresh,
       "Come back from changing the tool", [] { Command_AutoRetool_Click(1); });
-  return Group("Home and tool", grid);
-}
-
-QWidget* Controls_Window::Build_Feeds() {
-  auto* grid = new QGridLayout;
-  struct Feed_Row {
-    const char* Title;
-    const char* Name;
-    Label_Control CNC_Controls_Form::*Control;
-    void (*Clicked)();
-  };
-  static constexpr Feed_Row rows[] = {
-      {"Cut", "Label_FeedRate_Cut", &CNC_Controls_Form::Label_FeedRate_Cut,
-       Label_FeedRate_Cut_Click},
-      {"Travel", "Label_FeedRate_Travel", &CNC_Controls_Form::Label_FeedRate_Travel,
-       Label_FeedRate_Travel_Click},
-      {"Jog", "Label_FeedRate_Jogging", &CNC_Controls_Form::Label_FeedRate_Jogging,
-       Label_FeedRate_Jogging_Click},
-  };
-  int line = 0;
-  for (const Feed_Row& row : rows) {
-    grid->addWidget(new QLabel(row.Title), line, 0);
-    auto* value = new Value_Label("Click to change this feed", row.Clicked);
-    Binding.Label(value, row.Name, CNC_Controls.*row.Control);
-    grid->addWidget(value, line++, 1);
-  }
-  grid->addWidget(new QLabel("Measured"), line, 0);
-  auto* actual = new QLabel;
-  actual->setFont(Readout_Font(1.15));
-  actual->setAlignment(Qt::AlignRight);
-  Binding.Label(actual, "Label_Actual_IPM", CNC_Controls.Label_Actual_IPM);
-  grid->addWidget(actual, line, 1);
-
-  Knob = new Knob_Widget;
-  grid->addWidget(Knob, 0, 2, 3, 1, Qt::AlignCenter);
-  class Override_Label : public QLabel {
-    void mouseDoubleClickEvent(QMouseEvent*) override { Label_Feed_Overide_DblClick(); }
-  };
-  auto* override_label = new Override_Label;
-  override_label->setAlignment(Qt::AlignCenter);
-  override_label->setToolTip("Double-click for 100 %");
-  Binding.Label(override_label, "Label_Feed_Overide", CNC_Controls.Label_Feed_Overide);
-  grid->addWidget(override_label, line, 2);
-  grid->setColumnStretch(1, 1);
-  return Group(
-      MachineSetup.UnitsofMeasurement == 1 ? "Feeds, mm a minute" : "Feeds, inches a minute", grid);
-}
-
-QWidget* Controls_Window::Build_Levels() {
-  auto* form = new QGridLayout;
-  static constexpr const char* titles[] = {"Travel", "Cut", "Deep cut"};
-  for (int level = 0; level <= 2; ++level) {
-    form->addWidget(new QLabel(titles[level]), 0, level, Qt::AlignHCenter);
-    auto* value =
-        new Value_Label("Click to change this level", [level] { Label_Tool_Height_Click(level); });
-    Binding.Label(value, QString("Label_Tool_Height_%1").arg(level),
-                  CNC_Controls.Label_Tool_Height[level]);
-    form->addWidget(value, 1, level);
-  }
-  return Group("Z levels", form);
-}
-
-QWidget* Controls_Window::Build_Outputs() {
-  auto* rows = new QGridLayout;
-  for (int output = 0; output <= 4; ++output) {
-    auto* check = new QCheckBox(QString::fromStdString(MachineSetup.Output_Names[output + 1]));
-    check->setMinimumHeight(Finger_Height() * 2 / 3);
-    Binding.Check(check, QString("Check_Outputs_%1").arg(output),
-                  CNC_Controls.Check_Outputs[output], [output] { Toggle_Outputs(output); });
-    rows->addWidget(check, output / 2, output % 2);
-  }
-  auto* spindle = new QLabel;
-  Binding.Label(spindle, "Label_Spindle_State", CNC_Controls.Label_Spindle_State);
-  auto* estop = new QLabel;
-  Binding.Label(estop, "Label_EStop_State", CNC_Controls.Label_EStop_State);
-  rows->addWidget(spindle, 3, 0);
-  rows->addWidget(estop, 3, 1);
-  return Group("Outputs", rows);
+  return Panel_Group("Home and tool", grid);
 }
 
 QWidget* Controls_Window::Build_Goto() {
@@ -369,7 +263,7 @@ QWidget* Controls_Window::Build_Goto() {
   go->setToolTip("Run the line at the left");
   Binding.Button(go, "Command_Goto", CNC_Controls.Command_Goto, Command_Goto_Click);
   row->addWidget(go);
-  return Group("Goto", row);
+  return Panel_Group("Goto", row);
 }
 
 QWidget* Controls_Window::Build_Messages() {
@@ -393,7 +287,7 @@ QWidget* Controls_Window::Build_Messages() {
   Status_Box = new QPlainTextEdit;
   Status_Box->setObjectName("Text_Status");
   Status_Box->setReadOnly(true);
-  Status_Box->setMinimumHeight(Text_Height() * 7 / 2);
+  Status_Box->setMinimumHeight(Text_Height() * 5 / 2);
   rows->addWidget(Status_Box, 1);
   return area;
 }

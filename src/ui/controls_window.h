@@ -35,9 +35,6 @@ class Controls_Window : public QWidget {
   QWidget* Build_Status();
   QWidget* Build_Run_Buttons();
   QWidget* Build_Sequences();
-  QWidget* Build_Feeds();
-  QWidget* Build_Levels();
-  QWidget* Build_Outputs();
   QWidget* Build_Goto();
   QWidget* Build_Messages();
   void Start_Timer(int interval_ms);

@@ -31,6 +31,8 @@ class Form_Binding {
   void Check(QAbstractButton* widget, const QString& name, Check_Control& control, Handler changed);
   // `committed` runs when the operator presses Enter or leaves the field with another text.
   void Text(QLineEdit* widget, const QString& name, Text_Control& control, Handler committed);
+  // What a window shows besides the record: copied with it.
+  void Also(Handler copy) { Copies.push_back(std::move(copy)); }
   void Combo(QComboBox* widget, const QString& name, Combo_Control& control, Handler chosen);
 
  private:

@@ -6,6 +6,7 @@
 #include "control/panel_edits.h"
 #include "core/setup.h"
 #include "platform/keys/key_codes.h"
+#include "ui/key_names.h"
 #include "ui/theme.h"
 
 #include <QGridLayout>
@@ -32,23 +33,6 @@ constexpr Key_Picture Key_Pictures[] = {
     {2, 2, 1, "Y-"},      {9, 2, 2, "X+ Y-"},   {12, 3, 0, "A +"},     {13, 3, 1, "A -"},
     {10, 3, 2, "Feed -"}, {11, 3, 3, "Feed +"}, {14, 2, 3, "Divisor"},
 };
-
-// What stands on the key of a virtual key code.
-QString Key_Name(int code) {
-  static constexpr std::pair<int, const char*> named[] = {
-      {33, "Page up"}, {34, "Page down"}, {35, "End"},    {36, "Home"},   {37, "Left"},
-      {38, "Up"},      {39, "Right"},     {40, "Down"},   {106, "Num *"}, {107, "Num +"},
-      {109, "Num -"},  {110, "Num ."},    {111, "Num /"}, {187, "="},     {188, ","},
-      {189, "-"},      {190, "."},        {191, "/"}};
-  for (const auto& [key, name] : named) {
-    if (key == code) return name;
-  }
-  constexpr int keypad_0 = 96, keypad_9 = 105;
-  if (code >= keypad_0 && code <= keypad_9) return QString("Num %1").arg(code - keypad_0);
-  const QChar character(code);
-  if (code < keypad_0 && character.isLetterOrNumber()) return character;
-  return code > 0 ? QString("key %1").arg(code) : QString("no key");
-}
 
 constexpr double Stick_Range = 65535;
 
@@ -140,11 +124,8 @@ QWidget* JogKey_Window::Build_Key_Map() {
     picture->setAlignment(Qt::AlignCenter);
     picture->setFrameShape(QFrame::StyledPanel);
     picture->setMinimumSize(Finger_Height() * 2, Finger_Height());
-    const int code = MachineSetup.KeyJog_KeyValue[key.Entry];
-    picture->setToolTip(QString("Key code %1").arg(code));
-    Label_Control& control = JogKey_Form.Picture1[key.Entry];
-    control.Caption = key.Caption + std::string("\n") + Key_Name(code).toStdString();
-    Binding.Label(picture, QString("Picture1_%1").arg(key.Entry), control);
+    Binding.Label(picture, QString("Picture1_%1").arg(key.Entry), JogKey_Form.Picture1[key.Entry]);
+    Key_Pictures_Shown[static_cast<std::size_t>(key.Entry)] = picture;
     grid->addWidget(picture, key.Row, key.Column);
   }
   return group;
@@ -163,7 +144,21 @@ QWidget* JogKey_Window::Build_Joystick() {
   return group;
 }
 
+// The key table can be changed while this window is open.
+void JogKey_Window::Show_Key_Names() {
+  if (Shown_Keys == MachineSetup.KeyJog_KeyValue) return;
+  Shown_Keys = MachineSetup.KeyJog_KeyValue;
+  for (const Key_Picture& key : Key_Pictures) {
+    const int code = MachineSetup.KeyJog_KeyValue[key.Entry];
+    JogKey_Form.Picture1[key.Entry].Caption =
+        key.Caption + std::string("\n") + Key_Name(code).toStdString();
+    Key_Pictures_Shown[static_cast<std::size_t>(key.Entry)]->setToolTip(
+        QString("Key code %1").arg(code));
+  }
+}
+
 void JogKey_Window::Show_Form() {
+  Show_Key_Names();
   Binding.Show();
   for (int device = 0; device <= 1; ++device) {
     Devices[static_cast<std::size_t>(device)]->setChecked(JogKey_Form.Option_JoyCtrl[device]);

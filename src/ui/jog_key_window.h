@@ -1,8 +1,12 @@
 // jog_key_window.h: the window `JogKey`: jogging by held keys or by the joystick.
 #pragma once
 
+#include "core/indexed.h"
 #include "platform/platform.h"
 #include "ui/form_binding.h"
+
+#include <array>
+#include <optional>
 
 #include <QWidget>
 
@@ -26,10 +30,13 @@ class JogKey_Window : public QWidget {
  private:
   QWidget* Build_Key_Map();
   QWidget* Build_Joystick();
+  void Show_Key_Names();
   void Show_Form();
 
   Form_Binding Binding;
   std::array<QRadioButton*, 2> Devices{};
+  std::array<QLabel*, 15> Key_Pictures_Shown{};
+  std::optional<Indexed<std::int16_t, 0, 14>> Shown_Keys;
   QWidget* Stick = nullptr;
   QListWidget* Raw_Values = nullptr;
   Timer_Id Joystick_Timer = 0, Stop_Timer = 0;

@@ -8,9 +8,11 @@
 #include "app/machine_menu.h"
 #include "app/main_form.h"
 #include "app/openers.h"
+#include "app/setup_apply.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
 #include "compiler/compile_host.h"
+#include "control/cnc_controller.h"
 #include "control/jog_guard.h"
 #include "core/messages.h"
 #include "core/recent_files.h"
@@ -28,6 +30,7 @@
 #include "ui/plot_window.h"
 #include "ui/port_io_window.h"
 #include "ui/progress_window.h"
+#include "ui/setup_windows.h"
 #include "ui/theme.h"
 
 #include <algorithm>
@@ -240,6 +243,23 @@ void Main_Frame::Build_Menus() {
         ->addAction(window.Menu_Text, this, [this, window_name] { Show_Tool_Window(window_name); })
         ->setObjectName("Menu_Window_" + name);
   }
+  Build_Setup_Entries(*menus["&Machine"]);
+}
+
+void Main_Frame::Build_Setup_Entries(QMenu& menu) {
+  menu.addSeparator();
+  for (const Setup_Window_Row& row : Setup_Window_Rows()) {
+    const QString name = row.Name;
+    Tool_Windows[name] = {row.Menu_Text, row.Make, nullptr, true};
+    QAction* action = menu.addAction(row.Menu_Text, this, [this, name, refused = row.Refused] {
+      if (*refused == '\0' || Stopped_For(refused)) Show_Tool_Window(name);
+    });
+    action->setObjectName("Menu_Machine_" + name);
+    action->setToolTip(row.Tip);
+  }
+  QAction* action = menu.addAction("&Diagnostics", this, Menu_Machine_Diagnostics);
+  action->setObjectName("Menu_Machine_Diagnostics");
+  action->setToolTip("The numbers of the last move");
 }
 
 void Main_Frame::Build_Recent_Menu(QMenu& menu) {
@@ -320,6 +340,7 @@ void Main_Frame::Connect_Hosts() {
     return Form_View{Place_Of(*frame), frame->isVisible(), true};
   };
   Main_Host.Unload_Other_Windows = [this] { Close_Tool_Windows(); };
+  Main_Host.Unload_Setup_Windows = [this] { Close_Setup_Windows(); };
   Compile_Host.Show_Progress = [this](const std::string& caption) {
     Progress->Show_Progress(QString::fromStdString(caption));
   };
@@ -352,6 +373,7 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
   const auto found = Tool_Windows.find(name);
   if (found == Tool_Windows.end()) return;
   QMdiSubWindow*& frame = found->second.Frame;
+  if (frame != nullptr && found->second.Opens_Anew && !frame->isVisible()) Retire(frame);
   if (frame == nullptr) {
     QWidget* window = found->second.Make();
     frame = Area->addSubWindow(window);
@@ -390,7 +412,13 @@ bool Main_Frame::Tool_Window_Is_Open(const QString& name) const {
 
 void Main_Frame::Restore_Place(const QString& name, QMdiSubWindow& frame) {
   const auto form = Form_Of(name);
-  if (!form) return frame.resize(frame.sizeHint());
+  if (!form) {
+    // At the left, so that the panel with its E-stop stays in sight.
+    const QSize wanted = frame.widget()->testAttribute(Qt::WA_Resized)
+                             ? frame.widget()->size().expandedTo(frame.minimumSizeHint())
+                             : frame.sizeHint();
+    return frame.setGeometry({{0, 0}, wanted.boundedTo(Area->contentsRect().size())});
+  }
   const Window_Place place = Read_Form_Place(*form);
   // Never so small that its controls lie over each other, as long as there is room.
   const QSize room = QSize(place.Width, place.Height)
@@ -428,6 +456,20 @@ void Main_Frame::Close_Tool_Windows() {
     Keep_Place(name, *window.Frame);
     delete window.Frame;
     window.Frame = nullptr;
+  }
+}
+
+// A closed one may still stand in a handler of its own that waits in a yield: it goes when that has
+// ended.
+void Main_Frame::Retire(QMdiSubWindow*& frame) {
+  Area->removeSubWindow(frame);
+  frame->deleteLater();
+  frame = nullptr;
+}
+
+void Main_Frame::Close_Setup_Windows() {
+  for (auto& [name, window] : Tool_Windows) {
+    if (window.Opens_Anew && window.Frame != nullptr) Retire(window.Frame);
   }
 }
 

@@ -48,9 +48,11 @@ class Main_Frame : public QMainWindow {
     QString Menu_Text;
     std::function<QWidget*()> Make;
     QMdiSubWindow* Frame = nullptr;
+    bool Opens_Anew = false;  // a closed one is made again when it opens
   };
 
   void Build_Menus();
+  void Build_Setup_Entries(QMenu& menu);
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
   void Show_Banner();
@@ -60,6 +62,8 @@ class Main_Frame : public QMainWindow {
   void Reset_Places();
   void Keep_Place(const QString& name, const QWidget& frame);
   void Close_Tool_Windows();
+  void Close_Setup_Windows();
+  void Retire(QMdiSubWindow*& frame);
   void Open_Path(const QString& path);
 
   bool Started = false;

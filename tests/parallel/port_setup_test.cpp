@@ -70,9 +70,20 @@ TEST_F(Port_Setup_Test, Another_Base_Moves_The_Connector_And_A_Bad_One_Is_Refuse
   EXPECT_THAT(Read_Whole_File(Application.ErrorFile),
               HasSubstr("Check_Pin_Port_Error Bad Address"));
   EXPECT_EQ(Port_Setup.Combo_LPT_Pin_Port, "&H378");
+  EXPECT_THAT(Port_Setup.Label_Hint, HasSubstr("\"LPT1\" is no port address"));
   Port_Setup.Input[2].Port = "somewhere";
   Check_Input_Bit_Port(2);
   EXPECT_EQ(Port_Setup.Input[2].Port, "&H379");
+}
+
+TEST_F(Port_Setup_Test, A_Time_That_Is_No_Number_Is_Told_And_An_Unwritable_File_Too) {
+  const float before = MachineSetup.Parallel_MotorEnable_Time;
+  Port_Setup.Combo_MotorEnable_Time = "soon";
+  EXPECT_TRUE(Save_Parallel_Info());
+  EXPECT_EQ(MachineSetup.Parallel_MotorEnable_Time, before);
+  EXPECT_THAT(Port_Setup.Label_Hint, HasSubstr("\"soon\" is no number of seconds"));
+  Application.MachineFile = Folder.File("no/such/machine.ini");
+  EXPECT_FALSE(Save_Parallel_Info());
 }
 
 TEST_F(Port_Setup_Test, One_Page_Is_Live) {
@@ -81,9 +92,9 @@ TEST_F(Port_Setup_Test, One_Page_Is_Live) {
   Option_LPT_Setup_Type_Click(Pin_Setup_Page);
   EXPECT_FALSE(Port_Setup.Bits_Enabled);
   EXPECT_TRUE(Port_Setup.Pins_Enabled);
-  MachineSetup.Parallel_Port_Type = 2;
-  PortSelectionDisable();
+  Option_Port_Type_Click(2);
   EXPECT_FALSE(Port_Setup.LPT_Page_Enabled);
+  EXPECT_EQ(MachineSetup.Parallel_Port_Type, 1) << "nothing acts before it is saved";
 }
 
 // Saved and loaded again it is the same; the pins go to the idle levels of the new map.

@@ -218,6 +218,14 @@ TEST_F(Calibration_Test, Escape_Cancels_And_Moves_Are_Refused_Meanwhile) {
   EXPECT_EQ(intervals, 2);
 }
 
+TEST_F(Calibration_Test, An_EStop_Pressed_Meanwhile_Ends_It_One_Pressed_Before_Does_Not) {
+  Machine.EStop_Flag = true;
+  EXPECT_EQ(Find_Time_Constant(), Calibration_End::Found);
+  Machine.EStop_Flag = false;
+  scripted.On_Yield = [] { Machine.EStop_Flag = true; };
+  EXPECT_EQ(Find_Time_Constant(), Calibration_End::Cancelled);
+}
+
 TEST_F(Calibration_Test, System_Timing_Window) {
   MachineSetup.Parallel_Time_Constant = 33;
   System_Timing_Form_Load();
@@ -234,11 +242,14 @@ TEST_F(Calibration_Test, System_Timing_Window) {
   std::vector<double> feeds;
   Drive_Host.Set_Live_Feed = [&](double ipm) { feeds.push_back(Feed = ipm); };
   System_Timing_Start_Click();  // a tenth of an inch a minute: too slow for any pass
+  EXPECT_THAT(System_Timing.Label_Result, HasSubstr("did not settle"));
   EXPECT_EQ(System_Timing.Text_FeedRate, "00.10");
   EXPECT_THAT(feeds, ElementsAre(0.1, 0.1, 60));
   System_Timing.Text_FeedRate = "60";
   System_Timing_Start_Click();
   EXPECT_EQ(System_Timing.Command_Start + System_Timing.Command_Cancel, "DoneOK");
+  EXPECT_EQ(System_Timing.Label_Result,
+            "Time constant found: " + System_Timing.Text_TimeConstant + " microseconds.");
   EXPECT_NEAR(MachineSetup.Parallel_Time_Constant, 20, 1);
   EXPECT_EQ(Feed, 60);
   Temporary_Folder folder;

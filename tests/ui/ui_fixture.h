@@ -21,6 +21,7 @@
 #include "core/recent_files.h"
 #include "core/setup.h"
 #include "parallel/step_engine.h"
+#include "parallel/timing.h"
 #include "platform/scripted/scripted_platform.h"
 #include "plot/plot_form.h"
 #include "plot/view.h"
@@ -80,6 +81,7 @@ struct Ui_Test : testing::Test {
     Gcode_Host = {};
     Forms = {};
     Step_Engine = {};
+    Timing = {};
     Window_Area = {};
   }
 

@@ -114,7 +114,8 @@ TEST_F(Windows_Test, No_Text_Or_Button_Is_Cut_On_A_Small_Or_Finely_Scaled_Screen
     });
     Choose("Menu_Window_Simulated_Machine");
     for (const char* name :
-         {"Plot", "GCode", "CNC_Controls", "Simulated_Machine", "JogKey", "Port_IO"}) {
+         {"Plot", "GCode", "CNC_Controls", "Simulated_Machine", "JogKey", "Port_IO",
+          "Machine_Check", "System_Timing", "Port_Setup", "Table_Setup"}) {
       Window->Show_Tool_Window(name);
       QCoreApplication::processEvents();
       const QWidget& window = Find(name);

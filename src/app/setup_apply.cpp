@@ -1,0 +1,77 @@
+#include "app/setup_apply.h"
+
+#include "control/cnc_controller.h"
+#include "control/cnc_controls_form.h"
+#include "control/control_texts.h"
+#include "control/controller_state.h"
+#include "control/jog_key.h"
+#include "control/table_setup_keys.h"
+#include "core/messages.h"
+#include "core/setup.h"
+#include "parallel/pin_map.h"
+#include "parallel/port_setup.h"
+#include "parallel/step_engine.h"
+#include "platform/platform.h"
+
+namespace norvik {
+
+namespace {
+
+bool On_Parallel_Port() {
+  return MachineSetup.Parallel_Port_Type == 1;
+}
+
+void Switch_All_Off() {
+  if (On_Parallel_Port()) All_Outputs_Off();
+  for (auto& output : CNC_Controls.Check_Outputs) output.Value = false;
+}
+
+void Told_Saved(bool saved, const char* text) {
+  constexpr const char* lost =
+      "Not saved: the machine file cannot be written. The change holds until Norvik ends.";
+  SetStatus(1, saved ? text : lost, saved ? 5 : 10);
+}
+
+}  // namespace
+
+void Port_Setup_Apply_Click() {
+  if (!Stopped_For("Can't change the port setup")) return;
+  Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
+  Switch_All_Off();
+  const bool saved = Save_Parallel_Info();
+  Switch_All_Off();
+  const std::string hint = Port_Setup.Label_Hint;
+  Port_Setup_Form_Load();
+  Port_Setup.Label_Hint = hint;
+  CNC_Controls_Host.Form_Changed();
+  Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
+  Told_Saved(saved, "The port setup is saved. Outputs and motors are off.");
+}
+
+void Table_Setup_Apply_Click() {
+  if (!Stopped_For("Can't change the jog keys")) return;
+  Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
+  DoEvents();
+  Save_Jog_Tables();
+  const bool saved = SaveMachineSetup();
+  // A file that cannot be written may not be readable either; what is in memory is then all there
+  // is.
+  if (saved) LoadMachineSetup();
+  // The yields let a press through that began something.
+  if (On_Parallel_Port() && !Anything_Moves()) Idle_All_Outputs();
+  Display_Jog_Tables();
+  JogKey_Host.Form_Changed();
+  Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
+  Told_Saved(saved, "The jog keys are saved. Motors are off.");
+  DoEvents();
+}
+
+void Menu_Machine_Diagnostics() {
+  if (Anything_Moves()) {
+    SetStatus(1, control_text::Not_While_Moving, 5);
+    return;
+  }
+  Show_Diagnostics();
+}
+
+}  // namespace norvik
