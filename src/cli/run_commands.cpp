@@ -44,6 +44,10 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
     companion.Environment.Use_Virtual_Clock();
   } else {
     std::cerr << companion.Environment.Use_Port() << '\n';
+    if (const std::string refusal = companion.Environment.Port_Refusal(); !refusal.empty()) {
+      Complain(refusal);
+      return Failed;
+    }
   }
   Connect_Control();
   Run_Options run;
