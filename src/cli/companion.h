@@ -32,6 +32,8 @@ struct Companion_Environment {
   // Direct access where the process may use it and the setup asks for it, the simulated machine
   // otherwise. Answers in words which one it is.
   std::function<std::string()> Use_Port = [] { return std::string(); };
+  // Why that port cannot be used, with what to do; empty when it can.
+  std::function<std::string()> Port_Refusal = [] { return std::string(); };
   std::function<void()> Use_Virtual_Clock = [] {};
   // What the simulated machine noticed; empty on real ports.
   std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };

@@ -34,6 +34,7 @@ int main(int argument_count, char** arguments) {
   Companion_Environment environment;
   environment.Use_Simulated_Machine = Use_Simulated_Machine;
   environment.Use_Port = Choose_Port;
+  environment.Port_Refusal = Port_Refusal;
   environment.Use_Virtual_Clock = Install_Virtual_Clock;
   environment.Findings = [] {
     return Port_Is_Simulated() ? Findings_Text() : std::vector<std::string>();

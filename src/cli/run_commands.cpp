@@ -5,6 +5,7 @@
 #include "control/machine_move.h"
 #include "control/run_program.h"
 #include "core/fault.h"
+#include "parallel/pin_map.h"
 #include "parallel/ports.h"
 
 #include <iostream>
@@ -44,6 +45,12 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
     companion.Environment.Use_Virtual_Clock();
   } else {
     std::cerr << companion.Environment.Use_Port() << '\n';
+    if (const std::string refusal = companion.Environment.Port_Refusal(); !refusal.empty()) {
+      Complain(refusal);
+      return Failed;
+    }
+    // Whatever pins another program has left: a step pin that is high would swallow its first step.
+    Idle_All_Outputs();
   }
   Connect_Control();
   Run_Options run;

@@ -59,6 +59,9 @@ inline constexpr std::string_view Move_Ends_First =
 inline constexpr std::string_view Ended_By_Operator = "Stopped by the operator.";
 inline constexpr std::string_view Ended_By_Failure =
     "Stopped: the move could not be made. The error log says why.";
+inline constexpr std::string_view Run_Without_Port =
+    "Access to the port failed during the run, so motors missed steps. The error log says why. Put "
+    "it right and home the axes before the next run. Failed accesses: ";
 inline constexpr std::string_view EStop_Stays_Set =
     "The E-stop stays set until the machine stands still. Press again to enable the motors.";
 inline constexpr std::string_view Motors_Are_Disabled =

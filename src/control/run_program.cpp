@@ -5,6 +5,7 @@
 #include "compiler/program_text.h"
 #include "compiler/program_wire.h"
 #include "control/cnc_controller.h"
+#include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/displays.h"
 #include "control/machine_move.h"
@@ -15,6 +16,7 @@
 #include "core/messages.h"
 #include "core/setup.h"
 #include "core/waiting.h"
+#include "parallel/ports.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -86,6 +88,21 @@ Run_Summary Sum_Up() {
   return summary;
 }
 
+std::int64_t Failed_Accesses() {
+  return Port_Failures.Reads.Count + Port_Failures.Writes.Count;
+}
+
+// A port that fails stops nothing, but a run on it is not a finished one.
+Run_Summary Sum_Up_Run(std::int64_t failed_before) {
+  Run_Summary summary = Sum_Up();
+  const std::int64_t failed = Failed_Accesses() - failed_before;
+  if (failed == 0) return summary;
+  summary.Finished = false;
+  summary.Ended_By += (summary.Ended_By.empty() ? "" : " ") +
+                      std::string(control_text::Run_Without_Port) + std::to_string(failed) + ".";
+  return summary;
+}
+
 Run_Summary Failed(std::string_view why) {
   Run_Summary summary = Sum_Up();
   summary.Finished = false;
@@ -101,13 +118,13 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
   const Panel_Timer timer(options);
   Machine.StartingStep = std::max(Machine.StartingStep, 1);
   Controller.Steps_Executed = 0;
+  const std::int64_t failed_before = Failed_Accesses();
   if (!Begin_Operation()) return Failed(Messages.Panel[1]);
   do {
     Command_CNC_Play_Click();
   } while (Machine.CNCMode == CNC_Paused && options.At_Pause(Machine.Run_Step));
-  if (Machine.CNCMode != CNC_Paused) return Sum_Up();
-  CNC_Stop();
-  return Sum_Up();
+  if (Machine.CNCMode == CNC_Paused) CNC_Stop();
+  return Sum_Up_Run(failed_before);
 }
 
 Run_Summary Run_Program(const Run_Options& options) {

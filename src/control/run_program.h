@@ -25,7 +25,7 @@ struct Run_Options {
 };
 
 struct Run_Summary {
-  bool Finished = false;           // the last step was executed
+  bool Finished = false;           // the last step was executed, and no access to the port failed
   std::string Ended_By;            // otherwise: why not, in the operator's words
   std::int32_t Steps = 0;          // program steps executed
   std::int32_t Last_Step = 0;      // of the program

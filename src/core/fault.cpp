@@ -25,9 +25,8 @@ Fault Current_Fault() {
 
 }  // namespace
 
-void Log_Current_Fault(std::string_view name) noexcept {
+void Log_Fault(std::string_view name, const Fault& fault) noexcept {
   try {
-    const Fault fault = Current_Fault();
     std::string text(name);
     if (!name.ends_with("# ") && !name.ends_with(": ")) text += " # ";
     text += std::to_string(static_cast<int>(fault.Number)) + " " + fault.Description;
@@ -36,17 +35,14 @@ void Log_Current_Fault(std::string_view name) noexcept {
   }
 }
 
-bool Trap_With(const std::function<void(const Fault&)>& report,
-               const std::function<void()>& body) noexcept {
+void Log_Current_Fault(std::string_view name) noexcept {
+  Report_Current_Fault([&](const Fault& fault) { Log_Fault(name, fault); });
+}
+
+void Report_Current_Fault(const std::function<void(const Fault&)>& report) noexcept {
   try {
-    body();
-    return true;
-  } catch (...) {
-    try {
-      report(Current_Fault());
-    } catch (...) {  // As above.
-    }
-    return false;
+    report(Current_Fault());
+  } catch (...) {  // As above.
   }
 }
 

@@ -42,9 +42,13 @@ class Fault : public std::exception {
   std::string Description;
 };
 
-// Writes "name # number description" for the exception in flight to the error log, then runs
-// nothing else. A name that already ends in "# " or ": " is followed by the text alone.
+// Writes "name # number description" to the error log. A name that already ends in "# " or ": " is
+// followed by number and description alone.
+void Log_Fault(std::string_view name, const Fault& fault) noexcept;
+// The same for the exception in flight; runs nothing else.
 void Log_Current_Fault(std::string_view name) noexcept;
+// Hands the exception in flight to `report`, whose own failures end here.
+void Report_Current_Fault(const std::function<void(const Fault&)>& report) noexcept;
 
 // Runs `body`. A fault or any standard exception is logged under `name`. True when nothing failed.
 template <class Body>
@@ -60,8 +64,16 @@ bool Trap(std::string_view name, Body&& body) noexcept {
 
 // Runs `body`; `report` gets the number and description of a failure and words the log line itself.
 // For routines whose log line carries something else than the fault (the text of a block, a line
-// number). True when nothing failed.
-bool Trap_With(const std::function<void(const Fault&)>& report,
-               const std::function<void()>& body) noexcept;
+// number). True when nothing failed. Allocates nothing of its own.
+template <class Report, class Body>
+bool Trap_With(Report&& report, Body&& body) noexcept {
+  try {
+    std::forward<Body>(body)();
+    return true;
+  } catch (...) {
+    Report_Current_Fault(std::ref(report));
+    return false;
+  }
+}
 
 }  // namespace norvik

@@ -157,8 +157,13 @@ void Toggle_Step(int axis, bool negative, bool enabled, bool is_backlash) {
   const std::uint8_t value = PPGetPort(pin.Port);
   std::int16_t& level = Pins.Step_Bit[axis];
   level = level == 0 ? 1 : 0;
+  const double position = Machine.Position[axis];
+  const float home_distance = Pins.Home_Distance[axis];
   if (level != 0 && enabled && !is_backlash) Count_Step(axis, negative);
-  PPSetPort(pin.Port, With_Bit(value, pin.Mask, level != 0), enabled);
+  if (PPSetPort(pin.Port, With_Bit(value, pin.Mask, level != 0), enabled)) return;
+  // The pin did not move: no step was made.
+  Machine.Position[axis] = position;
+  Pins.Home_Distance[axis] = home_distance;
 }
 
 }  // namespace norvik

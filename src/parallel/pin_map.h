@@ -107,8 +107,8 @@ void All_Outputs_Off();
 
 // One half step of one axis: toggles the step pin by the bit memory. The rising edge is the step
 // and counts in `Machine.Position` and `Home_Distance`, unless the axis is blocked (`enabled`
-// false: the byte goes to the dummy address) or the edge only takes up backlash. Raises a division
-// fault when the scale of the axis is 0.
+// false: the byte goes to the dummy address), the edge only takes up backlash, or the port did not
+// take the write. Raises a division fault when the scale of the axis is 0.
 void Toggle_Step(int axis, bool negative, bool enabled, bool is_backlash);
 
 // Motor enable supervision, from the panel's timer: with option 0 motors of resting axes are off,

@@ -2,6 +2,7 @@
 
 #include "core/error_log.h"
 #include "core/fault.h"
+#include "core/messages.h"
 #include "core/setup.h"
 #include "platform/platform.h"
 
@@ -15,6 +16,7 @@
 namespace norvik {
 
 Port_Recorder_State Port_Recorder;
+Port_Failure_State Port_Failures;
 
 namespace {
 
@@ -23,6 +25,22 @@ constexpr std::int32_t Highest_Port = 65535;
 bool Accessible(std::int32_t port) {
   const std::int16_t way = MachineSetup.Parallel_IODLL;
   return port >= Lowest_Port && port <= Highest_Port && (way == 1 || way == 2);
+}
+
+constexpr std::string_view Failed_Panel = "Port: access failed, motors do not move";
+constexpr std::string_view Failed_Message =
+    "Access to the port fails: motors do not move, outputs stay as they are, steps that were not "
+    "made are not counted. Switch a turning spindle off at the machine. When the cause named below "
+    "is put right, home the axes before the next run.";
+
+void Note_Failure(Port_Failure& failure, std::string_view name, const Fault& fault) {
+  ++failure.Count;
+  if (fault.Description == failure.Said) return;
+  failure.Said = fault.Description;
+  Log_Fault(name, fault);
+  Add_New_Message(fault.Description);
+  Add_New_Message(Failed_Message);
+  SetStatus(3, Failed_Panel, -1);
 }
 
 void Record(std::int32_t port, std::uint8_t value, bool real) {
@@ -38,17 +56,21 @@ void Record(std::int32_t port, std::uint8_t value, bool real) {
 std::uint8_t PPGetPort(std::int32_t port) noexcept {
   if (!Accessible(port)) return 0;
   std::uint8_t value = 0;
-  Trap("PPGetPort_Error", [&] { value = Platform.Port_Read(static_cast<std::uint16_t>(port)); });
+  Trap_With([](const Fault& fault) { Note_Failure(Port_Failures.Reads, "PPGetPort_Error", fault); },
+            [&] { value = Platform.Port_Read(static_cast<std::uint16_t>(port)); });
   return value;
 }
 
-void PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept {
+bool PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept {
   const std::int32_t target = real ? port : port + Dummy_Port_Offset;
-  if (!Accessible(port) || !Accessible(target)) return;
-  Trap("PPSetPort_Error", [&] {
-    Platform.Port_Write(static_cast<std::uint16_t>(target), value);
-    if (Port_Recorder.Active) Record(port, value, real);
-  });
+  if (!Accessible(port) || !Accessible(target)) return true;
+  const bool written = Trap_With(
+      [](const Fault& fault) { Note_Failure(Port_Failures.Writes, "PPSetPort_Error", fault); },
+      [&] { Platform.Port_Write(static_cast<std::uint16_t>(target), value); });
+  if (written && Port_Recorder.Active) {
+    Trap("Port_Recorder_Error", [&] { Record(port, value, real); });
+  }
+  return written;
 }
 
 void Start_Port_Recorder(std::function<void(const std::vector<Port_Write_Record>&)> take_block) {

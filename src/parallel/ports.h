@@ -27,16 +27,29 @@ inline constexpr std::int32_t Lowest_Port = 600;
 // A write that must cost its time and move nothing goes so many addresses further on.
 inline constexpr std::int32_t Dummy_Port_Offset = 12;
 
+// A failing access stops nothing. It is logged under the name of the primitive, told in the message
+// list and in status panel 3, once for each cause: a step loop on a dead port fails some ten
+// thousand times in a second. `Port_Failures` counts every one.
+
 // The byte at an I/O address; 0 when nothing was read (address below 600 or above 65535, no way of
-// access chosen, a failure, which is logged as "PPGetPort_Error"). Raises nothing.
+// access chosen, a failure). Raises nothing.
 std::uint8_t PPGetPort(std::int32_t port) noexcept;
 
 // Writes a byte. `real` false sends it to `port + 12`, an address that no device decodes, so that
-// the write costs the same and no pin moves. Nothing happens where PPGetPort would not read. A
-// failure is logged as "PPSetPort_Error". Raises nothing.
-void PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept;
+// the write costs the same and no pin moves. Nothing happens where PPGetPort would not read. False
+// when the write failed, so that the pins are as they were. Raises nothing.
+bool PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept;
 
-// One write as it was asked for: `Port` is the address before the dummy offset.
+struct Port_Failure {
+  std::int64_t Count = 0;  // since the program started
+  std::string Said;        // the cause told last
+};
+struct Port_Failure_State {
+  Port_Failure Reads, Writes;
+};
+extern Port_Failure_State Port_Failures;
+
+// One write that was made, as it was asked for: `Port` is the address before the dummy offset.
 struct Port_Write_Record {
   std::int64_t Time = 0;  // ns, Platform.Monotonic_Clock
   std::uint16_t Port = 0;

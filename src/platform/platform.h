@@ -126,7 +126,8 @@ struct Platform_Operations {
   std::function<void(std::int32_t microseconds, std::int64_t period_ns)> Delay_In_Period;
 
   // --- Ports and process -----------------------------------------------------------------------
-  // Byte access to an I/O port. A refused right is reported by the back end once.
+  // Byte access to an I/O port. An access that fails raises a std::runtime_error with words for the
+  // operator, every time.
   std::function<std::uint8_t(std::uint16_t address)> Port_Read = [](std::uint16_t) {
     return std::uint8_t{255};
   };

@@ -14,6 +14,7 @@ namespace {
 
 struct Port_Choice_State {
   bool Simulated = false;
+  std::string Refusal;
 };
 Port_Choice_State Port_Choice;
 
@@ -22,10 +23,14 @@ std::string Told(const std::string& text) {
   return text;
 }
 
-std::string Use_Direct_Port() {
+std::string Use_Direct_Port(const Port_Right& right) {
   Install_Direct_Ports(&MachineSetup.Parallel_IODLL);
   Port_Choice.Simulated = false;
-  return Told("Port: real, motors will move");
+  if (right.Granted) return Told("Port: real, motors will move");
+  Port_Choice.Refusal = right.Words;
+  ErrorLogWrite(right.Words);
+  AddMessage(right.Words);
+  return Told("Port: real, but access is refused: motors will not move");
 }
 
 }  // namespace
@@ -38,21 +43,22 @@ void Use_Simulated_Machine() {
 }
 
 std::string Choose_Port() {
+  Port_Choice.Refusal.clear();
   const std::string wanted = Upper(Trim(ReadPointer("Platform", "Port_Access")));
   const Port_Right right = Direct_Port_Right(MachineSetup.Parallel_IODLL);
-  if (wanted == "DIRECT") {
-    if (!right.Granted) ErrorLogWrite(right.Words);
-    return Use_Direct_Port();
-  }
+  if (wanted == "DIRECT") return Use_Direct_Port(right);
   if (wanted == "SIMULATED" || !right.Granted) {
     Use_Simulated_Machine();
     return Told("Port: simulated machine");
   }
-  return Use_Direct_Port();
+  return Use_Direct_Port(right);
 }
 
 bool Port_Is_Simulated() {
   return Port_Choice.Simulated;
+}
+std::string Port_Refusal() {
+  return Port_Choice.Refusal;
 }
 
 }  // namespace norvik

@@ -10,8 +10,8 @@ void Use_Simulated_Machine();
 
 // As `Port_Access` in section `Platform` of the pointer file says:
 //
-//   Direct      the hardware; without the right to it every access fails with words that say what
-//               gives the right
+//   Direct      the hardware; without the right to it every access fails, and error log, message
+//               list and status panel 3 say so and what gives the right
 //   Simulated   the simulated machine
 //   Auto        the hardware where this process may use it, the simulated machine otherwise; also
 //               taken when the key is missing
@@ -20,5 +20,7 @@ void Use_Simulated_Machine();
 std::string Choose_Port();
 
 bool Port_Is_Simulated();
+// What gives the right to the chosen port; empty when this process may use it.
+std::string Port_Refusal();
 
 }  // namespace norvik

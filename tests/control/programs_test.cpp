@@ -124,6 +124,24 @@ TEST_F(Programs_Test, A_refused_run_says_why) {
   EXPECT_EQ(Run_Compiled_Program({""}).Ended_By, control_text::No_Serial_Board);
 }
 
+// The port dies in the first of three moves, so the summary must not read like that of a finished
+// run, and the position is that of the motors.
+TEST_F(Programs_Test, A_run_on_a_port_that_fails) {
+  Load({{1, 0.1}, {2, 0.1, 0.1}, {3, 0.0, 0.2}});
+  Platform.Port_Write = [inner = Platform.Port_Write, count = 0](std::uint16_t port,
+                                                                 std::uint8_t value) mutable {
+    if (++count > 40) throw std::runtime_error("gone");
+    inner(port, value);
+  };
+  const Run_Summary summary = Run_Compiled_Program({""});
+  EXPECT_FALSE(summary.Finished);
+  EXPECT_THAT(summary.Ended_By, HasSubstr(control_text::Run_Without_Port));
+  EXPECT_GT(summary.Position[1], 0);
+  EXPECT_LT(summary.Position[1], 0.1);
+  EXPECT_EQ(summary.Position[2], 0);
+  Expect_Position_True();
+}
+
 TEST_F(Programs_Test, A_long_run_on_the_virtual_clock) {
   Install_Virtual_Clock();
   std::vector<Row> rows;

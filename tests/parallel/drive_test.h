@@ -48,6 +48,7 @@ inline void Set_Standard_Machine() {
   Timing = {};
   Step_Engine = {};
   Drive_Host = {};
+  Port_Failures = {};
   Restore_Factory_Setup();
   Set_Standard_Pins();
   MachineSetup.Axis_SPI.Fill(1000);

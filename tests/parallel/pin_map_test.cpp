@@ -42,11 +42,32 @@ TEST_F(Pin_Map_Test, A_Failing_Back_End_Is_Logged_And_Reads_As_Zero) {
   scripted.On_Port_Write = [](std::uint16_t, std::uint8_t) {
     throw std::runtime_error("no right");
   };
-  EXPECT_EQ(PPGetPort(888), 0);
-  PPSetPort(888, 1, true);
-  const std::string log = Read_Whole_File(Application.ErrorFile);
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(PPGetPort(888), 0);
+    EXPECT_FALSE(PPSetPort(888, 1, true));
+  }
+  const auto lines = [](const std::string& log) {
+    return std::count(log.begin(), log.end(), '\n');
+  };
+  std::string log = Read_Whole_File(Application.ErrorFile);
   EXPECT_THAT(log, HasSubstr("PPGetPort_Error # 51 no right"));
   EXPECT_THAT(log, HasSubstr("PPSetPort_Error # 51 no right"));
+  EXPECT_EQ(lines(log), 2);  // once for each cause
+  EXPECT_EQ(Port_Failures.Reads.Count, 3);
+  EXPECT_EQ(Port_Failures.Writes.Count, 3);
+  EXPECT_THAT(Messages.Panel[3], HasSubstr("motors do not move"));
+  EXPECT_THAT(Messages.Status_Box, HasSubstr("home the axes before the next run"));
+  EXPECT_THAT(Messages.Status_Box, HasSubstr("no right"));
+  Stop_Port_Recorder();
+  EXPECT_TRUE(Written.empty());
+
+  scripted.On_Port_Write = [](std::uint16_t, std::uint8_t) {
+    throw std::runtime_error("another cause");
+  };
+  PPSetPort(888, 1, true);
+  log = Read_Whole_File(Application.ErrorFile);
+  EXPECT_THAT(log, HasSubstr("PPSetPort_Error # 51 another cause"));
+  EXPECT_EQ(lines(log), 3);
 }
 
 struct Bit_Row {

@@ -345,6 +345,28 @@ TEST_F(Step_Engine_Test, Dead_Port) {
   EXPECT_NEAR(Machine.Position[1], 0.005, 1e-12);
 }
 
+// From the 12th write on nothing arrives: every access is still made in its order, and the position
+// stays where the motors do.
+TEST_F(Step_Engine_Test, A_Port_That_Fails_In_A_Move) {
+  EXPECT_EQ(Step_Engine_Move(Move(9, 4, 0, 0)), Move_End::Done);
+  const std::string whole = std::exchange(Accesses, "");
+  Machine.Position.Fill(0);
+  Pins.Home_Distance.Fill(0);
+  scripted.On_Port_Write = [&, arrives = scripted.On_Port_Write, count = 0](
+                               std::uint16_t port, std::uint8_t value) mutable {
+    if (++count < 12) return arrives(port, value);
+    Accesses += "W" + std::to_string(port) + " ";
+    throw std::runtime_error("gone");
+  };
+  EXPECT_EQ(Step_Engine_Move(Move(9, 4, 0, 0)), Move_End::Done);
+  EXPECT_EQ(Accesses, whole);
+  // Two directions and two enables, then X up, down, up (Y up), down, up, down.
+  EXPECT_NEAR(Machine.Position[1], 0.003, 1e-12);
+  EXPECT_NEAR(Machine.Position[2], 0.001, 1e-12);
+  EXPECT_NEAR(Pins.Home_Distance[1], 0.003, 1e-7);
+  EXPECT_EQ(Port_Failures.Writes.Count, std::count(whole.begin(), whole.end(), 'W') - 11);
+}
+
 struct Refused_Row {
   const char* Why;
   float Scale_X, Scale_Y;

@@ -6,6 +6,7 @@
 #include "support/temporary_folder.h"
 
 #include <fstream>
+#include <functional>
 
 #include <gmock/gmock.h>
 #include <sys/mman.h>
@@ -45,23 +46,28 @@ TEST_F(Linux_Platform_Test, Waits_In_A_Period_Keep_The_Period_On_The_Average) {
   EXPECT_GE(Platform.Monotonic_Clock() - before, std::int64_t{rounds} * 32'000);
 }
 
-// Refused words name what gives the right; each operation says them once and then stays quiet.
-void Expect_Refused_Once(const std::string& words) {
-  std::string read, write;
+// What an access raises; empty when it succeeds.
+std::string Words_Of(const std::function<void()>& access) {
   try {
-    Platform.Port_Read(889);
+    access();
   } catch (const std::exception& refused) {
-    read = refused.what();
+    return refused.what();
   }
-  try {
-    Platform.Port_Write(888, 1);
-  } catch (const std::exception& refused) {
-    write = refused.what();
+  return "";
+}
+std::string Read_Words() {
+  return Words_Of([] { Platform.Port_Read(889); });
+}
+std::string Write_Words() {
+  return Words_Of([] { Platform.Port_Write(888, 1); });
+}
+
+// A second access must not look like one that was made.
+void Expect_Refused_Every_Time(const std::string& words) {
+  for (int i = 0; i < 2; ++i) {
+    EXPECT_EQ(Read_Words(), words);
+    EXPECT_EQ(Write_Words(), words);
   }
-  EXPECT_EQ(read, words);
-  EXPECT_EQ(write, words);
-  EXPECT_EQ(Platform.Port_Read(889), 0);
-  EXPECT_NO_THROW(Platform.Port_Write(888, 1));
 }
 
 TEST_F(Linux_Platform_Test, Port_Instructions) {
@@ -74,7 +80,7 @@ TEST_F(Linux_Platform_Test, Port_Instructions) {
   }
   EXPECT_THAT(right.Words, AnyOf(HasSubstr("cap_sys_rawio"), HasSubstr("Parallel_IODLL 2")));
   EXPECT_THAT(right.Words, HasSubstr("Port_Access to Simulated"));
-  Expect_Refused_Once(right.Words);
+  Expect_Refused_Every_Time(right.Words);
 }
 
 TEST_F(Linux_Platform_Test, Port_Device_Reads_And_Writes_At_The_Address) {
@@ -93,8 +99,25 @@ TEST_F(Linux_Platform_Test, Port_Device_Reads_And_Writes_At_The_Address) {
   const Port_Right refused = Direct_Port_Right(2);
   EXPECT_FALSE(refused.Granted);
   EXPECT_THAT(refused.Words, HasSubstr("Parallel_IODLL 1"));
-  Expect_Refused_Once(refused.Words);
+  Expect_Refused_Every_Time(refused.Words);
   EXPECT_FALSE(Direct_Port_Right(0).Granted);
+  Set_Port_Device("/dev/port");
+}
+
+TEST_F(Linux_Platform_Test, A_Port_Device_That_Fails_Later) {
+  Temporary_Folder folder;
+  const std::string device = folder.File("port");
+  std::ofstream(device) << std::string(1000, '\x2A');
+  static const std::int16_t way = 2;
+  Install_Direct_Ports(&way);
+  Set_Port_Device(device);
+  EXPECT_EQ(Read_Words(), "");
+  std::ofstream(device, std::ios::trunc);
+  EXPECT_THAT(Read_Words(), HasSubstr("does not answer any more"));
+  EXPECT_EQ(Read_Words(), Read_Words());
+  Set_Port_Device("/dev/full");  // takes no byte
+  EXPECT_TRUE(Direct_Port_Right(2).Granted);
+  EXPECT_THAT(Write_Words(), HasSubstr("Start the program again"));
   Set_Port_Device("/dev/port");
 }
 

@@ -7,6 +7,7 @@
 #include <bitset>
 #include <cerrno>
 #include <cstring>
+#include <optional>
 #include <stdexcept>
 
 #include <fcntl.h>
@@ -20,9 +21,11 @@ namespace {
 
 constexpr std::uint16_t Usual_Port = 888;
 
-// What one way of access has been refused; each is said once.
-struct Refusals {
-  bool Read_Said = false, Write_Said = false;
+// Why a way of access failed last. The words are made once for an error: a step loop on a dead port
+// asks some ten thousand times in a second.
+struct Failure {
+  int Error = 0;
+  std::string Words;
 };
 
 struct Direct_Port_State {
@@ -31,7 +34,7 @@ struct Direct_Port_State {
   std::string Device = "/dev/port";
   int File = -1;  // way 2; -1 not open
   int Open_Error = 0;
-  std::array<Refusals, 3> Refused;  // by way
+  std::array<Failure, 3> Failed;  // by way
 };
 Direct_Port_State Ports;
 
@@ -58,30 +61,46 @@ std::string Instruction_Words(int error) {
          Simulated_Hint;
 }
 
-std::string Device_Group() {
+// The group whose members may read and write the device; absent when there is none.
+std::optional<std::string> Device_Group() {
   struct stat device {};
-  if (::stat(Ports.Device.c_str(), &device) != 0) return "kmem";
+  constexpr mode_t both = S_IRGRP | S_IWGRP;
+  if (::stat(Ports.Device.c_str(), &device) != 0 || (device.st_mode & both) != both) {
+    return std::nullopt;
+  }
   const struct group* owner = ::getgrgid(device.st_gid);
   return owner != nullptr ? owner->gr_name : std::to_string(device.st_gid);
+}
+
+// Systems usually let the group read the device and not write it, so that joining would not help.
+std::string Device_Owner_Words() {
+  const auto group = Device_Group();
+  if (!group) {
+    return "Choose the first port access library (Parallel_IODLL 1), which needs no device. ";
+  }
+  return "Join the group \"" + *group + "\" with the command \"sudo usermod -aG " + *group +
+         " $USER\" and log in again. ";
 }
 
 std::string Device_Words(int error) {
   const std::string refused = "Access to the port device " + Ports.Device + " was refused (" +
                               std::string(std::strerror(error)) + "). ";
-  if (error == EACCES) {
-    const std::string group = Device_Group();
-    return refused + "Join the group \"" + group + "\" with the command \"sudo usermod -aG " +
-           group + " $USER\" and log in again. " + Raw_IO_Words() + Simulated_Hint;
-  }
+  if (error == EACCES) return refused + Device_Owner_Words() + Raw_IO_Words() + Simulated_Hint;
   if (error == EPERM) return refused + Raw_IO_Words() + Simulated_Hint;
   return refused + "Choose the first port access library (Parallel_IODLL 1)." + Simulated_Hint;
 }
 
-// Throws once for each flag; later refusals pass quietly.
-void Refuse(bool& said, const std::string& words) {
-  if (said) return;
-  said = true;
-  throw std::runtime_error(words);
+// The device was open and failed afterwards.
+std::string Device_Lost_Words(int error) {
+  return "The port device " + Ports.Device + " does not answer any more (" + std::strerror(error) +
+         "). Start the program again. If it happens again, choose the first port access library "
+         "(Parallel_IODLL 1).";
+}
+
+[[noreturn]] void Fail(int way, int error, std::string (*words)(int)) {
+  Failure& failure = Ports.Failed[static_cast<std::size_t>(way)];
+  if (failure.Error != error) failure = {error, words(error)};
+  throw std::runtime_error(failure.Words);
 }
 
 // --- Way 1 ---------------------------------------------------------------------------------------
@@ -95,16 +114,12 @@ int Allow(std::uint16_t address) {
 }
 
 std::uint8_t Read_By_Instruction(std::uint16_t address) {
-  if (const int error = Allow(address)) {
-    Refuse(Ports.Refused[1].Read_Said, Instruction_Words(error));
-    return 0;
-  }
+  if (const int error = Allow(address)) Fail(1, error, Instruction_Words);
   return In_Byte(address);
 }
 
 void Write_By_Instruction(std::uint16_t address, std::uint8_t value) {
-  if (const int error = Allow(address))
-    return Refuse(Ports.Refused[1].Write_Said, Instruction_Words(error));
+  if (const int error = Allow(address)) Fail(1, error, Instruction_Words);
   Out_Byte(address, value);
 }
 
@@ -119,16 +134,21 @@ bool Device_Open() {
   return Ports.File >= 0;
 }
 
+// Raises the words of an access that did not move one byte.
+void Expect_One(ssize_t moved) {
+  if (moved != 1) Fail(2, moved < 0 ? errno : EIO, Device_Lost_Words);
+}
+
 std::uint8_t Read_By_Device(std::uint16_t address) {
+  if (!Device_Open()) Fail(2, Ports.Open_Error, Device_Words);
   std::uint8_t value = 0;
-  if (Device_Open() && ::pread(Ports.File, &value, 1, address) == 1) return value;
-  Refuse(Ports.Refused[2].Read_Said, Device_Words(Ports.Open_Error != 0 ? Ports.Open_Error : EIO));
-  return 0;
+  Expect_One(::pread(Ports.File, &value, 1, address));
+  return value;
 }
 
 void Write_By_Device(std::uint16_t address, std::uint8_t value) {
-  if (Device_Open() && ::pwrite(Ports.File, &value, 1, address) == 1) return;
-  Refuse(Ports.Refused[2].Write_Said, Device_Words(Ports.Open_Error != 0 ? Ports.Open_Error : EIO));
+  if (!Device_Open()) Fail(2, Ports.Open_Error, Device_Words);
+  Expect_One(::pwrite(Ports.File, &value, 1, address));
 }
 
 }  // namespace
@@ -159,7 +179,7 @@ void Set_Port_Device(const std::string& path) {
   if (Ports.File >= 0) ::close(Ports.File);
   Ports.File = -1;
   Ports.Open_Error = 0;
-  Ports.Refused[2] = {};
+  Ports.Failed[2] = {};
   Ports.Device = path;
 }
 

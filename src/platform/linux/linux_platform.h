@@ -47,9 +47,8 @@ struct Port_Right {
 Port_Right Direct_Port_Right(int way);
 
 // Fills Port_Read and Port_Write with direct access. `way` is read at every access, so that the
-// setting acts at once, and must live as long as the process. The first refused read and the first
-// refused write of each way throw a std::runtime_error with the words; later ones answer 0 and do
-// nothing.
+// setting acts at once, and must live as long as the process. An access that is refused, or that
+// fails later, raises a std::runtime_error with the words, every time.
 void Install_Direct_Ports(const std::int16_t* way);
 
 // The device of way 2; another path in tests.
