@@ -1,15 +1,16 @@
 #include "app/machine_menu.h"
 
+#include "app/drive_session.h"
 #include "app/forms.h"
 #include "app/main_form.h"
 #include "control/cnc_controller.h"
+#include "control/safety.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "core/setup_keys.h"
-#include "parallel/pin_map.h"
 #include "platform/platform.h"
 #include "plot/view.h"
 
@@ -58,16 +59,18 @@ void Menu_Machine_Load_Machine_Setup() {
   if (!Stopped_For("Can't load a machine setup")) return;
   const auto path = Platform.Open_File_Dialog(Setup_Dialog("Load Machine Setup"));
   if (!path) return;
+  if (Application.ShutdownFlag) return;
+  End_Drive_Session();  // as long as the pins mean what they have been
   SetMachineName(*path);
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
   UnLoad_Forms();
   LoadMachineSetup();
-  // The pins may mean something else now.
-  if (MachineSetup.Parallel_Port_Type != 2) Idle_All_Outputs();
+  Begin_Drive_Session();
   RememberFile(File_Kind::Setup, *path);
   ReLoad_Forms();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Zoom_Table();
+  Tell_Home_Safety();
 }
 
 void Save_Cut_Depths() {
@@ -89,9 +92,13 @@ void Command_Parameter_Reset_Click() {
     Main_Host.Unload_Form(form);
   }
   DoEvents();
+  if (Application.ShutdownFlag) return;
+  End_Drive_Session();  // as long as the pins mean what they have been
   Restore_All_Parameters();
+  Begin_Drive_Session();
   Show_Open_Forms();
   Platform.Message_Box("Parameter Restore", Reset_Done, Box_Buttons::Ok);
+  Tell_Home_Safety();
 }
 
 }  // namespace norvik

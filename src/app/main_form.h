@@ -36,6 +36,7 @@ struct Main_Host_Operations {
 
   // --- Devices of other rooms --------------------------------------------------------------------
   // Real or simulated port, by the pointer file and the machine file, before the first access.
+  // Raises a fault with words for the operator when another program drives the machine.
   std::function<void()> Open_Port = [] {};
   std::function<void()> Open_Serial_Link = [] {};
   // Sends the four axis positions to the board.

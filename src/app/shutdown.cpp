@@ -1,5 +1,7 @@
 #include "app/shutdown.h"
 
+#include "app/drive_session.h"
+#include "app/forms.h"
 #include "app/import_menu.h"
 #include "app/main_form.h"
 #include "app/startup.h"
@@ -7,7 +9,6 @@
 #include "compiler/compiler_state.h"
 #include "control/controller_state.h"
 #include "core/application.h"
-#include "core/axis_memory.h"
 #include "parallel/pin_map.h"
 #include "platform/platform.h"
 
@@ -16,6 +17,7 @@ namespace norvik {
 namespace {
 
 constexpr int Yields = 500'000;
+constexpr std::int64_t Longest_Wait_ns = 200'000'000;
 
 // True when nobody is left who would have to see the flags: no run, move or compile, and no input.
 bool Nothing_Runs() {
@@ -25,18 +27,15 @@ bool Nothing_Runs() {
 
 // Yields so often that every loop and timer meets the flags. A yield of a desktop with windows may
 // cost many microseconds, and half a million of them would look like a hanging program; so the
-// count is cut short once the queue is empty and no loop is active.
+// count is cut short once the queue is empty and no loop is active, and after a fifth of a second:
+// a loop in whose yield the end was asked for goes on only when this returns.
 void Let_Loops_End() {
   constexpr int at_least = 100;
+  const std::int64_t end = Platform.Monotonic_Clock() + Longest_Wait_ns;
   for (int count = 0; count < Yields; ++count) {
-    if (count >= at_least && Nothing_Runs()) return;
+    if (count >= at_least && (Nothing_Runs() || Platform.Monotonic_Clock() > end)) return;
     DoEvents();
   }
-}
-
-void Save_And_Disable() {
-  Save_Axis_Positions();
-  for (int axis = 1; axis <= 4; ++axis) Motor_Disable(axis);
 }
 
 void Stop_Timers() {
@@ -58,25 +57,20 @@ void Unload_Windows() {
 
 void bye() {
   if (Application.ShutdownFlag) return;
-  const bool is_second_instance =
-      Main_Window.Timer1 == 0;  // Nothing was read, so nothing may be written.
-  if (!is_second_instance) All_Outputs_Off();
+  // Without a session, as in a second instance, nothing was taken in hand and nothing is written.
+  const bool has_session = Drive_Session.Open;
+  if (has_session) All_Outputs_Off();
   Application.ShutdownFlag = true;
   Application.Closing_Program = true;
   if (Import_Is_Running()) Application.EscFlag = true;
   Let_Loops_End();
-  if (!is_second_instance) Save_And_Disable();
+  End_Drive_Session();
   DoEvents();
+  if (has_session) Save_Default_Form_View();
   Unload_Windows();
   Let_Loops_End();
   Stop_Timers();
   Platform.End_Process();
-}
-
-void Switch_Off_Running_Machine() {
-  if (!Anything_Moves() && Machine.CNCMode == CNC_Stopped) return;
-  All_Outputs_Off();
-  Save_And_Disable();
 }
 
 bool Unload_Main() {

@@ -3,13 +3,10 @@
 
 namespace norvik {
 
-// Outputs off, all loops told to end, positions saved, motors off, windows closed, process ended.
-// Called a second time it does nothing.
+// Outputs off, all loops told to end, positions saved, motors off, layout saved, windows closed,
+// process ended. Called a second time it does nothing. May be called in a yield of a move: the move
+// ends when this returns, and no step is made any more.
 void bye();
-
-// For an end that may not wait: while a run or a move is going on, outputs and motors off and the
-// positions saved. Otherwise nothing.
-void Switch_Off_Running_Machine();
 
 // The operator closes the main window: `bye` alone ends the process, so the close itself is
 // refused. Always false.

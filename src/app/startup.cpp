@@ -1,14 +1,17 @@
 #include "app/startup.h"
 
+#include "app/drive_session.h"
 #include "app/folders.h"
 #include "app/forms.h"
 #include "app/main_form.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
 #include "compiler/compiler_state.h"
+#include "control/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/error_log.h"
+#include "core/fault.h"
 #include "core/messages.h"
 #include "core/numbers.h"
 #include "core/paths.h"
@@ -16,8 +19,6 @@
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "core/tool_file.h"
-#include "parallel/pin_map.h"
-#include "parallel/timing.h"
 #include "plot/view.h"
 
 #include <filesystem>
@@ -34,9 +35,6 @@ constexpr const char* No_Pointer_Text =
     "Norvik.ini could not be found.  Use the Setup menus to initialize all parameters before using "
     "Norvik 4";
 
-bool On_Parallel_Port() {
-  return MachineSetup.Parallel_Port_Type == 1;
-}
 bool On_Serial_Board() {
   return MachineSetup.Parallel_Port_Type > 1;
 }
@@ -72,12 +70,18 @@ void Start_Timers() {
   Main_Window.Timer2 = Platform.Start_Timer(Timer2_ms, Main_Timer2);
 }
 
-void Open_Drive() {
-  Main_Host.Open_Port();
-  if (MachineSetup.Parallel_Port_Type != 2) Idle_All_Outputs();
+// False, after saying why, when the port belongs to another program.
+bool Open_Drive() {
+  const bool opened = Trap_With(
+      [](const Fault& refused) {
+        ErrorLogWrite(refused.Description);
+        Platform.Message_Box("Norvik 4", refused.Description, Box_Buttons::Ok);
+      },
+      [] { Main_Host.Open_Port(); });
+  if (!opened) return false;
+  Begin_Drive_Session();
   if (On_Serial_Board()) Main_Host.Open_Serial_Link();
-  if (On_Parallel_Port()) All_Outputs_Off();
-  Set_Application_Priority(MachineSetup.Application_Priority);
+  return true;
 }
 
 }  // namespace
@@ -90,13 +94,14 @@ void Load_Main() {
   Application.DecimalSeparator = Regional_Decimal_Sign();
   Read_Pointer_File();
   Read_Machine_File();
+  if (Application.ShutdownFlag) return;  // asked to end while a box of the load was open
   Read_Tools();
   Restore_Positions();
   Start_Timers();
   Read_Recent_Files();
   Compiler.TravelFeed = MachineSetup.Axis_Feed_Rate_Travel;
   Compiler.CutFeed = MachineSetup.Axis_Feed_Rate_Cut;
-  Open_Drive();
+  if (!Open_Drive()) return bye();
   Main_Host.Place_Main(Read_Form_Place(Form_Id::Main));
   Show_Open_Forms();
   Main_Host.Open_Joystick(Joystick_Device);
@@ -112,6 +117,7 @@ void Activate_Main() {
     ErrorLogWrite("New Norvik.ini Created");
   }
   Zoom_Table();
+  Tell_Home_Safety();
 }
 
 }  // namespace norvik

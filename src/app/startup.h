@@ -14,11 +14,13 @@ struct Main_Window_State {
 extern Main_Window_State Main_Window;
 
 // Load of the main window. The folders are set (`Enter_Desktop_Folders`) and the back ends chosen.
-// A second instance ends itself. Raises nothing.
+// A second instance ends itself, and so does a start whose port another program drives, after
+// saying so: `Application.ShutdownFlag` is set then, as after a request to terminate in one of the
+// boxes of the start, and the caller goes no further. Raises nothing.
 void Load_Main();
 
 // Each time the main window becomes active; only the first does something: shows the plot, says
-// when there was no pointer file, and draws the table.
+// when there was no pointer file, draws the table, and says when a home switch was found on.
 void Activate_Main();
 
 }  // namespace norvik

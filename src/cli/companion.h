@@ -30,7 +30,8 @@ struct Companion_Environment {
   // The simulated machine takes the place of the port.
   std::function<void()> Use_Simulated_Machine = [] {};
   // Direct access where the process may use it and the setup asks for it, the simulated machine
-  // otherwise. Answers in words which one it is.
+  // otherwise. Answers in words which one it is. Raises a fault with words for the operator when
+  // another program drives the machine. From here on no signal ends the process by itself.
   std::function<std::string()> Use_Port = [] { return std::string(); };
   // Why that port cannot be used, with what to do; empty when it can.
   std::function<std::string()> Port_Refusal = [] { return std::string(); };

@@ -1,10 +1,12 @@
 // norvik-cli: chooses the back ends and hands over to the commands.
-#include "app/shutdown.h"
+#include "app/drive_session.h"
 #include "cli/companion.h"
 #include "core/application.h"
 #include "core/setup.h"
+#include "parallel/ports.h"
 #include "platform/headless/headless_platform.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/platform.h"
 #include "plot/plot_picture.h"
 #include "simulate/findings.h"
 #include "simulate/simulated_machine.h"
@@ -16,7 +18,6 @@
 #include "platform/qt/picture_files.h"
 
 #include <QGuiApplication>
-
 #include <sys/stat.h>
 #include <unistd.h>
 #endif
@@ -25,7 +26,9 @@ int main(int argument_count, char** arguments) {
   using namespace norvik;
   Install_Headless_Platform();
   Headless.On_End = [] {  // the second Ctrl-C
-    Switch_Off_Running_Machine();
+    End_Drive_Session();
+    Stop_Port_Recorder();
+    Platform.Set_Priority(0);  // of the session's group, which outlives the process
     std::_Exit(130);
   };
   Install_Linux_Clock();
@@ -33,7 +36,11 @@ int main(int argument_count, char** arguments) {
 
   Companion_Environment environment;
   environment.Use_Simulated_Machine = Use_Simulated_Machine;
-  environment.Use_Port = Choose_Port;
+  environment.Use_Port = [] {
+    const std::string words = Choose_Port();
+    Guard_Driven_Machine();
+    return words;
+  };
   environment.Port_Refusal = Port_Refusal;
   environment.Use_Virtual_Clock = Install_Virtual_Clock;
   environment.Findings = [] {

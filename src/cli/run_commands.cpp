@@ -1,16 +1,30 @@
 // The commands `run` and `estimate`.
+#include "app/drive_session.h"
 #include "cli/companion.h"
 #include "control/connect.h"
 #include "control/displays.h"
 #include "control/machine_move.h"
 #include "control/run_program.h"
+#include "control/safety.h"
+#include "control/waits.h"
+#include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/fault.h"
+#include "core/format.h"
+#include "core/paths.h"
+#include "core/setup.h"
 #include "parallel/pin_map.h"
 #include "parallel/ports.h"
+#include "platform/platform.h"
 
+#include <array>
+#include <cerrno>
 #include <iostream>
 #include <memory>
+#include <optional>
 
+#include <poll.h>
+#include <termios.h>
 #include <unistd.h>
 
 namespace norvik {
@@ -25,32 +39,121 @@ struct Run_Command_Options {
 
 void Print_Progress(std::int32_t step, std::int32_t last_step) {
   if (isatty(STDERR_FILENO) == 0) return;
+  if (Machine.CNCMode == CNC_Paused) return;  // the question of the pause stands there
   Print_Status_Line("Step " + std::to_string(step) + " of " + std::to_string(last_step));
 }
 
-// A program pause asks the operator where there is one to ask.
-bool Ask_At_Pause(std::int32_t step) {
-  if (isatty(STDIN_FILENO) == 0) return true;
-  std::cerr << "\nPaused behind step " << step << ". Enter goes on, q ends the run: " << std::flush;
-  std::string answer;
-  return std::getline(std::cin, answer) && answer != "q";
+// --- Pauses --------------------------------------------------------------------------------------
+
+constexpr const char* End_Answer = "q";
+
+// "step 5 (T2 M6): change to tool 2"
+std::string Pause_Words(const Run_Pause& pause) {
+  std::string words = "step " + std::to_string(pause.Step);
+  if (!pause.Block.empty()) words += " (" + pause.Block + ")";
+  if (pause.Tool) words += ": change to tool " + Shortest_Text(*pause.Tool);
+  return words;
 }
+
+// The line that the operator typed; absent when none came within `wait_ms`. The end of the input
+// answers as who wants to end. A process in the background leaves the terminal to the others.
+std::optional<std::string> Typed_Line(int wait_ms) {
+  const pid_t in_front = ::tcgetpgrp(STDIN_FILENO);
+  const bool may_read = in_front == ::getpgrp() || in_front < 0;
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  if (::poll(&input, may_read ? 1 : 0, wait_ms) <= 0) return std::nullopt;
+  std::array<char, 256> text{};
+  const ssize_t count = ::read(STDIN_FILENO, text.data(), text.size());
+  if (count < 0 && errno == EINTR) return std::nullopt;
+  if (count <= 0) return End_Answer;
+  const std::string_view typed(text.data(), static_cast<std::size_t>(count));
+  return Trim(typed.substr(0, typed.find_first_of("\r\n")));
+}
+
+// A pause asks the operator. Stops are heard meanwhile, and motors are switched off as their option
+// says.
+std::optional<std::string> Ask_At_Pause(const Run_Pause& pause) {
+  constexpr int look_ms = 20;
+  if (isatty(STDIN_FILENO) == 0) {
+    return "the program pauses behind " + Pause_Words(pause) +
+           ", and standard input is no terminal to ask at. Start the run in a terminal, or with "
+           "--no-pause to go on at every pause.";
+  }
+  ::tcflush(STDIN_FILENO, TCIFLUSH);  // what was typed before is no answer to this
+  Print_Status_Line("Paused behind " + Pause_Words(pause) + ". Enter goes on, q ends the run: ");
+  while (Look_At_Stops()) {
+    if (const auto answer = Typed_Line(look_ms)) {
+      if (*answer == End_Answer) return "";
+      return std::nullopt;
+    }
+    DoEvents();
+  }
+  return "";
+}
+
+// --- The two kinds of a run ----------------------------------------------------------------------
+
+// A virtual clock can only drive the simulated machine: real motors need real time. It works on
+// what the machine file says and leaves it as it is.
+void Use_Simulation(const Companion_Environment& environment) {
+  Setup_Store.Simulating = true;
+  environment.Use_Simulated_Machine();
+  environment.Use_Virtual_Clock();
+}
+
+// False, after saying why, when the machine cannot be had.
+bool Use_Machine(const Companion_Environment& environment) {
+  Load_Axis_Positions();
+  std::string refusal;
+  Trap_With([&](const Fault& refused) { refusal = refused.Description; },
+            [&] {
+              std::cerr << environment.Use_Port() << '\n';
+              refusal = environment.Port_Refusal();
+            });
+  if (!refusal.empty()) Complain(refusal);
+  return refusal.empty();
+}
+
+// The machine in hand from here to the end of the scope, whatever ends it.
+class Machine_In_Hand {
+ public:
+  Machine_In_Hand() {
+    Begin_Drive_Session();
+    Tell_Home_Safety();
+  }
+  ~Machine_In_Hand() {
+    Platform.Stop_Timer(Motors);
+    End_Drive_Session();
+  }
+  Machine_In_Hand(const Machine_In_Hand&) = delete;
+  Machine_In_Hand& operator=(const Machine_In_Hand&) = delete;
+
+ private:
+  static constexpr int Motor_Interval_ms = 100;
+  Timer_Id Motors = Platform.Start_Timer(Motor_Interval_ms, [] {
+    if (MachineSetup.Parallel_Port_Type == 1) Motor_Timer_Tick();
+  });
+};
+
+Run_Summary Run_On_Machine(const Run_Options& options) {
+  Run_Summary summary;
+  summary.Ended_By = "The run failed. The error log says why.";
+  Trap("Run_Error", [&] {
+    const Machine_In_Hand machine;
+    summary = Run_Program(options);
+  });
+  return summary;
+}
+
+// --- Commands ------------------------------------------------------------------------------------
 
 int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
   if (!Load_Program(options.Program)) return Failed;
   if (virtual_clock) {
-    // A virtual clock can only drive the simulated machine: real motors need real time.
-    companion.Environment.Use_Simulated_Machine();
-    companion.Environment.Use_Virtual_Clock();
-  } else {
-    std::cerr << companion.Environment.Use_Port() << '\n';
-    if (const std::string refusal = companion.Environment.Port_Refusal(); !refusal.empty()) {
-      Complain(refusal);
-      return Failed;
-    }
-    // Whatever pins another program has left: a step pin that is high would swallow its first step.
-    Idle_All_Outputs();
+    Use_Simulation(companion.Environment);
+  } else if (!Use_Machine(companion.Environment)) {
+    return Failed;
   }
   Connect_Control();
   Run_Options run;
@@ -63,7 +166,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
     Complain(fault.Description);
     return Failed;
   }
-  const Run_Summary summary = Run_Program(run);
+  const Run_Summary summary = virtual_clock ? Run_Program(run) : Run_On_Machine(run);
   Stop_Port_Recorder();
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   std::cout << Summary_Text(summary);
@@ -79,8 +182,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
 
 int Estimate(const Companion& companion, const std::string& program) {
   if (!Load_Program(program)) return Failed;
-  companion.Environment.Use_Simulated_Machine();
-  companion.Environment.Use_Virtual_Clock();
+  Use_Simulation(companion.Environment);
   Connect_Control();
   Run_Options run;
   run.Trace_File = "";

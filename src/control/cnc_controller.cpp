@@ -260,6 +260,14 @@ bool Begin_Operation() {
   return true;
 }
 
+void Forget_Operations() {
+  Controller = {};
+  Controller.Live_Feed = Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
+  Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
+  ResetRetoolDisplay();
+  for (int axis = 1; axis <= 4; ++axis) Command_Lim_Latch_Click(axis);
+}
+
 std::string_view End_Reason() {
   if (!Controller.Stop_Text.empty()) return Controller.Stop_Text;
   switch (Interrupted()) {

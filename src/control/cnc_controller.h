@@ -54,6 +54,9 @@ void CNC_Controls_Esc();
 // in silence while the panel is busy. Otherwise clears what a past operation left (stop request,
 // ESC, its text).
 bool Begin_Operation();
+// Another machine setup is loaded: what earlier operations left (directions, step counts, where
+// ReTool would return to, estimate) belongs to the machine before. Only while nothing moves.
+void Forget_Operations();
 // Why the operation ended before its time, in the operator's words; empty when it did not.
 std::string_view End_Reason();
 // Says it in panel 1.

@@ -10,6 +10,7 @@
 #include "control/displays.h"
 #include "control/machine_move.h"
 #include "control/scope.h"
+#include "control/waits.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -67,12 +68,49 @@ class Esc_Watch {
 std::string Compile_For_Run() {
   const Esc_Watch esc;
   const bool compiled = CompileProgram();
-  if (esc.Seen) return "Cancelled by ESC while the program was compiled.";
+  if (esc.Seen || CheckEsc()) return "Cancelled by ESC while the program was compiled.";
   if (!compiled) return Messages.LastMessage;
-  const bool taken = Trap("Run_Program_Error", [] {
-    Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
-  });
+  const bool taken =
+      Trap("Run_Program_Error", [] { Take_Program_Wire(std::move(Compile_Tables.Program_Wire)); });
   return taken ? "" : "The compiled program cannot be run. The error log says why.";
+}
+
+// Every wire carries the tool in use; only the word M6, outside comments, asks for another.
+bool Is_Tool_Change(std::string_view block) {
+  bool comment = false;
+  for (std::size_t i = 0; i < block.size(); ++i) {
+    if (block[i] == '(') comment = true;
+    if (block[i] == ')') comment = false;
+    if (comment || (block[i] != 'M' && block[i] != 'm')) continue;
+    const auto first = block.find_first_not_of(" 0", i + 1);
+    if (first == std::string_view::npos || block[first] != '6') continue;
+    const auto behind = block.substr(first + 1, 1);
+    if (behind.find_first_of("0123456789.") == std::string_view::npos) return true;
+  }
+  return false;
+}
+
+// What the run waits for; it stands behind the step that asked.
+Run_Pause Present_Pause() {
+  Run_Pause pause;
+  pause.Step = Machine.Run_Step - 1;
+  for (auto k = Program_Wire.Next_Of_Step(pause.Step, 0); k;
+       k = Program_Wire.Next_Of_Step(pause.Step, *k + 1)) {
+    const Wire& wire = Program_Wire.Rows()[*k];
+    if (wire.Dwell != -1) continue;
+    pause.Block = wire.Block_Text;
+    if (wire.Tool && Is_Tool_Change(pause.Block)) pause.Tool = *wire.Tool;
+  }
+  return pause;
+}
+
+// True when the run goes on. Whatever stopped it meanwhile comes before the answer.
+bool Goes_On_After_Pause(const Run_Options& options) {
+  const auto why_not = options.At_Pause(Present_Pause());
+  if (Machine.CNCMode != CNC_Paused || Interrupted() != Interruption::None) return false;
+  if (!why_not) return true;
+  Controller.Stop_Text = *why_not;
+  return false;
 }
 
 Run_Summary Sum_Up() {
@@ -122,7 +160,7 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
   if (!Begin_Operation()) return Failed(Messages.Panel[1]);
   do {
     Command_CNC_Play_Click();
-  } while (Machine.CNCMode == CNC_Paused && options.At_Pause(Machine.Run_Step));
+  } while (Machine.CNCMode == CNC_Paused && Goes_On_After_Pause(options));
   if (Machine.CNCMode == CNC_Paused) CNC_Stop();
   return Sum_Up_Run(failed_before);
 }

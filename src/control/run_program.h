@@ -14,11 +14,21 @@
 
 namespace norvik {
 
+// A pause of the run: a program pause or a tool change.
+struct Run_Pause {
+  std::int32_t Step = 0;       // the step that asked for it
+  std::string Block;           // its text
+  std::optional<double> Tool;  // the tool to change to, when it is a tool change
+};
+
 struct Run_Options {
   // Trace of the moves. Absent: the usual file in the folder of the tables; empty: none.
   std::optional<std::string> Trace_File;
-  // The run is paused (program pause, tool change) behind `step`. True goes on, false ends the run.
-  std::function<bool(std::int32_t step)> At_Pause = [](std::int32_t) { return true; };
+  // Absent goes on. Otherwise the run ends for this reason; empty: what stopped it says itself, or
+  // it was the operator. May yield, so that the E-stop input and ESC are heard in the pause.
+  std::function<std::optional<std::string>(const Run_Pause&)> At_Pause = [](const Run_Pause&) {
+    return std::optional<std::string>();
+  };
   // About four times in a second of the clock.
   std::function<void(std::int32_t step, std::int32_t last_step)> Progress = [](std::int32_t,
                                                                                std::int32_t) {};

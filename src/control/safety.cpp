@@ -85,15 +85,24 @@ void Engage_EStop_State() {
   Play_Event_Sound(sound::E_Stop);
 }
 
-void Home_Safety_Check() {
+void Look_At_Home_Switches() {
   Pins.Home_Safety_Off = false;
   Drive().Read_Switches();
   for (int axis = 1; axis <= 4; ++axis)
     if (Unread(axis)) return;
-  if (std::ranges::none_of(Pins.Limit_State, [](bool on) { return on; })) return;
-  Pins.Home_Safety_Off = true;
+  const bool met = std::ranges::any_of(Pins.Limit_State, [](bool on) { return on; });
+  Pins.Home_Safety_Off = met && MachineSetup.Parallel_Port_Type == 1;  // a board guards itself
+}
+
+void Tell_Home_Safety() {
+  if (!Pins.Home_Safety_Off) return;
   Platform.Message_Box(std::string(control_text::Home_Safety_Title),
                        std::string(control_text::Home_Safety_Box), Box_Buttons::Ok);
+}
+
+void Home_Safety_Check() {
+  Look_At_Home_Switches();
+  Tell_Home_Safety();
 }
 
 void Toggle_Outputs(int index) {

@@ -18,8 +18,13 @@ void EStop_Engage();
 // The end of a ReTool request: flag, red button, stopped, sound.
 void Engage_EStop_State();
 
-// Looks for a switch that is on; once, after the ports were set up. Says so in a box.
+// Looks for a switch that is on; once, after the ports were set up and before anything can move.
+// Says so in a box.
 void Home_Safety_Check();
+// Its two halves, for a start whose windows are not there yet: the flag must stand before the first
+// of them can move anything, the box must wait until there is a window to answer it in.
+void Look_At_Home_Switches();
+void Tell_Home_Safety();  // nothing while no switch was found on
 
 // Check box 0..4 was changed by the operator.
 void Toggle_Outputs(int index);

@@ -190,6 +190,7 @@ void LoadMachineSetup() {
 
 bool SaveMachineSetup() {
   if (Application.MachineFile.empty()) return false;
+  if (Setup_Store.Simulating) return true;
   const std::int16_t before = MachineSetup.INI_Save_Test;
   MachineSetup.INI_Save_Test = Good_Save;
   const bool written = Trap_With(
@@ -229,10 +230,15 @@ std::string ReadSetup(std::string_view section, std::string_view key) {
 }
 
 bool WriteSetup(std::string_view section, std::string_view key, std::string_view value) {
+  if (Setup_Store.Simulating) return true;
   return Write_Key(Application.MachineFile, section, key, value);
 }
 
 bool Write_Setup_Together(const std::function<void()>& body) {
+  if (Setup_Store.Simulating) {
+    body();
+    return true;
+  }
   return Write_Together(Application.MachineFile, body);
 }
 

@@ -181,6 +181,9 @@ extern Machine_Setup MachineSetup;
 struct Setup_Store_State {
   bool SetupLoading = false;       // a load runs; windows leave their controls alone
   bool RestoringDefaults = false;  // every key reads as empty
+  // A simulation works with the parameters and must not change the machine: writes to the machine
+  // file succeed and reach nothing.
+  bool Simulating = false;
   // Values of the last load that were no value of their key's type: "[Axis] Axis_SPI_1=abc ...".
   std::vector<std::string> Findings;
 };

@@ -58,7 +58,10 @@ std::optional<Move_End> Make_Toggles(int axis, bool negative, std::int64_t toggl
 std::optional<Move_End> Take_Backlash(int axis, bool negative, std::int64_t toggles) {
   Set_Direction(axis, negative);
   Motor_Enable(axis);
+  // The motor timer, which runs in a yield, would take the axis for one at rest and switch it off.
+  Pins.Axis_Stepping[axis] = true;
   const auto end = Make_Toggles(axis, negative, toggles);
+  Pins.Axis_Stepping[axis] = false;
   if (MachineSetup.Parallel_MotorEnable_Option == 0) Motor_Disable(axis);
   return end;
 }

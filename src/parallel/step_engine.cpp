@@ -274,6 +274,13 @@ Move_End Step_Engine_Move(const Step_Request& request) noexcept {
   return end;
 }
 
+void Forget_Driven_Machine() {
+  Pins = {};
+  Step_Engine = {};
+  Step_Engine.Stored_Time_Constant = MachineSetup.Parallel_Time_Constant;
+  Step_Engine.Stored_In = Application.MachineFile;
+}
+
 std::string Diagnostics_Text() {
   const Step_Engine_State& e = Step_Engine;
   std::string text = "MaxSteps=" + std::to_string(e.MaxSteps);

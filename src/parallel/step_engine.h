@@ -94,6 +94,12 @@ extern Step_Engine_State Step_Engine;
 // look before they call, and those that begin something new clear it.
 Move_End Step_Engine_Move(const Step_Request& request) noexcept;
 
+// Another machine stands behind the port from now on, or the first one: forgets the directions that
+// backlash and limit guard go by, unfinished take-ups, blocked axes, switches, motor marks and
+// levels of the pins, as at the start of the program. The machine file is taken to hold the time
+// constant that was loaded. Touches no pin. Only while nothing moves.
+void Forget_Driven_Machine();
+
 // The numbers of the last move, one to a line, and the box titled "Diagnostics" that shows them.
 std::string Diagnostics_Text();
 void Show_Diagnostics();

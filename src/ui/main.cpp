@@ -1,5 +1,6 @@
 // norvik: the desktop program. Chooses the back ends, builds the main window and runs the start.
 #include "app/connect.h"
+#include "app/drive_session.h"
 #include "app/folders.h"
 #include "app/main_form.h"
 #include "app/openers.h"
@@ -18,6 +19,7 @@
 #include "wiring/port_choice.h"
 
 #include <csignal>
+#include <cstdlib>
 
 #include <QApplication>
 #include <QFileInfo>
@@ -46,13 +48,19 @@ extern "C" void Note_Signal(int) {
   [[maybe_unused]] const auto written = write(Signal_Pipe[0], &byte, 1);
 }
 
-// A request to terminate takes the orderly way out: outputs and motors off first.
+// A request to terminate takes the orderly way out: outputs and motors off first. So does the end
+// of the terminal or session that the program was started from; a pipe that nobody reads any more
+// is no reason to end.
 void End_On_Signals(QApplication& application) {
   if (socketpair(AF_UNIX, SOCK_STREAM, 0, Signal_Pipe) != 0) return;
   auto* notifier = new QSocketNotifier(Signal_Pipe[1], QSocketNotifier::Read, &application);
   QObject::connect(notifier, &QSocketNotifier::activated, notifier, [] { norvik::bye(); });
   std::signal(SIGINT, Note_Signal);
   std::signal(SIGTERM, Note_Signal);
+  if (std::signal(SIGHUP, Note_Signal) == SIG_IGN) std::signal(SIGHUP, SIG_IGN);  // nohup
+  std::signal(SIGPIPE, SIG_IGN);
+  // The toolkit leaves by exit() when the display goes away.
+  std::atexit(norvik::End_Drive_Session);
 }
 
 // Files named in the call, by full paths: the program enters its own folder later.
@@ -76,6 +84,7 @@ int main(int argument_count, char** arguments) {
   Install_Desktop_Platform(Jog_Guard_Window_Lost);
   Install_Linux_Clock();
   Install_Linux_Priority();
+  Install_Instance_Lock();
   Install_Sdl_Platform();
   Install_Picture_Reader();
   const QStringList files = Files_Of_Call();
@@ -86,12 +95,16 @@ int main(int argument_count, char** arguments) {
   Main_Host.Open_Port = [] { Main_Form.Port_Text = Choose_Port(); };
   End_On_Signals(application);
   Load_Main();
+  // An end that was asked for before the event loop runs would not be heard in it.
+  if (Application.ShutdownFlag) return 0;
   if (Port_Is_Simulated()) {
     window.Add_Tool_Window("Simulated_Machine", "&Simulated machine",
                            [] { return new Simulated_Window; });
     window.Set_Banner("SIMULATED MACHINE - no motion takes place");
   }
   window.Start_Is_Over();
+  if (Application.ShutdownFlag) return 0;
   if (!files.isEmpty()) LoadRecentFile(files.front().toStdString());
+  if (Application.ShutdownFlag) return 0;
   return QApplication::exec();
 }

@@ -512,7 +512,6 @@ void Main_Frame::closeEvent(QCloseEvent* event) {
       if (Gcode_Form.Text_Edited) return;  // the save was cancelled or failed
     }
   }
-  Save_Default_Form_View();
   Unload_Main();
 }
 

@@ -2,6 +2,7 @@
 
 #include "core/axis_memory.h"
 #include "core/error_log.h"
+#include "core/fault.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
@@ -24,6 +25,8 @@ std::string Told(const std::string& text) {
 }
 
 std::string Use_Direct_Port(const Port_Right& right) {
+  const Port_Right alone = Lock_Direct_Port();
+  if (!alone.Granted) throw Fault(Fault_Number::Permission_Denied, alone.Words);
   Install_Direct_Ports(&MachineSetup.Parallel_IODLL);
   Port_Choice.Simulated = false;
   if (right.Granted) return Told("Port: real, motors will move");

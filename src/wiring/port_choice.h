@@ -16,7 +16,10 @@ void Use_Simulated_Machine();
 //   Auto        the hardware where this process may use it, the simulated machine otherwise; also
 //               taken when the key is missing
 //
-// Answers the words for the operator, which also stand in status panel 3.
+// The hardware belongs to one program at a time, a desktop or a companion that runs a program,
+// until it ends; the simulated machine to anybody. Answers the words for the operator, which also
+// stand in status panel 3. Raises a fault, with words that say what to do, when another program has
+// the hardware; no port is chosen then.
 std::string Choose_Port();
 
 bool Port_Is_Simulated();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "app/connect.h"
+#include "app/drive_session.h"
 #include "app/folders.h"
 #include "app/forms.h"
 #include "app/gcode_form.h"
@@ -16,6 +17,9 @@
 #include "core/recent_files.h"
 #include "core/remembered_files.h"
 #include "core/setup.h"
+#include "parallel/pin_map.h"
+#include "parallel/step_engine.h"
+#include "parallel/timing.h"
 #include "platform/scripted/scripted_platform.h"
 #include "support/temporary_folder.h"
 
@@ -44,6 +48,10 @@ struct App_Test : testing::Test {
     Gcode_Form = {};
     Gcode_Host = {};
     Forms = {};
+    Drive_Session = {};
+    Pins = {};
+    Step_Engine = {};
+    Timing = {};
     Connect_App();
     Use_Folders({Folder.File("work"), Folder.File("config")});
     Record_Windows();

@@ -123,23 +123,10 @@ TEST_F(Startup_Test, Bye_Switches_Off_And_Saves) {
   EXPECT_EQ(Trace.size(), 6U);
 }
 
-TEST_F(Startup_Test, Hurried_End_Touches_Only_A_Running_Machine) {
-  Replace_File(Application.MachineFile,
-               "[General]\nINI_Save_Test=123\n[Parallel Setup]\nParallel_Output_Bit_13=3\n");
-  LoadMachineSetup();
-  Switch_Off_Running_Machine();
-  EXPECT_TRUE(scripted.Ports.empty());
-  EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "");
-  Machine.CNCMode = CNC_Running;
-  Switch_Off_Running_Machine();
-  EXPECT_EQ(scripted.Ports[888] & 8, 0);
-  EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "0");
-}
-
 TEST_F(Startup_Test, Bye_Waits_For_A_Running_Loop) {
   Load_Main();
   Machine.CNCMode = CNC_Running;
-  scripted.Yields = 0;
+  scripted.Yields = scripted.Yield_Nanoseconds = 0;
   scripted.On_Yield = [this] {
     EXPECT_TRUE(Application.Closing_Program);
     if (scripted.Yields == 300'000) Machine.CNCMode = CNC_Stopped;
@@ -154,6 +141,12 @@ TEST_F(Startup_Test, Bye_Waits_For_A_Running_Loop) {
   scripted.On_Yield = nullptr;
   bye();
   EXPECT_EQ(scripted.Yields, 1'000'001);
+  // Nor do yields that take long.
+  Application.ShutdownFlag = false;
+  scripted.Yield_Nanoseconds = 10'000;
+  scripted.Yields = 0;
+  bye();
+  EXPECT_LT(scripted.Yields, 100'000);
 }
 
 TEST_F(Startup_Test, Timers_Watch_Keys_And_Panels) {

@@ -2,6 +2,7 @@
 #include "control/estimate.h"
 #include "control/home.h"
 #include "control/run_program.h"
+#include "control/waits.h"
 #include "control_fixture.h"
 #include "simulate/virtual_clock.h"
 
@@ -101,18 +102,40 @@ TEST_F(Programs_Test, The_estimate_agrees_with_the_run) {
 
 TEST_F(Programs_Test, Pauses_of_a_run_without_a_panel) {
   Load({{1, 0.1}, {2, {}, {}, {}, {}, -1}, {3, 0.3}, {4, {}, {}, {}, {}, -1}, {5, 0.5}});
-  std::vector<std::int32_t> pauses;
+  Program_Wire.Rows()[1].Tool = 1;  // in use, and not asked for
+  Program_Wire.Rows()[1].Block_Text = "M60 (M6)";
+  Program_Wire.Rows()[3].Tool = 2;
+  Program_Wire.Rows()[3].Block_Text = "T2 M06";
+  std::vector<std::string> pauses;
+  std::string reason = "no reason";
+  std::function<void()> meanwhile = [] {};
   Run_Options options{""};
-  options.At_Pause = [&](std::int32_t step) {
-    pauses.push_back(step);
-    return step < 5;
+  options.At_Pause = [&](const Run_Pause& pause) {
+    pauses.push_back(std::to_string(pause.Step) + " " + pause.Block);
+    meanwhile();
+    return pause.Tool ? std::optional(reason) : std::nullopt;
   };
-  const Run_Summary summary = Run_Compiled_Program(options);
-  EXPECT_THAT(pauses, ElementsAre(3, 5));
+  Run_Summary summary = Run_Compiled_Program(options);
+  EXPECT_THAT(pauses, ElementsAre("2 M60 (M6)", "4 T2 M06"));
   EXPECT_FALSE(summary.Finished);
-  EXPECT_EQ(summary.Ended_By, control_text::Ended_By_Operator);
+  EXPECT_EQ(summary.Ended_By, "no reason");
   EXPECT_NEAR(summary.Position[1], 0.3, 1e-9);
   EXPECT_THAT(Summary_Text(summary), HasSubstr("Steps: 4 of 5"));
+  reason = "";
+  EXPECT_EQ(Run_Compiled_Program(options).Ended_By, control_text::Ended_By_Operator);
+
+  // What stops the run in a pause ends it, whatever the answer was, and does not start it anew.
+  meanwhile = [] {
+    Press_EStop(true);
+    (void)Look_At_Stops();
+  };
+  summary = Run_Compiled_Program(options);
+  EXPECT_EQ(summary.Ended_By, control_text::Ended_By_EStop_Input);
+  EXPECT_EQ(summary.Steps, 2);
+  Press_EStop(false);
+  meanwhile = [] { Application.EscFlag = true; };
+  EXPECT_EQ(Run_Compiled_Program(options).Ended_By, control_text::Ended_By_Esc);
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
 }
 
 TEST_F(Programs_Test, A_refused_run_says_why) {

@@ -119,5 +119,22 @@ TEST_F(Backlash_Test, Going_Back_After_A_Cut_Undoes_Its_Part) {
   EXPECT_EQ(scripted.Delays.size(), 6u);
 }
 
+// The motor timer runs in the yields of a long take-up and leaves the motor on, also with the
+// option that switches resting motors off.
+TEST_F(Backlash_Test, A_Yield_In_The_Take_Up_Keeps_The_Motor_On) {
+  MachineSetup.Parallel_MotorEnable_Option = 0;
+  MachineSetup.Axis_Backlash[1] = 3;
+  int ticks = 0;
+  scripted.On_Yield = [&] {
+    if (Machine.Position[1] != 0) return;
+    ++ticks;
+    Motor_Timer_Tick();
+    EXPECT_EQ(scripted.Ports[890] & 1, 1);
+  };
+  EXPECT_EQ(Step_Engine_Move(Negative(1, 0)), Move_End::Done);
+  EXPECT_GT(ticks, 1);
+  EXPECT_EQ(scripted.Ports[890] & 1, 0);
+}
+
 }  // namespace
 }  // namespace norvik

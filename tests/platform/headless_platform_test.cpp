@@ -4,6 +4,7 @@
 #include "platform/platform.h"
 
 #include <csignal>
+#include <cstdlib>
 
 #include <gmock/gmock.h>
 
@@ -17,6 +18,7 @@ struct Headless_Test : testing::Test {
     Headless = {};
     std::signal(SIGINT, SIG_DFL);
     std::signal(SIGTERM, SIG_DFL);
+    std::signal(SIGHUP, SIG_DFL);
   }
 };
 
@@ -49,6 +51,22 @@ TEST_F(Headless_Test, Second_Interrupt_Ends_The_Process) {
         for (int i = 0; i < 3; ++i) std::raise(SIGINT);  // no yield comes
       },
       testing::KilledBySignal(SIGINT), "");
+}
+
+// While a machine is driven only the orderly end ends the process, however hasty the operator.
+TEST_F(Headless_Test, A_Driven_Machine_Is_Switched_Off_Whatever_Comes) {
+  EXPECT_EXIT(
+      {
+        Headless.On_End = [] { std::_Exit(42); };
+        std::raise(SIGINT);
+        std::raise(SIGINT);  // before the guard: the next would end it
+        Guard_Driven_Machine();
+        for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGINT, SIGPIPE, SIGTSTP}) {
+          std::raise(signal);
+        }
+        DoEvents();
+      },
+      testing::ExitedWithCode(42), "");
 }
 
 TEST_F(Headless_Test, Clocks_Run_And_Timers_Fire) {

@@ -5,6 +5,7 @@
 #include "platform/platform.h"
 #include "support/temporary_folder.h"
 
+#include <csignal>
 #include <fstream>
 #include <functional>
 
@@ -12,6 +13,8 @@
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -134,6 +137,35 @@ TEST_F(Linux_Platform_Test, Priority_Levels_Are_Nice_Values) {
     EXPECT_THAT(refused, HasSubstr("limits.conf"));
   }
   EXPECT_EQ(::getpriority(PRIO_PROCESS, 0), started);
+}
+
+// The other program is a child: a lock is no obstacle to who holds it.
+TEST_F(Linux_Platform_Test, One_Program_Drives_The_Port_And_The_Next_When_It_Has_Died) {
+  const Temporary_Folder folder;
+  Set_Port_Lock(folder.File("port.lock"));
+  int ready[2];
+  ASSERT_EQ(::pipe(ready), 0);
+  const pid_t other = ::fork();
+  if (other == 0) {
+    const char held = Lock_Direct_Port().Granted && Lock_Direct_Port().Granted ? 'y' : 'n';
+    [[maybe_unused]] const auto told = ::write(ready[1], &held, 1);
+    ::pause();
+  }
+  char held = 0;
+  ASSERT_EQ(::read(ready[0], &held, 1), 1);
+  EXPECT_EQ(held, 'y');
+  const Port_Right refused = Lock_Direct_Port();
+  EXPECT_FALSE(refused.Granted);
+  EXPECT_THAT(refused.Words, HasSubstr("Wait until it has ended"));
+  ::kill(other, SIGKILL);
+  ::waitpid(other, nullptr, 0);
+  EXPECT_TRUE(Lock_Direct_Port().Granted);
+
+  Set_Port_Lock(folder.File("no/folder/port.lock"));  // no lock, no motion
+  EXPECT_FALSE(Lock_Direct_Port().Granted);
+  EXPECT_THAT(Lock_Direct_Port().Words, HasSubstr(folder.File("no/folder/port.lock")));
+  for (const int end : ready) ::close(end);
+  Set_Port_Lock("");
 }
 
 }  // namespace

@@ -1,4 +1,5 @@
 // The main job through the windows: open, look, edit, run, stop.
+#include "app/shutdown.h"
 #include "app/yield_watch.h"
 #include "core/format.h"
 #include "core/version.h"
@@ -132,6 +133,28 @@ TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
     Click("Command_Goto");
     Expect_Machine_At(0, 0);
   }
+}
+
+// A request to terminate comes in a yield of the move that the pressed button runs: the windows go
+// while that button is still being served.
+TEST_F(Main_Job_Test, The_Program_Can_End_While_The_Machine_Moves) {
+  Open("part.gc", "M3\n" + std::string(Three_Moves));
+  Click("Command_Update");
+  double ended_at = 0;
+  In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+                [&] {
+                  ended_at = True_Position(1);
+                  bye();
+                  EXPECT_FALSE(Simulated_Machine.Outputs[1].On);
+                  EXPECT_FALSE(Simulated_Machine.Axes[1].Enabled);
+                });
+  Click("Command_CNC_Play");
+  EXPECT_TRUE(scripted.Process_Ended);
+  EXPECT_GT(ended_at, 0.1);
+  EXPECT_EQ(True_Position(1), ended_at);  // no step after it
+  EXPECT_NEAR(std::stod(ReadSetup("Axis Position", "Axis_Cur_Pos_1")), ended_at, 1e-6);
+  EXPECT_FALSE(Simulated_Machine.Axes[1].Enabled);
+  EXPECT_EQ(ReadSetup("Form Position", "Plot_Open"), "True");
 }
 
 TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {

@@ -13,7 +13,6 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
-#include <QLockFile>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrinter>
@@ -228,13 +227,6 @@ Screen_Area Desktop_Screen() {
   return {area.left(), area.top(), area.width(), area.height()};
 }
 
-bool Other_Instance() {
-  static QLockFile lock(
-      QDir::temp().filePath("norvik-" + QString::fromLocal8Bit(qgetenv("USER")) + ".lock"));
-  lock.setStaleLockTime(0);
-  return !lock.isLocked() && !lock.tryLock(100);
-}
-
 }  // namespace
 
 void Install_Desktop_Platform(std::function<void()> before_box) {
@@ -248,7 +240,6 @@ void Install_Desktop_Platform(std::function<void()> before_box) {
   Platform.Start_Timer = Start_Desktop_Timer;
   Platform.Stop_Timer = Stop_Desktop_Timer;
   Platform.End_Process = [] { QCoreApplication::exit(0); };
-  Platform.Other_Instance_Runs = Other_Instance;
   Platform.Message_Box = Show_Box;
   Platform.Input_Box = Ask_Text;
   Platform.Open_File_Dialog = Ask_Open;

@@ -19,6 +19,7 @@ namespace {
 
 // Written by the signal handler and read between yields.
 volatile std::sig_atomic_t Interrupts = 0;
+volatile std::sig_atomic_t Guarded = 0;  // a machine is driven
 
 struct Timer {
   Timer_Id Id = 0;
@@ -37,7 +38,14 @@ Queue_State Queue;
 
 void On_Signal(int signal) {
   Interrupts = Interrupts + 1;
-  if (Interrupts >= 2) std::signal(signal, SIG_DFL);
+  if (Interrupts >= 2 && Guarded == 0) std::signal(signal, SIG_DFL);
+}
+
+void Take_Signals() {
+  std::signal(SIGINT, On_Signal);
+  std::signal(SIGTERM, On_Signal);
+  // Who started the process with nohup wants it to outlive its terminal.
+  if (std::signal(SIGHUP, On_Signal) == SIG_IGN) std::signal(SIGHUP, SIG_IGN);
 }
 
 std::int64_t Real_Monotonic() {
@@ -167,6 +175,7 @@ void Install_Headless_Platform() {
   Headless = {};
   Queue = {};
   Interrupts = 0;
+  Guarded = 0;
   Platform.Do_Events = Handle_Events;
   Install_Timers();
   Platform.End_Process = [] { Headless.End_Requested = true; };
@@ -177,8 +186,13 @@ void Install_Headless_Platform() {
   Platform.Monotonic_Clock = Real_Monotonic;
   Platform.Local_Time = Real_Local_Time;
   Platform.Delay_Microseconds = Busy_Delay;
-  std::signal(SIGINT, On_Signal);
-  std::signal(SIGTERM, On_Signal);
+  Take_Signals();
+}
+
+void Guard_Driven_Machine() {
+  Guarded = 1;
+  Take_Signals();
+  for (const int signal : {SIGPIPE, SIGTSTP, SIGTTIN, SIGTTOU}) std::signal(signal, SIG_IGN);
 }
 
 }  // namespace norvik

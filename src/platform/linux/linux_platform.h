@@ -54,6 +54,22 @@ void Install_Direct_Ports(const std::int16_t* way);
 // The device of way 2; another path in tests.
 void Set_Port_Device(const std::string& path);
 
+// --- Locks ---------------------------------------------------------------------------------------
+//
+// Advisory locks on files, held until the process ends, however it ends. The files stay; what they
+// hold means nothing.
+
+// Fills Other_Instance_Runs: one desktop for each user and temporary folder.
+void Install_Instance_Lock();
+
+// Makes this process the only one of this computer that drives motors at its ports, whoever
+// started the others. `Words` says what to do when another one does or the lock cannot be made;
+// empty when it is held. Asking again is harmless.
+Port_Right Lock_Direct_Port();
+
+// The file of that lock; another path in tests. A lock that is held is given back.
+void Set_Port_Lock(const std::string& path);
+
 // --- Priority ------------------------------------------------------------------------------------
 
 // Fills Set_Priority.
