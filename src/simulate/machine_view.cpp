@@ -7,11 +7,14 @@
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace norvik {
 
 namespace {
+
+constexpr std::int64_t Busy_Moment = 50'000'000;  // ns
 
 Simulated_Axis_View View_Axis(int axis, std::int64_t now) {
   Let_Sink(axis, now);
@@ -22,8 +25,8 @@ Simulated_Axis_View View_Axis(int axis, std::int64_t now) {
   view.Application_Position = Machine.Position[axis];
   const double apart = view.Application_Position - a.Shift - view.Position;
   view.Steps_Apart = std::llround(apart * a.Scale);
-  // At rest once the next step is late.
-  const bool moving = a.Interval > 0 && now - a.Rise_Time < 4 * a.Interval;
+  // At rest once the next step is late, later than what a busy moment of the program explains.
+  const bool moving = a.Interval > 0 && now - a.Rise_Time < std::max(4 * a.Interval, Busy_Moment);
   if (moving) view.Rate = 60e9 / static_cast<double>(a.Interval) / a.Scale;
   view.Negative = a.Negative;
   view.Enabled = a.Enabled;

@@ -31,7 +31,7 @@ Switch_Zone& Zone(int axis, std::size_t end) {
   return *zone;
 }
 
-constexpr double Longest = 1e9;  // units; also the far ends of switches
+constexpr double Longest = 1e9;  // units
 constexpr double Fastest = 1e9;  // steps/s
 constexpr double Second = 1e9;   // ns
 
@@ -248,7 +248,7 @@ void Place_Travel(int axis, Axis_Settings& s) {
 }
 
 void Place_Switches(int axis, const Axis_Settings& s) {
-  const double far = 1e9;
+  const double far = 1e6;
   Simulated_Input& input = Simulated_Machine.Inputs[axis];
   input.Zones[0] = {-far, s.Travel_Low - s.Overtravel / 2};
   input.Zones[1] = {s.Travel_High + s.Overtravel / 2, far};

@@ -292,7 +292,7 @@ TEST_F(Simulated_Machine_Test, View_Shows_What_The_Application_Believes) {
   EXPECT_NEAR(view.Axes[1].Rate, 600, 1e-6);
   EXPECT_TRUE(view.Axes[1].Enabled);
   EXPECT_TRUE(view.Virtual_Time);
-  Wait(10'000);
+  Wait(100'000);
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Rate, 0);
   Align_With_Application();
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, 0);
