@@ -39,7 +39,7 @@ Port_Dump::Port_Dump(std::int64_t start) : Start(start) {
     std::string name = Slot_Name(slot);
     const auto same = [&](const Wire& wire) { return wire.Name == name; };
     if (std::any_of(Wires.begin(), Wires.end(), same)) name += "_" + std::to_string(slot);
-    const auto code = static_cast<char>('!' + static_cast<char>(Wires.size()));
+    const auto code = static_cast<char>('a' + static_cast<char>(Wires.size()));
     Wires.push_back({name, port, static_cast<std::uint8_t>(1 << *bit), code, std::nullopt});
   }
 }

@@ -3,10 +3,10 @@
 //
 //   $timescale 1 ns $end
 //   $scope module norvik $end
-//   $var wire 1 ! X_step $end          a wire for each output pin that the setup uses
+//   $var wire 1 a X_step $end          a wire for each output pin that the setup uses
 //   ...
 //   #1234567                           ns since the start of the recording
-//   1!                                 X_step rises
+//   1a                                 X_step rises
 //
 // A level is x until its port is written for the first time. Writes that move no pin (those to the
 // dummy address, and those that repeat a level) leave no trace; two writes at one time stand in
@@ -35,7 +35,7 @@ class Port_Dump {
     std::string Name;
     std::int32_t Port = 0;
     std::uint8_t Mask = 0;
-    char Code = '!';
+    char Code = 'a';
     std::optional<bool> High;
   };
   void Append_Write(const Port_Write_Record& record, std::string& text);

@@ -48,15 +48,15 @@ TEST_F(Port_Dump_Test, A_Recording_Of_Three_Pins) {
             "$version Norvik $end\n"
             "$timescale 1 ns $end\n"
             "$scope module norvik $end\n"
-            "$var wire 1 ! X_step $end\n"
-            "$var wire 1 \" X_direction $end\n"
-            "$var wire 1 # Spindle_CW $end\n"
+            "$var wire 1 a X_step $end\n"
+            "$var wire 1 b X_direction $end\n"
+            "$var wire 1 c Spindle_CW $end\n"
             "$upscope $end\n"
             "$enddefinitions $end\n"
-            "#0\n$dumpvars\nx!\nx\"\nx#\n$end\n"
-            "#0\n0!\n1\"\n"
-            "#5250\n1!\n"
-            "#55251\n0!\n1#\n");
+            "#0\n$dumpvars\nxa\nxb\nxc\n$end\n"
+            "#0\n0a\n1b\n"
+            "#5250\n1a\n"
+            "#55251\n0a\n1c\n");
 }
 
 TEST_F(Port_Dump_Test, Levels_Are_Kept_From_Block_To_Block) {
@@ -64,8 +64,8 @@ TEST_F(Port_Dump_Test, Levels_Are_Kept_From_Block_To_Block) {
   std::string first, second;
   dump.Append({{10, 888, 1, true}}, first);
   dump.Append({{10, 888, 3, true}, {20, 888, 3, true}}, second);
-  EXPECT_EQ(first, "#10\n1!\n0\"\n");
-  EXPECT_EQ(second, "1\"\n") << "one mark for one time";
+  EXPECT_EQ(first, "#10\n1a\n0b\n");
+  EXPECT_EQ(second, "1b\n") << "one mark for one time";
 }
 
 TEST_F(Port_Dump_Test, Wires_That_Share_A_Pin_Or_A_Name) {
@@ -77,11 +77,11 @@ TEST_F(Port_Dump_Test, Wires_That_Share_A_Pin_Or_A_Name) {
   Use(16, 632, "5");
   Use(3, 1, "0");  // below the first address: never written
   const std::string header = Port_Dump(0).Header();
-  for (const char* line : {"# Spindle_CW $end\n", "$ Spindle_CW_14 $end\n", "% _24_V__end_ $end\n",
-                           "& output_4 $end\n$upscope"}) {
+  for (const char* line : {"c Spindle_CW $end\n", "d Spindle_CW_14 $end\n", "e _24_V__end_ $end\n",
+                           "f output_4 $end\n$upscope"}) {
     EXPECT_THAT(header, testing::HasSubstr(line));
   }
-  EXPECT_EQ(Dump_Of({{7, 632, 0x80, true}}), "#7\n1#\n1$\n0%\n0&\n");
+  EXPECT_EQ(Dump_Of({{7, 632, 0x80, true}}), "#7\n1c\n1d\n0e\n0f\n");
 }
 
 TEST_F(Port_Dump_Test, A_File_That_Cannot_Be_Written_Is_Refused) {
