@@ -206,7 +206,10 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
   command->add_option("--clock", run->Clock, "real or virtual (simulated machine, no waiting)")
       ->check(CLI::IsMember({"real", "virtual"}));
   command->add_option("--trace", run->Trace, "File for one line a move")->type_name("FILE");
-  command->add_option("--ports", run->Ports, "File for every write to a port")->type_name("FILE");
+  command
+      ->add_option("--ports", run->Ports,
+                   "File for every write to a port; *.vcd: the pins for a wave viewer")
+      ->type_name("FILE");
   command->add_flag("--no-pause", run->No_Pause, "Go on at program pauses without asking");
   command->callback([&companion, run] {
     companion.Command = [&companion, run] { return Run(companion, *run); };

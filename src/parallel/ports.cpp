@@ -3,7 +3,9 @@
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/paths.h"
 #include "core/setup.h"
+#include "parallel/port_dump.h"
 #include "platform/platform.h"
 
 #include <array>
@@ -93,23 +95,27 @@ namespace {
 
 using File = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-// The lines of one block: 4096 lines of at most 40 characters.
+// Appends what a block of writes gives to a text.
+using Block_Words = std::function<void(const std::vector<Port_Write_Record>&, std::string&)>;
+
+// A file that grows block by block.
 class Port_File {
  public:
-  Port_File(const std::string& path, std::int64_t start)
-      : Path(path), Start(start), Out(std::fopen(path.c_str(), "w"), &std::fclose) {
+  Port_File(const std::string& path, const std::string& header, Block_Words words)
+      : Path(path), Words(std::move(words)), Out(std::fopen(path.c_str(), "w"), &std::fclose) {
     if (!Out) {
       throw Fault(Fault_Number::Path_Access, "The port record \"" + path +
                                                  "\" cannot be written: " + std::strerror(errno) +
                                                  ". Choose a folder that you may write to.");
     }
-    std::fputs("microseconds,port,value,real\n", Out.get());
+    std::fputs(header.c_str(), Out.get());
+    // Lines of about 40 characters: nothing is allocated while the machine moves.
     Text.reserve(Port_Recorder_State::Block_Size * 40);
   }
 
   void Write(const std::vector<Port_Write_Record>& block) {
     Text.clear();
-    for (const Port_Write_Record& record : block) Append_Line(record);
+    Words(block, Text);
     const bool written = std::fwrite(Text.data(), 1, Text.size(), Out.get()) == Text.size();
     if (written && std::fflush(Out.get()) == 0) return;
     Port_Recorder.Active = false;
@@ -117,37 +123,53 @@ class Port_File {
   }
 
  private:
-  void Append_Number(std::int64_t number) {
-    std::array<char, 24> digits;
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
-    Text.append(digits.data(), end);
-  }
-
-  void Append_Line(const Port_Write_Record& record) {
-    const std::int64_t time = record.Time - Start;
-    Append_Number(time / 1000);
-    const auto thousandths = static_cast<int>(time % 1000);
-    Text += '.';
-    for (const int place : {100, 10, 1}) {
-      Text += static_cast<char>('0' + thousandths / place % 10);
-    }
-    for (const int field : {int{record.Port}, int{record.Value}, record.Real ? 1 : 0}) {
-      Text += ',';
-      Append_Number(field);
-    }
-    Text += '\n';
-  }
-
   std::string Path;
-  std::int64_t Start;
+  Block_Words Words;
   File Out;
   std::string Text;
 };
 
+void Append_Number(std::string& text, std::int64_t number) {
+  std::array<char, 24> digits;
+  const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+  text.append(digits.data(), end);
+}
+
+// "microseconds,port,value,real"
+void Append_Line(std::string& text, const Port_Write_Record& record, std::int64_t start) {
+  const std::int64_t time = record.Time - start;
+  Append_Number(text, time / 1000);
+  const auto thousandths = static_cast<int>(time % 1000);
+  text += '.';
+  for (const int place : {100, 10, 1}) text += static_cast<char>('0' + thousandths / place % 10);
+  for (const int field : {int{record.Port}, int{record.Value}, record.Real ? 1 : 0}) {
+    text += ',';
+    Append_Number(text, field);
+  }
+  text += '\n';
+}
+
+std::shared_ptr<Port_File> Line_File(const std::string& path, std::int64_t start) {
+  return std::make_shared<Port_File>(path, "microseconds,port,value,real\n",
+                                     [start](const auto& block, std::string& text) {
+                                       for (const Port_Write_Record& record : block) {
+                                         Append_Line(text, record, start);
+                                       }
+                                     });
+}
+
+std::shared_ptr<Port_File> Dump_File(const std::string& path, std::int64_t start) {
+  const auto dump = std::make_shared<Port_Dump>(start);
+  return std::make_shared<Port_File>(
+      path, dump->Header(),
+      [dump](const auto& block, std::string& text) { dump->Append(block, text); });
+}
+
 }  // namespace
 
 void Record_Ports_To_File(const std::string& path) {
-  const auto file = std::make_shared<Port_File>(path, Platform.Monotonic_Clock());
+  const std::int64_t start = Platform.Monotonic_Clock();
+  const auto file = Upper(path).ends_with(".VCD") ? Dump_File(path, start) : Line_File(path, start);
   Start_Port_Recorder([file](const std::vector<Port_Write_Record>& block) { file->Write(block); });
 }
 

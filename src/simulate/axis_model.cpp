@@ -1,15 +1,15 @@
 #include "simulate/axis_model.h"
 
+#include "simulate/carriage_watch.h"
 #include "simulate/findings.h"
 #include "simulate/input_model.h"
-#include "simulate/port_space.h"
 #include "simulate/simulated_machine.h"
+#include "simulate/trail.h"
 
 #include <algorithm>
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <limits>
 
 namespace norvik {
 
@@ -52,7 +52,7 @@ bool Driver_Takes(int axis, std::int64_t time) {
     Note(Finding_Kind::Step_While_Disabled, axis, time, "a step while the axis is disabled");
     return false;
   }
-  if (Simulated_Machine.EStop_Cuts_Power && Simulated_Machine.Inputs[0].Pressed) {
+  if (Power_Is_Cut()) {
     Note(Finding_Kind::Step_Without_Power, axis, time, "a step after the E-stop cut the power");
     return false;
   }
@@ -74,7 +74,10 @@ bool Driver_Takes(int axis, std::int64_t time) {
 
 void Begin_Stall(int axis, std::int64_t time, Finding_Kind kind, const std::string& words) {
   Simulated_Axis& a = Simulated_Machine.Axes[axis];
-  if (!a.Stalled && Count_Finding(kind, axis, time)) Word_Finding(words);
+  if (!a.Stalled) {
+    if (Count_Finding(kind, axis, time)) Word_Finding(words);
+    Note_Trail_Mark(Mark_Kind::Stall, axis);
+  }
   a.Stalled = true;
   a.Rotor_Rate = a.Lag = 0;
 }
@@ -144,15 +147,14 @@ void Move_Carriage(int axis, std::int64_t time) {
   const bool quiet = next.Carriage > a.Quiet_From && next.Carriage < a.Quiet_To;
   if (!quiet && Beyond_Stop(a, next.Carriage, a.Negative)) {
     Note(Finding_Kind::Hard_Stop, axis, time, "ran into the end stop: steps are lost");
+    Note_Trail_Mark(Mark_Kind::Hard_Stop, axis);
     ++a.Lost;
     return;
   }
   a.Motor += a.Negative ? -1 : 1;
   a.Carriage = next.Carriage;
   a.Slack = next.Slack;
-  if (quiet) return;
-  Carriage_Moved(axis, time);
-  Set_Quiet_Range(axis);
+  if (!quiet) Carriage_Left_Quiet_Range(axis, time);
 }
 
 void Take_Step(int axis, std::int64_t time) {
@@ -201,34 +203,11 @@ void Direction_Pin_Changed(int axis, bool negative, std::int64_t time) {
 
 void Enable_Pin_Changed(int axis, bool enabled, std::int64_t time) {
   Simulated_Axis& a = Simulated_Machine.Axes[axis];
+  Let_Sink(axis, time);
   a.Enabled = enabled;
   if (enabled) a.Enable_Time = time;
-}
-
-void Set_Quiet_Range(int axis) {
-  Simulated_Axis& a = Simulated_Machine.Axes[axis];
-  const Simulated_Input& input = Simulated_Machine.Inputs[axis];
-  double from = -std::numeric_limits<double>::infinity(), to = -from;
-  const double here = True_Position(axis);
-  // A border at or below the carriage bounds the range from below, another from above.
-  const auto border = [&](double place) {
-    if (place <= here) from = std::max(from, place);
-    if (place >= here) to = std::min(to, place);
-  };
-  for (const auto& zone : input.Zones) {
-    if (!zone) continue;
-    for (const double margin : {0.0, input.Hysteresis}) {
-      border(zone->From - margin);
-      border(zone->To + margin);
-    }
-  }
-  if (a.Settings.Limited) {
-    border(a.Settings.Travel_Low - a.Settings.Overtravel);
-    border(a.Settings.Travel_High + a.Settings.Overtravel);
-  }
-  // A step less on both sides, for the rounding of the borders.
-  a.Quiet_From = (from - a.Start) * a.Scale + 1;
-  a.Quiet_To = (to - a.Start) * a.Scale - 1;
+  Note_Hold(axis, time);
+  if (a.Settings.Sink_Rate != 0) Refresh_Input(axis, time);
 }
 
 }  // namespace norvik

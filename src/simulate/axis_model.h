@@ -20,7 +20,4 @@ void Step_Pin_Changed(int axis, bool high, std::int64_t time);
 void Direction_Pin_Changed(int axis, bool negative, std::int64_t time);
 void Enable_Pin_Changed(int axis, bool enabled, std::int64_t time);
 
-// Carriage steps between which nothing but the carriage changes, from settings and switches.
-void Set_Quiet_Range(int axis);
-
 }  // namespace norvik

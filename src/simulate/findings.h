@@ -21,10 +21,14 @@ enum class Finding_Kind {
   Stall,                    // the motor fell out of step
   Hard_Stop,                // travelled into the end stop
   Two_Functions,            // one write changed the pins of two functions
+  Stale_Write,              // put a pin of another function back to what a read answered
   Unmapped_Write,           // neither a pin of the map nor its dummy address
   Both_Spindle_Directions,  // spindle CW and CCW on
   Spindle_Reversed,         // direction changed before it stood still
   Coolant_Without_Spindle,
+  Cut_Without_Spindle,  // moved sideways in the material
+  Sank,                 // by its weight while its motor was off
+  Skew,                 // a slaved axis too far from its master
 };
 
 struct Finding {

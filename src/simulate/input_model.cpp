@@ -1,5 +1,6 @@
 #include "simulate/input_model.h"
 
+#include "simulate/carriage_watch.h"
 #include "simulate/port_space.h"
 #include "simulate/simulated_machine.h"
 
@@ -39,6 +40,10 @@ bool In_Noise_Pulse(const Simulated_Input& input, std::int64_t time) {
   return input.Noise_Period > 0 && time % input.Noise_Period < input.Noise_Width;
 }
 
+bool Has_Carriage(int number) {
+  return number >= 1 && number <= 4;
+}
+
 bool In_Zone(const Switch_Zone& zone, double position, double margin) {
   return position >= zone.From - margin && position <= zone.To + margin;
 }
@@ -54,12 +59,14 @@ bool Input_High(int number, std::int64_t time) {
 
 void Refresh_Input(int number, std::int64_t time) {
   Simulated_Input& input = Simulated_Machine.Inputs[number];
+  if (Has_Carriage(number)) Let_Sink(number, time);
   const bool reported = Reported(input);
   if (reported != input.Contact_On) {
     input.Contact_On = reported;
     input.Changed = time;
   }
-  const bool restless = Bouncing(input, time) || input.Noise_Period > 0;
+  const bool restless = Bouncing(input, time) || input.Noise_Period > 0 ||
+                        (Has_Carriage(number) && Is_Sinking(number));
   Set_Input_Level(number, Input_High(number, time), restless);
 }
 

@@ -1,7 +1,9 @@
 #include "simulate/output_model.h"
 
+#include "simulate/carriage_watch.h"
 #include "simulate/findings.h"
 #include "simulate/simulated_machine.h"
+#include "simulate/trail.h"
 
 #include <algorithm>
 #include <cmath>
@@ -45,6 +47,10 @@ void Check_Coolant(std::int64_t time) {
 
 }  // namespace
 
+bool Spindle_Asked() {
+  return Wanted_Speed() != 0;
+}
+
 double Spindle_Speed(std::int64_t time) {
   const Simulated_Spindle& spindle = Simulated_Machine.Spindle;
   const double wanted = Wanted_Speed();
@@ -58,6 +64,7 @@ double Spindle_Speed(std::int64_t time) {
 void Output_Changed(int n, bool on, std::int64_t time) {
   Simulated_Output& output = Simulated_Machine.Outputs[n];
   if (output.On == on) return;
+  if (n <= Counter_Clockwise) Note_Trail_Point(Spindle_Asked());
   Simulated_Spindle& spindle = Simulated_Machine.Spindle;
   spindle.Speed = Spindle_Speed(time);
   spindle.Time = time;
@@ -65,7 +72,10 @@ void Output_Changed(int n, bool on, std::int64_t time) {
   output.On = on;
   output.Since = time;
   ++output.Switchings;
-  if (n <= Counter_Clockwise) Check_Spindle(n, time);
+  if (n <= Counter_Clockwise) {
+    Check_Spindle(n, time);
+    Watch_Spindle();
+  }
   if (on && (n == Mist || n == Flood)) Check_Coolant(time);
 }
 

@@ -60,10 +60,13 @@ std::size_t Bit_Index(std::uint8_t mask) {
   return static_cast<std::size_t>(std::countr_zero(mask));
 }
 
+std::uint8_t Blind_Answer() {
+  return Simulated_Machine.Output_Read_Back == Read_Back::Zero ? 0 : 255;
+}
+
 std::uint8_t Read_Value(const Register& wired) {
   std::uint8_t latch = wired.Latch;
-  if (Simulated_Machine.Output_Read_Back == Read_Back::Zero) latch = 0;
-  if (Simulated_Machine.Output_Read_Back == Read_Back::Ones) latch = 255;
+  if (Simulated_Machine.Output_Read_Back != Read_Back::Latch) latch = Blind_Answer();
   return static_cast<std::uint8_t>((latch & ~wired.Input) | (wired.Levels & wired.Input));
 }
 
@@ -98,10 +101,6 @@ void Output_Pin_Changed(int slot, bool high, std::int64_t time) {
 
 // Directions and enables before steps, as a driver would see the slower signal late at the latest.
 void Several_Pins_Changed(const Register& wired, std::uint8_t changed, std::int64_t time) {
-  if (Count_Finding(Finding_Kind::Two_Functions, 0, time)) {
-    Word_Finding("One write to port " + std::to_string(wired.Address) +
-                 " changed the pins of two functions");
-  }
   for (const bool steps : {false, true}) {
     for (std::size_t bit = 0; bit < 8; ++bit) {
       const int slot = wired.Output_Slot[bit];
@@ -112,15 +111,40 @@ void Several_Pins_Changed(const Register& wired, std::uint8_t changed, std::int6
   }
 }
 
+void Note_Two_Functions(const Register& wired, std::int64_t time) {
+  if (!Count_Finding(Finding_Kind::Two_Functions, 0, time)) return;
+  Word_Finding("One write to port " + std::to_string(wired.Address) +
+               " changed the pins of two functions");
+}
+
+// On a port that does not read back, a program that reads, changes one bit and writes puts every
+// other bit to what the read answered: a bit that differs from the answer is the one it meant, any
+// other change is stale. True when the write was one of these.
+bool Note_Stale_Write(const Register& wired, std::uint8_t changed, std::int64_t time) {
+  const auto meant = static_cast<std::uint8_t>((wired.Latch ^ Blind_Answer()) & wired.Output);
+  const auto others = static_cast<std::uint8_t>(changed & ~meant);
+  const bool stale =
+      meant == 0 ? !std::has_single_bit(changed) : std::has_single_bit(meant) && others != 0;
+  if (stale && Count_Finding(Finding_Kind::Stale_Write, 0, time)) {
+    Word_Finding("A write to port " + std::to_string(wired.Address) +
+                 " put the pin of another function back: the port does not read back what was "
+                 "written");
+  }
+  return stale;
+}
+
 void Latch_Value(Register& wired, std::uint8_t value) {
   const auto changed = static_cast<std::uint8_t>((wired.Latch ^ value) & wired.Output);
   wired.Latch = value;
   Space.Value[wired.Address] = Read_Value(wired);
   if (changed == 0) return;
   const std::int64_t time = Machine_Time();
+  const bool blind = Simulated_Machine.Output_Read_Back != Read_Back::Latch;
+  const bool stale = blind && Note_Stale_Write(wired, changed, time);
   if (std::has_single_bit(changed)) {
     Output_Pin_Changed(wired.Output_Slot[Bit_Index(changed)], (value & changed) != 0, time);
   } else {
+    if (!stale) Note_Two_Functions(wired, time);
     Several_Pins_Changed(wired, changed, time);
   }
 }

@@ -3,13 +3,15 @@
 #include "core/application.h"
 #include "core/setup.h"
 #include "platform/platform.h"
-#include "simulate/axis_model.h"
+#include "simulate/carriage_watch.h"
 #include "simulate/input_model.h"
 #include "simulate/output_model.h"
 #include "simulate/port_space.h"
 #include "simulate/simulation_settings.h"
+#include "simulate/trail.h"
 #include "simulate/virtual_clock.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace norvik {
@@ -54,7 +56,9 @@ void Wire_And_Check() {
 
 void Build_Machine() {
   Findings = {};
+  Clear_Trail();
   Simulated_Machine = {};
+  Simulated_Machine.Master = Slave_Master();
   const Wired_Map nothing;
   Wire_Ports(nothing);  // forgets the latches
   for (int axis = 1; axis <= Axes; ++axis) {
@@ -68,6 +72,25 @@ void Build_Machine() {
 void Start_Machine() {
   Wire_And_Check();
   for (int axis = 1; axis <= Axes; ++axis) Settings_Changed(axis);
+  Straighten_Gantry();
+}
+
+// Changes what the motors' power depends on.
+template <class Change>
+void Change_Power(Change&& change) {
+  const std::int64_t now = Machine_Time();
+  for (int axis = 1; axis <= Axes; ++axis) Let_Sink(axis, now);
+  change();
+  for (int axis = 1; axis <= Axes; ++axis) {
+    Note_Hold(axis, now);
+    Refresh_Input(axis, now);
+  }
+}
+
+double Held_By_Stops(int axis, double position) {
+  const Simulated_Axis_Settings& s = Simulated_Machine.Axes[axis].Settings;
+  if (!s.Limited || s.Travel_High < s.Travel_Low) return position;
+  return std::clamp(position, s.Travel_Low - s.Overtravel, s.Travel_High + s.Overtravel);
 }
 
 }  // namespace
@@ -96,20 +119,45 @@ void Follow_Setup() {
     Place_Carriage(axis, position);
   }
   if (Read_Wired_Map() != Wiring()) Wire_And_Check();
+  if (Slave_Master() != Simulated_Machine.Master) Straighten_Gantry();
 }
 
 void Settings_Changed(int axis) {
   Carriage_Moved(axis, Machine_Time());
   Set_Quiet_Range(axis);
+  Watch_Spindle();
+  Input_Changed(axis);
 }
 
 void Input_Changed(int input) {
   Refresh_Input(input, Machine_Time());
 }
 
+bool Power_Is_Cut() {
+  return Simulated_Machine.EStop_Cuts_Power && Simulated_Machine.Inputs[EStop].Pressed;
+}
+
+void Clear_Findings() {
+  std::erase_if(Findings.List,
+                [](const Finding& finding) { return finding.Kind != Finding_Kind::Setup; });
+  // What still goes on is found again.
+  Simulated_Machine.Askew = Simulated_Machine.Cuts_Dry = false;
+  for (int axis = 1; axis <= Axes; ++axis) {
+    Simulated_Machine.Axes[axis].Sinking_Told = false;
+    Set_Quiet_Range(axis);
+  }
+  Watch_Spindle();
+}
+
+// --- The operator's hands ------------------------------------------------------------------------
+
 void Press_EStop(bool pressed) {
-  Simulated_Machine.Inputs[EStop].Pressed = pressed;
+  Change_Power([&] { Simulated_Machine.Inputs[EStop].Pressed = pressed; });
   Input_Changed(EStop);
+}
+
+void Set_EStop_Cuts_Power(bool cuts) {
+  Change_Power([&] { Simulated_Machine.EStop_Cuts_Power = cuts; });
 }
 
 void Press_Auxiliary(bool pressed) {
@@ -127,17 +175,41 @@ void Set_Input_Fault(int input, Input_Fault fault) {
   Input_Changed(input);
 }
 
+void Set_Input_Bounce(int input, bool on) {
+  Simulated_Machine.Inputs[input].Bounce = on ? 5'000'000 : 0;
+  Input_Changed(input);
+}
+
+void Set_Input_Noise(int input, bool on) {
+  Simulated_Machine.Inputs[input].Noise_Period = on ? 50'000'000 : 0;
+  Simulated_Machine.Inputs[input].Noise_Width = on ? 200'000 : 0;
+  Input_Changed(input);
+}
+
 void Place_Carriage(int axis, double position) {
   Simulated_Axis& a = Simulated_Machine.Axes[axis];
-  a.Start = position;
+  a.Start = Held_By_Stops(axis, position);
   a.Carriage = a.Slack = 0;
   a.Commanded = a.Motor = 0;
+  a.Sunk = 0;
+  a.Was_Held = false;
+  Note_Hold(axis, Machine_Time());
+  Jump_Trail();
   Settings_Changed(axis);
+}
+
+void Place_Where_Believed() {
+  for (int axis = 1; axis <= Axes; ++axis) {
+    const double position = Machine.Position[axis] - Simulated_Machine.Axes[axis].Shift;
+    if (std::isfinite(position)) Place_Carriage(axis, position);
+  }
+  Straighten_Gantry();
 }
 
 void Align_With_Application() {
   for (int axis = 1; axis <= Axes; ++axis) {
     Simulated_Machine.Axes[axis].Shift = Machine.Position[axis] - True_Position(axis);
+    Set_Quiet_Range(axis);  // the top of the material goes with the application's coordinates
   }
 }
 
@@ -151,64 +223,11 @@ double Commanded_Position(int axis) {
   return a.Start + static_cast<double>(a.Commanded) / a.Scale;
 }
 
-namespace {
-
-Simulated_Axis_View View_Axis(int axis, std::int64_t now) {
-  const Simulated_Axis& a = Simulated_Machine.Axes[axis];
-  Simulated_Axis_View view;
-  view.Position = True_Position(axis);
-  view.Commanded = Commanded_Position(axis);
-  view.Application_Position = Machine.Position[axis];
-  const double apart = view.Application_Position - a.Shift - view.Position;
-  view.Steps_Apart = std::llround(apart * a.Scale);
-  // At rest once the next step is late.
-  const bool moving = a.Interval > 0 && now - a.Rise_Time < 4 * a.Interval;
-  if (moving) view.Rate = 60e9 / static_cast<double>(a.Interval) / a.Scale;
-  view.Negative = a.Negative;
-  view.Enabled = a.Enabled;
-  view.Stalled = a.Stalled;
-  view.Travel_Low = a.Settings.Travel_Low;
-  view.Travel_High = a.Settings.Travel_High;
-  view.Lost = a.Lost;
-  return view;
-}
-
-Simulated_Input_View View_Input(int number, std::int64_t now) {
-  const Simulated_Input& input = Simulated_Machine.Inputs[number];
-  const Wired_Pin& pin = Wiring().Inputs[number];
-  Simulated_Input_View view;
-  view.Used = pin.Mask != 0;
-  view.High = Input_High(number, now);
-  view.On = view.Used && view.High == pin.Invert;
-  view.Pressed = input.Pressed;
-  view.Force = input.Force;
-  view.Fault = input.Fault;
-  return view;
-}
-
-Simulated_Output_View View_Output(int n, std::int64_t now) {
-  const Simulated_Output& output = Simulated_Machine.Outputs[n];
-  const std::int64_t on_time = output.On_Time + (output.On ? now - output.Since : 0);
-  return {Wiring().Outputs[12 + n].Mask != 0, output.On, static_cast<double>(on_time) / 1e9,
-          output.Switchings};
-}
-
-}  // namespace
-
-Simulated_Machine_View View_Simulated_Machine() {
-  Follow_Setup();
-  const std::int64_t now = Machine_Time();
-  Simulated_Machine_View view;
-  view.Seconds = static_cast<double>(now) / 1e9;
-  for (int axis = 1; axis <= Axes; ++axis) view.Axes[axis] = View_Axis(axis, now);
-  for (int input = 0; input <= 5; ++input) view.Inputs[input] = View_Input(input, now);
-  for (int n = 1; n <= 5; ++n) view.Outputs[n] = View_Output(n, now);
-  view.Spindle_Speed = Spindle_Speed(now);
-  view.Power_Cut = Simulated_Machine.EStop_Cuts_Power && Simulated_Machine.Inputs[EStop].Pressed;
-  view.Virtual_Time = Virtual_Clock.Installed;
-  view.Speed_Factor = Virtual_Clock.Installed ? Virtual_Clock.Speed_Factor : 1;
-  view.Findings = Findings_Text();
-  return view;
+double Gantry_Skew() {
+  const Simulated_Machine_State& m = Simulated_Machine;
+  if (m.Master == 0) return 0;
+  const double apart = True_Position(4) - True_Position(m.Master) - m.Skew_Origin;
+  return apart * m.Axes[4].Scale;
 }
 
 }  // namespace norvik

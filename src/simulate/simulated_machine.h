@@ -52,6 +52,9 @@ struct Simulated_Axis_Settings {
   std::int64_t Direction_Hold = 1'000;   // step to direction
   std::int64_t Enable_Time = 0;          // enable to first step
   bool Strict = false;
+  // Units per minute towards the negative direction while no motor holds the axis: a heavy Z. A
+  // carriage that no motor has held since it was placed rests where it stands. 0: it stays.
+  double Sink_Rate = 0;
 };
 
 struct Simulated_Axis {
@@ -80,8 +83,16 @@ struct Simulated_Axis {
   double Start = 0;  // units at Carriage 0
   double Shift = 0;  // the application's coordinates over the machine's, units
   double Scale = 1;  // steps per unit
-  // Carriage steps between which no switch changes and no stop is met.
+  // Carriage steps between which nothing else changes (carriage_watch.h).
+  double Border_From = 0, Border_To = 0;
   double Quiet_From = 0, Quiet_To = 0;
+  bool Look_Next = false;  // the next step leaves the quiet range wherever it leads
+
+  // --- Weight ----------------------------------------------------------------------------------
+  bool Was_Held = false;       // by its motor, since it was placed
+  bool Sinking_Told = false;   // since its motor let go
+  std::int64_t Sink_Time = 0;  // up to which its sinking is worked out
+  double Sunk = 0;             // steps since its motor let go, positive: down
 };
 
 // --- Inputs --------------------------------------------------------------------------------------
@@ -140,7 +151,16 @@ struct Simulated_Machine_State {
   std::uint8_t Floating_Bus = 255;   // a read of an address where nothing answers
   std::int64_t Access_Time = 1'000;  // ns that a port access takes
   bool EStop_Cuts_Power = false;     // as a safety relay would
+  // Top of the material in the application's Z: below it X and Y move with the spindle on only.
+  // Absent: not looked at.
+  std::optional<double> Material_Top;
+  int Skew_Limit = 20;  // steps between a slaved A and its master; 0: not looked at
   std::int64_t Reads = 0, Writes = 0;
+
+  // --- Inner -----------------------------------------------------------------------------------
+  int Master = 0;          // axis that A is slaved to; 0: none
+  double Skew_Origin = 0;  // A over its master with the gantry straight, units
+  bool Askew = false, Cuts_Dry = false;
 };
 extern Simulated_Machine_State Simulated_Machine;
 
@@ -150,8 +170,9 @@ extern Simulated_Machine_State Simulated_Machine;
 void Load_Simulated_Machine();
 // The same without a look at the pointer file, all at the defaults.
 void Reset_Simulated_Machine();
-// Writes the settings of axes and switches to section "Simulated Machine" of the pointer file.
-void Save_Simulation_Settings();
+// Writes the settings that differ from their defaults to section "Simulated Machine" of the pointer
+// file; the others follow the setup. False when the file cannot be written, which is then told.
+bool Save_Simulation_Settings();
 // Fills Port_Read and Port_Write of `Platform`.
 void Install_Simulated_Machine();
 // Decodes the pin map anew when the setup has changed; called by the machine itself when an
@@ -161,6 +182,10 @@ void Follow_Setup();
 void Settings_Changed(int axis);
 // After a change of wiring, fault, force, bounce or noise of an input 0..5.
 void Input_Changed(int input);
+// The E-stop is pressed and cuts the power of the motors.
+bool Power_Is_Cut();
+// Forgets what happened; what is wrong with the pin map stays in the list.
+void Clear_Findings();
 
 // --- The operator's hands ------------------------------------------------------------------------
 
@@ -168,8 +193,15 @@ void Press_EStop(bool pressed);
 void Press_Auxiliary(bool pressed);
 void Force_Input(int input, Input_Force force);
 void Set_Input_Fault(int input, Input_Fault fault);
-// Moves the carriage by hand, units.
+// A worn contact: 5 ms of chatter after each change.
+void Set_Input_Bounce(int input, bool on);
+// A cable beside a motor's: a pulse of the other level, 0.2 ms long, 20 times a second.
+void Set_Input_Noise(int input, bool on);
+void Set_EStop_Cuts_Power(bool cuts);
+// Moves the carriage by hand, units; not beyond its hard stops. It rests there.
 void Place_Carriage(int axis, double position);
+// Moves all carriages to where the application believes them to be, and a gantry straight.
+void Place_Where_Believed();
 // The application's positions are right as they are: after its coordinates were edited or homed,
 // later differences count from here. Carriages, travels and switches stay.
 void Align_With_Application();
@@ -178,6 +210,7 @@ void Align_With_Application();
 
 double True_Position(int axis);       // of the carriage, units
 double Commanded_Position(int axis);  // where the steps would have led, units
+double Gantry_Skew();                 // A ahead of its master, steps of A; 0 without a master
 
 // Everything that a panel shows, taken at one moment.
 struct Simulated_Axis_View {
@@ -186,7 +219,10 @@ struct Simulated_Axis_View {
   std::int64_t Steps_Apart = 0;        // from the application's position; not 0: show it in red
   double Rate = 0;                     // units per minute, 0 at rest
   bool Negative = false, Enabled = false, Stalled = false;
-  double Travel_Low = 0, Travel_High = 0;
+  bool Sinking = false;
+  bool Limited = true;
+  double Travel_Low = 0, Travel_High = 0, Overtravel = 0;
+  std::array<std::optional<Switch_Zone>, 2> Zones;
   std::int64_t Lost = 0;
 };
 struct Simulated_Input_View {
@@ -196,7 +232,10 @@ struct Simulated_Input_View {
   bool Pressed = false;
   Input_Force Force = Input_Force::Automatic;
   Input_Fault Fault = Input_Fault::None;
+  bool Bounces = false, Noisy = false;
 };
+// What is done to the input, in words: "held on, wire broken, bounces"; empty: nothing.
+std::string Words_Of_Faults(const Simulated_Input_View& view);
 struct Simulated_Output_View {
   bool Used = false, On = false;
   double On_Seconds = 0;
@@ -208,7 +247,9 @@ struct Simulated_Machine_View {
   Indexed<Simulated_Input_View, 0, 5> Inputs;
   Indexed<Simulated_Output_View, 1, 5> Outputs;
   double Spindle_Speed = 0;  // -1..1
-  bool Power_Cut = false;
+  bool EStop_Cuts_Power = false, Power_Cut = false;
+  std::int64_t Skew = 0;               // steps of a slaved A ahead of its master
+  std::optional<double> Material_Top;  // in the machine's Z
   bool Virtual_Time = false;
   double Speed_Factor = 1;  // virtual seconds in a real second; 0: as fast as it goes
   std::vector<std::string> Findings;

@@ -1,13 +1,5 @@
 // The machine seen from its port: every test writes and reads bytes as a program would.
-#include "simulate/simulated_machine.h"
-
-#include "core/application.h"
-#include "core/setup.h"
-#include "platform/scripted/scripted_platform.h"
-#include "simulate/virtual_clock.h"
-#include "support/temporary_folder.h"
-
-#include <gmock/gmock.h>
+#include "machine_fixture.h"
 
 namespace norvik {
 namespace {
@@ -15,77 +7,6 @@ namespace {
 using testing::Contains;
 using testing::ElementsAre;
 using testing::HasSubstr;
-
-constexpr std::uint16_t Data = 888, Status = 889, Control = 890, Second = 632;
-
-// X on bits 0 (step), 1 (direction) of the data register, its enable on the control register, its
-// switch on bit 3 and the E-stop on bit 7 of the status register; outputs on a second card. 100
-// steps per unit, a travel of 0 to 10.
-class Simulated_Machine_Test : public testing::Test {
- protected:
-  Simulated_Machine_Test() {
-    Application = {};
-    Machine = {};
-    Restore_Factory_Setup();
-    MachineSetup.Axis_SPI.Fill(100);
-    Wire_Output(1, Data, 0);
-    Wire_Output(2, Data, 1);
-    Wire_Output(3, Control, 0);
-    for (int n = 1; n <= 5; ++n) Wire_Output(12 + n, Second, n - 1);
-    Wire_Input(0, 7);
-    Wire_Input(1, 3);
-    Wire_Input(5, 4);
-    Install_Virtual_Clock();
-    Install_Simulated_Machine();
-    Start();
-  }
-  ~Simulated_Machine_Test() override { Remove_Virtual_Clock(); }
-
-  static void Wire_Output(int slot, std::uint16_t port, int bit) {
-    MachineSetup.Output_Port[slot] = port;
-    MachineSetup.Parallel_Output_Bit[slot] = std::to_string(bit);
-  }
-  static void Wire_Input(int slot, int bit) {
-    MachineSetup.Input_Port[slot] = Status;
-    MachineSetup.Parallel_Input_Bit[slot] = std::to_string(bit);
-  }
-  // Builds the machine, with its motors on and without a limit of the step rate.
-  void Start() {
-    Reset_Simulated_Machine();
-    Simulated_Machine.Access_Time = 0;
-    Settings().Top_Rate = 0;
-    Write(Control, 1);
-    Wait(10);
-  }
-  static Simulated_Axis& X() { return Simulated_Machine.Axes[1]; }
-  static Simulated_Axis_Settings& Settings() { return X().Settings; }
-
-  static void Write(std::uint16_t port, int value) {
-    Platform.Port_Write(port, static_cast<std::uint8_t>(value));
-  }
-  static int Read(std::uint16_t port) { return Platform.Port_Read(port); }
-  static void Wait(std::int32_t us) { Platform.Delay_Microseconds(us); }
-  // Steps in one direction, one every `us` microseconds.
-  static void Step(int count, bool negative = false, std::int32_t us = 1000) {
-    const int direction = negative ? 2 : 0;
-    Write(Data, direction);
-    Wait(10);
-    for (int i = 0; i < count; ++i) {
-      Write(Data, direction + 1);
-      Wait(us / 2);
-      Write(Data, direction);
-      Wait(us - us / 2);
-    }
-  }
-  static std::string First_Text(Finding_Kind kind) {
-    for (const Finding& finding : Findings.List) {
-      if (finding.Kind == kind) return finding.Text;
-    }
-    return "";
-  }
-
-  Scripted_Platform scripted;
-};
 
 TEST_F(Simulated_Machine_Test, Steps_Count_On_Rising_Edges_In_Their_Direction) {
   Step(250);
@@ -371,34 +292,12 @@ TEST_F(Simulated_Machine_Test, View_Shows_What_The_Application_Believes) {
   EXPECT_NEAR(view.Axes[1].Rate, 600, 1e-6);
   EXPECT_TRUE(view.Axes[1].Enabled);
   EXPECT_TRUE(view.Virtual_Time);
-  Wait(10'000);
+  Wait(100'000);
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Rate, 0);
   Align_With_Application();
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, 0);
   Step(2);
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, -2);
-}
-
-TEST_F(Simulated_Machine_Test, Settings_Come_From_The_Pointer_File) {
-  Temporary_Folder folder;
-  Application.Pointer_Folder = folder.Path;
-  Application.ErrorFile = folder.File("log.txt");
-  WritePointer("Simulated Machine", "Backlash_2", "0.25");
-  WritePointer("Simulated Machine", "Switch_Low_To_1", "0.5");
-  WritePointer("Simulated Machine", "Travel_High_3", "far");
-  WritePointer("Simulated Machine", "Access_Time_ns", "250");
-  Load_Simulated_Machine();
-  EXPECT_EQ(Simulated_Machine.Axes[2].Settings.Backlash, 0.25);
-  EXPECT_EQ(Simulated_Machine.Axes[3].Settings.Travel_High, 5);
-  EXPECT_EQ(Simulated_Machine.Access_Time, 250);
-  EXPECT_TRUE(Simulated_Machine.Inputs[1].Pressed) << "the carriage stands on its switch";
-  EXPECT_TRUE(Low(Switch_Bit));
-  Settings().Top_Rate = 1234.5;
-  Simulated_Machine.EStop_Cuts_Power = true;
-  Save_Simulation_Settings();
-  Load_Simulated_Machine();
-  EXPECT_EQ(Settings().Top_Rate, 1234.5);
-  EXPECT_TRUE(Simulated_Machine.EStop_Cuts_Power);
 }
 
 // A travel that does not hold the carriage is moved so that it does.

@@ -1,12 +1,17 @@
 #include "ui/simulated/simulated_window.h"
 
 #include "core/setup.h"
-#include "simulate/findings.h"
 #include "simulate/virtual_clock.h"
+#include "ui/simulated/axes_panel.h"
+#include "ui/simulated/input_button.h"
+#include "ui/simulated/place_dialog.h"
+#include "ui/simulated/settings_dialog.h"
+#include "ui/simulated/view_page.h"
 #include "ui/theme.h"
 
 #include <cmath>
 
+#include <QCheckBox>
 #include <QComboBox>
 #include <QGridLayout>
 #include <QGroupBox>
@@ -14,6 +19,7 @@
 #include <QListWidget>
 #include <QPushButton>
 #include <QScrollArea>
+#include <QTabWidget>
 #include <QVBoxLayout>
 
 namespace norvik {
@@ -21,16 +27,35 @@ namespace norvik {
 namespace {
 
 constexpr int Refresh_Ms = 100;
-constexpr const char* Axis_Names[] = {"", "X", "Y", "Z", "A"};
-constexpr const char* Input_Names[] = {"E-stop",   "X switch", "Y switch",
-                                       "Z switch", "A switch", "Aux input"};
-constexpr int EStop = 0, Auxiliary = 5;
+QWidget* Column_Of(std::initializer_list<QWidget*> parts) {
+  auto* column = new QWidget;
+  auto* rows = new QVBoxLayout(column);
+  rows->setContentsMargins(0, 0, 0, 0);
+  for (QWidget* part : parts) rows->addWidget(part);
+  rows->addStretch(1);
+  return column;
+}
 
-QLabel* Figure() {
-  auto* label = new QLabel;
-  label->setFont(Readout_Font(1.1));
-  label->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  return label;
+// Real time, or faster on the virtual clock.
+QWidget* Speed_Of_Time() {
+  auto* factor = new QComboBox;
+  factor->setObjectName("Combo_Speed_Factor");
+  factor->setToolTip("Faster than real time moves the simulated machine only");
+  static constexpr double factors[] = {1, 2, 5, 10, 50};
+  for (const double value : factors) factor->addItem(QString("Time x %1").arg(value), value);
+  QObject::connect(factor, &QComboBox::activated, factor, [factor] {
+    const double value = factor->currentData().toDouble();
+    if (value == 1) return Remove_Virtual_Clock();
+    if (!Virtual_Clock.Installed) Install_Virtual_Clock();
+    Virtual_Clock.Speed_Factor = value;
+  });
+  return factor;
+}
+
+void Show_Beside(QDialog& dialog) {
+  dialog.show();
+  dialog.raise();
+  dialog.activateWindow();
 }
 
 }  // namespace
@@ -40,30 +65,24 @@ Simulated_Window::Simulated_Window(QWidget* parent) : QWidget(parent) {
   setWindowTitle("Simulated machine");
   auto* rows = new QVBoxLayout(this);
   auto* head = new QLabel("SIMULATED MACHINE - no motion takes place");
-  head->setFont(Bold_Font(1.0));
-  head->setMargin(Text_Height() / 5);
+  head->setFont(Bold_Font(1.1));
+  head->setMargin(Text_Height() / 8);
   head->setAlignment(Qt::AlignCenter);
   Set_Face(*head, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
   rows->addWidget(head);
 
   auto* content = new QWidget;
-  Columns = new QHBoxLayout(content);
-  Columns->setContentsMargins(0, 0, 0, 0);
-  auto* left = new QVBoxLayout;
-  left->addWidget(Build_Axes());
-  left->addWidget(Build_Speed());
-  left->addStretch(1);
-  auto* right = new QVBoxLayout;
-  right->addWidget(Build_Inputs());
-  right->addWidget(Build_Outputs());
-  right->addWidget(new QLabel("Noticed"));
-  Findings = new QListWidget;
-  Findings->setObjectName("List_Noticed");
-  Findings->setWordWrap(true);
-  Findings->setMinimumHeight(Text_Height() * 3);
-  right->addWidget(Findings, 1);
-  Columns->addLayout(left, 2);
-  Columns->addLayout(right, 3);
+  Grid = new QGridLayout(content);
+  Grid->setContentsMargins(0, 0, 0, 0);
+  Axes = new Axes_Panel;
+  Left = Column_Of({Axes, Build_EStop(), Build_Hands()});
+  Switches = Column_Of({Build_Inputs(), Build_Outputs()});
+  Noticed = Build_Findings();
+  Above = new View_Page;
+  Tabs = new QTabWidget;
+  Tabs->setObjectName("Tabs");
+  Tabs->setFocusPolicy(Qt::NoFocus);
+  Place_Parts(2);
   auto* scroll = new QScrollArea;
   scroll->setWidgetResizable(true);
   scroll->setFrameShape(QFrame::NoFrame);
@@ -75,154 +94,184 @@ Simulated_Window::Simulated_Window(QWidget* parent) : QWidget(parent) {
   Show_View();
 }
 
-// Two columns where both fit beside each other.
-void Simulated_Window::resizeEvent(QResizeEvent* event) {
-  QWidget::resizeEvent(event);
-  int both = 0;
-  for (int column = 0; column < Columns->count(); ++column) {
-    both += Columns->itemAt(column)->minimumSize().width() + Text_Height();
-  }
-  Columns->setDirection(both <= width() ? QBoxLayout::LeftToRight : QBoxLayout::TopToBottom);
-}
-
 Simulated_Window::~Simulated_Window() {
   Platform.Stop_Timer(Timer);
 }
 
-QWidget* Simulated_Window::Build_Axes() {
-  auto* group = new QGroupBox("Where the carriages are");
-  auto* grid = new QGridLayout(group);
-  static constexpr const char* heads[] = {"Axis", "True position", "Steps apart", "Rate", "Motor"};
-  for (int column = 0; column < 5; ++column) {
-    auto* head = new QLabel(heads[column]);
-    head->setForegroundRole(QPalette::PlaceholderText);
-    head->setAlignment(column == 0 || column == 4 ? Qt::AlignLeft : Qt::AlignRight);
-    grid->addWidget(head, 0, column);
+// --- Places --------------------------------------------------------------------------------------
+
+void Simulated_Window::resizeEvent(QResizeEvent* event) {
+  QWidget::resizeEvent(event);
+  const int bar = Text_Height() * 2;  // of the scroll area, and the gaps
+  const int left = Left->minimumSizeHint().width(), right = Switches->minimumSizeHint().width();
+  const int three = left + right + Above->minimumSizeHint().width() + 2 * bar;
+  Place_Parts(three <= width() ? 3 : left + right + 2 * bar <= width() ? 2 : 1);
+}
+
+// Axes, E-stop and hands are always in sight. What has no room beside them becomes a page:
+//
+//   3   axes   switches   view        2   axes      pages: switches, view        1   axes
+//       noticed                           noticed                                    pages: all
+void Simulated_Window::Place_Parts(int columns) {
+  if (columns == Columns) return;
+  Columns = columns;
+  Tabs->clear();
+  while (Grid->count() > 0) delete Grid->takeAt(0);
+  const auto put = [this](QWidget* part, int row, int column, int rows) {
+    Grid->addWidget(part, row, column, rows, 1);
+    part->show();  // a page that was out of sight
+  };
+  put(Left, 0, 0, 1);
+  if (columns > 1) put(Noticed, 1, 0, 1);
+  if (columns == 3) {
+    put(Switches, 0, 1, 2);
+    put(Above, 0, 2, 2);
+    Tabs->hide();
+  } else {
+    Tabs->addTab(Switches, "Switches and outputs");
+    Tabs->addTab(Above, "From above");
+    if (columns == 1) Tabs->addTab(Noticed, "Noticed");
+    put(Tabs, columns == 2 ? 0 : 1, columns == 2 ? 1 : 0, columns == 2 ? 2 : 1);
   }
-  for (int axis = 1; axis <= 4; ++axis) {
-    const QString name = Axis_Names[axis];
-    auto* title = new QLabel(name);
-    title->setFont(Bold_Font(1.2));
-    grid->addWidget(title, axis, 0);
-    Axis_Row& row = Axes[static_cast<std::size_t>(axis)];
-    row = {Figure(), Figure(), Figure(), new QLabel};
-    row.Position->setObjectName("Label_True_Position_" + name);
-    row.Apart->setObjectName("Label_Steps_Apart_" + name);
-    row.Apart->setToolTip("Steps between the carriage and what the program believes");
-    grid->addWidget(row.Position, axis, 1);
-    grid->addWidget(row.Apart, axis, 2);
-    grid->addWidget(row.Rate, axis, 3);
-    grid->addWidget(row.State, axis, 4);
-  }
-  grid->setColumnStretch(1, 1);
-  grid->setHorizontalSpacing(Text_Height() / 2);
-  grid->setColumnMinimumWidth(3, QFontMetrics(Axes[1].Rate->font()).horizontalAdvance("-000.0"));
-  grid->setColumnMinimumWidth(4, QFontMetrics(font()).horizontalAdvance("STALLED"));
-  return group;
+  for (int i = 0; i < 3; ++i) Grid->setColumnStretch(i, i < columns ? 1 : 0);
+  Grid->setRowStretch(1, 1);
+}
+
+// --- Parts ---------------------------------------------------------------------------------------
+
+QPushButton* Simulated_Window::Hand(const char* words, const char* name, const char* tip) {
+  auto* button = new QPushButton(words);
+  button->setObjectName(name);
+  button->setToolTip(tip);
+  button->setFocusPolicy(Qt::NoFocus);
+  return button;
+}
+
+QWidget* Simulated_Window::Build_Hands() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
+  row->setContentsMargins(0, 0, 0, 0);
+  row->setSpacing(3);
+  auto* believed = Hand("Match program", "Command_Place_Believed",
+                        "Puts all carriages where the program believes them to be");
+  auto* by_hand = Hand("Put...", "Command_Place_Axis", "Puts the carriage of one axis by hand");
+  auto* settings = Hand("Settings...", "Command_Simulation_Settings",
+                        "Travel, backlash, switches, motors and drivers of the simulated machine");
+  connect(believed, &QPushButton::clicked, this, [this] {
+    Place_Where_Believed();
+    Show_View();
+  });
+  connect(by_hand, &QPushButton::clicked, this, [this] {
+    if (Place == nullptr) Place = new Place_Dialog(this);
+    Show_Beside(*Place);
+  });
+  connect(settings, &QPushButton::clicked, this, [this] {
+    if (Settings == nullptr) Settings = new Simulation_Settings_Dialog(this);
+    Show_Beside(*Settings);
+  });
+  for (QPushButton* button : {believed, by_hand, settings}) row->addWidget(button);
+  row->addWidget(Speed_Of_Time());
+  return area;
+}
+
+QWidget* Simulated_Window::Build_EStop() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
+  row->setContentsMargins(0, 0, 0, 0);
+  Inputs[0] = new Input_Button(0);
+  row->addWidget(Inputs[0], 1);
+  Cuts_Power = new QCheckBox("cuts the\nmotors' power");
+  Cuts_Power->setObjectName("Check_EStop_Cuts_Power");
+  Cuts_Power->setToolTip("As a safety relay would; otherwise the E-stop only tells the program");
+  Cuts_Power->setFocusPolicy(Qt::NoFocus);
+  connect(Cuts_Power, &QCheckBox::clicked, this, [](bool on) { Set_EStop_Cuts_Power(on); });
+  row->addWidget(Cuts_Power);
+  return area;
 }
 
 QWidget* Simulated_Window::Build_Inputs() {
-  auto* group = new QGroupBox("Switches and buttons: click to press and let go");
+  auto* group = new QGroupBox("Click to press and let go; ... or a right click: faults");
   auto* grid = new QGridLayout(group);
-  for (int input = 0; input <= 5; ++input) {
-    auto* button = new QPushButton(Input_Names[input]);
-    button->setObjectName(QString("Command_Input_%1").arg(input));
-    button->setMinimumHeight(Finger_Height());
-    button->setFocusPolicy(Qt::NoFocus);
-    if (input == EStop) button->setFont(Bold_Font(1.1));
-    connect(button, &QPushButton::clicked, this, [this, input] {
-      const bool pressed = !View_Simulated_Machine().Inputs[input].Pressed;
-      if (input == EStop) {
-        Press_EStop(pressed);
-      } else if (input == Auxiliary) {
-        Press_Auxiliary(pressed);
-      } else {
-        const bool forced = Simulated_Machine.Inputs[input].Force == Input_Force::On;
-        Force_Input(input, forced ? Input_Force::Automatic : Input_Force::On);
-      }
-      Show_View();
-    });
-    Inputs[static_cast<std::size_t>(input)] = button;
-    grid->addWidget(button, input / 3, input % 3);
+  grid->setContentsMargins(6, 6, 6, 6);
+  for (int input = 1; input <= 5; ++input) {
+    Input_Button*& button = Inputs[static_cast<std::size_t>(input)];
+    button = new Input_Button(input);
+    grid->addWidget(button, (input - 1) / 2, (input - 1) % 2);
   }
+  for (int column = 0; column < 2; ++column) grid->setColumnStretch(column, 1);
   return group;
 }
 
 QWidget* Simulated_Window::Build_Outputs() {
-  auto* group = new QGroupBox("Outputs");
-  auto* grid = new QGridLayout(group);
+  auto* area = new QWidget;
+  auto* grid = new QGridLayout(area);
+  grid->setVerticalSpacing(2);
   for (int output = 1; output <= 5; ++output) {
-    auto* label = new QLabel(QString::fromStdString(MachineSetup.Output_Names[output]));
+    auto* label = new QLabel;
     label->setObjectName(QString("Label_Output_%1").arg(output));
     label->setAlignment(Qt::AlignCenter);
     label->setFrameShape(QFrame::StyledPanel);
-    label->setMargin(Text_Height() / 5);
+    label->setMargin(Text_Height() / 8);
     Outputs[static_cast<std::size_t>(output)] = label;
-    grid->addWidget(label, (output - 1) / 3, (output - 1) % 3);
+    grid->addWidget(label, (output - 1) / 2, (output - 1) % 2);
   }
-  return group;
-}
-
-QWidget* Simulated_Window::Build_Speed() {
-  auto* area = new QWidget;
-  auto* row = new QHBoxLayout(area);
-  row->setContentsMargins(0, 0, 0, 0);
   Spindle = new QLabel;
-  row->addWidget(Spindle, 1);
-  row->addWidget(new QLabel("Speed of time"));
-  auto* factor = new QComboBox;
-  factor->setObjectName("Combo_Speed_Factor");
-  factor->setToolTip("Faster than real time moves the simulated machine only");
-  static constexpr double factors[] = {1, 2, 5, 10, 50};
-  for (const double value : factors) factor->addItem(QString("x %1").arg(value), value);
-  connect(factor, &QComboBox::activated, this, [factor] {
-    const double value = factor->currentData().toDouble();
-    if (value == 1) return Remove_Virtual_Clock();
-    if (!Virtual_Clock.Installed) Install_Virtual_Clock();
-    Virtual_Clock.Speed_Factor = value;
-  });
-  row->addWidget(factor);
+  Spindle->setObjectName("Label_Spindle_Speed");
+  grid->addWidget(Spindle, 2, 1);
   return area;
 }
 
-void Simulated_Window::Show_Axis(int axis, const Simulated_Axis_View& view) {
-  const Axis_Row& row = Axes[static_cast<std::size_t>(axis)];
-  row.Position->setText(QString::number(view.Position, 'f', 4));
-  row.Apart->setText(QString::number(view.Steps_Apart));
-  Set_Face(*row.Apart, QColor(), view.Steps_Apart != 0 ? Colors().Stop : QColor());
-  row.Rate->setText(QString::number(view.Rate, 'f', 1));
-  row.State->setText(view.Stalled ? "STALLED" : view.Enabled ? "on" : "off");
+QWidget* Simulated_Window::Build_Findings() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
+  row->setContentsMargins(0, 0, 0, 0);
+  Findings = new QListWidget;
+  Findings->setObjectName("List_Noticed");
+  Findings->setWordWrap(true);
+  Findings->setFocusPolicy(Qt::NoFocus);
+  Findings->setMinimumHeight(Text_Height() * 3);
+  row->addWidget(Findings, 1);
+  auto* clear = Hand("Clear", "Command_Clear_Findings",
+                     "Clears what happened; what is wrong with the pin map stays");
+  connect(clear, &QPushButton::clicked, this, [this] {
+    Clear_Findings();
+    Show_View();
+  });
+  row->addWidget(clear, 0, Qt::AlignTop);
+  return area;
 }
 
-void Simulated_Window::Show_Input(int input, const Simulated_Input_View& view) {
-  QPushButton* button = Inputs[static_cast<std::size_t>(input)];
-  button->setEnabled(view.Used);
-  QString text = Input_Names[input];
-  text += view.Used ? (view.On ? ": ON" : ": off") : ": not wired";
-  button->setText(text);
-  const bool lit = view.Used && view.On;
-  Set_Face(*button, lit ? (input == Auxiliary ? Colors().Run : Colors().Stop) : QColor(),
-           lit ? QColor(Qt::white) : QColor());
-  button->setToolTip(view.High ? "The line is high" : "The line is low");
+// --- Ten times a second --------------------------------------------------------------------------
+
+void Simulated_Window::Show_Findings(const std::vector<std::string>& texts) {
+  if (texts == Shown_Findings && Findings->count() > 0) return;
+  Shown_Findings = texts;
+  Findings->clear();
+  for (const std::string& text : Shown_Findings) Findings->addItem(QString::fromStdString(text));
+  if (texts.empty()) Findings->addItem("Nothing has been noticed yet");
 }
 
 void Simulated_Window::Show_View() {
   const Simulated_Machine_View view = View_Simulated_Machine();
-  for (int axis = 1; axis <= 4; ++axis) Show_Axis(axis, view.Axes[axis]);
-  for (int input = 0; input <= 5; ++input) Show_Input(input, view.Inputs[input]);
+  Axes->Show_View(view);
+  for (int input = 0; input <= 5; ++input) {
+    Inputs[static_cast<std::size_t>(input)]->Show_View(view.Inputs[input]);
+  }
   for (int output = 1; output <= 5; ++output) {
     QLabel* label = Outputs[static_cast<std::size_t>(output)];
     const bool on = view.Outputs[output].On;
     label->setEnabled(view.Outputs[output].Used);
+    Set_Text(*label,
+             QString::fromStdString(MachineSetup.Output_Names[output]) + (on ? ": on" : ": off"));
     Set_Face(*label, on ? Colors().Run : QColor(),
              on ? QColor(Theme_Is_Dark() ? Qt::black : Qt::white) : QColor());
   }
-  Spindle->setText(QString("Spindle %1 %").arg(std::lround(view.Spindle_Speed * 100)));
-  if (view.Findings != Shown_Findings) {
-    Shown_Findings = view.Findings;
-    Findings->clear();
-    for (const std::string& text : Shown_Findings) Findings->addItem(QString::fromStdString(text));
-  }
+  Cuts_Power->setChecked(view.EStop_Cuts_Power);
+  Set_Text(*Spindle, QString("Spindle %1 %").arg(std::lround(view.Spindle_Speed * 100)));
+  Above->Show_View(view);
+  Show_Findings(view.Findings);
+  const int page = Tabs->indexOf(Noticed);
+  if (page >= 0) Tabs->setTabText(page, QString("Noticed (%1)").arg(view.Findings.size()));
 }
 
 }  // namespace norvik

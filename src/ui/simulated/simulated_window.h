@@ -5,16 +5,26 @@
 #include "simulate/simulated_machine.h"
 
 #include <array>
+#include <vector>
 
 #include <QLabel>
 #include <QWidget>
 
-class QBoxLayout;
+class QCheckBox;
+class QDialog;
+class QGridLayout;
 class QListWidget;
 class QPushButton;
+class QTabWidget;
 
 namespace norvik {
 
+class Axes_Panel;
+class Input_Button;
+class View_Page;
+
+// All drawing comes from one timer of 100 ms; nothing is shown, and nothing costs time, while the
+// panel is closed.
 class Simulated_Window : public QWidget {
  public:
   explicit Simulated_Window(QWidget* parent = nullptr);
@@ -24,23 +34,28 @@ class Simulated_Window : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
-  QWidget* Build_Axes();
+  QWidget* Build_Hands();
   QWidget* Build_Inputs();
   QWidget* Build_Outputs();
-  QWidget* Build_Speed();
+  QWidget* Build_Findings();
+  QWidget* Build_EStop();
+  QPushButton* Hand(const char* words, const char* name, const char* tip);
+  void Place_Parts(int columns);
   void Show_View();
-  void Show_Axis(int axis, const Simulated_Axis_View& view);
-  void Show_Input(int input, const Simulated_Input_View& view);
+  void Show_Findings(const std::vector<std::string>& texts);
 
-  struct Axis_Row {
-    QLabel *Position, *Apart, *Rate, *State;
-  };
-  std::array<Axis_Row, 5> Axes{};
-  std::array<QPushButton*, 6> Inputs{};
+  Axes_Panel* Axes = nullptr;
+  std::array<Input_Button*, 6> Inputs{};
   std::array<QLabel*, 6> Outputs{};
-  QBoxLayout* Columns = nullptr;
+  QWidget *Left = nullptr, *Switches = nullptr, *Noticed = nullptr;
+  View_Page* Above = nullptr;
+  QTabWidget* Tabs = nullptr;
+  QGridLayout* Grid = nullptr;
+  int Columns = 0;
+  QCheckBox* Cuts_Power = nullptr;
   QLabel* Spindle = nullptr;
   QListWidget* Findings = nullptr;
+  QDialog *Settings = nullptr, *Place = nullptr;
   std::vector<std::string> Shown_Findings;
   Timer_Id Timer = 0;
 };
