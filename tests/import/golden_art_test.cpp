@@ -17,7 +17,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-const fs::path Golden = fs::path(__FILE__).parent_path() / "golden";
+const fs::path Golden = fs::path(NORVIK_TEST_FOLDER) / "golden";
 
 Picture Picture_Of_Text(const std::string& text) {
   std::istringstream in(text);
