@@ -1,7 +1,6 @@
 // drive_session.h: taking a machine in hand and letting it go, the same for desktop and companion.
 //
-//   Begin   port chosen -> steps and motors idle, outputs off -> priority -> home switches looked
-//   at
+//   Begin   port chosen -> steps and motors idle, outputs off -> priority -> look at home switches
 //   ...     moves
 //   End     outputs and motors off -> positions into the machine file
 //

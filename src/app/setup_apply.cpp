@@ -1,10 +1,12 @@
 #include "app/setup_apply.h"
 
+#include "app/drive_session.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/jog_key.h"
+#include "control/safety.h"
 #include "control/table_setup_keys.h"
 #include "core/messages.h"
 #include "core/setup.h"
@@ -21,11 +23,6 @@ bool On_Parallel_Port() {
   return MachineSetup.Parallel_Port_Type == 1;
 }
 
-void Switch_All_Off() {
-  if (On_Parallel_Port()) All_Outputs_Off();
-  for (auto& output : CNC_Controls.Check_Outputs) output.Value = false;
-}
-
 void Told_Saved(bool saved, const char* text) {
   constexpr const char* lost =
       "Not saved: the machine file cannot be written. The change holds until Norvik ends.";
@@ -37,15 +34,17 @@ void Told_Saved(bool saved, const char* text) {
 void Port_Setup_Apply_Click() {
   if (!Stopped_For("Can't change the port setup")) return;
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
-  Switch_All_Off();
+  End_Drive_Session();  // as long as the pins mean what they have been
   const bool saved = Save_Parallel_Info();
-  Switch_All_Off();
+  Begin_Drive_Session();
+  for (auto& output : CNC_Controls.Check_Outputs) output.Value = false;
   const std::string hint = Port_Setup.Label_Hint;
   Port_Setup_Form_Load();
   Port_Setup.Label_Hint = hint;
   CNC_Controls_Host.Form_Changed();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Told_Saved(saved, "The port setup is saved. Outputs and motors are off.");
+  Tell_Home_Safety();
 }
 
 void Table_Setup_Apply_Click() {

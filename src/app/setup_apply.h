@@ -8,8 +8,9 @@
 namespace norvik {
 
 // Outputs and motors go off, on the old pins and on the new ones: what runs must not be left on a
-// pin that nothing switches any more, nor begin on one whose sense was turned around. The record
-// then shows the setup as it was taken.
+// pin that nothing switches any more, nor begin on one whose sense was turned around. The drive
+// begins anew as with another machine, home switches included. The record then shows the setup as
+// it was taken.
 void Port_Setup_Apply_Click();
 
 // Keys and joystick: saved, loaded again as every option is, pins to their idle levels.

@@ -76,9 +76,9 @@ void Stop_Port_Recorder();
 // Records every write from here on as lines "microseconds,port,value,real" of a new file until
 // Stop_Port_Recorder: time with three decimals from the start of the recording, port and value in
 // decimal, real 1 or 0 (0: the byte went to the dummy address). A path that ends in ".vcd" gives a
-// value change dump instead (port_dump.h). Raises a file fault that says what
-// is wrong when the file cannot be created. A disk that runs full later ends the recording with one
-// line in the error log and stops nothing else.
+// value change dump instead (port_dump.h). Raises a file fault that says what is wrong when the
+// file cannot be created. A disk that runs full later ends the recording with one line in the error
+// log and stops nothing else.
 void Record_Ports_To_File(const std::string& path);
 
 }  // namespace norvik

@@ -5,8 +5,7 @@
 // settings window and the tests of the manual walk it.
 //
 //   travel       X, Y, A: 0 to Axis_Depth; Z: half of it to both sides of 0; a slaved A: that of
-//   its
-//                master; moved so that the carriage lies inside
+//                its master; moved so that the carriage lies inside
 //   hard stops   2 percent of the travel beyond its ends
 //   switches     one at each end, from half way to the hard stop on
 //   motor        twice the axis's feed limit at most, no limit of acceleration
