@@ -1,5 +1,6 @@
 #include "control/cnc_controller.h"
 
+#include "compiler/compiler_state.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
@@ -241,12 +242,19 @@ void CNC_Controls_Esc() {
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
 }
 
+bool Compile_Is_Over() {
+  if (!Compile_Status.CompileRunning) return true;
+  SetStatus(1, control_text::Compile_Runs, 5);
+  return false;
+}
+
 bool Begin_Operation() {
   if (Anything_Moves()) return false;
   if (Machine.EStop_Flag) {
     SetStatus(1, control_text::Motors_Are_Disabled, 5);
     return false;
   }
+  if (!Compile_Is_Over()) return false;
   if (!Drive().Missing.empty()) {
     SetStatus(1, Drive().Missing, 10);
     return false;

@@ -1,7 +1,10 @@
 // Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
+#include "compiler/compile.h"
+#include "control/goto.h"
 #include "control/home.h"
 #include "control/panel_jog.h"
 #include "control/safety.h"
+#include "control/timing_edits.h"
 #include "control_fixture.h"
 
 #include <random>
@@ -184,20 +187,47 @@ TEST_F(Stops_Test, Absurd_scales_are_refused_or_run_but_never_hang) {
   }
 }
 
+// Everything that makes the machine move.
+const std::function<void()> Motion_Requests[] = {[] { Command_CNC_Play_Click(); },
+                                                 [] { Command_CNC_Step_Click(); },
+                                                 [] { Jog_MouseDown(1, 0); },
+                                                 [] { Command_Home_Click(); },
+                                                 [] { Command_ReTool_Click(); },
+                                                 [] { Command_AutoRetool_Click(0); },
+                                                 [] { CNC_Retool(); },
+                                                 [] { Command_Goto_Click(); },
+                                                 [] {
+                                                   Start_Key_Jog({{2, false}});
+                                                 }};
+
+// The table that runs is still that of the program before.
+TEST_F(Stops_Test, Motion_is_refused_in_words_in_a_yield_of_a_compile) {
+  Load({{1, 1}});
+  CNC_Controls.Text_Goto.Text = "G1 X1";
+  GCode_Program.Text = std::make_shared<const GCode_Text>("G1 X2 F60\r\n");
+  bool asked = false;
+  scripted.On_Yield = [&] {
+    const auto ask = [&](const std::function<void()>& request) {
+      Messages = {};
+      request();
+      EXPECT_EQ(Messages.Panel[1], control_text::Compile_Runs);
+    };
+    if (!Compile_Status.CompileRunning || std::exchange(asked, true)) return;
+    for (const auto& request : Motion_Requests) ask(request);
+    ask(Panel_Get_Time_Constant_Click);
+    ask(Timing_Test_Start_Click);
+  };
+  EXPECT_TRUE(CompileProgram());
+  EXPECT_TRUE(asked);
+  EXPECT_EQ(Half_Steps, 0);
+  Command_CNC_Play_Click();
+  EXPECT_GT(Half_Steps, 0);
+}
+
 TEST_F(Stops_Test, Motion_is_refused_in_words_while_the_EStop_is_set) {
   Load({{1, 1}});
   Command_EStop_Click();
-  const std::function<void()> requests[] = {[] { Command_CNC_Play_Click(); },
-                                            [] { Command_CNC_Step_Click(); },
-                                            [] { Jog_MouseDown(1, 0); },
-                                            [] { Command_Home_Click(); },
-                                            [] { Command_ReTool_Click(); },
-                                            [] { Command_AutoRetool_Click(0); },
-                                            [] { CNC_Retool(); },
-                                            [] {
-                                              Start_Key_Jog({{2, false}});
-                                            }};
-  for (const auto& request : requests) {
+  for (const auto& request : Motion_Requests) {
     Messages = {};
     request();
     EXPECT_EQ(Messages.Panel[1], control_text::Motors_Are_Disabled);
