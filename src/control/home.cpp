@@ -188,6 +188,7 @@ void Home_Move() {
 void Set_Axis_Position(int axis, double value) {
   Machine.Position[axis] = value;
   Machine.Theoretical_Pos[axis] = value;
+  ResetRetoolDisplay();
   Keep_Given_Positions();
 }
 
