@@ -66,6 +66,9 @@ inline constexpr std::string_view EStop_Stays_Set =
     "The E-stop stays set until the machine stands still. Press again to enable the motors.";
 inline constexpr std::string_view Motors_Are_Disabled =
     "Motors are disabled by the E-stop. Press MOTORS DISABLED to enable them, then try again.";
+inline constexpr std::string_view Outputs_Stay_Off =
+    "No output is switched on while motors are disabled by the E-stop. Press MOTORS DISABLED to "
+    "enable them, then try again.";
 inline constexpr std::string_view Compile_Runs =
     "The program is being compiled. Wait until it is done or press ESC, then try again.";
 inline constexpr std::string_view Still_Moving =
