@@ -101,21 +101,6 @@ void Count_Made(const Indexed<double, 1, 6>& position_before) {
   Resynchronise_Position();
 }
 
-Move_End Enter_Drive(const Move_Order& order, const Step_Request& request) {
-  const Indexed<double, 1, 6> theoretical = Machine.Theoretical_Pos;
-  const Indexed<double, 1, 6> position = Machine.Position;
-  // A jog's release that comes late must not end this move.
-  Machine.Jog_Stop_Request = true;
-  Controller.Live_Feed = order.Run;
-  const Move_End end = Drive().Move(request, order.S_Word, order.Step);
-  if (Arrived(end))
-    Count_Commanded(theoretical, request);
-  else
-    Count_Made(position);
-  for (int axis = 1; axis <= 4; ++axis) Controller.Last_Move_Dir[axis] = request.Negative[axis];
-  return end;
-}
-
 // The operator's words for an end that the flags alone do not tell.
 void Note_End(Move_End end) {
   if (!Controller.Stop_Text.empty()) return;
@@ -126,7 +111,28 @@ void Note_End(Move_End end) {
         Drive().Missing.empty() ? control_text::Ended_By_Failure : Drive().Missing;
 }
 
+Move_End Enter_Drive(const Move_Order& order, const Step_Request& request) {
+  const Indexed<double, 1, 6> theoretical = Machine.Theoretical_Pos;
+  const Indexed<double, 1, 6> position = Machine.Position;
+  Controller.Live_Feed = order.Run;
+  const Move_End end = Drive_Move(request, order.S_Word, order.Step);
+  if (Arrived(end))
+    Count_Commanded(theoretical, request);
+  else
+    Count_Made(position);
+  for (int axis = 1; axis <= 4; ++axis) Controller.Last_Move_Dir[axis] = request.Negative[axis];
+  return end;
+}
+
 }  // namespace
+
+Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step) {
+  // A release that comes late, of a jog before, must not end this move.
+  Machine.Jog_Stop_Request = true;
+  const Move_End end = Drive().Move(request, s_word, step);
+  Note_End(end);
+  return end;
+}
 
 void Resynchronise_Position() {
   for (int axis = 1; axis <= 4; ++axis) Machine.Theoretical_Pos[axis] = Machine.Position[axis];

@@ -35,6 +35,10 @@ struct Move_Order {
 // nothing.
 Move_End Machine_Move(const Move_Order& order) noexcept;
 
+// The drive's own move, for Machine_Move and for the jogs, which have steps instead of a target.
+// Keeps the reason of an end that only the drive knows in `Controller.Stop_Text`.
+Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step);
+
 // Every step asked for was made.
 constexpr bool Arrived(Move_End end) {
   return end == Move_End::Done || end == Move_End::No_Steps;

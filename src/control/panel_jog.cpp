@@ -5,7 +5,6 @@
 #include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/displays.h"
-#include "control/drive.h"
 #include "control/jog_key.h"
 #include "control/machine_move.h"
 #include "control/scope.h"
@@ -94,10 +93,9 @@ void Run_Jog(const Step_Request& request, bool held) {
     const double way = request.Steps[axis] > 0 ? request.Steps[axis] / scale : 0;
     Controller.Move_Target[axis] = Machine.Position[axis] + sign * way;
   }
-  Machine.Jog_Stop_Request = true;
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
-    const Move_End end = Drive().Move(request, std::nullopt, 0);
+    const Move_End end = Drive_Move(request, std::nullopt, 0);
     if (end == Move_End::Limit) SetStatus(1, control_text::Ended_By_Limit, 5);
     if (end == Move_End::EStop || end == Move_End::Escape || end == Move_End::Failed)
       Announce_End();

@@ -86,6 +86,22 @@ INSTANTIATE_TEST_SUITE_P(Half_Steps, Latency, ::testing::Values(1, 2, 7, 100, 33
 
 class Stops_Test : public Control_Test {};
 
+const std::function<void()> Jogs[] = {[] { Jog_MouseDown(1, 1); }, [] { Jog_XY_MouseDown(1); },
+                                      [] {
+                                        Start_Key_Jog({{1, false}});
+                                      }};
+
+TEST_F(Stops_Test, A_jog_says_that_the_EStop_input_ended_it) {
+  for (const auto& jog : Jogs) {
+    Messages = {};
+    At_Half_Step(100, [] { Press_EStop(true); });
+    jog();
+    EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
+    Press_EStop(false);
+  }
+  Expect_Position_True();
+}
+
 TEST_F(Stops_Test, A_late_release_does_not_swallow_a_move) {
   Load({{1, 0.5}});
   Jog_MouseUp(1, 0);  // no jog runs
@@ -106,7 +122,11 @@ TEST_F(Stops_Test, An_EStop_held_at_the_start_lets_nothing_out) {
   EXPECT_EQ(Half_Steps, 0);
   EXPECT_EQ(Simulated_Machine.Outputs[1].Switchings, 0);
   EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
-  Jog_MouseDown(1, 1);
+  for (const auto& jog : Jogs) {
+    Messages = {};
+    jog();
+    EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
+  }
   MachineSetup.Axis_HomePos[1] = "1";
   Command_Home_Click();
   EXPECT_EQ(Half_Steps, 0);
