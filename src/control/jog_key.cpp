@@ -79,7 +79,7 @@ void JogKey_Form_Unload() {
 void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
   if (!Begin_Jog()) return;
   const Value_In_Scope busy(JogKey.Key_Busy, true);
-  Trap("JogKey_Error", [&] {
+  Trap_Jog("JogKey_Error", [&] {
     Step_Request request = Jog_Request();
     for (const auto [axis, negative] : ways) {
       if (axis == 4 && MachineSetup.Slave_A_Axis_to != "None") continue;

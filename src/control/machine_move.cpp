@@ -52,15 +52,20 @@ void Trace_Move(const Move_Order& order) {
   ErrorLogWrite(std::string(control_text::Trace_Failed) + path);
 }
 
+Fault No_Step_Count(int axis, double distance) {
+  return {Fault_Number::Overflow,
+          "Axis " + std::to_string(axis) + ": " + Shortest_Text(MachineSetup.Axis_SPI[axis]) +
+              " steps per unit over a distance of " + Shortest_Text(distance) +
+              " give no step count. Check Axis_SPI_" + std::to_string(axis) + "."};
+}
+
 // Steps of an axis: its scale times the distance, to the nearest whole number.
 std::int32_t Steps_To_Go(int axis, double delta) {
+  if (delta == 0) return 0;
+  Require_Scale(axis, delta);
   const double scale = MachineSetup.Axis_SPI[axis];
   const double steps = Round_Half_Even(scale * std::abs(delta));
-  if (steps < 0 || !std::isfinite(steps) || steps > 1e9)
-    throw Fault(Fault_Number::Overflow,
-                "Axis " + std::to_string(axis) + ": " + Shortest_Text(scale) +
-                    " steps per unit over a distance of " + Shortest_Text(delta) +
-                    " give no step count. Check Axis_SPI_" + std::to_string(axis) + ".");
+  if (!std::isfinite(steps) || steps > 1e9) throw No_Step_Count(axis, delta);
   return To_Int32(steps);
 }
 
@@ -125,6 +130,12 @@ Move_End Enter_Drive(const Move_Order& order, const Step_Request& request) {
 }
 
 }  // namespace
+
+void Require_Scale(int axis, double distance) {
+  constexpr double lowest = 0.001;  // a step in 1000 units
+  const double scale = MachineSetup.Axis_SPI[axis];
+  if (!std::isfinite(scale) || scale < lowest) throw No_Step_Count(axis, distance);
+}
 
 Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step) {
   // A release that comes late, of a jog before, must not end this move.

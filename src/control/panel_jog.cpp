@@ -35,6 +35,7 @@ constexpr Corner Corners[] = {{true, false}, {false, false}, {true, true}, {fals
 // The product is rounded to single first, so that 0.01 units at 4000 steps are 40 steps although
 // the single nearest to 0.01 lies below it.
 std::int32_t Whole_Steps(int axis, double distance) {
+  Require_Scale(axis, distance);
   return To_Int32(Whole_Part(To_Single(distance * MachineSetup.Axis_SPI[axis])));
 }
 
@@ -50,7 +51,7 @@ void Press(bool single, Add_Axes add_axes) {
   if (!Begin_Jog()) return;
   ResetRetoolDisplay();
   const Value_In_Scope busy(Controller.Panel_Busy, true);
-  Trap("Jog_Error", [&] {
+  Trap_Jog("Jog_Error", [&] {
     Step_Request request = Jog_Request();
     add_axes(request, single ? MachineSetup.CNC_Jog_Increment : Held_Distance);
     request.Start = MachineSetup.Axis_Ramp_Start;
@@ -69,6 +70,10 @@ bool Begin_Jog() {
     return false;
   }
   return Begin_Operation();
+}
+
+void Trap_Jog(std::string_view name, const std::function<void()>& jog) {
+  if (!Trap(name, jog)) SetStatus(1, control_text::Ended_By_Failure, 10);
 }
 
 Step_Request Jog_Request() {

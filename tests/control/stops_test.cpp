@@ -189,22 +189,31 @@ TEST_F(Stops_Test, A_chattering_switch_never_breaks_the_count) {
   }
 }
 
-struct Scale_Row {
-  float Scale;
-  bool Moves;
-};
-TEST_F(Stops_Test, Absurd_scales_are_refused_or_run_but_never_hang) {
-  const Scale_Row rows[] = {{0, true}, {-400, false}, {1e-6F, true}, {3e8F, false}, {3e38F, false}};
-  for (const auto& [scale, moves] : rows) {
-    Messages = {};
+// Without a scale an axis would stay behind while the others cut.
+TEST_F(Stops_Test, Absurd_scales_move_no_axis_and_say_so) {
+  constexpr float infinity = std::numeric_limits<float>::infinity();
+  for (const float scale : {0.0F, -400.0F, 1e-6F, 0.0009F, 3e8F, 3e38F, infinity, -infinity,
+                            std::numeric_limits<float>::quiet_NaN()}) {
+    const std::function<void()> moves[] = {[] { Command_CNC_Play_Click(); },
+                                           [] { Jog_XY_MouseDown(1); },
+                                           [] {
+                                             Start_Key_Jog({{1, true}, {2, true}});
+                                           }};
     MachineSetup.Axis_SPI[2] = scale;
-    Load({{1, {}, 8}});
-    Command_CNC_Play_Click();
-    EXPECT_EQ(Machine.CNCMode, CNC_Stopped) << scale;
-    EXPECT_EQ(Half_Steps, 0) << scale;
-    EXPECT_EQ(Machine.Position[2], 0) << scale;
-    EXPECT_EQ(Messages.Panel[1] == control_text::Ended_By_Failure, !moves) << scale;
+    Load({{1, 4, 8}, {2, 0}});
+    for (const auto& move : moves) {
+      Messages = {};
+      move();
+      EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_Failure) << scale;
+      EXPECT_EQ(Machine.CNCMode, CNC_Stopped) << scale;
+      EXPECT_EQ(Half_Steps, 0) << scale;
+      EXPECT_EQ(Machine.Position[1] + Machine.Position[2], 0) << scale;
+    }
+    EXPECT_THAT(Read_Whole_File(Application.ErrorFile), HasSubstr("Check Axis_SPI_2"));
   }
+  Load({{1, 0.5, 0}});  // an axis that stays needs no scale
+  Command_CNC_Play_Click();
+  EXPECT_DOUBLE_EQ(Machine.Position[1], 0.5);
 }
 
 // Everything that makes the machine move.
