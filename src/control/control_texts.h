@@ -82,6 +82,10 @@ inline constexpr std::string_view Goto_Not_Compiled =
 inline constexpr std::string_view Goto_Is_Empty =
     "Goto: this line gives nothing to execute. Type a move with a blank between its words, such as "
     "G01 X1 Y2.";
+inline constexpr std::string_view Goto_Has_No_Run =
+    "Goto: the line asks for a pause; there is no run to pause. What follows the pause was "
+    "executed "
+    "at once.";
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
     "program, then try again.";

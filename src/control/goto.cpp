@@ -56,6 +56,13 @@ void Execute_Block() {
   Announce_End();
 }
 
+// A wire of the line may have asked for a pause.
+void Leave_No_Pause() {
+  if (Machine.CNCMode == CNC_Stopped) return;
+  Machine.CNCMode = CNC_Stopped;
+  if (End_Reason().empty()) SetStatus(1, control_text::Goto_Has_No_Run, 10);
+}
+
 void Run_Goto() {
   if (Machine.CNCMode != CNC_Stopped && !Anything_Moves()) {
     SetStatus(1, control_text::Goto_Needs_Stop, 5);
@@ -75,6 +82,7 @@ void Run_Goto() {
     Run_Plot_Host.Program_Replaced();
     Execute_Block();
   });
+  Leave_No_Pause();
   CNCMode_Display();
 }
 
