@@ -225,6 +225,10 @@ void Command_CNC_Step_Click() {
 }
 
 void Command_CNC_Pause_Click() {
+  if (Machine.CNCMode == CNC_Stopped && Anything_Moves()) {
+    SetStatus(1, control_text::No_Run_To_Pause, 5);
+    return;
+  }
   if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over
   Play_Event_Sound(sound::Pause);
   CNC_Pause();

@@ -56,6 +56,10 @@ inline constexpr std::string_view Ended_By_EStop = "Stopped by the E-stop.";
 inline constexpr std::string_view Ended_By_Esc = "Stopped by ESC.";
 inline constexpr std::string_view Move_Ends_First =
     "The running move is finished first. The E-stop or ESC ends it at once.";
+inline constexpr std::string_view No_Run_To_Pause =
+    "Pause acts on a run, and none is on. Stop ends this behind the running move, the E-stop or "
+    "ESC "
+    "at once.";
 inline constexpr std::string_view Ended_By_Operator = "Stopped by the operator.";
 inline constexpr std::string_view Ended_By_Failure =
     "Stopped: the move could not be made. The error log says why.";
