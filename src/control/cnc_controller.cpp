@@ -141,7 +141,7 @@ bool Prepare_Run() {
 }
 
 void Run_In_Mode(std::int16_t mode) {
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   Machine.CNCMode = mode;
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
@@ -201,7 +201,7 @@ void CNC_Play() {
 
 void CNC_Retool() {
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   Controller.Retool_Request = true;
   NIST_CNC_Controller();
 }
@@ -244,6 +244,11 @@ void Command_CNC_Stop_Click() {
 
 void CNC_Controls_Esc() {
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
+}
+
+Operation_Mark::~Operation_Mark() {
+  Mark = false;
+  Timing.Actual_IPM = 0;
 }
 
 bool Compile_Is_Over() {

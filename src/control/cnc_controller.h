@@ -54,6 +54,18 @@ void CNC_Controls_Esc();
 // missing; false in silence while the panel is busy. Otherwise clears what a past operation left
 // (stop request, ESC, its text).
 bool Begin_Operation();
+// The mark of such an operation (`Panel_Busy`, `Key_Busy`) until the end of the scope. At its end
+// the machine rests, so that the measured feed is 0.
+class Operation_Mark {
+ public:
+  explicit Operation_Mark(bool& mark) : Mark(mark) { Mark = true; }
+  ~Operation_Mark();
+  Operation_Mark(const Operation_Mark&) = delete;
+  Operation_Mark& operator=(const Operation_Mark&) = delete;
+
+ private:
+  bool& Mark;
+};
 // False, with a status text, in a yield of a compile: the executing table is then still that of the
 // program before.
 bool Compile_Is_Over();

@@ -11,7 +11,6 @@
 #include "control/execute_step.h"
 #include "control/machine_move.h"
 #include "control/run_plot_host.h"
-#include "control/scope.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
@@ -69,7 +68,7 @@ void Run_Goto() {
     return;
   }
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   ResetRetoolDisplay();
   Resynchronise_Position();
   Trap("Command_Goto_Error", [] {

@@ -1,9 +1,9 @@
 #include "control/jog_key.h"
 
+#include "control/cnc_controller.h"
 #include "control/controller_state.h"
 #include "control/joystick_jog.h"
 #include "control/panel_jog.h"
-#include "control/scope.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -78,7 +78,7 @@ void JogKey_Form_Unload() {
 
 void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
   if (!Begin_Jog()) return;
-  const Value_In_Scope busy(JogKey.Key_Busy, true);
+  const Operation_Mark busy(JogKey.Key_Busy);
   Trap_Jog("JogKey_Error", [&] {
     Step_Request request = Jog_Request();
     for (const auto [axis, negative] : ways) {

@@ -50,7 +50,7 @@ template <class Add_Axes>
 void Press(bool single, Add_Axes add_axes) {
   if (!Begin_Jog()) return;
   ResetRetoolDisplay();
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   Trap_Jog("Jog_Error", [&] {
     Step_Request request = Jog_Request();
     add_axes(request, single ? MachineSetup.CNC_Jog_Increment : Held_Distance);

@@ -89,6 +89,29 @@ TEST_F(Run_Loop_Test, Pause_without_a_run_only_says_so_while_something_moves) {
   }
 }
 
+TEST_F(Run_Loop_Test, The_measured_feed_of_a_machine_at_rest_is_0) {
+  Free_Axes();
+  MachineSetup.Axis_HomePos[1] = MachineSetup.Axis_ReToolPos[2] = "4";
+  CNC_Controls.Text_Goto.Text = "G1 Y-4";
+  const std::function<void()> moves[] = {
+      [] { Jog_MouseDown(2, 1); },
+      [] {
+        Start_Key_Jog({{1, true}});
+      },
+      [] { Command_Home_Click(); }, [] { Command_ReTool_Click(); }, [] { Command_Goto_Click(); }};
+  for (const auto& move : moves) {
+    float measured = 0;
+    const std::int64_t begin = Half_Steps;
+    scripted.On_Yield = [&] {
+      measured = std::max(measured, Timing.Actual_IPM);
+      if (Half_Steps > begin + 2000) Release_Jog();
+    };
+    move();
+    EXPECT_GT(measured, 0);
+    EXPECT_EQ(Timing.Actual_IPM, 0);
+  }
+}
+
 TEST_F(Run_Loop_Test, A_pause_record_pauses_behind_its_step) {
   Load({{1, 0.1}, {2, {}, {}, {}, {}, -1}, {3, 0.3}});
   Command_CNC_Play_Click();
