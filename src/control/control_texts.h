@@ -77,6 +77,10 @@ inline constexpr std::string_view Compile_Runs =
     "The program is being compiled. Wait until it is done or press ESC, then try again.";
 inline constexpr std::string_view Still_Moving =
     "The machine is still moving. Wait until it stands, then jog.";
+inline constexpr std::string_view A_Is_Slaved =
+    "A does not jog by itself while it follows another axis (Slave_A_Axis_to). Jog that axis, or "
+    "set "
+    "Slave_A_Axis_to to None.";
 inline constexpr std::string_view Not_While_Moving =
     "This can be changed while the machine stands still.";
 inline constexpr std::string_view Goto_Needs_Stop =

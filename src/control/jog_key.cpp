@@ -82,7 +82,7 @@ void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
   Trap_Jog("JogKey_Error", [&] {
     Step_Request request = Jog_Request();
     for (const auto [axis, negative] : ways) {
-      if (axis == 4 && MachineSetup.Slave_A_Axis_to != "None") continue;
+      if (!Jogs_By_Itself(axis)) continue;
       const bool turned = axis == 3 && MachineSetup.Display_Z_Coordinate_Invert;
       Add_Jog_Axis(request, axis, negative != turned, Key_Distance);
     }

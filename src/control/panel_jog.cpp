@@ -76,6 +76,12 @@ void Trap_Jog(std::string_view name, const std::function<void()>& jog) {
   if (!Trap(name, jog)) SetStatus(1, control_text::Ended_By_Failure, 10);
 }
 
+bool Jogs_By_Itself(int axis) {
+  if (axis != 4 || MachineSetup.Slave_A_Axis_to == "None") return true;
+  SetStatus(1, control_text::A_Is_Slaved, 5);
+  return false;
+}
+
 Step_Request Jog_Request() {
   Step_Request request;
   request.Negative = Controller.Jog_Dir;
@@ -115,7 +121,7 @@ void Release_Jog() {
 }
 
 void Jog_MouseDown(int axis, int index) {
-  if (axis == 4 && MachineSetup.Slave_A_Axis_to != "None") return;
+  if (!Jogs_By_Itself(axis)) return;
   const bool negative = (index == 0) != (axis == 3 && MachineSetup.Display_Z_Coordinate_Invert);
   Press(In_Single_Steps(axis), [&](Step_Request& request, double distance) {
     Add_Jog_Axis(request, axis, negative, distance);

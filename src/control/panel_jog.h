@@ -41,6 +41,8 @@ void Release_Jog();
 bool Begin_Jog();
 // Runs `jog`. A failure is logged under `name` and told in panel 1.
 void Trap_Jog(std::string_view name, const std::function<void()>& jog);
+// False, with a status text, for an A that follows another axis.
+bool Jogs_By_Itself(int axis);
 // Directions of the jog before, for the axes that rest in this one.
 Step_Request Jog_Request();
 // Adds an axis with the whole steps of a distance, and A with it where A is slaved to that axis.
