@@ -97,6 +97,8 @@ inline constexpr std::string_view Goto_Has_No_Run =
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
     "program, then try again.";
+inline constexpr std::string_view Has_No_Step_Pin =
+    " has no step pin, so it does not move: choose it under Machine, Port and pins.";
 inline constexpr std::string_view No_Serial_Board =
     "The serial controller boards cannot be driven by this version. Choose the LPT parallel port "
     "in the port setup (Parallel_Port_Type 1).";

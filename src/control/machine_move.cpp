@@ -7,12 +7,15 @@
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/format.h"
+#include "core/messages.h"
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "parallel/pin_map.h"
 
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace norvik {
 
@@ -116,6 +119,18 @@ void Note_End(Move_End end) {
         Drive().Missing.empty() ? control_text::Ended_By_Failure : Drive().Missing;
 }
 
+// A parallel drive makes the steps of such an axis in silence: they move and count nothing.
+void Tell_Missing_Step_Pins(const Step_Request& request) {
+  if (MachineSetup.Parallel_Port_Type != 1) return;
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (request.Steps[axis] <= 0 || Output_Bit(Step_Slot(axis))) continue;
+    if (std::exchange(Controller.No_Step_Pin_Told[axis], true)) continue;
+    const std::string text = " XYZA"[axis] + std::string(control_text::Has_No_Step_Pin);
+    AddMessage(text);
+    SetStatus(1, text, 10);
+  }
+}
+
 Move_End Enter_Drive(const Move_Order& order, const Step_Request& request) {
   const Indexed<double, 1, 6> theoretical = Machine.Theoretical_Pos;
   const Indexed<double, 1, 6> position = Machine.Position;
@@ -140,6 +155,7 @@ void Require_Scale(int axis, double distance) {
 Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step) {
   // A release that comes late, of a jog before, must not end this move.
   Machine.Jog_Stop_Request = true;
+  Tell_Missing_Step_Pins(request);
   const Move_End end = Drive().Move(request, s_word, step);
   Note_End(end);
   return end;

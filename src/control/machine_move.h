@@ -40,7 +40,8 @@ Move_End Machine_Move(const Move_Order& order) noexcept;
 void Require_Scale(int axis, double distance);
 
 // The drive's own move, for Machine_Move and for the jogs, which have steps instead of a target.
-// Keeps the reason of an end that only the drive knows in `Controller.Stop_Text`.
+// Keeps the reason of an end that only the drive knows in `Controller.Stop_Text`. Says once for
+// each axis and setup that it has no step pin.
 Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step);
 
 // Every step asked for was made.
