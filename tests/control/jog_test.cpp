@@ -462,6 +462,34 @@ TEST_F(Jog_Test, No_box_opens_while_the_machine_moves) {
   EXPECT_NEAR(At(1), 1, 1e-9);
 }
 
+TEST_F(Jog_Test, No_dialog_opens_between_the_moves_of_an_operation_but_any_in_a_pause) {
+  scripted.Input_Answers = {"1", "1", "1", "1"};
+  const auto open_all = [] {
+    Platform.Input_Box("t", "x", "0");
+    Platform.Open_File_Dialog({});
+    Platform.Save_File_Dialog({});
+    Platform.Print_Lines({"G0"});
+  };
+  const auto opened = [this] {
+    return scripted.Inputs.size() + scripted.Open_Dialogs.size() + scripted.Save_Dialogs.size() +
+           scripted.Prints.size();
+  };
+  Load({{1, 0.1}, {2, {}, {}, {}, {}, 2}, {3, {}, {}, {}, {}, -1}, {4, 0}});
+  bool asked = false;
+  scripted.On_Yield = [&] {
+    if (Step_Engine.Active || Machine.Run_Step != 2 || std::exchange(asked, true)) return;
+    open_all();
+    EXPECT_EQ(Messages.Panel[1], control_text::Not_While_Moving);
+    EXPECT_EQ(Messages.MessageLog[0], control_text::Not_While_Moving);
+  };
+  Command_CNC_Play_Click();
+  EXPECT_TRUE(asked);
+  EXPECT_EQ(opened(), 0U);
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  open_all();
+  EXPECT_EQ(opened(), 4U);
+}
+
 TEST_F(Jog_Test, The_key_page_reads_keys_and_restores_its_defaults) {
   Command_JogKey(3);
   JogKey_Test_KeyDown(87);
