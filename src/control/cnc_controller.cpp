@@ -1,5 +1,6 @@
 #include "control/cnc_controller.h"
 
+#include "compiler/compiler_state.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
@@ -140,7 +141,7 @@ bool Prepare_Run() {
 }
 
 void Run_In_Mode(std::int16_t mode) {
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   Machine.CNCMode = mode;
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
@@ -200,7 +201,7 @@ void CNC_Play() {
 
 void CNC_Retool() {
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   Controller.Retool_Request = true;
   NIST_CNC_Controller();
 }
@@ -224,6 +225,10 @@ void Command_CNC_Step_Click() {
 }
 
 void Command_CNC_Pause_Click() {
+  if (Machine.CNCMode == CNC_Stopped && Anything_Moves()) {
+    SetStatus(1, control_text::No_Run_To_Pause, 5);
+    return;
+  }
   if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over
   Play_Event_Sound(sound::Pause);
   CNC_Pause();
@@ -241,12 +246,24 @@ void CNC_Controls_Esc() {
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
 }
 
+Operation_Mark::~Operation_Mark() {
+  Mark = false;
+  Timing.Actual_IPM = 0;
+}
+
+bool Compile_Is_Over() {
+  if (!Compile_Status.CompileRunning) return true;
+  SetStatus(1, control_text::Compile_Runs, 5);
+  return false;
+}
+
 bool Begin_Operation() {
   if (Anything_Moves()) return false;
   if (Machine.EStop_Flag) {
     SetStatus(1, control_text::Motors_Are_Disabled, 5);
     return false;
   }
+  if (!Compile_Is_Over()) return false;
   if (!Drive().Missing.empty()) {
     SetStatus(1, Drive().Missing, 10);
     return false;

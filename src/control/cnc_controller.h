@@ -30,8 +30,8 @@ namespace norvik {
 void CNC_Stop();
 // Pauses after the running step.
 void CNC_Pause();
-// Runs one step, or to the end. Refused with a status text while the E-stop is set or the drive is
-// missing; ignored while the panel is busy.
+// Runs one step, or to the end. Refused with a status text while the E-stop is set, a compile runs
+// or the drive is missing; ignored while the panel is busy.
 void CNC_Step();
 void CNC_Play();
 // Moves to the ReTool position and ends in the E-stop state.
@@ -50,10 +50,25 @@ void Command_CNC_Stop_Click();
 void CNC_Controls_Esc();
 
 // --- For every operation that moves --------------------------------------------------------------
-// Called first. False, with a status text, while the E-stop is set or the drive is missing; false
-// in silence while the panel is busy. Otherwise clears what a past operation left (stop request,
-// ESC, its text).
+// Called first. False, with a status text, while the E-stop is set, a compile runs or the drive is
+// missing; false in silence while the panel is busy. Otherwise clears what a past operation left
+// (stop request, ESC, its text).
 bool Begin_Operation();
+// The mark of such an operation (`Panel_Busy`, `Key_Busy`) until the end of the scope. At its end
+// the machine rests, so that the measured feed is 0.
+class Operation_Mark {
+ public:
+  explicit Operation_Mark(bool& mark) : Mark(mark) { Mark = true; }
+  ~Operation_Mark();
+  Operation_Mark(const Operation_Mark&) = delete;
+  Operation_Mark& operator=(const Operation_Mark&) = delete;
+
+ private:
+  bool& Mark;
+};
+// False, with a status text, in a yield of a compile: the executing table is then still that of the
+// program before.
+bool Compile_Is_Over();
 // Another machine setup is loaded: what earlier operations left (directions, step counts, where
 // ReTool would return to, estimate) belongs to the machine before. Only while nothing moves.
 void Forget_Operations();

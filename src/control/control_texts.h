@@ -56,6 +56,9 @@ inline constexpr std::string_view Ended_By_EStop = "Stopped by the E-stop.";
 inline constexpr std::string_view Ended_By_Esc = "Stopped by ESC.";
 inline constexpr std::string_view Move_Ends_First =
     "The running move is finished first. The E-stop or ESC ends it at once.";
+inline constexpr std::string_view No_Run_To_Pause =
+    "Pause acts on a run, and none is on. Stop ends this behind the running move; "
+    "the E-stop or ESC ends it at once.";
 inline constexpr std::string_view Ended_By_Operator = "Stopped by the operator.";
 inline constexpr std::string_view Ended_By_Failure =
     "Stopped: the move could not be made. The error log says why.";
@@ -66,8 +69,16 @@ inline constexpr std::string_view EStop_Stays_Set =
     "The E-stop stays set until the machine stands still. Press again to enable the motors.";
 inline constexpr std::string_view Motors_Are_Disabled =
     "Motors are disabled by the E-stop. Press MOTORS DISABLED to enable them, then try again.";
+inline constexpr std::string_view Outputs_Stay_Off =
+    "No output is switched on while motors are disabled by the E-stop. Press MOTORS DISABLED to "
+    "enable them, then try again.";
+inline constexpr std::string_view Compile_Runs =
+    "The program is being compiled. Wait until it is done or press ESC, then try again.";
 inline constexpr std::string_view Still_Moving =
     "The machine is still moving. Wait until it stands, then jog.";
+inline constexpr std::string_view A_Is_Slaved =
+    "A does not jog by itself while it follows another axis. Jog that axis, or set Slave_A_Axis_to "
+    "to None.";
 inline constexpr std::string_view Not_While_Moving =
     "This can be changed while the machine stands still.";
 inline constexpr std::string_view Goto_Needs_Stop =
@@ -77,9 +88,13 @@ inline constexpr std::string_view Goto_Not_Compiled =
 inline constexpr std::string_view Goto_Is_Empty =
     "Goto: this line gives nothing to execute. Type a move with a blank between its words, such as "
     "G01 X1 Y2.";
+inline constexpr std::string_view Goto_Has_No_Run =
+    "Goto: the line asks for a pause; there is no run to pause. The line was executed to its end.";
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
     "program, then try again.";
+inline constexpr std::string_view Has_No_Step_Pin =
+    " has no step pin, so it does not move: choose it under Machine, Port and pins.";
 inline constexpr std::string_view No_Serial_Board =
     "The serial controller boards cannot be driven by this version. Choose the LPT parallel port "
     "in the port setup (Parallel_Port_Type 1).";

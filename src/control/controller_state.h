@@ -65,6 +65,7 @@ struct Controller_State {
   // --- For the display --------------------------------------------------------------------------
   std::optional<double> Tool;                    // of the last wire that named one
   std::optional<double> Estimated_Process_Time;  // seconds
+  Indexed<bool, 1, 4> No_Step_Pin_Told;          // the operator knows of this axis
   std::int16_t Blink_Ticks = 0;                  // of the panel's timer
 };
 extern Controller_State Controller;

@@ -109,8 +109,12 @@ bool Execute_Step(std::int32_t& step, int mode) {
   bool whole = true;
   for (auto k = Program_Wire.Next_Of_Step(step, 0); k && whole;
        k = Program_Wire.Next_Of_Step(step, *k + 1))
-    if (!Trap("Execute_Step_Error", [&] { whole = Execute_Wire(*k, step, mode == Move_And_Draw); }))
+    if (!Trap("Execute_Step_Error",
+              [&] { whole = Execute_Wire(*k, step, mode == Move_And_Draw); })) {
       whole = false;
+      if (mode == Move_And_Draw && Controller.Stop_Text.empty())
+        Controller.Stop_Text = control_text::Ended_By_Failure;
+    }
   Clear_Status();
   return whole;
 }

@@ -11,7 +11,6 @@
 #include "control/execute_step.h"
 #include "control/machine_move.h"
 #include "control/run_plot_host.h"
-#include "control/scope.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
@@ -56,13 +55,20 @@ void Execute_Block() {
   Announce_End();
 }
 
+// A wire of the line may have asked for a pause.
+void Leave_No_Pause() {
+  if (Machine.CNCMode == CNC_Stopped) return;
+  Machine.CNCMode = CNC_Stopped;
+  if (End_Reason().empty()) SetStatus(1, control_text::Goto_Has_No_Run, 10);
+}
+
 void Run_Goto() {
   if (Machine.CNCMode != CNC_Stopped && !Anything_Moves()) {
     SetStatus(1, control_text::Goto_Needs_Stop, 5);
     return;
   }
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   ResetRetoolDisplay();
   Resynchronise_Position();
   Trap("Command_Goto_Error", [] {
@@ -75,6 +81,7 @@ void Run_Goto() {
     Run_Plot_Host.Program_Replaced();
     Execute_Block();
   });
+  Leave_No_Pause();
   CNCMode_Display();
 }
 

@@ -188,12 +188,13 @@ void Home_Move() {
 void Set_Axis_Position(int axis, double value) {
   Machine.Position[axis] = value;
   Machine.Theoretical_Pos[axis] = value;
+  ResetRetoolDisplay();
   Keep_Given_Positions();
 }
 
 void Command_Home_Click() {
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   ResetRetoolDisplay();
   Machine.Jog_Stop_Request = true;
   Home_Move();
@@ -201,7 +202,7 @@ void Command_Home_Click() {
 
 void Command_ReTool_Click() {
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   Play_Event_Sound(sound::ReTooling);
   ResetRetoolDisplay();
   Machine.Jog_Stop_Request = true;
@@ -210,7 +211,7 @@ void Command_ReTool_Click() {
 
 void Command_AutoRetool_Click(int index) {
   if (!Begin_Operation()) return;
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
+  const Operation_Mark busy(Controller.Panel_Busy);
   if (index == 0) {
     ReTool();
     Controller.Retool_Active = true;

@@ -6,7 +6,6 @@
 #include "control/jog_key.h"
 #include "control/panel_jog.h"
 #include "core/messages.h"
-#include "parallel/step_engine.h"
 #include "platform/platform.h"
 
 #include <utility>
@@ -24,14 +23,15 @@ void Release_Before(std::function<Answer(Arguments...)>& operation) {
   };
 }
 
-// The same, and answers nothing in its place while a move steps.
+// The same, and answers nothing in its place while an operation moves the machine or waits.
 template <class Answer, class... Arguments>
-void Refuse_While_Stepping(std::function<Answer(Arguments...)>& operation) {
+void Refuse_While_Moving(std::function<Answer(Arguments...)>& operation) {
   Release_Before(operation);
   operation = [inner = std::move(operation)](Arguments... arguments) -> Answer {
-    if (!Step_Engine.Active) return inner(arguments...);
+    if (!Anything_Moves()) return inner(arguments...);
     Jog_Guard_Window_Lost();
     SetStatus(1, control_text::Not_While_Moving, 5);
+    Add_New_Message(control_text::Not_While_Moving);  // who asked may have words of its own
     return {};
   };
 }
@@ -45,9 +45,10 @@ void Jog_Guard_Window_Lost() {
 
 void Jog_Guard_Watch_Dialogs() {
   Release_Before(Platform.Message_Box);
-  Refuse_While_Stepping(Platform.Input_Box);
-  Refuse_While_Stepping(Platform.Open_File_Dialog);
-  Refuse_While_Stepping(Platform.Save_File_Dialog);
+  Refuse_While_Moving(Platform.Input_Box);
+  Refuse_While_Moving(Platform.Open_File_Dialog);
+  Refuse_While_Moving(Platform.Save_File_Dialog);
+  Refuse_While_Moving(Platform.Print_Lines);
 }
 
 void Jog_Guard_Tick() {

@@ -16,10 +16,12 @@ namespace norvik {
 // From the window that holds the jog, whichever of the above befell it.
 void Jog_Guard_Window_Lost();
 
-// Wraps the dialogs of `Platform`, so that each ends a held jog before it opens. A dialog that the
-// operator opens in a yield of a move would hold up the pulses in mid-move; it is refused with a
-// status text and answers as cancelled. Message boxes are shown whatever they cost. Once, after the
-// back ends are in place.
+// Wraps the dialogs of `Platform`, printing with them, so that each ends a held jog before it
+// opens. A dialog that the operator opens in a yield of a move would hold up the pulses in
+// mid-move, and one in a dwell or between two moves whatever the operation does next, with settings
+// that it has changed for itself. It is refused with a status text and answers as cancelled. A
+// paused or stopped machine refuses none. Message boxes are shown whatever they cost. Once, after
+// the back ends are in place.
 void Jog_Guard_Watch_Dialogs();
 
 // From the panel's timer and the jog window's: a release that the system never delivered.

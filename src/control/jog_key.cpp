@@ -1,9 +1,9 @@
 #include "control/jog_key.h"
 
+#include "control/cnc_controller.h"
 #include "control/controller_state.h"
 #include "control/joystick_jog.h"
 #include "control/panel_jog.h"
-#include "control/scope.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -78,11 +78,11 @@ void JogKey_Form_Unload() {
 
 void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
   if (!Begin_Jog()) return;
-  const Value_In_Scope busy(JogKey.Key_Busy, true);
-  Trap("JogKey_Error", [&] {
+  const Operation_Mark busy(JogKey.Key_Busy);
+  Trap_Jog("JogKey_Error", [&] {
     Step_Request request = Jog_Request();
     for (const auto [axis, negative] : ways) {
-      if (axis == 4 && MachineSetup.Slave_A_Axis_to != "None") continue;
+      if (!Jogs_By_Itself(axis)) continue;
       const bool turned = axis == 3 && MachineSetup.Display_Z_Coordinate_Invert;
       Add_Jog_Axis(request, axis, negative != turned, Key_Distance);
     }

@@ -100,8 +100,44 @@ void Check_Highest_Speeds(Findings& findings) {
   }
 }
 
+// The loop looks at stops and yields between two half steps only.
+void Check_Lowest_Speed(Findings& findings, const std::string& name, double ipm,
+                        const std::string& key) {
+  constexpr double lowest = 0.1;                    // units per minute
+  constexpr double bearable = 0.25, longest = 2.0;  // seconds
+  const double rate = MachineSetup.Axis_SPI[1] * std::max(ipm, 0.0) / 60;
+  const double half_step = rate > 0 ? std::min(1 / rate / 2, longest) : longest;
+  if (ipm >= lowest && half_step <= bearable) return;
+  findings.push_back({name + " is " + Number(ipm) + " units per minute: a half step takes up to " +
+                          Number(half_step) +
+                          " seconds, the axes seem to stand, and no button is heard before the "
+                          "half step is over. Set a higher speed.",
+                      key});
+}
+
+void Check_Lowest_Speeds(Findings& findings) {
+  const auto& setup = MachineSetup;
+  if (!(setup.Axis_SPI[1] > 0)) return;  // said already
+  const auto check = [&](const char* name, double ipm, const std::string& key) {
+    Check_Lowest_Speed(findings, name, ipm, key);
+  };
+  check("The feed rate for cutting", setup.Axis_Feed_Rate_Cut, "Axis_Feed_Rate_Cut");
+  check("The feed rate for travel", setup.Axis_Feed_Rate_Travel, "Axis_Feed_Rate_Travel");
+  check("The feed rate for jogging", setup.Axis_Feed_Rate_Jogging, "Axis_Feed_Rate_Jogging");
+  if (setup.Axis_Ramping)
+    check("The speed at which ramps start", setup.Axis_Ramp_Start, "Axis_Ramp_Start");
+  if (!setup.Validate_Home_Position) return;
+  check("The speed of homing", setup.Axis_HomeIPM[0], "Axis_HomeIPM_0");
+  check("The speed of the second approach in homing", setup.Axis_HomeIPM[1], "Axis_HomeIPM_1");
+}
+
 void Check_Time_Constant(Findings& findings) {
   constexpr std::int32_t as_delivered = 50;  // microseconds
+  if (MachineSetup.Parallel_Time_Constant == 0)
+    findings.push_back(
+        {"The time constant is 0. A stored 0 counts as not set: after the next start it is 50 "
+         "microseconds, and every move runs too fast. Set it to 1.",
+         "Parallel_Time_Constant"});
   if (MachineSetup.Parallel_Time_Constant == as_delivered)
     findings.push_back(
         {"The time constant has its first value of 50 microseconds: it was never "
@@ -265,6 +301,7 @@ std::vector<Machine_Finding> Machine_Check() {
   Check_Scales(findings);
   Check_Ramps(findings);
   Check_Highest_Speeds(findings);
+  Check_Lowest_Speeds(findings);
   Check_Time_Constant(findings);
   return findings;
 }

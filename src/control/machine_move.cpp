@@ -7,12 +7,15 @@
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/format.h"
+#include "core/messages.h"
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "parallel/pin_map.h"
 
 #include <cmath>
 #include <cstdio>
+#include <utility>
 
 namespace norvik {
 
@@ -52,15 +55,20 @@ void Trace_Move(const Move_Order& order) {
   ErrorLogWrite(std::string(control_text::Trace_Failed) + path);
 }
 
+Fault No_Step_Count(int axis, double distance) {
+  return {Fault_Number::Overflow,
+          "Axis " + std::to_string(axis) + ": " + Shortest_Text(MachineSetup.Axis_SPI[axis]) +
+              " steps per unit over a distance of " + Shortest_Text(distance) +
+              " give no step count. Check Axis_SPI_" + std::to_string(axis) + "."};
+}
+
 // Steps of an axis: its scale times the distance, to the nearest whole number.
 std::int32_t Steps_To_Go(int axis, double delta) {
+  if (delta == 0) return 0;
+  Require_Scale(axis, delta);
   const double scale = MachineSetup.Axis_SPI[axis];
   const double steps = Round_Half_Even(scale * std::abs(delta));
-  if (steps < 0 || !std::isfinite(steps) || steps > 1e9)
-    throw Fault(Fault_Number::Overflow,
-                "Axis " + std::to_string(axis) + ": " + Shortest_Text(scale) +
-                    " steps per unit over a distance of " + Shortest_Text(delta) +
-                    " give no step count. Check Axis_SPI_" + std::to_string(axis) + ".");
+  if (!std::isfinite(steps) || steps > 1e9) throw No_Step_Count(axis, delta);
   return To_Int32(steps);
 }
 
@@ -101,21 +109,6 @@ void Count_Made(const Indexed<double, 1, 6>& position_before) {
   Resynchronise_Position();
 }
 
-Move_End Enter_Drive(const Move_Order& order, const Step_Request& request) {
-  const Indexed<double, 1, 6> theoretical = Machine.Theoretical_Pos;
-  const Indexed<double, 1, 6> position = Machine.Position;
-  // A jog's release that comes late must not end this move.
-  Machine.Jog_Stop_Request = true;
-  Controller.Live_Feed = order.Run;
-  const Move_End end = Drive().Move(request, order.S_Word, order.Step);
-  if (Arrived(end))
-    Count_Commanded(theoretical, request);
-  else
-    Count_Made(position);
-  for (int axis = 1; axis <= 4; ++axis) Controller.Last_Move_Dir[axis] = request.Negative[axis];
-  return end;
-}
-
 // The operator's words for an end that the flags alone do not tell.
 void Note_End(Move_End end) {
   if (!Controller.Stop_Text.empty()) return;
@@ -126,7 +119,47 @@ void Note_End(Move_End end) {
         Drive().Missing.empty() ? control_text::Ended_By_Failure : Drive().Missing;
 }
 
+// A parallel drive makes the steps of such an axis in silence: they move and count nothing.
+void Tell_Missing_Step_Pins(const Step_Request& request) {
+  if (MachineSetup.Parallel_Port_Type != 1) return;
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (request.Steps[axis] <= 0 || Output_Bit(Step_Slot(axis))) continue;
+    if (std::exchange(Controller.No_Step_Pin_Told[axis], true)) continue;
+    const std::string text = " XYZA"[axis] + std::string(control_text::Has_No_Step_Pin);
+    AddMessage(text);
+    SetStatus(1, text, 10);
+  }
+}
+
+Move_End Enter_Drive(const Move_Order& order, const Step_Request& request) {
+  const Indexed<double, 1, 6> theoretical = Machine.Theoretical_Pos;
+  const Indexed<double, 1, 6> position = Machine.Position;
+  Controller.Live_Feed = order.Run;
+  const Move_End end = Drive_Move(request, order.S_Word, order.Step);
+  if (Arrived(end))
+    Count_Commanded(theoretical, request);
+  else
+    Count_Made(position);
+  for (int axis = 1; axis <= 4; ++axis) Controller.Last_Move_Dir[axis] = request.Negative[axis];
+  return end;
+}
+
 }  // namespace
+
+void Require_Scale(int axis, double distance) {
+  constexpr double lowest = 0.001;  // a step in 1000 units
+  const double scale = MachineSetup.Axis_SPI[axis];
+  if (!std::isfinite(scale) || scale < lowest) throw No_Step_Count(axis, distance);
+}
+
+Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step) {
+  // A release that comes late, of a jog before, must not end this move.
+  Machine.Jog_Stop_Request = true;
+  Tell_Missing_Step_Pins(request);
+  const Move_End end = Drive().Move(request, s_word, step);
+  Note_End(end);
+  return end;
+}
 
 void Resynchronise_Position() {
   for (int axis = 1; axis <= 4; ++axis) Machine.Theoretical_Pos[axis] = Machine.Position[axis];

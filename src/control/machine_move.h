@@ -35,6 +35,15 @@ struct Move_Order {
 // nothing.
 Move_End Machine_Move(const Move_Order& order) noexcept;
 
+// Raises a fault when the axis has no scale to go that distance by: not finite, not above 0, or
+// less than a step in 1000 units. Its part of the move would otherwise be left out in silence.
+void Require_Scale(int axis, double distance);
+
+// The drive's own move, for Machine_Move and for the jogs, which have steps instead of a target.
+// Keeps the reason of an end that only the drive knows in `Controller.Stop_Text`. Says once for
+// each axis and setup that it has no step pin.
+Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t step);
+
 // Every step asked for was made.
 constexpr bool Arrived(Move_End end) {
   return end == Move_End::Done || end == Move_End::No_Steps;

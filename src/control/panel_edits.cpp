@@ -69,6 +69,7 @@ void Label_Axis_Pos_DblClick(int axis) {
       Ask("Axis", prompt, Format_Number(Machine.Position[axis], MachineSetup.DRO_Format));
   if (!value) return;
   Machine.Position[axis] = *value;
+  ResetRetoolDisplay();
   Keep_Given_Positions();
   CNC_Axis_Display();
 }

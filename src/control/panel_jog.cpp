@@ -5,7 +5,6 @@
 #include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/displays.h"
-#include "control/drive.h"
 #include "control/jog_key.h"
 #include "control/machine_move.h"
 #include "control/scope.h"
@@ -36,6 +35,7 @@ constexpr Corner Corners[] = {{true, false}, {false, false}, {true, true}, {fals
 // The product is rounded to single first, so that 0.01 units at 4000 steps are 40 steps although
 // the single nearest to 0.01 lies below it.
 std::int32_t Whole_Steps(int axis, double distance) {
+  Require_Scale(axis, distance);
   return To_Int32(Whole_Part(To_Single(distance * MachineSetup.Axis_SPI[axis])));
 }
 
@@ -50,8 +50,8 @@ template <class Add_Axes>
 void Press(bool single, Add_Axes add_axes) {
   if (!Begin_Jog()) return;
   ResetRetoolDisplay();
-  const Value_In_Scope busy(Controller.Panel_Busy, true);
-  Trap("Jog_Error", [&] {
+  const Operation_Mark busy(Controller.Panel_Busy);
+  Trap_Jog("Jog_Error", [&] {
     Step_Request request = Jog_Request();
     add_axes(request, single ? MachineSetup.CNC_Jog_Increment : Held_Distance);
     request.Start = MachineSetup.Axis_Ramp_Start;
@@ -70,6 +70,16 @@ bool Begin_Jog() {
     return false;
   }
   return Begin_Operation();
+}
+
+void Trap_Jog(std::string_view name, const std::function<void()>& jog) {
+  if (!Trap(name, jog)) SetStatus(1, control_text::Ended_By_Failure, 10);
+}
+
+bool Jogs_By_Itself(int axis) {
+  if (axis != 4 || MachineSetup.Slave_A_Axis_to == "None") return true;
+  SetStatus(1, control_text::A_Is_Slaved, 5);
+  return false;
 }
 
 Step_Request Jog_Request() {
@@ -94,10 +104,9 @@ void Run_Jog(const Step_Request& request, bool held) {
     const double way = request.Steps[axis] > 0 ? request.Steps[axis] / scale : 0;
     Controller.Move_Target[axis] = Machine.Position[axis] + sign * way;
   }
-  Machine.Jog_Stop_Request = true;
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
-    const Move_End end = Drive().Move(request, std::nullopt, 0);
+    const Move_End end = Drive_Move(request, std::nullopt, 0);
     if (end == Move_End::Limit) SetStatus(1, control_text::Ended_By_Limit, 5);
     if (end == Move_End::EStop || end == Move_End::Escape || end == Move_End::Failed)
       Announce_End();
@@ -112,7 +121,7 @@ void Release_Jog() {
 }
 
 void Jog_MouseDown(int axis, int index) {
-  if (axis == 4 && MachineSetup.Slave_A_Axis_to != "None") return;
+  if (!Jogs_By_Itself(axis)) return;
   const bool negative = (index == 0) != (axis == 3 && MachineSetup.Display_Z_Coordinate_Invert);
   Press(In_Single_Steps(axis), [&](Step_Request& request, double distance) {
     Add_Jog_Axis(request, axis, negative, distance);

@@ -107,6 +107,12 @@ void Home_Safety_Check() {
 
 void Toggle_Outputs(int index) {
   const bool on = CNC_Controls.Check_Outputs[index].Value;
+  if (on && Machine.EStop_Flag) {
+    CNC_Controls.Check_Outputs[index].Value = false;
+    SetStatus(1, control_text::Outputs_Stay_Off, 5);
+    CNC_Controls_Host.Form_Changed();
+    return;
+  }
   if (on && index <= 1) {
     const int other = 1 - index;
     Drive().Switch_Output(other + 1, false);

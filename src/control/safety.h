@@ -26,7 +26,8 @@ void Home_Safety_Check();
 void Look_At_Home_Switches();
 void Tell_Home_Safety();  // nothing while no switch was found on
 
-// Check box 0..4 was changed by the operator.
+// Check box 0..4 was changed by the operator. While the E-stop is set, one that was switched on
+// goes back to off with a status text.
 void Toggle_Outputs(int index);
 
 // --- From the panel's timer ----------------------------------------------------------------------

@@ -14,7 +14,9 @@ namespace norvik {
 
 namespace {
 
-constexpr const char* Refused = "Can't find the time constant";
+bool May_Calibrate() {
+  return Stopped_For("Can't find the time constant") && Compile_Is_Over();
+}
 
 }  // namespace
 
@@ -41,7 +43,7 @@ void Panel_Get_Time_Constant_Click() {
     Application.EscFlag = true;
     return;
   }
-  if (!Stopped_For(Refused)) return;
+  if (!May_Calibrate()) return;
   // The panel's timer may stand still meanwhile, but the way out is to be seen at once.
   CNC_Controls.Command_Get_Time_Constant.Caption = "Cancel";
   CNC_Controls_Host.Form_Changed();
@@ -50,7 +52,7 @@ void Panel_Get_Time_Constant_Click() {
 }
 
 void Timing_Test_Start_Click() {
-  if (Timing.Tune_Active || !Stopped_For(Refused)) return;
+  if (Timing.Tune_Active || !May_Calibrate()) return;
   System_Timing_Start_Click();
   CNC_Display();
 }

@@ -93,6 +93,14 @@ TEST_F(Execute_Step_Test, From_rest_is_used_up_by_the_first_wire_with_steps) {
   EXPECT_THAT(starts, ElementsAre(0, 0, 10, 60));
 }
 
+TEST_F(Execute_Step_Test, A_fault_ends_the_run_and_is_called_one) {
+  Load({{1, 0.1}, {2, 0.2, {}, {}, {}, 0, 1e9}, {3, 0.3}});  // no count of repeats
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_Failure);
+  EXPECT_DOUBLE_EQ(Machine.Position[1], 0.1);
+}
+
 // --- Everything that ends a step -----------------------------------------------------------------
 
 struct Ending_Row {

@@ -67,6 +67,18 @@ TEST_F(Goto_Test, Finds_nothing_once_the_step_pointer_has_moved) {
   EXPECT_EQ(Messages.Panel[1], control_text::Goto_Needs_Reset);
 }
 
+TEST_F(Goto_Test, A_line_that_asks_for_a_pause_leaves_the_machine_stopped) {
+  for (const char* text : {"M06 T2", "M00"}) {
+    Messages = {};
+    Go(text);
+    EXPECT_EQ(Machine.CNCMode, CNC_Stopped) << text;
+    EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "CNC Stopped");
+    EXPECT_EQ(Messages.Panel[1], control_text::Goto_Has_No_Run) << text;
+  }
+  Go("G1 X1");
+  EXPECT_NEAR(Machine.Position[1], 1, 1e-9);
+}
+
 TEST_F(Goto_Test, Stop_ends_a_cycle_between_two_wires) {
   In_Yield_After(300, [] { Command_CNC_Stop_Click(); });
   Go("G81 X1 Y1 Z-1 R0.5");

@@ -1,6 +1,7 @@
 // Home, ReTool and the way back, on the switches of the simulated machine.
 #include "control/home.h"
 
+#include "control/panel_edits.h"
 #include "control/safety.h"
 #include "control_fixture.h"
 
@@ -100,6 +101,21 @@ TEST_F(Home_Test, ReTool_and_back) {
   EXPECT_TRUE(CNC_Controls.Command_AutoRetool[0].Enabled);
   EXPECT_FALSE(CNC_Controls.Command_AutoRetool[1].Enabled || Controller.Retool_Active);
   Expect_Position_True();
+}
+
+// Where to return to is known in the coordinates of before.
+TEST_F(Home_Test, A_given_position_takes_the_way_back_from_ReTool) {
+  const std::function<void()> edits[] = {[] { Command_Zero_Pos_Click(1); },
+                                         [] { Label_Axis_Pos_DblClick(2); },
+                                         [] { Set_Axis_Position(3, 7); }};
+  scripted.Input_Answers = {"5"};
+  for (const auto& edit : edits) {
+    Command_AutoRetool_Click(0);
+    EXPECT_TRUE(CNC_Controls.Command_AutoRetool[1].Enabled);
+    edit();
+    EXPECT_FALSE(CNC_Controls.Command_AutoRetool[1].Enabled || Controller.Retool_Active);
+    EXPECT_TRUE(CNC_Controls.Command_AutoRetool[0].Enabled);
+  }
 }
 
 TEST_F(Home_Test, The_retool_request_of_the_run_loop_ends_with_the_motors_disabled) {

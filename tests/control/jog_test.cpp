@@ -78,6 +78,16 @@ INSTANTIATE_TEST_SUITE_P(
                       Single_Row{"corner_3", 0, 3, false, false, "Y Axis", {.01, -.01, 0, -.01}}),
     [](const auto& row) { return std::string(row.param.Name); });
 
+TEST_F(Jog_Test, A_slaved_A_says_why_it_does_not_jog) {
+  MachineSetup.Slave_A_Axis_to = "Y Axis";
+  Jog_MouseDown(4, 0);
+  EXPECT_EQ(Messages.Panel[1], control_text::A_Is_Slaved);
+  Messages = {};
+  Form_KeyDown(106);
+  EXPECT_EQ(Messages.Panel[1], control_text::A_Is_Slaved);
+  EXPECT_EQ(Half_Steps, 0);
+}
+
 TEST_F(Jog_Test, A_release_leaves_a_single_step_alone_but_ends_Z_without_its_own_key) {
   CNC_Controls.Check_SingleStep.Value = true;
   MachineSetup.CNC_Jog_Increment = 2;
@@ -415,7 +425,7 @@ TEST_F(Jog_Test, Positions_levels_and_feeds_are_edited_in_boxes) {
   EXPECT_EQ(scripted.Inputs[0].Prompt, "Change X Axis Position");
   EXPECT_EQ(ReadSetup("Axis Position", "Axis_Cur_Pos_1"), "2.5");
   EXPECT_EQ(View_Simulated_Machine().Axes[1].Steps_Apart, 0);  // given, not lost
-  Label_Axis_Pos_DblClick(1);  // empty: nothing changes
+  Label_Axis_Pos_DblClick(1);                                  // empty: nothing changes
   EXPECT_DOUBLE_EQ(At(1), 2.5);
   Label_Tool_Height_Click(2);
   EXPECT_EQ(scripted.Inputs[2].Prompt, "Change Z Axis Deep Cut Depth");
@@ -450,6 +460,34 @@ TEST_F(Jog_Test, No_box_opens_while_the_machine_moves) {
   Command_CNC_Play_Click();
   EXPECT_TRUE(scripted.Inputs.empty() && scripted.Open_Dialogs.empty());
   EXPECT_NEAR(At(1), 1, 1e-9);
+}
+
+TEST_F(Jog_Test, No_dialog_opens_between_the_moves_of_an_operation_but_any_in_a_pause) {
+  scripted.Input_Answers = {"1", "1", "1", "1"};
+  const auto open_all = [] {
+    Platform.Input_Box("t", "x", "0");
+    Platform.Open_File_Dialog({});
+    Platform.Save_File_Dialog({});
+    Platform.Print_Lines({"G0"});
+  };
+  const auto opened = [this] {
+    return scripted.Inputs.size() + scripted.Open_Dialogs.size() + scripted.Save_Dialogs.size() +
+           scripted.Prints.size();
+  };
+  Load({{1, 0.1}, {2, {}, {}, {}, {}, 2}, {3, {}, {}, {}, {}, -1}, {4, 0}});
+  bool asked = false;
+  scripted.On_Yield = [&] {
+    if (Step_Engine.Active || Machine.Run_Step != 2 || std::exchange(asked, true)) return;
+    open_all();
+    EXPECT_EQ(Messages.Panel[1], control_text::Not_While_Moving);
+    EXPECT_EQ(Messages.MessageLog[0], control_text::Not_While_Moving);
+  };
+  Command_CNC_Play_Click();
+  EXPECT_TRUE(asked);
+  EXPECT_EQ(opened(), 0U);
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  open_all();
+  EXPECT_EQ(opened(), 4U);
 }
 
 TEST_F(Jog_Test, The_key_page_reads_keys_and_restores_its_defaults) {

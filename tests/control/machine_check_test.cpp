@@ -53,6 +53,21 @@ const Hazard_Row Hazards[] = {
        s.Axis_Max_Feed_Rate = {{100, 1500, 100, 100}};
      }},
     {"Parallel_Time_Constant", "never calibrated", [](auto& s) { s.Parallel_Time_Constant = 50; }},
+    {"Parallel_Time_Constant", "Set it to 1", [](auto& s) { s.Parallel_Time_Constant = 0; }},
+    {"Axis_Feed_Rate_Cut", "up to 2 seconds", [](auto& s) { s.Axis_Feed_Rate_Cut = 0; }},
+    {"Axis_Feed_Rate_Travel", "is 0.05 units", [](auto& s) { s.Axis_Feed_Rate_Travel = 0.05F; }},
+    {"Axis_Feed_Rate_Jogging", "0.5 seconds",
+     [](auto& s) {
+       s.Axis_SPI.Fill(60);
+       s.Axis_Ramping = false;
+       s.Axis_Feed_Rate_Jogging = 1;
+     }},
+    {"Axis_Ramp_Start", "up to 2 seconds", [](auto& s) { s.Axis_Ramp_Start = -1; }},
+    {"Axis_HomeIPM_1", "second approach",
+     [](auto& s) {
+       s.Validate_Home_Position = true;
+       s.Axis_HomeIPM = {{20, 0}};
+     }},
     {"Axis_HomeTarget_1", "does not lie behind the switch",
      [](auto& s) {
        s.Validate_Home_Position = true;

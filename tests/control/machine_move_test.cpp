@@ -1,4 +1,5 @@
 // Targets to steps, and the trace of the moves.
+#include "control/panel_jog.h"
 #include "control_fixture.h"
 
 #include <fstream>
@@ -71,6 +72,32 @@ TEST_F(Machine_Move_Test, Faults_in_a_target_are_logged_and_the_next_move_works)
   EXPECT_THAT(Read_Whole_File(Application.ErrorFile), HasSubstr("Machine_Move_Error # 6"));
   EXPECT_EQ(Move(0.5), Move_End::Done);
   Expect_Position_True();
+}
+
+TEST_F(Machine_Move_Test, An_axis_without_a_step_pin_is_told_once_for_each_setup) {
+  const auto told = [](const std::string& axis) {
+    return std::ranges::count(Messages.MessageLog,
+                              axis + std::string(control_text::Has_No_Step_Pin));
+  };
+  Free_Axes();
+  MachineSetup.Parallel_Output_Bit[Step_Slot(2)] = "99";
+  MachineSetup.Parallel_Output_Bit[Step_Slot(4)] = "99";
+  Move(1, 0, 0, 0);
+  EXPECT_EQ(told("Y") + told("A"), 0);  // no steps for them
+  Move(0, 1);
+  EXPECT_EQ(told("Y"), 1);
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("Y has no step pin"));
+  Move(0, 2);
+  At_Half_Step(10, [] { Jog_MouseUp(4, 1); });
+  Jog_MouseDown(4, 1);
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("A has no step pin"));
+  Move(0, 3, 0, 1);
+  EXPECT_EQ(told("Y"), 1);
+  EXPECT_EQ(told("A"), 1);
+  EXPECT_EQ(told("X"), 0);
+  Forget_Operations();  // another setup
+  Move(0, 4);
+  EXPECT_EQ(told("Y"), 2);
 }
 
 TEST_F(Machine_Move_Test, Every_move_is_traced_and_a_blocked_trace_stops_nothing) {

@@ -1,4 +1,7 @@
 // The run loop: states, order of steps, and what it leaves behind.
+#include "control/goto.h"
+#include "control/home.h"
+#include "control/panel_jog.h"
 #include "control/run_program.h"
 #include "control_fixture.h"
 
@@ -63,6 +66,50 @@ TEST_F(Run_Loop_Test, Pause_while_stopped_leaves_the_step_alone) {
   EXPECT_EQ(Machine.CNCMode, CNC_Paused);
   Command_CNC_Play_Click();
   EXPECT_THAT(Executed, ElementsAre(2, 3));
+}
+
+TEST_F(Run_Loop_Test, Pause_without_a_run_only_says_so_while_something_moves) {
+  MachineSetup.Axis_HomePos[1] = "1";
+  CNC_Controls.Check_SingleStep.Value = true;
+  MachineSetup.CNC_Jog_Increment = 1;
+  CNC_Controls.Text_Goto.Text = "G1 Y1";
+  const std::function<void()> moves[] = {[] { Jog_MouseDown(2, 1); }, [] { Command_Home_Click(); },
+                                         [] { Command_Goto_Click(); }};
+  for (const auto& move : moves) {
+    bool pressed = false;
+    In_Yield_After(100, [&] {
+      pressed = true;
+      Command_CNC_Pause_Click();
+      EXPECT_EQ(Messages.Panel[1], control_text::No_Run_To_Pause);
+    });
+    move();
+    EXPECT_TRUE(pressed);
+    EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+    Machine.Position = Machine.Theoretical_Pos = {};
+  }
+}
+
+TEST_F(Run_Loop_Test, The_measured_feed_of_a_machine_at_rest_is_0) {
+  Free_Axes();
+  MachineSetup.Axis_HomePos[1] = MachineSetup.Axis_ReToolPos[2] = "4";
+  CNC_Controls.Text_Goto.Text = "G1 Y-4";
+  const std::function<void()> moves[] = {
+      [] { Jog_MouseDown(2, 1); },
+      [] {
+        Start_Key_Jog({{1, true}});
+      },
+      [] { Command_Home_Click(); }, [] { Command_ReTool_Click(); }, [] { Command_Goto_Click(); }};
+  for (const auto& move : moves) {
+    float measured = 0;
+    const std::int64_t begin = Half_Steps;
+    scripted.On_Yield = [&] {
+      measured = std::max(measured, Timing.Actual_IPM);
+      if (Half_Steps > begin + 2000) Release_Jog();
+    };
+    move();
+    EXPECT_GT(measured, 0);
+    EXPECT_EQ(Timing.Actual_IPM, 0);
+  }
 }
 
 TEST_F(Run_Loop_Test, A_pause_record_pauses_behind_its_step) {

@@ -155,6 +155,26 @@ TEST_F(Safety_Test, The_spindle_directions_exclude_each_other_off_first) {
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
 }
 
+TEST_F(Safety_Test, While_the_EStop_is_set_an_output_goes_off_but_not_on) {
+  MachineSetup.E_Stop_Output_Disable = false;
+  CNC_Controls.Check_Outputs[1].Value = true;
+  Toggle_Outputs(1);
+  Command_EStop_Click();
+  for (int index = 0; index <= 4; ++index) {
+    if (index == 1) continue;  // on from before
+    Messages = {};
+    CNC_Controls.Check_Outputs[index].Value = true;
+    Toggle_Outputs(index);
+    EXPECT_FALSE(Simulated_Machine.Outputs[index + 1].On ||
+                 CNC_Controls.Check_Outputs[index].Value);
+    EXPECT_EQ(Messages.Panel[1], control_text::Outputs_Stay_Off);
+  }
+  EXPECT_TRUE(Simulated_Machine.Outputs[2].On);
+  CNC_Controls.Check_Outputs[1].Value = false;
+  Toggle_Outputs(1);
+  EXPECT_FALSE(Simulated_Machine.Outputs[2].On);
+}
+
 TEST_F(Safety_Test, Without_limit_switches_the_output_boxes_still_follow_the_outputs) {
   MachineSetup.LimitSwitchDisable = 1;
   Force_Input(2, Input_Force::On);

@@ -1,7 +1,10 @@
 // Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
+#include "compiler/compile.h"
+#include "control/goto.h"
 #include "control/home.h"
 #include "control/panel_jog.h"
 #include "control/safety.h"
+#include "control/timing_edits.h"
 #include "control_fixture.h"
 
 #include <random>
@@ -83,6 +86,22 @@ INSTANTIATE_TEST_SUITE_P(Half_Steps, Latency, ::testing::Values(1, 2, 7, 100, 33
 
 class Stops_Test : public Control_Test {};
 
+const std::function<void()> Jogs[] = {[] { Jog_MouseDown(1, 1); }, [] { Jog_XY_MouseDown(1); },
+                                      [] {
+                                        Start_Key_Jog({{1, false}});
+                                      }};
+
+TEST_F(Stops_Test, A_jog_says_that_the_EStop_input_ended_it) {
+  for (const auto& jog : Jogs) {
+    Messages = {};
+    At_Half_Step(100, [] { Press_EStop(true); });
+    jog();
+    EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
+    Press_EStop(false);
+  }
+  Expect_Position_True();
+}
+
 TEST_F(Stops_Test, A_late_release_does_not_swallow_a_move) {
   Load({{1, 0.5}});
   Jog_MouseUp(1, 0);  // no jog runs
@@ -103,7 +122,11 @@ TEST_F(Stops_Test, An_EStop_held_at_the_start_lets_nothing_out) {
   EXPECT_EQ(Half_Steps, 0);
   EXPECT_EQ(Simulated_Machine.Outputs[1].Switchings, 0);
   EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
-  Jog_MouseDown(1, 1);
+  for (const auto& jog : Jogs) {
+    Messages = {};
+    jog();
+    EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_EStop_Input);
+  }
   MachineSetup.Axis_HomePos[1] = "1";
   Command_Home_Click();
   EXPECT_EQ(Half_Steps, 0);
@@ -153,8 +176,10 @@ INSTANTIATE_TEST_SUITE_P(Rows, Dead_Port,
 
 TEST_F(Stops_Test, A_chattering_switch_never_breaks_the_count) {
   std::mt19937 random(20240506);
+  int arrived = 0, cut = 0;
   for (int round = 0; round < 40; ++round) {
-    Load({{1, (round % 2 == 0) ? 0.5 : 0.0, 0.25}});
+    const double target = (round % 2 == 0) ? 0.5 : 0.0;
+    Load({{1, target, 0.25}});
     for (int n = 0; n < 3; ++n) {
       const bool on = random() % 2 == 0;
       At_Half_Step(1 + static_cast<std::int64_t>(random() % 300),
@@ -162,42 +187,84 @@ TEST_F(Stops_Test, A_chattering_switch_never_breaks_the_count) {
     }
     Command_CNC_Play_Click();
     Expect_Position_True();
-    EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+    const bool there = std::abs(Machine.Position[1] - target) < 1e-9;
+    // A cut run says so, and one that says nothing arrived.
+    EXPECT_EQ(Messages.Panel[1] != control_text::Ended_By_Limit, there) << round;
+    ++(there ? arrived : cut);
+    Actions.clear();
   }
+  EXPECT_GT(arrived, 5);
+  EXPECT_GT(cut, 5);
 }
 
-struct Scale_Row {
-  float Scale;
-  bool Moves;
-};
-TEST_F(Stops_Test, Absurd_scales_are_refused_or_run_but_never_hang) {
-  const Scale_Row rows[] = {{0, true}, {-400, false}, {1e-6F, true}, {3e8F, false}, {3e38F, false}};
-  for (const auto& [scale, moves] : rows) {
-    Messages = {};
+// Without a scale an axis would stay behind while the others cut.
+TEST_F(Stops_Test, Absurd_scales_move_no_axis_and_say_so) {
+  constexpr float infinity = std::numeric_limits<float>::infinity();
+  for (const float scale : {0.0F, -400.0F, 1e-6F, 0.0009F, 3e8F, 3e38F, infinity, -infinity,
+                            std::numeric_limits<float>::quiet_NaN()}) {
+    const std::function<void()> moves[] = {[] { Command_CNC_Play_Click(); },
+                                           [] { Jog_XY_MouseDown(1); },
+                                           [] {
+                                             Start_Key_Jog({{1, true}, {2, true}});
+                                           }};
     MachineSetup.Axis_SPI[2] = scale;
-    Load({{1, {}, 8}});
-    Command_CNC_Play_Click();
-    EXPECT_EQ(Machine.CNCMode, CNC_Stopped) << scale;
-    EXPECT_EQ(Half_Steps, 0) << scale;
-    EXPECT_EQ(Machine.Position[2], 0) << scale;
-    EXPECT_EQ(Messages.Panel[1] == control_text::Ended_By_Failure, !moves) << scale;
+    Load({{1, 4, 8}, {2, 0}});
+    for (const auto& move : moves) {
+      Messages = {};
+      move();
+      EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_Failure) << scale;
+      EXPECT_EQ(Machine.CNCMode, CNC_Stopped) << scale;
+      EXPECT_EQ(Half_Steps, 0) << scale;
+      EXPECT_EQ(Machine.Position[1] + Machine.Position[2], 0) << scale;
+    }
+    EXPECT_THAT(Read_Whole_File(Application.ErrorFile), HasSubstr("Check Axis_SPI_2"));
   }
+  Load({{1, 0.5, 0}});  // an axis that stays needs no scale
+  Command_CNC_Play_Click();
+  EXPECT_DOUBLE_EQ(Machine.Position[1], 0.5);
+}
+
+// Everything that makes the machine move.
+const std::function<void()> Motion_Requests[] = {[] { Command_CNC_Play_Click(); },
+                                                 [] { Command_CNC_Step_Click(); },
+                                                 [] { Jog_MouseDown(1, 0); },
+                                                 [] { Command_Home_Click(); },
+                                                 [] { Command_ReTool_Click(); },
+                                                 [] { Command_AutoRetool_Click(0); },
+                                                 [] { CNC_Retool(); },
+                                                 [] { Command_Goto_Click(); },
+                                                 [] {
+                                                   Start_Key_Jog({{2, false}});
+                                                 }};
+
+// The table that runs is still that of the program before.
+TEST_F(Stops_Test, Motion_is_refused_in_words_in_a_yield_of_a_compile) {
+  Load({{1, 1}});
+  CNC_Controls.Text_Goto.Text = "G1 X1";
+  GCode_Program.Text = std::make_shared<const GCode_Text>("G1 X2 F60\r\n");
+  bool asked = false;
+  scripted.On_Yield = [&] {
+    const auto ask = [&](const std::function<void()>& request) {
+      Messages = {};
+      request();
+      EXPECT_EQ(Messages.Panel[1], control_text::Compile_Runs);
+    };
+    if (!Compile_Status.CompileRunning || std::exchange(asked, true)) return;
+    for (const auto& request : Motion_Requests) ask(request);
+    ask(Panel_Get_Time_Constant_Click);
+    ask(Timing_Test_Start_Click);
+  };
+  EXPECT_TRUE(CompileProgram());
+  EXPECT_TRUE(asked);
+  EXPECT_EQ(Half_Steps, 0);
+  Command_CNC_Play_Click();
+  EXPECT_GT(Half_Steps, 0);
 }
 
 TEST_F(Stops_Test, Motion_is_refused_in_words_while_the_EStop_is_set) {
   Load({{1, 1}});
   Command_EStop_Click();
-  const std::function<void()> requests[] = {[] { Command_CNC_Play_Click(); },
-                                            [] { Command_CNC_Step_Click(); },
-                                            [] { Jog_MouseDown(1, 0); },
-                                            [] { Command_Home_Click(); },
-                                            [] { Command_ReTool_Click(); },
-                                            [] { Command_AutoRetool_Click(0); },
-                                            [] { CNC_Retool(); },
-                                            [] {
-                                              Start_Key_Jog({{2, false}});
-                                            }};
-  for (const auto& request : requests) {
+  for (const auto& request : Motion_Requests) {
     Messages = {};
     request();
     EXPECT_EQ(Messages.Panel[1], control_text::Motors_Are_Disabled);
