@@ -118,8 +118,8 @@ Controls_Window::~Controls_Window() {
   Messages_Host.List_Changed = [] {};
 }
 
-// Every move asks for the interval at its end. A timer that ticks at it goes on: begun anew, it would
-// never tick in a run of moves that are shorter than its interval.
+// Every move asks for the interval at its end. A timer that ticks at it goes on: begun anew, it
+// would never tick in a run of moves that are shorter than its interval.
 void Controls_Window::Start_Timer(int interval_ms) {
   if (interval_ms == Timer_Interval) return;
   Timer_Interval = interval_ms;

@@ -43,5 +43,79 @@ TEST_F(Controls_Test, The_Panel_Ticks_On_Through_A_Run_Of_Many_Short_Moves) {
   EXPECT_EQ(timers, 0) << "a move starts no timer";
 }
 
+// --- The jog window ------------------------------------------------------------------------------
+
+struct Jog_Window_Test : Controls_Test {
+  Jog_Window_Test() {
+    scripted.Yield_Nanoseconds = 500'000;
+    Choose("Menu_Window_JogKey");
+    Find("JogKey").setFocus();
+    Window->activateWindow();
+    QCoreApplication::processEvents();
+  }
+  void Stick_At(std::int32_t x) {
+    scripted.Joysticks[0] = {};
+    scripted.Joysticks[0].Axis_X = x;
+  }
+  void Rest() {
+    Stick_At(32767);
+    scripted.Run_For(0.05);
+  }
+  // How the operator comes to lose the window.
+  struct Loss {
+    const char* Name;
+    std::function<void()> Happens, Undone;
+  };
+  std::vector<Loss> Losses() {
+    return {{"focus", [this] { Find("Text_GCode").setFocus(); }, [] {}},
+            {"hidden", [this] { Find("JogKey").hide(); }, [] {}},
+            {"closed", [this] { Frame_Of("JogKey").close(); }, [] {}},
+            {"minimised", [this] { Frame_Of("JogKey").showMinimized(); }, [] {}},
+            {"another window in front", [this] { Choose("Menu_Window_Plot"); }, [] {}}};
+  }
+  void Come_Back() {
+    Choose("Menu_Window_JogKey");
+    Find("JogKey").setFocus();
+  }
+};
+
+TEST_F(Jog_Window_Test, A_Stick_Moves_Nothing_Once_The_Window_Is_Lost) {
+  Click("Option_JoyCtrl_1");
+  for (const Loss& loss : Losses()) {
+    SCOPED_TRACE(loss.Name);
+    Rest();
+    const double began = True_Position(1);
+    double lost_at = began;
+    In_Yield_When([&] { return True_Position(1) > began + 0.03; },
+                  [&] {
+                    loss.Happens();
+                    lost_at = True_Position(1);
+                  });
+    Stick_At(65535);
+    scripted.Run_For(0.05);  // the jog runs in here
+    EXPECT_GT(lost_at, began + 0.03) << "the stick jogs while the window has the focus";
+    EXPECT_NEAR(True_Position(1), lost_at, 0.01) << "the loss ends it";
+
+    // Neither back to rest and out again behind the other window, nor held over into this one.
+    const double stands = True_Position(1);
+    scripted.On_Yield = [] { QCoreApplication::processEvents(); };
+    Rest();
+    Stick_At(65535);
+    scripted.Run_For(0.5);
+    Come_Back();
+    scripted.Run_For(0.5);
+    EXPECT_EQ(True_Position(1), stands);
+    Stick_At(32767);
+  }
+}
+
+TEST_F(Jog_Window_Test, A_Hidden_Window_Has_No_Timers) {
+  const int shown = scripted.Running_Timers();
+  Frame_Of("JogKey").close();
+  EXPECT_EQ(scripted.Running_Timers(), shown - 2);
+  Come_Back();
+  EXPECT_EQ(scripted.Running_Timers(), shown);
+}
+
 }  // namespace
 }  // namespace norvik
