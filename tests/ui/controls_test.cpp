@@ -1,5 +1,8 @@
 // The panel, the jog window and the port display: what ticks, what a hand moves, what ends it.
+#include "control/displays.h"
 #include "ui_fixture.h"
+
+#include <QComboBox>
 
 namespace norvik {
 namespace {
@@ -7,6 +10,8 @@ namespace {
 using testing::HasSubstr;
 
 struct Controls_Test : Ui_Test {
+  Controls_Test() { scripted.Yield_Nanoseconds = 200'000; }
+
   // Runs the program; how often the panel's timer ticked meanwhile.
   int Ticks_Of_A_Run() {
     int ticks = 0;
@@ -41,6 +46,40 @@ TEST_F(Controls_Test, The_Panel_Ticks_On_Through_A_Run_Of_Many_Short_Moves) {
   EXPECT_GT(seconds, 3);
   EXPECT_GE(ticks, static_cast<int>(seconds * 3));
   EXPECT_EQ(timers, 0) << "a move starts no timer";
+}
+
+TEST_F(Controls_Test, With_The_Option_The_Displays_Stand_Still_In_A_Move_And_The_Watches_Go_On) {
+  MachineSetup.LimitDisableinRunMode = 1;  // a switch in a run is the timer's matter alone
+  scripted.Input_Waits = true;             // as on the desktop: every move yields
+  for (const bool option : {false, true}) {
+    SCOPED_TRACE(option);
+    MachineSetup.Axis_Position_Update_Disable = option;
+    Open("part.gc", "G1 X1 F15\n");
+    Click("Command_Update");
+    double shown = -1;
+    In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.5; },
+                  [&] {
+                    shown = Text_Of("Label_Axis_Pos_X").toDouble();
+                    Force_Input(2, Input_Force::On);
+                  });
+    Click("Command_CNC_Play");
+    EXPECT_EQ(shown < 0.1, option) << shown;
+    EXPECT_TRUE(Machine.EStop_Flag);
+    EXPECT_LT(True_Position(1), 0.7);
+    EXPECT_EQ(CNC_Controls.Command_Lim_Latch[2].Color, Control_Color::Red);
+    // It shows again what is, as soon as the machine stands.
+    scripted.Run_For(0.3);
+    EXPECT_NEAR(Text_Of("Label_Axis_Pos_X").toDouble(), True_Position(1), 1e-3);
+
+    Force_Input(2, Input_Force::Automatic);
+    scripted.Run_For(0.3);
+    Click("Command_EStop");
+    Click("Command_Lim_Latch_Y");
+    EXPECT_EQ(CNC_Controls.Command_Lim_Latch[2].Color, Control_Color::Normal);
+    Type_Goto("G00 X0");
+    Click("Command_Goto");
+    EXPECT_NEAR(True_Position(1), 0, 1e-3);
+  }
 }
 
 // --- The jog window ------------------------------------------------------------------------------
