@@ -82,6 +82,25 @@ TEST_F(Controls_Test, With_The_Option_The_Displays_Stand_Still_In_A_Move_And_The
   }
 }
 
+// A question in mid-move would hold up the pulses.
+TEST_F(Controls_Test, A_Close_In_Mid_Move_Asks_Nothing_And_Is_Refused) {
+  Open("part.gc", "G1 X0.2 F15\nG1 Y0.1\n");
+  Click("Command_Update");
+  Gcode_Form.Text_Edited = true;
+  In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+                [&] {
+                  EXPECT_FALSE(Window->close());
+                  EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("Press Stop first"));
+                });
+  Click("Command_CNC_Play");
+  EXPECT_TRUE(scripted.Boxes.empty());
+  EXPECT_FALSE(scripted.Process_Ended);
+  EXPECT_NEAR(True_Position(2), 0.1, 1e-3) << "the run went on to its end";
+  Gcode_Form.Text_Edited = false;
+  Window->close();
+  EXPECT_TRUE(scripted.Process_Ended);
+}
+
 // --- The jog window ------------------------------------------------------------------------------
 
 struct Jog_Window_Test : Controls_Test {
