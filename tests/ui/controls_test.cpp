@@ -82,6 +82,32 @@ TEST_F(Controls_Test, With_The_Option_The_Displays_Stand_Still_In_A_Move_And_The
   }
 }
 
+TEST_F(Controls_Test, The_Step_Distance_Is_Offered_In_The_Unit_And_Its_Caret_Stays) {
+  auto& box = Find<QComboBox>("Combo_SStep_Distance");
+  const auto offered = [&] {
+    std::vector<double> distances;
+    for (int i = 0; i < box.count(); ++i) distances.push_back(box.itemText(i).toDouble());
+    return distances;
+  };
+  EXPECT_THAT(offered(), testing::ElementsAre(0.001, 0.005, 0.01, 0.05, 0.1, 0.5, 1));
+  box.setCurrentIndex(3);
+  emit box.activated(3);
+  EXPECT_FLOAT_EQ(MachineSetup.CNC_Jog_Increment, 0.05F);
+
+  box.setFocus();
+  QTest::keyClick(box.lineEdit(), Qt::Key_Home);
+  scripted.Run_For(0.6);
+  EXPECT_EQ(box.lineEdit()->cursorPosition(), 0);
+  QTest::keyClicks(box.lineEdit(), "1");
+  EXPECT_FLOAT_EQ(MachineSetup.CNC_Jog_Increment, 1.05F);
+  scripted.Run_For(0.6);
+  EXPECT_EQ(box.currentText().toDouble(), 1.05);
+
+  MachineSetup.UnitsofMeasurement = 1;
+  Load_CNC_Controls();
+  EXPECT_THAT(offered(), testing::ElementsAre(0.01, 0.05, 0.1, 0.5, 1, 5, 10));
+}
+
 // A question in mid-move would hold up the pulses.
 TEST_F(Controls_Test, A_Close_In_Mid_Move_Asks_Nothing_And_Is_Refused) {
   Open("part.gc", "G1 X0.2 F15\nG1 Y0.1\n");
