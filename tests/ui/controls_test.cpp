@@ -1,5 +1,6 @@
 // The panel, the jog window and the port display: what ticks, what a hand moves, what ends it.
 #include "control/displays.h"
+#include "control/knob.h"
 #include "ui_fixture.h"
 
 #include <QComboBox>
@@ -127,6 +128,96 @@ TEST_F(Controls_Test, A_Close_In_Mid_Move_Asks_Nothing_And_Is_Refused) {
   EXPECT_TRUE(scripted.Process_Ended);
 }
 
+// --- Every control does something ----------------------------------------------------------------
+
+// Released once the machine has gone a little way: which way, by its true position.
+TEST_F(Controls_Test, Each_Jog_Button_Moves_Its_Axes_Its_Way_Until_Released) {
+  struct {
+    const char* Button;
+    std::array<int, 4> Way;
+  } const rows[] = {
+      {"Jog_X_0", {-1, 0, 0, 0}}, {"Jog_X_1", {1, 0, 0, 0}},    {"Jog_Y_0", {0, -1, 0, 0}},
+      {"Jog_Y_1", {0, 1, 0, 0}},  {"Jog_Z_0", {0, 0, -1, 0}},   {"Jog_Z_1", {0, 0, 1, 0}},
+      {"Jog_A_0", {0, 0, 0, -1}}, {"Jog_A_1", {0, 0, 0, 1}},    {"Jog_XY_0", {-1, 1, 0, 0}},
+      {"Jog_XY_1", {1, 1, 0, 0}}, {"Jog_XY_2", {-1, -1, 0, 0}}, {"Jog_XY_3", {1, -1, 0, 0}}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.Button);
+    std::array<double, 4> began;
+    for (int axis = 1; axis <= 4; ++axis) {
+      Place_Carriage(axis, 2);
+      began[static_cast<std::size_t>(axis - 1)] = True_Position(axis);
+    }
+    const std::int64_t until = scripted.Now + 300'000'000;
+    In_Yield_When([&] { return Step_Engine.Active && scripted.Now > until; },
+                  [&] { QTest::mouseRelease(&Find(row.Button), Qt::LeftButton); });
+    QTest::mousePress(&Find(row.Button), Qt::LeftButton);
+    EXPECT_FALSE(Step_Engine.Active);
+    for (std::size_t i = 0; i < 4; ++i) {
+      const double way = True_Position(static_cast<int>(i) + 1) - began[i];
+      EXPECT_EQ((way > 1e-4) - (way < -1e-4), row.Way[i]) << "axis " << i + 1 << " by " << way;
+    }
+    EXPECT_LT(scripted.Now, until + 1'000'000'000) << "the release ends it";
+  }
+}
+
+TEST_F(Controls_Test, Feeds_And_Levels_Ask_And_Take_The_Answer) {
+  struct {
+    const char *Label, *Prompt, *Answer;
+    float& Value;
+  } const rows[] = {
+      {"Label_FeedRate_Cut", "Enter Cutting feedrate", "11", MachineSetup.Axis_Feed_Rate_Cut},
+      {"Label_FeedRate_Travel", "Enter Travel feedrate", "22", MachineSetup.Axis_Feed_Rate_Travel},
+      {"Label_FeedRate_Jogging", "Enter Jogging feedrate", "33",
+       MachineSetup.Axis_Feed_Rate_Jogging},
+      {"Label_Tool_Height_0", "Change Z Axis Travel Depth", "0.75",
+       MachineSetup.Axis_Tool_Height[0]},
+      {"Label_Tool_Height_1", "Change Z Axis Normal Cut Depth", "-0.5",
+       MachineSetup.Axis_Tool_Height[1]},
+      {"Label_Tool_Height_2", "Change Z Axis Deep Cut Depth", "-0.25",
+       MachineSetup.Axis_Tool_Height[2]}};
+  for (const auto& row : rows) {
+    SCOPED_TRACE(row.Label);
+    scripted.Input_Answers.push_back(row.Answer);
+    Click(row.Label);
+    ASSERT_FALSE(scripted.Inputs.empty());
+    EXPECT_EQ(scripted.Inputs.back().Prompt, row.Prompt);
+    EXPECT_EQ(row.Value, std::stof(row.Answer));
+    EXPECT_EQ(Text_Of(row.Label).toFloat(), row.Value);
+  }
+}
+
+TEST_F(Controls_Test, Outputs_Knob_Estimate_And_Port_Address_Reach_Their_Handlers) {
+  for (int output = 0; output <= 4; ++output) {
+    SCOPED_TRACE(output);
+    const QString name = QString("Check_Outputs_%1").arg(output);
+    for (const bool on : {true, false}) {
+      Find<QAbstractButton>(name).click();
+      EXPECT_EQ(Simulated_Machine.Outputs[output + 1].On, on);
+    }
+  }
+
+  auto& knob = Find("Pic_Knob");
+  QTest::mousePress(&knob, Qt::LeftButton, {}, {10, 10});
+  QTest::mouseMove(&knob, {10, 30});
+  QTest::mouseRelease(&knob, Qt::LeftButton, {}, {10, 30});
+  EXPECT_EQ(Knob.Knob_Position, 60);
+  QTest::mouseDClick(&Find("Label_Feed_Overide"), Qt::LeftButton);
+  EXPECT_EQ(Knob.Knob_Position, 50);
+
+  Open("part.gc", "G1 X1 F15\n");
+  Click("Command_Update");
+  Click("Command_Estimate_Process_Time");
+  EXPECT_THAT(Text_Of("Label_MaterialProcess_Time").toStdString(), HasSubstr("00:00:0"));
+  EXPECT_EQ(True_Position(1), 0);
+
+  Choose("Menu_Window_Port_IO");
+  EXPECT_THAT(Find("Combo_Port_Address").toolTip().toStdString(), HasSubstr(" &H378"));
+  auto& address = Find<QComboBox>("Combo_Port_Address");
+  address.setCurrentIndex(1);
+  emit address.activated(1);
+  EXPECT_EQ(MachineSetup.Parallel_Display_IO_Address, 0x278);
+}
+
 // --- The jog window ------------------------------------------------------------------------------
 
 struct Jog_Window_Test : Controls_Test {
@@ -148,14 +239,14 @@ struct Jog_Window_Test : Controls_Test {
   // How the operator comes to lose the window.
   struct Loss {
     const char* Name;
-    std::function<void()> Happens, Undone;
+    std::function<void()> Happens;
   };
   std::vector<Loss> Losses() {
-    return {{"focus", [this] { Find("Text_GCode").setFocus(); }, [] {}},
-            {"hidden", [this] { Find("JogKey").hide(); }, [] {}},
-            {"closed", [this] { Frame_Of("JogKey").close(); }, [] {}},
-            {"minimised", [this] { Frame_Of("JogKey").showMinimized(); }, [] {}},
-            {"another window in front", [this] { Choose("Menu_Window_Plot"); }, [] {}}};
+    return {{"focus", [this] { Find("Text_GCode").setFocus(); }},
+            {"hidden", [this] { Find("JogKey").hide(); }},
+            {"closed", [this] { Frame_Of("JogKey").close(); }},
+            {"minimised", [this] { Frame_Of("JogKey").showMinimized(); }},
+            {"another window in front", [this] { Choose("Menu_Window_Plot"); }}};
   }
   void Come_Back() {
     Choose("Menu_Window_JogKey");
@@ -190,6 +281,28 @@ TEST_F(Jog_Window_Test, A_Stick_Moves_Nothing_Once_The_Window_Is_Lost) {
     scripted.Run_For(0.5);
     EXPECT_EQ(True_Position(1), stands);
     Stick_At(32767);
+  }
+}
+
+TEST_F(Jog_Window_Test, A_Held_Key_Moves_Until_It_Is_Up_Or_The_Window_Is_Lost) {
+  auto ends = Losses();
+  ends.push_back({"released", [this] { QTest::keyRelease(&Find("JogKey"), Qt::Key_A); }});
+  MachineSetup.KeyJog_KeyValue[1] = 'A';
+  for (const Loss& end : ends) {
+    SCOPED_TRACE(end.Name);
+    Come_Back();
+    scripted.Keys_Held = {'A'};
+    const double began = True_Position(1);
+    double ended_at = began;
+    In_Yield_When([&] { return True_Position(1) > began + 0.03; },
+                  [&] {
+                    ended_at = True_Position(1);
+                    end.Happens();
+                  });
+    QTest::keyPress(&Find("JogKey"), Qt::Key_A);
+    EXPECT_GT(ended_at, began + 0.03);
+    EXPECT_NEAR(True_Position(1), ended_at, 0.01);
+    scripted.On_Yield = [] { QCoreApplication::processEvents(); };
   }
 }
 
