@@ -88,6 +88,10 @@ bool Open_Drive() {
 
 void Load_Main() {
   if (Platform.Other_Instance_Runs()) {
+    Platform.Message_Box("Norvik 4",
+                         "Norvik is already running. Work with the window that is open, or end it "
+                         "before you start the program again.",
+                         Box_Buttons::Ok);
     bye();
     return;
   }

@@ -15,6 +15,7 @@
 #include "core/format.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
+#include "parallel/step_engine.h"
 #include "parallel/timing.h"
 #include "platform/platform.h"
 
@@ -113,6 +114,12 @@ void Fill_CNC_Axis() {
   }
 }
 
+// Also while the displays stand still: a switch that was on for a moment must not be missed.
+void Latch_Limits() {
+  for (int axis = 1; axis <= 4; ++axis)
+    if (Pins.Limit_State[axis]) CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
+}
+
 void Fill_IO() {
   const bool spindle = Pins.Output_State[1] || Pins.Output_State[2];
   CNC_Controls.Label_Spindle_State.Caption =
@@ -122,10 +129,9 @@ void Fill_IO() {
       tripped ? control_text::EStop_Tripped : control_text::EStop_Cleared;
   CNC_Controls.Label_EStop_State.Color = Red_When(tripped);
   for (int n = 1; n <= 4; ++n) CNC_Controls.Check_Outputs[n - 1].Value = Pins.Output_State[n];
-  for (int axis = 1; axis <= 4; ++axis) {
+  for (int axis = 1; axis <= 4; ++axis)
     CNC_Controls.Command_Limit1[axis].Color = Red_When(Pins.Limit_State[axis]);
-    if (Pins.Limit_State[axis]) CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
-  }
+  Latch_Limits();
 }
 
 void Show(void (*fill)()) {
@@ -181,6 +187,8 @@ void CNC_Controls_Timer1() {
   Watch_EStop_Input();
   Watch_Limits_In_Run();
   Jog_Guard_Tick();
+  Latch_Limits();
+  if (Step_Engine.Active && MachineSetup.Axis_Position_Update_Disable) return;
   Fill_CNCMode();
   Fill_CNC();
   Fill_CNC_Axis();

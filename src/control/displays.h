@@ -23,7 +23,8 @@ std::string Convert_Process_Time(double seconds);
 // The AutoRetool buttons back to "go there".
 void ResetRetoolDisplay();
 
-// `Timer1` of the panel.
+// `Timer1` of the panel. With `Axis_Position_Update_Disable` the displays and the plot's cursor
+// stand still during a move; what guards the move goes on.
 void CNC_Controls_Timer1();
 // A click on a latched limit lamp puts it out.
 void Command_Lim_Latch_Click(int axis);

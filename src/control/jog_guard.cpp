@@ -4,6 +4,7 @@
 #include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/jog_key.h"
+#include "control/joystick_jog.h"
 #include "control/panel_jog.h"
 #include "core/messages.h"
 #include "platform/platform.h"
@@ -41,6 +42,7 @@ void Refuse_While_Moving(std::function<Answer(Arguments...)>& operation) {
 void Jog_Guard_Window_Lost() {
   Release_Jog();
   Forget_Jog_Key();
+  Reset_Joystick();
 }
 
 void Jog_Guard_Watch_Dialogs() {

@@ -8,7 +8,8 @@
 //   no mouse button is down any more, the key is up               Jog_Guard_Tick
 //   the joystick does not answer                                  joystick_jog.h
 //
-// A single step ends by itself and is not touched.
+// A single step ends by itself and is not touched. The joystick has to be seen at rest again before
+// it moves anything.
 #pragma once
 
 namespace norvik {

@@ -37,6 +37,8 @@ extern JogKey_Form_State JogKey_Form;
 
 struct JogKey_Host_Operations {
   std::function<void()> Form_Changed = [] {};
+  // True while the window is visible and has the focus: the only time in which it starts a jog.
+  std::function<bool()> Has_Focus = [] { return true; };
 };
 extern JogKey_Host_Operations JogKey_Host;
 

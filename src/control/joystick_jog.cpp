@@ -206,7 +206,11 @@ void JogKey_Timer1() {
   Follow_Override(*state);
   Joystick_Jog.Joy_Change = wanted != Joystick_Jog.Wanted;
   Joystick_Jog.Wanted = wanted;
-  if (wanted == 0) Joystick_Jog.Armed = true;
+  if (!JogKey_Host.Has_Focus()) {
+    Joystick_Jog.Armed = false;
+  } else if (wanted == 0) {
+    Joystick_Jog.Armed = true;
+  }
   if (Joystick_Jog.Joy_Change && wanted != 0 && Joystick_Jog.Armed) Start_Joystick_Jog(wanted);
 }
 

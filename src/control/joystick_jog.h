@@ -11,8 +11,9 @@
 //   spread = an eighth of the larger of the span seen and half the full range
 //   centre = where the stick rested when it was first seen, the middle when that was far off
 //
-// A jog starts only after the stick has once been seen at rest: one that is held over while the
-// window opens, or that answers again after it was lost, moves nothing.
+// A jog starts only after the stick has once been seen at rest while the window has the focus: one
+// that is held over while the window opens, or that answers again after it was lost, moves nothing,
+// and no stick moves anything from behind another window.
 #pragma once
 
 #include "control/jog_key.h"
@@ -35,7 +36,7 @@ struct Stick_Axis {
 
 struct Joystick_Jog_State {
   std::optional<std::array<Stick_Axis, 2>> Stick;  // absent: no reading yet
-  bool Armed = false;                              // was seen at rest
+  bool Armed = false;                              // was seen at rest under the focus
   bool Joy_Change = false;                         // the wanted directions have changed
   bool Jogging = false;                            // a jog of the joystick runs
   std::uint32_t Wanted = 0;                        // bits: X-, X+, Y-, Y+, Z up, Z down, A, A

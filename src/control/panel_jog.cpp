@@ -27,6 +27,14 @@ namespace {
 constexpr double Held_Distance = 1000;  // units; a held jog ends there
 constexpr const char* Slave_Names[] = {"X Axis", "Y Axis", "Z Axis"};
 
+// What a single step is commonly set to, in units of the setup.
+constexpr float Inch_Distances[] = {0.001F, 0.005F, 0.01F, 0.05F, 0.1F, 0.5F, 1};
+constexpr float Millimetre_Distances[] = {0.01F, 0.05F, 0.1F, 0.5F, 1, 5, 10};
+
+std::string Distance_Text(float distance) {
+  return Format_Number(distance, "####.00##########");
+}
+
 struct Corner {
   bool X_Negative, Y_Negative;
 };
@@ -148,8 +156,12 @@ void Jog_XY_MouseUp(int) {
 }
 
 void Load_Jog_Controls() {
-  CNC_Controls.Combo_SStep_Distance.Text =
-      Format_Number(MachineSetup.CNC_Jog_Increment, "####.00##########");
+  const bool metric = MachineSetup.UnitsofMeasurement == 1;
+  auto& offered = CNC_Controls.Combo_SStep_Distance.List;
+  offered.clear();
+  for (const float distance : metric ? Millimetre_Distances : Inch_Distances)
+    offered.push_back(Distance_Text(distance));
+  CNC_Controls.Combo_SStep_Distance.Text = Distance_Text(MachineSetup.CNC_Jog_Increment);
   CNC_Controls.Text_Jog_IPM.Text = Shortest_Text(MachineSetup.Axis_Feed_Rate_Jogging);
 }
 
@@ -174,8 +186,7 @@ void Combo_SStep_Distance_Click() {
 }
 
 void Combo_SStep_Distance_LostFocus() {
-  CNC_Controls.Combo_SStep_Distance.Text =
-      Format_Number(MachineSetup.CNC_Jog_Increment, "####.00##########");
+  CNC_Controls.Combo_SStep_Distance.Text = Distance_Text(MachineSetup.CNC_Jog_Increment);
   CNC_Controls_Host.Form_Changed();
 }
 

@@ -118,7 +118,11 @@ Controls_Window::~Controls_Window() {
   Messages_Host.List_Changed = [] {};
 }
 
+// Every move asks for the interval at its end. A timer that ticks at it goes on: begun anew, it
+// would never tick in a run of moves that are shorter than its interval.
 void Controls_Window::Start_Timer(int interval_ms) {
+  if (interval_ms == Timer_Interval) return;
+  Timer_Interval = interval_ms;
   if (Timer != 0) Platform.Stop_Timer(Timer);
   Timer = interval_ms > 0 ? Platform.Start_Timer(interval_ms, CNC_Controls_Timer1) : 0;
 }

@@ -49,7 +49,8 @@ class Controls_Window : public QWidget {
   QScrollArea* Scroll = nullptr;
   QPlainTextEdit* Status_Box = nullptr;
   std::string Shown_Status;
-  Timer_Id Timer = 0;
+  Timer_Id Timer = 0;      // 0: stands
+  int Timer_Interval = 0;  // ms
 };
 
 }  // namespace norvik

@@ -121,8 +121,12 @@ void Form_Binding::Combo(QComboBox* widget, const QString& name, Combo_Control& 
     }
     if (widget->isEditable()) {
       if (widget->lineEdit()->hasFocus() && widget->lineEdit()->isModified()) return;
-      widget->setCurrentIndex(control.ListIndex);
-      widget->setEditText(QString::fromStdString(control.Text));
+      // Only another text: setting it puts the caret to its end, under the operator's hand.
+      Set_If_Changed(widget->currentText(), QString::fromStdString(control.Text),
+                     [&](const QString& text) {
+                       widget->setCurrentIndex(control.ListIndex);
+                       widget->setEditText(text);
+                     });
     } else {
       widget->setCurrentIndex(control.ListIndex);
     }

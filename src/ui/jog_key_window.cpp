@@ -103,17 +103,22 @@ JogKey_Window::JogKey_Window(QWidget* parent) : QWidget(parent) {
   rows->addWidget(hint);
 
   JogKey_Host.Form_Changed = [this] { Show_Form(); };
+  JogKey_Host.Has_Focus = [this] { return isVisible() && hasFocus(); };
   JogKey_Form_Load();
-  Joystick_Timer = Platform.Start_Timer(10, JogKey_Timer1);
-  Stop_Timer = Platform.Start_Timer(250, JogKey_Timer2);
   Show_Form();
 }
 
 JogKey_Window::~JogKey_Window() {
-  Platform.Stop_Timer(Joystick_Timer);
-  Platform.Stop_Timer(Stop_Timer);
+  Stop_Timers();
   JogKey_Form_Unload();
   JogKey_Host = {};
+}
+
+void JogKey_Window::Stop_Timers() {
+  for (Timer_Id* timer : {&Joystick_Timer, &Stop_Timer}) {
+    if (*timer != 0) Platform.Stop_Timer(*timer);
+    *timer = 0;
+  }
 }
 
 QWidget* JogKey_Window::Build_Key_Map() {
@@ -194,7 +199,14 @@ void JogKey_Window::focusOutEvent(QFocusEvent* event) {
   QWidget::focusOutEvent(event);
 }
 
+void JogKey_Window::showEvent(QShowEvent* event) {
+  if (Joystick_Timer == 0) Joystick_Timer = Platform.Start_Timer(10, JogKey_Timer1);
+  if (Stop_Timer == 0) Stop_Timer = Platform.Start_Timer(250, JogKey_Timer2);
+  QWidget::showEvent(event);
+}
+
 void JogKey_Window::hideEvent(QHideEvent* event) {
+  Stop_Timers();
   Jog_Guard_Window_Lost();
   QWidget::hideEvent(event);
 }

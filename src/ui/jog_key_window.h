@@ -24,6 +24,7 @@ class JogKey_Window : public QWidget {
   void keyPressEvent(QKeyEvent* event) override;
   void keyReleaseEvent(QKeyEvent* event) override;
   void focusOutEvent(QFocusEvent* event) override;
+  void showEvent(QShowEvent* event) override;
   void hideEvent(QHideEvent* event) override;
   bool focusNextPrevChild(bool) override { return false; }  // Tab must not take the keys away
 
@@ -32,6 +33,7 @@ class JogKey_Window : public QWidget {
   QWidget* Build_Joystick();
   void Show_Key_Names();
   void Show_Form();
+  void Stop_Timers();
 
   Form_Binding Binding;
   std::array<QRadioButton*, 2> Devices{};
@@ -39,7 +41,7 @@ class JogKey_Window : public QWidget {
   std::optional<Indexed<std::int16_t, 0, 14>> Shown_Keys;
   QWidget* Stick = nullptr;
   QListWidget* Raw_Values = nullptr;
-  Timer_Id Joystick_Timer = 0, Stop_Timer = 0;
+  Timer_Id Joystick_Timer = 0, Stop_Timer = 0;  // 0: stands, as both do while the window is hidden
 };
 
 }  // namespace norvik

@@ -13,7 +13,9 @@
 #include "app/startup.h"
 #include "compiler/compile_host.h"
 #include "control/cnc_controller.h"
+#include "control/controller_state.h"
 #include "control/jog_guard.h"
+#include "core/application.h"
 #include "core/messages.h"
 #include "core/recent_files.h"
 #include "core/window_memory.h"
@@ -500,8 +502,15 @@ void Main_Frame::changeEvent(QEvent* event) {
   QMainWindow::changeEvent(event);
 }
 
+// In mid-move nothing is asked: a box would hold up the pulses, and an end by a slip of the hand
+// would spoil the part. A request to terminate from outside does not come this way.
 void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
+  if (Machine.CNCMode == CNC_Running || Anything_Moves()) {
+    Platform.Beep();
+    SetStatus(1, "The machine is moving. Press Stop first, then close the program.", 5);
+    return;
+  }
   if (Gcode_Form.Text_Edited) {
     const Box_Answer answer =
         Platform.Message_Box("Norvik", "The program has changes that are not saved. Save them?",

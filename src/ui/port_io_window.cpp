@@ -66,7 +66,7 @@ Port_IO_Window::Port_IO_Window(QWidget* parent) : QWidget(parent) {
   Address = new QComboBox;
   Address->setObjectName("Combo_Port_Address");
   Address->setEditable(true);
-  Address->setToolTip("Base address of the port, for instance &&H378");
+  Address->setToolTip("Base address of the port, for instance &H378");
   for (const char* address : Port_IO_Addresses) Address->addItem(address);
   head->addWidget(Address);
   head->addStretch(1);

@@ -93,12 +93,14 @@ TEST_F(Startup_Test, Serial_Board_Gets_Positions_And_Its_Link) {
   Setup_Host.Send_To_Controller = [] {};
 }
 
-TEST_F(Startup_Test, Second_Instance_Ends_And_Writes_Nothing) {
+TEST_F(Startup_Test, Second_Instance_Says_So_Ends_And_Writes_Nothing) {
   scripted.Other_Instance = true;
   Machine.Position[1] = 5;
   Load_Main();
   EXPECT_TRUE(scripted.Process_Ended);
   EXPECT_FALSE(FileExists(Application.MachineFile));
+  ASSERT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_THAT(scripted.Boxes[0].Text, testing::HasSubstr("Norvik is already running"));
   EXPECT_TRUE(scripted.Ports.empty());  // the machine belongs to the first one
   EXPECT_EQ(scripted.Running_Timers(), 0);
 }

@@ -12,6 +12,8 @@ namespace {
 class Joystick_Back_End_Test : public ::testing::Test {
  protected:
   void SetUp() override {
+    Platform.Monotonic_Clock = [] { return Now; };
+    Now += 1'000'000'000;  // what an earlier test lost is long ago
     Install_Sdl_Platform();
     EXPECT_FALSE(Platform.Read_Joystick(0)) << "a joystick is connected to this machine";
     Device = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 4, 12, 1);
@@ -21,6 +23,7 @@ class Joystick_Back_End_Test : public ::testing::Test {
     ASSERT_NE(Stick, nullptr);
   }
 
+  static inline std::int64_t Now = 0;
   int Device = -1;
   SDL_Joystick* Stick = nullptr;
 };
@@ -43,6 +46,24 @@ TEST_F(Joystick_Back_End_Test, Places_Buttons_And_Loss_Arrive) {
 
   SDL_JoystickDetachVirtual(Device);
   EXPECT_FALSE(Platform.Read_Joystick(Device)) << "a lost joystick must end a jog";
+}
+
+TEST_F(Joystick_Back_End_Test, A_Loss_Is_Seen_Although_Another_Stick_Takes_The_Place) {
+  const int other = SDL_JoystickAttachVirtual(SDL_JOYSTICK_TYPE_GAMECONTROLLER, 2, 4, 0);
+  ASSERT_EQ(other, Device + 1) << SDL_GetError();
+  SDL_JoystickDetachVirtual(Device);
+  ASSERT_EQ(SDL_NumJoysticks(), 1);
+  // Two readers, 10 and 250 ms: neither may miss it.
+  EXPECT_FALSE(Platform.Read_Joystick(Device));
+  Now += 250'000'000;
+  EXPECT_FALSE(Platform.Read_Joystick(Device));
+  Now += 250'000'000;
+  const auto state = Platform.Read_Joystick(Device);
+  ASSERT_TRUE(state) << "the other stick serves from now on";
+  EXPECT_FALSE(state->Pov_Hundredths);
+
+  SDL_JoystickDetachVirtual(Device);
+  EXPECT_FALSE(Platform.Read_Joystick(Device));
 }
 
 }  // namespace

@@ -11,10 +11,15 @@ namespace norvik {
 
 namespace {
 
+// Longer than the slowest reader of the joystick waits between two readings, so that each of them
+// sees a loss.
+constexpr std::int64_t Loss_Lasts_ns = 500'000'000;
+
 struct Sdl_State {
   bool Joystick_Started = false;
   SDL_Joystick* Joystick = nullptr;
   int Joystick_Device = -1;
+  std::optional<std::int64_t> Lost_At;  // monotonic clock; absent: nothing lost of late
   bool Audio_Started = false;
   SDL_AudioDeviceID Audio = 0;
 };
@@ -58,17 +63,23 @@ void Close_Joystick() {
 
 std::optional<Joystick_State> Read_Sdl_Joystick(int device) {
   if (!Sdl.Joystick_Started) {
-    // Jogging must work while the plot or the editor has the focus.
+    // The library has no window of its own; without this it would hear nothing.
     SDL_SetHint(SDL_HINT_JOYSTICK_ALLOW_BACKGROUND_EVENTS, "1");
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
     if (SDL_Init(SDL_INIT_JOYSTICK) != 0) return std::nullopt;
     Sdl.Joystick_Started = true;
   }
   SDL_JoystickUpdate();
-  if (Sdl.Joystick != nullptr &&
-      (Sdl.Joystick_Device != device || SDL_JoystickGetAttached(Sdl.Joystick) == SDL_FALSE)) {
+  if (Sdl.Joystick != nullptr && SDL_JoystickGetAttached(Sdl.Joystick) == SDL_FALSE) {
     Close_Joystick();
+    Sdl.Lost_At = Platform.Monotonic_Clock();
   }
+  // The next device takes the lost one's place. What it shows must not pass for the old stick's.
+  if (Sdl.Lost_At) {
+    if (Platform.Monotonic_Clock() - *Sdl.Lost_At < Loss_Lasts_ns) return std::nullopt;
+    Sdl.Lost_At.reset();
+  }
+  if (Sdl.Joystick != nullptr && Sdl.Joystick_Device != device) Close_Joystick();
   if (Sdl.Joystick == nullptr) {
     if (device >= SDL_NumJoysticks()) return std::nullopt;
     Sdl.Joystick = SDL_JoystickOpen(device);
