@@ -114,6 +114,7 @@ void Text_GCode_DblClick(std::int32_t text_line) {
 void Print_Data() {
   Take_Typed_Text();
   const auto program = GCode_Program.Text;
+  if (!Stopped_For("Can't print")) return;
   std::vector<std::string> lines;
   lines.reserve(static_cast<std::size_t>(program->Line_Count()));
   for (std::int32_t line = 1; line <= program->Line_Count(); ++line) {

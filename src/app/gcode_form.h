@@ -57,7 +57,7 @@ void Take_Typed_Text();
 void Gcode_Step_Display();
 // Marks the plot element of a line of the text, counted with empty ones, and shows its words.
 void Text_GCode_DblClick(std::int32_t text_line);
-// Prints the lines. Yields.
+// Prints the lines. Yields. Refused unless the machine is stopped: the dialog would hold a move.
 void Print_Data();
 
 // The program step of a line of the text (the last step that begins at or before it, 0: none), and

@@ -54,11 +54,16 @@ TEST_F(GCode_Test, Open_Is_Refused_While_The_Machine_Runs) {
   Menu_File_Open();
   EXPECT_EQ(Messages.Panel[1], "Can't open file while CNC running");
   EXPECT_EQ(Messages.Status_Timeout[1], 5);
-  EXPECT_EQ(scripted.Beeps, 3);
+  EXPECT_EQ(scripted.Beeps, 4);
+  EXPECT_THAT(scripted.Boxes, testing::IsEmpty());  // a box would hold the move
+  Print_Data();
+  EXPECT_EQ(Messages.Panel[1], "Can't print while CNC running");
+  EXPECT_THAT(scripted.Prints, testing::IsEmpty());
   EXPECT_EQ(GCodeLineCount(), 0);
   EXPECT_EQ(Recent.RecentFiles[1], "");
   EXPECT_EQ(Main_Form.Caption, "Norvik 4");
 }
+  LoadRecentFile(Folder.File("none.gc"));
 
 TEST_F(GCode_Test, Temporary_File_Goes_Once_It_Is_Loaded) {
   std::filesystem::create_directory(Folder.File("any"));
