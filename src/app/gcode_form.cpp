@@ -100,7 +100,7 @@ void Gcode_Step_Display() {
   if (GCode_Program.Text == program) GCode_Program.Text = std::make_shared<const GCode_Text>(text);
   Gcode_Host.Show_Program();
   Gcode_Form.Text_Edited = false;
-  Machine.EndingStep = GCodeLineCount();
+  Range_To_Whole_Program();
   Display_Gcode_Steps();
 }
 

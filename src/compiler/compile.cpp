@@ -180,6 +180,7 @@ bool GCode_Compile_All() {
   if (Refused()) return false;
   const bool whole = CompileProgram() && !Compile_Status.Cut_Short;
   Compile_Host.Refresh_Plot(whole);
+  if (GCode_Program.Range_Waits) Range_To_Whole_Program();
   Machine.StartingStep = 0;
   Compile_Status.CurrentStep = Machine.StartingStep;
   AddMessage("Compiling GCode");

@@ -257,6 +257,27 @@ TEST_F(GCode_Test, Play_Runs_Only_What_Was_Compiled_To_Its_End) {
   EXPECT_EQ(Played(), control_text::No_Program);
 }
 
+// The run would go on past its range, or end early as finished.
+TEST_F(GCode_Test, A_Text_Taken_In_A_Run_Leaves_The_Range_To_The_Next_Compile) {
+  Type("G1 X1\nG1 X2\nG1 X3\n");
+  Command_Update_Click();
+  Machine.EndingStep = 2;
+  for (const std::int16_t mode : {CNC_Running, CNC_Stepped, CNC_Paused}) {
+    Machine.CNCMode = mode;
+    Type("G1 X1\n");
+    ASSERT_TRUE(Save_GCode(Folder.File("saved.gc")));
+    EXPECT_EQ(Read_Whole_File(Folder.File("saved.gc")), "G1 X1\r\n");
+    Gcode_Step_Display();
+    EXPECT_EQ(Machine.EndingStep, 2) << mode;
+  }
+  Machine.CNCMode = CNC_Stopped;
+  Command_Update_Click();
+  EXPECT_EQ(Machine.EndingStep, 1);
+  Type("G1 X1\nG1 X2\n");
+  Take_Typed_Text();
+  EXPECT_EQ(Machine.EndingStep, 2);
+}
+
 TEST_F(GCode_Test, Lines_Of_The_Text_And_Steps_Belong_Together) {
   std::mt19937 random(11);
   const char* const pieces[] = {"\r\n", "\n", "\r", "G1 X1", "\r\n", "a", "\n"};
