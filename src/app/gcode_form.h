@@ -69,6 +69,9 @@ std::int32_t Text_Line_Of_Step(std::int32_t step);
 
 // Takes the text and compiles it.
 void Command_Update_Click();
+// Takes the text for a check of it. False, with a status text, while something moves: a check does
+// not yield, and the pulses of the move would stop.
+bool Begin_Check();
 // Marks the current step in the plot and goes on to the next.
 void Command_GStep_Click();
 // Back to the first step.

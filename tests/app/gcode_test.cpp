@@ -278,6 +278,29 @@ TEST_F(GCode_Test, A_Text_Taken_In_A_Run_Leaves_The_Range_To_The_Next_Compile) {
   EXPECT_EQ(Machine.EndingStep, 2);
 }
 
+TEST_F(GCode_Test, A_Check_Waits_While_Something_Moves) {
+  Type("G1 X1\n");
+  Controller.Panel_Busy = true;  // a jog
+  EXPECT_FALSE(Begin_Check());
+  EXPECT_EQ(Messages.Panel[1], "Can't check while CNC running");
+  EXPECT_TRUE(Gcode_Form.Text_Edited);
+  Controller.Panel_Busy = false;
+  Machine.CNCMode = CNC_Paused;
+  EXPECT_TRUE(Begin_Check());
+  EXPECT_EQ(GCodeLineCount(), 1);
+}
+
+TEST_F(GCode_Test, A_Compile_That_Fails_Leaves_The_Button_Free) {
+  Type("G1 X1\n");
+  const auto refresh = Compile_Host.Refresh_Plot;
+  Compile_Host.Refresh_Plot = [](bool) { throw Fault(Fault_Number::Overflow, "too fast"); };
+  EXPECT_THROW(Command_Update_Click(), Fault);
+  Compile_Host.Refresh_Plot = refresh;
+  Command_Update_Click();
+  EXPECT_EQ(scripted.Beeps, 0);
+  EXPECT_EQ(Program_Wire.Count(), 1U);
+}
+
 TEST_F(GCode_Test, Lines_Of_The_Text_And_Steps_Belong_Together) {
   std::mt19937 random(11);
   const char* const pieces[] = {"\r\n", "\n", "\r", "G1 X1", "\r\n", "a", "\n"};
