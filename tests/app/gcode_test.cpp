@@ -257,6 +257,30 @@ TEST_F(GCode_Test, Play_Runs_Only_What_Was_Compiled_To_Its_End) {
   EXPECT_EQ(Played(), control_text::No_Program);
 }
 
+TEST_F(GCode_Test, The_Estimate_Is_That_Of_The_Compiled_Program) {
+  Command_Estimate_Process_Time_Click();
+  EXPECT_EQ(Messages.Panel[1], control_text::Nothing_To_Estimate);
+  Type("G1 X1\nG1 X2\n");
+  Command_Update_Click();
+  Command_Estimate_Process_Time_Click();
+  ASSERT_TRUE(Controller.Estimated_Process_Time);
+  const double program = *Controller.Estimated_Process_Time;
+  CNC_Controls.Text_Goto.Text = "G1 X0.01";
+  Command_Goto_Click();
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  Machine.Position = {};
+  Command_Estimate_Process_Time_Click();
+  EXPECT_EQ(Controller.Estimated_Process_Time, program);
+  Command_Update_Click();
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  Command_Estimate_Process_Time_Click();
+  MachineSetup.Plot_Auto_Loading = 0;
+  EXPECT_TRUE(Open_GCode(Write_File("part.gc", "G1 X0.4\n")));
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  Command_Estimate_Process_Time_Click();
+  EXPECT_EQ(Messages.Panel[1], control_text::Nothing_To_Estimate);
+}
+
 // The run would go on past its range, or end early as finished.
 TEST_F(GCode_Test, A_Text_Taken_In_A_Run_Leaves_The_Range_To_The_Next_Compile) {
   Type("G1 X1\nG1 X2\nG1 X3\n");
