@@ -10,6 +10,7 @@
 #include "compiler/program_text.h"
 #include "compiler/program_wire.h"
 #include "control/connect.h"
+#include "control/controller_state.h"
 #include "control/run_plot_host.h"
 #include "core/application.h"
 #include "core/event_sounds.h"
@@ -40,8 +41,17 @@ void Draw_Machine_Position() {
 
 // The compile hands its wires over: the plot draws and the run loop executes one and the same
 // table.
-void Show_Compiled_Program() {
+void Show_Compiled_Program(bool whole) {
+  Controller.Estimated_Process_Time.reset();
+  Program_Wire.Standing = Wire_Standing::Cut_Short;  // stays where the table cannot be taken
   Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
+  if (whole) Program_Wire.Standing = Wire_Standing::Whole;
+  Plot_New_Program();
+}
+
+void Show_Goto_Line() {
+  Controller.Estimated_Process_Time.reset();
+  Program_Wire.Of_Goto = true;
   Plot_New_Program();
 }
 
@@ -61,6 +71,7 @@ void Connect_App() {
   Run_Plot_Host.Mark_Rate_Error = [] { Plot_Mark_At_Cursor("X"); };
   Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;
   Run_Plot_Host.Refresh = Plot_Refresh;
+  Run_Plot_Host.Program_Replaced = Show_Goto_Line;
   Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
   Connect_Importers();
 }

@@ -6,7 +6,9 @@
 #include "compiler/compile.h"
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
+#include "compiler/program_wire.h"
 #include "control/cnc_controller.h"
+#include "control/controller_state.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -38,9 +40,15 @@ void Show_New_Program() {
   Compile_Status.CurrentStep = 1;
   Machine.EndingStep = GCodeLineCount();
   Gcode_Form.Text_Edited = false;
+  Program_Wire.Standing = Wire_Standing::Another_Program;
+  Controller.Estimated_Process_Time.reset();
   Gcode_Host.Show_Program();
   Display_Gcode_Steps();
-  if (MachineSetup.Plot_Auto_Loading != 0) GCode_Compile_All();
+  if (MachineSetup.Plot_Auto_Loading != 0) {
+    GCode_Compile_All();
+  } else if (GCodeLineCount() > 0) {
+    SetStatus(1, "GCode was opened and needs to be compiled.", 5);
+  }
   Display_Gcode_Steps();
 }
 

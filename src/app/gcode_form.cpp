@@ -5,6 +5,8 @@
 #include "compiler/program_text.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
+#include "control/controller_state.h"
+#include "control/scope.h"
 #include "core/application.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -100,7 +102,7 @@ void Gcode_Step_Display() {
   if (GCode_Program.Text == program) GCode_Program.Text = std::make_shared<const GCode_Text>(text);
   Gcode_Host.Show_Program();
   Gcode_Form.Text_Edited = false;
-  Machine.EndingStep = GCodeLineCount();
+  Range_To_Whole_Program();
   Display_Gcode_Steps();
 }
 
@@ -112,6 +114,7 @@ void Text_GCode_DblClick(std::int32_t text_line) {
 }
 
 void Print_Data() {
+  if (!Stopped_For("Can't print")) return;
   Take_Typed_Text();
   const auto program = GCode_Program.Text;
   std::vector<std::string> lines;
@@ -157,12 +160,17 @@ void Command_Update_Click() {
     return;
   }
   if (!Stopped_For("Can't compile")) return;
-  in_handler = true;
+  const Value_In_Scope inside(in_handler, true);  // a compile that fails too leaves the button free
   Take_Typed_Text();
   Gcode_Host.GCode_HighlightAll();
   GCode_Compile_All();
   Display_Gcode_Steps();
-  in_handler = false;
+}
+
+bool Begin_Check() {
+  if (Anything_Moves() && !Stopped_For("Can't check")) return false;
+  Take_Typed_Text();
+  return true;
 }
 
 void Command_GStep_Click() {

@@ -57,7 +57,7 @@ void Take_Typed_Text();
 void Gcode_Step_Display();
 // Marks the plot element of a line of the text, counted with empty ones, and shows its words.
 void Text_GCode_DblClick(std::int32_t text_line);
-// Prints the lines. Yields.
+// Prints the lines. Yields. Refused unless the machine is stopped: the dialog would hold a move.
 void Print_Data();
 
 // The program step of a line of the text (the last step that begins at or before it, 0: none), and
@@ -69,6 +69,9 @@ std::int32_t Text_Line_Of_Step(std::int32_t step);
 
 // Takes the text and compiles it.
 void Command_Update_Click();
+// Takes the text for a check of it. False, with a status text, while something moves: a check does
+// not yield, and the pulses of the move would stop.
+bool Begin_Check();
 // Marks the current step in the plot and goes on to the next.
 void Command_GStep_Click();
 // Back to the first step.

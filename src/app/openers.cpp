@@ -95,11 +95,12 @@ std::vector<Opened_Kind> Offered_Kinds() {
 
 void LoadRecentFile(const std::string& path) {
   Trap("Load Recent File Error", [&] {
+    if (!Stopped_For("Can't open file")) return;  // before any box: a move waits for it
     if (!FileExists(path)) {
       Platform.Message_Box("Norvik 4", "File not found : " + path, Box_Buttons::Ok);
       return;
     }
-    if (Stopped_For("Can't open file")) Open_By_Kind(path);
+    Open_By_Kind(path);
   });
 }
 

@@ -96,7 +96,7 @@ void Begin_Program() {
   Compile_Status.CompileRunning = true;
   SetStatus(1, "GCode Compile: Compiling Data...", 5);
   DoEvents();
-  Compile_Status.CompileDone = false;
+  Compile_Status.CompileDone = Compile_Status.Cut_Short = false;
   Compile_Status.CompileProgress = 0;
   Compile_Host.Show_Progress("GCode Compile Progress");
   Set_Paths(Wire_Table_Name);
@@ -177,8 +177,10 @@ bool CompileBlock(std::string_view text) {
 }
 
 bool GCode_Compile_All() {
-  const bool whole = CompileProgram();
-  Compile_Host.Refresh_Plot();
+  if (Refused()) return false;
+  const bool whole = CompileProgram() && !Compile_Status.Cut_Short;
+  Compile_Host.Refresh_Plot(whole);
+  if (GCode_Program.Range_Waits) Range_To_Whole_Program();
   Machine.StartingStep = 0;
   Compile_Status.CurrentStep = Machine.StartingStep;
   AddMessage("Compiling GCode");

@@ -44,6 +44,8 @@ class Compile_Section {
 };
 
 // The command of the G-code window: the compile, the plot anew, the step pointers to the start.
+// True when the program was compiled to its end: `CompileProgram` did it and neither ESC nor a
+// fault cut a pass short. Beeps and does nothing while another compile runs.
 bool GCode_Compile_All();
 
 }  // namespace norvik

@@ -22,8 +22,9 @@ struct Compile_Host_Operations {
   std::function<void(int slot)> Play_Sound_Slot = [](int) {};
   // Shows the motion analyzer and runs its check over the wire file.
   std::function<void()> Show_Motion_Analyzer = [] {};
-  // A full compile has finished: extents of the plot anew and a redraw.
-  std::function<void()> Refresh_Plot = [] {};
+  // A full compile has finished: extents of the plot anew and a redraw. `whole` false: the compile
+  // was cut short or failed, and what it left may be looked at but not run.
+  std::function<void(bool whole)> Refresh_Plot = [](bool) {};
 };
 extern Compile_Host_Operations Compile_Host;
 

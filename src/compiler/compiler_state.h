@@ -141,10 +141,14 @@ extern Compile_Tables_State Compile_Tables;
 // | flag           | set by             | read by                     | cleared by         |
 // |----------------|--------------------|-----------------------------|--------------------|
 // | CompileRunning | CompileProgram     | whoever may start a compile | CompileProgram     |
-// | CompileDone    | end of the compile | window of the progress bar  | start of a compile |
+// | CompileDone    | end of the compile | window of the progress bar, | start of a compile |
+// |                |                    | estimate                    |                    |
+// | Cut_Short      | a pass that ESC or | end of the compile          | start of a compile |
+// |                | a fault ended      |                             |                    |
 struct Compile_Status_State {
   bool CompileRunning = false;
   bool CompileDone = false;
+  bool Cut_Short = false;
   float CompileProgress = 0;     // percent
   std::int32_t CurrentStep = 0;  // step pointer of the G-code window
 };

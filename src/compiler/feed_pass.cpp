@@ -314,6 +314,12 @@ void Feed_Planner::Plan_All() {
   Report_Rest_Of_Faults();
 }
 
+bool Cut_By_Esc() {
+  const bool cut = std::exchange(Application.EscFlag, false);
+  if (cut) Compile_Status.Cut_Short = true;
+  return cut;
+}
+
 // Writes the table; ESC cuts it at the wire at hand.
 void Write_Rates(Table<Wire>& wires, const std::string& path) {
   constexpr int wires_a_yield = 26;
@@ -326,7 +332,7 @@ void Write_Rates(Table<Wire>& wires, const std::string& path) {
     if (++since_yield < wires_a_yield) continue;
     since_yield = 0;
     progress.Show(75 + Whole_Part(25.0 * static_cast<double>(i) / static_cast<double>(total)));
-    if (std::exchange(Application.EscFlag, false)) wires.Rows.Cut_To(i + 1);
+    if (Cut_By_Esc()) wires.Rows.Cut_To(i + 1);
   }
   file.Finish();
 }
@@ -340,7 +346,7 @@ void Open_Progress() {
 // The records that the pass takes: up to the limit, and up to the first once ESC was pressed.
 void Take_Records(Table<Wire>& wires) {
   wires.Rows.Cut_To(Wire_Table_Limit);
-  if (!wires.Rows.empty() && std::exchange(Application.EscFlag, false)) wires.Rows.Cut_To(1);
+  if (!wires.Rows.empty() && Cut_By_Esc()) wires.Rows.Cut_To(1);
 }
 
 void Finish_Rates() {

@@ -211,7 +211,7 @@ void Run_All_Lines(const GCode_Text& program) {
     if (Ends_Early()) break;
   }
   if (Row_Count() >= LineArc_Table_Limit) Report_Full_Table();
-  Application.EscFlag = false;
+  if (std::exchange(Application.EscFlag, false)) Compile_Status.Cut_Short = true;
 }
 
 }  // namespace

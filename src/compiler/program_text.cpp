@@ -47,11 +47,16 @@ std::string_view GCode_Text::Line(std::int32_t number) const {
   return std::string_view(Text).substr(span.Start, span.Length);
 }
 
+void Range_To_Whole_Program() {
+  GCode_Program.Range_Waits = Machine.CNCMode != CNC_Stopped;
+  if (!GCode_Program.Range_Waits) Machine.EndingStep = GCodeLineCount();
+}
+
 void SaveChanges(std::string text) {
   SetStatus(1, "GCode Step Display: Updateing data...", 5);
   Trap("SaveChanges", [&] {
     GCode_Program.Text = std::make_shared<const GCode_Text>(std::move(text));
-    Machine.EndingStep = GCodeLineCount();
+    Range_To_Whole_Program();
     Compile_Status.CurrentStep = std::min(Compile_Status.CurrentStep, GCodeLineCount());
   });
 }

@@ -42,6 +42,9 @@ class GCode_Text {
 
 struct GCode_Program_State {
   std::shared_ptr<const GCode_Text> Text = std::make_shared<const GCode_Text>();
+  // A text was taken while a run was going on, whose step range stands; the next compile brings the
+  // range to the text.
+  bool Range_Waits = false;
 };
 extern GCode_Program_State GCode_Program;
 
@@ -52,8 +55,12 @@ inline std::string_view GCode_Line(std::int32_t number) {
   return GCode_Program.Text->Line(number);
 }
 
-// Takes the text of the G-code window as the program: panel text, lines, `Machine.EndingStep` to
-// the last line, the step pointer held to it. A text that is too large is logged and the program of
+// `Machine.EndingStep` to the last line. A run that is not stopped keeps the range that it was
+// started with, and the range waits for the next compile.
+void Range_To_Whole_Program();
+
+// Takes the text of the G-code window as the program: panel text, lines, the range to the whole
+// program, the step pointer held to it. A text that is too large is logged and the program of
 // before stands.
 void SaveChanges(std::string text);
 

@@ -60,6 +60,7 @@ void Program_Wire_State::Take(Table<Wire>&& wires) {
   std::vector<Run> runs = Index_Of(taken.Rows);
   Wires = std::move(taken);
   Runs = std::move(runs);
+  Of_Goto = false;
 }
 
 void Take_Program_Wire(Table<Wire>&& wires) {

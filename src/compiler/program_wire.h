@@ -23,8 +23,21 @@
 
 namespace norvik {
 
+// How the table stands to the program that is open. Set by whoever puts a program or a table in
+// place; a table that is only handed over counts as whole.
+enum class Wire_Standing {
+  Whole,            // compiled to the end
+  Cut_Short,        // the compile was cut short by ESC or failed
+  Another_Program,  // opened or made new, and not compiled since
+};
+
 class Program_Wire_State {
  public:
+  Wire_Standing Standing = Wire_Standing::Whole;
+  // A Goto line stands in the table's place. The next table clears it; `Standing` stays that of the
+  // program.
+  bool Of_Goto = false;
+
   // The wires from 0 on. Speeds may be changed in place; `Step` must not, the index stands on it.
   Record_List<Wire>& Rows() { return Wires.Rows; }
   const Record_List<Wire>& Rows() const { return Wires.Rows; }

@@ -95,13 +95,15 @@ Table<Wire> Convert(const Table<LineArc>& records, Used&& used) {
   Wire_Pass = {};
   Compiler.TargetPosition = {};
   Compiler.Outputs = Compiler_State().Outputs;
-  Trap("NIST_ConvertLineArctoWire_Error", [&] {
-    for (std::size_t i = 0; i < records.Rows.size() && !Table_Is_Full(); ++i) {
+  bool whole = true;
+  const bool converted = Trap("NIST_ConvertLineArctoWire_Error", [&] {
+    for (std::size_t i = 0; whole && i < records.Rows.size() && !Table_Is_Full(); ++i) {
       Convert_Record(records.Rows[i]);
       used(i + 1);
-      if (std::exchange(Application.EscFlag, false)) break;
+      whole = !std::exchange(Application.EscFlag, false);
     }
   });
+  if (!whole || !converted) Compile_Status.Cut_Short = true;
   return {std::move(Wire_Pass.Wires), records.Texts};
 }
 

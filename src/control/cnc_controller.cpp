@@ -1,6 +1,8 @@
 #include "control/cnc_controller.h"
 
 #include "compiler/compiler_state.h"
+#include "compiler/program_text.h"
+#include "compiler/program_wire.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
@@ -128,9 +130,23 @@ bool Run_Pass() {
   return Machine.CNCMode == CNC_Running;
 }
 
+// Why the executing table is not to be run, in the operator's words; empty: it may.
+std::string_view Unfit_To_Run() {
+  const bool other = Program_Wire.Standing == Wire_Standing::Another_Program;
+  if (GCodeLineCount() == 0 && (other || Program_Wire.Count() == 0))
+    return control_text::No_Program;
+  if (Program_Wire.Standing == Wire_Standing::Cut_Short) return control_text::Program_Cut_Short;
+  if (other) return control_text::Program_Not_Compiled;
+  return Program_Wire.Of_Goto ? control_text::Program_Behind_Goto : std::string_view();
+}
+
 // Play and Step up to the loop. False when there is nothing to run.
 bool Prepare_Run() {
   if (!Begin_Operation()) return false;
+  if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
+    SetStatus(1, why_not, 10);
+    return false;
+  }
   Drive().Refresh_Parameters();
   if (Machine.Run_Step > Machine.EndingStep)
     Machine.Run_Step = 1;

@@ -81,6 +81,18 @@ inline constexpr std::string_view A_Is_Slaved =
     "to None.";
 inline constexpr std::string_view Not_While_Moving =
     "This can be changed while the machine stands still.";
+inline constexpr std::string_view No_Program =
+    "There is no program to run: open one, or type it and compile it, then start.";
+inline constexpr std::string_view Program_Not_Compiled =
+    "The program needs to be compiled: compile it, then start.";
+inline constexpr std::string_view Program_Cut_Short =
+    "The program was not compiled to its end: compile it again, then start.";
+inline constexpr std::string_view Program_Behind_Goto =
+    "A Goto has taken the place of the program: compile it again, then start.";
+inline constexpr std::string_view Nothing_To_Estimate =
+    "There is no compiled program to estimate: compile it, then try again.";
+inline constexpr std::string_view Estimate_Cut_Short =
+    "The program was not compiled to its end: compile it again, then estimate.";
 inline constexpr std::string_view Goto_Needs_Stop =
     "Goto replaces the program of the paused run. Press Stop first.";
 inline constexpr std::string_view Goto_Not_Compiled =

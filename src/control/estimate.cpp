@@ -1,8 +1,12 @@
 #include "control/estimate.h"
 
+#include "compiler/compile.h"
 #include "compiler/compiler_state.h"
+#include "compiler/program_wire.h"
 #include "compiler/tables_io.h"
+#include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
+#include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/displays.h"
 #include "control/drive.h"
@@ -10,6 +14,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 
@@ -81,6 +86,20 @@ double Move_Seconds(const Way& way, const Wire& wire) {
   return rising + holding + Ramp_Seconds(total - rise - hold, ipm, -change, low, cruise);
 }
 
+// Why the wire file is not that of the program, in the operator's words; empty: it is.
+std::string_view Unfit_To_Estimate() {
+  if (!Compile_Status.CompileDone) return control_text::Nothing_To_Estimate;
+  switch (Program_Wire.Standing) {
+    case Wire_Standing::Another_Program:
+      return control_text::Nothing_To_Estimate;
+    case Wire_Standing::Cut_Short:
+      return control_text::Estimate_Cut_Short;
+    case Wire_Standing::Whole:
+      break;
+  }
+  return {};
+}
+
 }  // namespace
 
 double Find_Material_ProcessTime(const Wire& wire, Indexed<double, 1, 4>& from) {
@@ -91,13 +110,21 @@ double Find_Material_ProcessTime(const Wire& wire, Indexed<double, 1, 4>& from) 
 }
 
 void Command_Estimate_Process_Time_Click() {
+  // The walk over a long table does not yield; the pulses of a move would stop.
+  if (Anything_Moves() && !Stopped_For("Can't estimate")) return;
   if (!Drive().Missing.empty()) {
     SetStatus(1, Drive().Missing, 10);
     return;
   }
   Controller.Estimated_Process_Time.reset();
+  CNC_Display();
+  if (const std::string_view why_not = Unfit_To_Estimate(); !why_not.empty()) {
+    SetStatus(1, why_not, 10);
+    return;
+  }
   Trap("Estimate_Process_Time_Error", [] {
-    const Table<Wire> wires = Read_Wire_Table(Compile_Tables.Wire_Path);
+    // The program's own file; after a Goto the path of the last compile is that of the line.
+    const Table<Wire> wires = Read_Wire_Table(Join_Path(Application.Table_Folder, Wire_Table_Name));
     Indexed<double, 1, 4> from;
     for (int axis = 1; axis <= 4; ++axis) from[axis] = Machine.Position[axis];
     double seconds = 0;

@@ -15,8 +15,9 @@ namespace norvik {
 // wire does not name stay.
 double Find_Material_ProcessTime(const Wire& wire, Indexed<double, 1, 4>& from);
 
-// Reads the wire file and shows the sum in `Label_MaterialProcess_Time`. A file that cannot be read
-// is logged as "Estimate_Process_Time_Error".
+// Reads the wire file of the program and shows the sum in `Label_MaterialProcess_Time`. Refused
+// with a status text while something moves, and when no whole compile of the open program stands. A
+// file that cannot be read is logged as "Estimate_Process_Time_Error".
 void Command_Estimate_Process_Time_Click();
 
 }  // namespace norvik

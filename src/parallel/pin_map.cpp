@@ -130,9 +130,11 @@ void Motor_Disable(int axis) {
   Set_Function(Enable_Slot(axis), false);
 }
 void Output_On(int n) {
+  Pins.Output_Commanded[n] = Output_Bit(Output_Slot(n)).has_value();
   Set_Function(Output_Slot(n), true);
 }
 void Output_Off(int n) {
+  Pins.Output_Commanded[n] = false;
   Set_Function(Output_Slot(n), false);
 }
 

@@ -53,6 +53,13 @@ struct Pin_State {
   // --- Set by Read_Limits ----------------------------------------------------------------------
   Indexed<bool, 1, 4> Limit_State;   // home and limit switch of each axis is on
   Indexed<bool, 1, 4> Output_State;  // outputs 1..4 as read back: spindle CW, CCW, mist, flood
+
+  // --- Set by Output_On and Output_Off ---------------------------------------------------------
+  // What outputs 1..5 were last told; an output without a pin stays off. Some ports do not read
+  // back what was written.
+  Indexed<bool, 1, 5> Output_Commanded;
+
+  // --- Set by Read_Limits and by the steps -----------------------------------------------------
   // Units of the setup moved since the switch was last seen on.
   Indexed<float, 1, 6> Home_Distance;
 

@@ -4,6 +4,7 @@
 #include "compiler/compiler_state.h"
 #include "compiler/program_check.h"
 #include "compiler/program_text.h"
+#include "control/controller_state.h"
 #include "ui/gcode_editor.h"
 #include "ui/theme.h"
 
@@ -118,13 +119,13 @@ QWidget* GCode_Window::Build_Tools() {
     connect(add(tool.Name, tool.Caption, tool.Tip), &QPushButton::clicked, this,
             [this, clicked = tool.Clicked] {
               clicked();
-              if (clicked == Command_Update_Click && GCodeLineCount() <= Check_At_Once) Check_Now();
+              const bool compiled = clicked == Command_Update_Click && !Anything_Moves();
+              if (compiled && GCodeLineCount() <= Check_At_Once) Check_Now();
             });
   }
   connect(add("Command_Check", "Check", "List what the compiler ignores or would misread"),
           &QPushButton::clicked, this, [this] {
-            Take_Typed_Text();
-            Check_Now();
+            if (Begin_Check()) Check_Now();
           });
   connect(add("Command_Find", "Find", "Find a text (Ctrl+F)"), &QPushButton::clicked, this,
           &GCode_Window::Show_Find);

@@ -10,6 +10,7 @@
 #include "app/startup.h"
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
+#include "compiler/program_wire.h"
 #include "control/controller_state.h"
 #include "core/application.h"
 #include "core/messages.h"
@@ -42,6 +43,7 @@ struct App_Test : testing::Test {
     Controller = {};
     Compile_Status = {};
     GCode_Program = {};
+    Program_Wire = {};
     Main_Window = {};
     Main_Form = {};
     Main_Host = {};

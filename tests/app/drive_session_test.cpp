@@ -107,6 +107,7 @@ TEST_F(Drive_Session_Test, Another_Setup_Forgets_The_Machine_Before) {
   Pins.Motor_Enable_Timer[1] = 30;
   Pins.Limit_State[1] = true;
   Controller.Return_Pos[1] = 9;
+  Controller.Estimated_Process_Time = 7;
   CNC_Controls.Command_AutoRetool[1].Enabled = true;
   Load_Setup("router.ini");
   EXPECT_EQ(scripted.Ports[888], 0x19);  // off by the old map; bit 5, the new spindle, off as well
@@ -116,6 +117,7 @@ TEST_F(Drive_Session_Test, Another_Setup_Forgets_The_Machine_Before) {
   EXPECT_EQ(Pins.Motor_Enable_Timer[1], 0);
   EXPECT_FALSE(Timing.FeedRate_Autotune);
   EXPECT_EQ(Controller.Return_Pos[1], 0);
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
   EXPECT_FALSE(CNC_Controls.Command_AutoRetool[1].Enabled);
   EXPECT_EQ(Machine.Position[1], 2.25);
   EXPECT_THAT(Read_Whole_File(Folder.File("work/mill.ini")), HasSubstr("Axis_Cur_Pos_1=2.25"));

@@ -2,7 +2,15 @@
 #include "app/app_fixture.h"
 #include "app/gcode_file.h"
 #include "app/openers.h"
+#include "compiler/compile_host.h"
+#include "compiler/program_wire.h"
+#include "control/cnc_controller.h"
+#include "control/cnc_controls_form.h"
+#include "control/control_texts.h"
+#include "control/estimate.h"
+#include "control/goto.h"
 #include "core/fault.h"
+#include "plot/view.h"
 
 #include <filesystem>
 #include <random>
@@ -51,10 +59,15 @@ TEST_F(GCode_Test, Open_Is_Refused_While_The_Machine_Runs) {
   Machine.CNCMode = CNC_Running;
   EXPECT_FALSE(Open_GCode(path));
   LoadRecentFile(path);
+  LoadRecentFile(Folder.File("none.gc"));
   Menu_File_Open();
   EXPECT_EQ(Messages.Panel[1], "Can't open file while CNC running");
   EXPECT_EQ(Messages.Status_Timeout[1], 5);
-  EXPECT_EQ(scripted.Beeps, 3);
+  EXPECT_EQ(scripted.Beeps, 4);
+  EXPECT_THAT(scripted.Boxes, testing::IsEmpty());  // a box would hold the move
+  Print_Data();
+  EXPECT_EQ(Messages.Panel[1], "Can't print while CNC running");
+  EXPECT_THAT(scripted.Prints, testing::IsEmpty());
   EXPECT_EQ(GCodeLineCount(), 0);
   EXPECT_EQ(Recent.RecentFiles[1], "");
   EXPECT_EQ(Main_Form.Caption, "Norvik 4");
@@ -189,6 +202,127 @@ TEST_F(GCode_Test, Steps_Are_Held_To_The_Program) {
   Command_GStep_Click();
   Command_Update_Click();
   EXPECT_EQ(scripted.Beeps, 2);
+}
+
+// What a press of Play comes to: "runs", or what the operator is told.
+std::string Played() {
+  Controller.Steps_Executed = 0;
+  Command_CNC_Play_Click();
+  return Controller.Steps_Executed > 0 ? "runs" : Messages.Panel[1];
+}
+
+TEST_F(GCode_Test, Play_Runs_Only_What_Was_Compiled_To_Its_End) {
+  EXPECT_EQ(Played(), control_text::No_Program);
+  std::string text;
+  for (int i = 0; i < 300; ++i) text += "G1 X" + std::to_string(i % 2) + "\n";
+  Type(text);
+  scripted.On_Yield = [this, n = 0]() mutable {
+    if (++n == 3) Application.EscFlag = true;
+  };
+  Command_Update_Click();
+  scripted.On_Yield = [] {};
+  EXPECT_GT(Program_Wire.Count(), 0U);  // the plot shows what there is
+  EXPECT_LT(Program_Wire.Count(), 300U);
+  EXPECT_EQ(Played(), control_text::Program_Cut_Short);
+  Command_CNC_Step_Click();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+
+  Type("G1 X0.1\nG1 X0.2\n");
+  Command_Update_Click();
+  EXPECT_EQ(Played(), "runs");
+  const std::string tables = std::exchange(Application.Table_Folder, Folder.File("missing"));
+  Command_Update_Click();
+  EXPECT_EQ(Played(), control_text::Program_Cut_Short);
+  Application.Table_Folder = tables;
+  Command_Update_Click();
+  Type("G1 X0.3\n");
+  Take_Typed_Text();  // an edit is told, and blocks nothing
+  EXPECT_EQ(Played(), "runs");
+
+  CNC_Controls.Text_Goto.Text = "G1 X0.5 Y7";
+  Command_Goto_Click();
+  EXPECT_EQ(View.ProgramMax[2], 7);  // the plot shows the line
+  EXPECT_EQ(Played(), control_text::Program_Behind_Goto);
+  Command_Update_Click();
+  EXPECT_EQ(Played(), "runs");
+
+  MachineSetup.Plot_Auto_Loading = 0;
+  EXPECT_TRUE(Open_GCode(Write_File("part.gc", "G1 X0.4\n")));
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("needs to be compiled"));
+  EXPECT_EQ(Played(), control_text::Program_Not_Compiled);
+  Command_Update_Click();
+  EXPECT_EQ(Played(), "runs");
+  scripted.Answer_Box(Box_Answer::Yes);
+  Menu_File_New();
+  EXPECT_EQ(Played(), control_text::No_Program);
+}
+
+TEST_F(GCode_Test, The_Estimate_Is_That_Of_The_Compiled_Program) {
+  Command_Estimate_Process_Time_Click();
+  EXPECT_EQ(Messages.Panel[1], control_text::Nothing_To_Estimate);
+  Type("G1 X1\nG1 X2\n");
+  Command_Update_Click();
+  Command_Estimate_Process_Time_Click();
+  ASSERT_TRUE(Controller.Estimated_Process_Time);
+  const double program = *Controller.Estimated_Process_Time;
+  CNC_Controls.Text_Goto.Text = "G1 X0.01";
+  Command_Goto_Click();
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  Machine.Position = {};
+  Command_Estimate_Process_Time_Click();
+  EXPECT_EQ(Controller.Estimated_Process_Time, program);
+  Command_Update_Click();
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  Command_Estimate_Process_Time_Click();
+  MachineSetup.Plot_Auto_Loading = 0;
+  EXPECT_TRUE(Open_GCode(Write_File("part.gc", "G1 X0.4\n")));
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  Command_Estimate_Process_Time_Click();
+  EXPECT_EQ(Messages.Panel[1], control_text::Nothing_To_Estimate);
+}
+
+// The run would go on past its range, or end early as finished.
+TEST_F(GCode_Test, A_Text_Taken_In_A_Run_Leaves_The_Range_To_The_Next_Compile) {
+  Type("G1 X1\nG1 X2\nG1 X3\n");
+  Command_Update_Click();
+  Machine.EndingStep = 2;
+  for (const std::int16_t mode : {CNC_Running, CNC_Stepped, CNC_Paused}) {
+    Machine.CNCMode = mode;
+    Type("G1 X1\n");
+    ASSERT_TRUE(Save_GCode(Folder.File("saved.gc")));
+    EXPECT_EQ(Read_Whole_File(Folder.File("saved.gc")), "G1 X1\r\n");
+    Gcode_Step_Display();
+    EXPECT_EQ(Machine.EndingStep, 2) << mode;
+  }
+  Machine.CNCMode = CNC_Stopped;
+  Command_Update_Click();
+  EXPECT_EQ(Machine.EndingStep, 1);
+  Type("G1 X1\nG1 X2\n");
+  Take_Typed_Text();
+  EXPECT_EQ(Machine.EndingStep, 2);
+}
+
+TEST_F(GCode_Test, A_Check_Waits_While_Something_Moves) {
+  Type("G1 X1\n");
+  Controller.Panel_Busy = true;  // a jog
+  EXPECT_FALSE(Begin_Check());
+  EXPECT_EQ(Messages.Panel[1], "Can't check while CNC running");
+  EXPECT_TRUE(Gcode_Form.Text_Edited);
+  Controller.Panel_Busy = false;
+  Machine.CNCMode = CNC_Paused;
+  EXPECT_TRUE(Begin_Check());
+  EXPECT_EQ(GCodeLineCount(), 1);
+}
+
+TEST_F(GCode_Test, A_Compile_That_Fails_Leaves_The_Button_Free) {
+  Type("G1 X1\n");
+  const auto refresh = Compile_Host.Refresh_Plot;
+  Compile_Host.Refresh_Plot = [](bool) { throw Fault(Fault_Number::Overflow, "too fast"); };
+  EXPECT_THROW(Command_Update_Click(), Fault);
+  Compile_Host.Refresh_Plot = refresh;
+  Command_Update_Click();
+  EXPECT_EQ(scripted.Beeps, 0);
+  EXPECT_EQ(Program_Wire.Count(), 1U);
 }
 
 TEST_F(GCode_Test, Lines_Of_The_Text_And_Steps_Belong_Together) {

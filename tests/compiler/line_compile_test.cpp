@@ -54,7 +54,7 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
   std::vector<std::string> events;
   Compile_Host.Show_Progress = [&](const std::string& caption) { events.push_back(caption); };
   Compile_Host.Play_Sound_Slot = [&](int slot) { events.push_back(std::to_string(slot)); };
-  Compile_Host.Refresh_Plot = [&] { events.emplace_back("plot"); };
+  Compile_Host.Refresh_Plot = [&](bool whole) { events.emplace_back(whole ? "plot" : "part"); };
   Scripted.On_Yield = [&] {
     if (Scripted.Yields == 1) {
       EXPECT_EQ(Messages.Panel[1], "GCode Compile: Compiling Data...");

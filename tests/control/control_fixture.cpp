@@ -42,7 +42,7 @@ void Control_Test::Reset_State() {
   Compile_Tables = {};
   Compile_Status = {};
   GCode_Program = {};
-  Take_Program_Wire({});
+  Program_Wire = {};
 }
 
 void Control_Test::Set_Up_Files() {

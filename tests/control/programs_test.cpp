@@ -292,6 +292,18 @@ TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
               HasSubstr("Estimated Material Process Time 00:00:"));
 }
 
+TEST_F(Text_Test, An_estimate_waits_while_something_moves) {
+  SaveChanges("G1 X1 F60\n");
+  scripted.On_Yield = [done = false]() mutable {
+    if (done || !Step_Engine.Active) return;
+    done = true;
+    Command_Estimate_Process_Time_Click();
+  };
+  EXPECT_TRUE(Run_Program({""}).Finished);
+  EXPECT_FALSE(Controller.Estimated_Process_Time);
+  EXPECT_EQ(scripted.Beeps, 1);
+}
+
 TEST_F(Text_Test, Every_sample_ends_where_it_should) {
   if (!std::filesystem::exists(NORVIK_SAMPLES_FOLDER)) GTEST_SKIP() << "no samples";
   MachineSetup.Axis_SPI.Fill(100);

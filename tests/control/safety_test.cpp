@@ -175,17 +175,46 @@ TEST_F(Safety_Test, While_the_EStop_is_set_an_output_goes_off_but_not_on) {
   EXPECT_FALSE(Simulated_Machine.Outputs[2].On);
 }
 
-TEST_F(Safety_Test, Without_limit_switches_the_output_boxes_still_follow_the_outputs) {
+TEST_F(Safety_Test, Without_limit_switches_the_spindle_label_still_follows_the_read_back) {
   MachineSetup.LimitSwitchDisable = 1;
   Force_Input(2, Input_Force::On);
-  CNC_Controls.Check_Outputs[2].Value = true;
-  Toggle_Outputs(2);
+  CNC_Controls.Check_Outputs[0].Value = true;
+  Toggle_Outputs(0);
   CNC_Controls_Timer1();
-  EXPECT_TRUE(CNC_Controls.Check_Outputs[2].Value);
+  EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle On");
   EXPECT_FALSE(Pins.Limit_State[2]);
   PPSetPort(Output_Port_Address, 0, true);
   CNC_Controls_Timer1();
+  EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
+}
+
+// A box that a refresh unticks would need two clicks to switch its output off.
+TEST_F(Safety_Test, The_output_boxes_show_what_was_told_on_a_port_that_reads_back_nothing) {
+  Platform.Port_Read = [inner = Platform.Port_Read](std::uint16_t port) {
+    return port == Output_Port_Address ? std::uint8_t{0} : inner(port);
+  };
+  for (const int index : {2, 4}) {
+    Check_Control& box = CNC_Controls.Check_Outputs[index];
+    box.Value = true;
+    Toggle_Outputs(index);
+    CNC_Controls_Timer1();
+    EXPECT_TRUE(box.Value) << index;
+    box.Value = false;
+    Toggle_Outputs(index);
+    CNC_Controls_Timer1();
+    EXPECT_FALSE(box.Value) << index;
+  }
+  // A program switches them too, the end of all outputs clears them, and one without a pin stays
+  // off.
+  Load({{.Step = 1, .X = 0.1, .Out = {1, 1, 2, 1, 2}}});
+  MachineSetup.Parallel_Output_Bit[Output_Slot(3)] = "99";
+  Command_CNC_Play_Click();
+  CNC_Controls_Timer1();
   EXPECT_FALSE(CNC_Controls.Check_Outputs[2].Value);
+  EXPECT_TRUE(CNC_Controls.Check_Outputs[4].Value);
+  All_Outputs_Off();
+  CNC_Controls_Timer1();
+  EXPECT_FALSE(CNC_Controls.Check_Outputs[4].Value);
 }
 
 TEST_F(Safety_Test, Limit_lamps_follow_and_latch) {

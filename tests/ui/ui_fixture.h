@@ -78,7 +78,7 @@ struct Ui_Test : testing::Test {
     CNC_Controls = {};
     Compile_Status = {};
     GCode_Program = {};
-    Take_Program_Wire({});
+    Program_Wire = {};
     Main_Window = {};
     Main_Form = {};
     Main_Host = {};
