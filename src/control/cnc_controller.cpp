@@ -322,7 +322,7 @@ void Announce_End() {
 }
 
 bool Stopped_For(std::string_view what) {
-  if (Machine.CNCMode == CNC_Stopped && !Anything_Moves()) return true;
+  if (Machine.CNCMode == CNC_Stopped && !Anything_Moves()) return Compile_Is_Over();
   Platform.Beep();
   const bool runs = Machine.CNCMode == CNC_Running || Anything_Moves();
   SetStatus(1, std::string(what) + (runs ? " while CNC running" : " while a run is paused"), 5);

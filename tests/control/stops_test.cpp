@@ -253,6 +253,8 @@ TEST_F(Stops_Test, Motion_is_refused_in_words_in_a_yield_of_a_compile) {
     for (const auto& request : Motion_Requests) ask(request);
     ask(Panel_Get_Time_Constant_Click);
     ask(Timing_Test_Start_Click);
+    // Another text would get the table of this one.
+    ask([] { EXPECT_FALSE(Stopped_For("Can't open file")); });
   };
   EXPECT_TRUE(CompileProgram());
   EXPECT_TRUE(asked);
