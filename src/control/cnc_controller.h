@@ -78,7 +78,8 @@ std::string_view End_Reason();
 void Announce_End();
 
 // True when nothing moves, no run is paused and no program is being compiled. Otherwise says in
-// panel 1 that `what` ("Can't open file", ...) has to wait; what moves beeps as well. For opening, compiling and loading a machine setup.
+// panel 1 that `what` ("Can't open file", ...) has to wait. For opening, compiling and loading a
+// machine setup.
 bool Stopped_For(std::string_view what);
 
 }  // namespace norvik
