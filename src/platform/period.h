@@ -9,9 +9,9 @@
 // microsecond" has the room to close that gap. Three rules:
 //
 // 1. The wait asked for is period - W cut to whole microseconds, where W is the work that the loop
-//    takes itself to have. When its real work lies within one microsecond of W, so that period -
-//    work lies from 1 below to 2 above the wait asked for, that is the wait: the period is kept
-//    exactly, fractions included. A work that is not known (or a period that cannot be kept) leaves
+//    takes itself to have. When its real work is about W, so that period - work lies within two
+//    microseconds of the wait asked for, that is the wait: the period is kept exactly, fractions
+//    included. A work that is not known (or a period that cannot be kept) leaves
 //    the wait as asked.
 // 2. Time lost inside a wait, because the system ran something else, is paid back by the waits that
 //    follow, each shorter by a 64th and by a microsecond at most, so that a motor sees no jump of
@@ -25,12 +25,13 @@
 //      ends before     |     |     |     |     |     |     |     |        every fifth is late
 //      ends after      |      |     |     |     |     |     |     |       Aim = behind the tick
 //
-//    The place stays within a quarter of a period of where exact periods would have it, so the mean
-//    rate is kept exactly: places further on begin again at the other side.
+//    The place stays within half a period of where exact periods would have it, so the mean rate is
+//    kept exactly: places further on begin again at the other side.
 #pragma once
 
 #include <algorithm>
 #include <cstdint>
+#include <cstdlib>
 #include <optional>
 
 namespace norvik {
@@ -43,7 +44,7 @@ class Period_Keeper {
 
   // When a wait that begins at `now` is to end.
   std::int64_t Deadline(std::int64_t now, std::int64_t asked, std::int64_t period) {
-    const std::int64_t shortest = std::max<std::int64_t>(asked - Microsecond, 0);
+    const std::int64_t shortest = std::max<std::int64_t>(asked - 2 * Microsecond, 0);
     const std::int64_t wanted = period - (now - Last_End);
     const bool kept = wanted >= shortest && wanted <= asked + 2 * Microsecond;
     const std::int64_t wait = kept ? wanted : asked;
@@ -51,23 +52,24 @@ class Period_Keeper {
     const std::int64_t later = std::min(asked / 1024, Microsecond);
     const std::int64_t shift = std::clamp(Aim - Place, -earlier, later);
     Place += shift;
-    Room = std::min(period / 4, Largest_Room);
+    Room = std::min(period / 2, Largest_Room);
     return Due = now + wait + shift;
   }
 
   // The wait has ended at `now`.
   void Ended(std::int64_t now) {
     const std::int64_t lost = std::max<std::int64_t>(now - Due, 0);
+    const bool settled = std::abs(Place - Aim) < Microsecond;
     Place = std::min(Place + lost, Debt_Limit);
-    if (lost >= Noticed) Note_Loss(now);
+    if (settled && lost >= Noticed) Note_Loss(now);
     Last_End = now;
   }
 
  private:
   // Losses above the clock's own jitter; two within a few ticks (4 to 10 ms each) belong together;
   // ticks differ in length, hence the margin behind them.
-  static constexpr std::int64_t Noticed = 250, Close_Together = 20'000'000, Margin = 3'000;
-  static constexpr std::int64_t Largest_Room = 25'000;
+  static constexpr std::int64_t Noticed = 250, Close_Together = 20'000'000, Margin = 6'000;
+  static constexpr std::int64_t Largest_Room = 50'000;
 
   void Note_Loss(std::int64_t now) {
     const bool repeated = Last_Loss && now - *Last_Loss < Close_Together;
