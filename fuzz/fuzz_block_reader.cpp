@@ -1,5 +1,5 @@
-// The block reader and the interpreter: any line is compiled, also as a line of a macro and within a
-// repeat; the quick and the cutting way through the reader must agree.
+// The block reader and the interpreter: any line is compiled, also as a line of a macro and within
+// a repeat; the quick and the cutting way through the reader must agree.
 #include "compiler/block_reader.h"
 #include "compiler/compiler_state.h"
 #include "compiler/line_pass.h"

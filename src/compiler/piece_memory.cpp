@@ -20,8 +20,8 @@ Spare_Pieces Spares;
 
 // Twice as much as needed surely holds a piece at a multiple of its size; the rest goes back.
 void* Map_Piece() {
-  void* const mapped = ::mmap(nullptr, 2 * Piece_Size, PROT_READ | PROT_WRITE,
-                              MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  void* const mapped =
+      ::mmap(nullptr, 2 * Piece_Size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (mapped == MAP_FAILED) throw std::bad_alloc();
   char* const first = static_cast<char*>(mapped);
   const std::size_t over = reinterpret_cast<std::uintptr_t>(first) % Piece_Size;

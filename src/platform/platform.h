@@ -120,9 +120,9 @@ struct Platform_Operations {
   // Busy wait of at least so many microseconds, accurate to about one.
   std::function<void(std::int32_t microseconds)> Delay_Microseconds = [](std::int32_t) {};
   // The same wait for loops with a period: `period_ns` is the time from the end of the wait before
-  // to the end of this one that the loop is meant to have, its own work included. The wait may differ
-  // from `microseconds` by one or two to keep that period (platform/period.h). Empty:
-  // the loop uses Delay_Microseconds.
+  // to the end of this one that the loop is meant to have, its own work included. The wait may
+  // differ from `microseconds` by one or two to keep that period (platform/period.h). Empty: the
+  // loop uses Delay_Microseconds.
   std::function<void(std::int32_t microseconds, std::int64_t period_ns)> Delay_In_Period;
 
   // --- Ports and process -----------------------------------------------------------------------

@@ -11,11 +11,11 @@
 #include "platform/scripted/scripted_platform.h"
 
 #include <cmath>
-#include <unistd.h>
 #include <filesystem>
 #include <random>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {

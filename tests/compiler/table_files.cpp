@@ -7,7 +7,6 @@
 #include "core/paths.h"
 
 #include <filesystem>
-#include <unistd.h>
 #include <fstream>
 #include <functional>
 #include <random>
@@ -15,6 +14,7 @@
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <sys/resource.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {

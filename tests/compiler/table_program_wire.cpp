@@ -3,10 +3,10 @@
 #include "compiler/tables_io.h"
 
 #include <filesystem>
-#include <unistd.h>
 #include <random>
 
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -28,7 +28,8 @@ TEST(Program_Wire_Table, Narrows_What_It_Takes) {
     float File, Table;
   };
   const Row rows[] = {{12.7F, 13}, {12.5F, 12}, {13.5F, 14}, {-0.4F, 0}, {32767, 32767}};
-  const std::string path = testing::TempDir() + std::to_string(::getpid()) + "norvik_program_wire.csv";
+  const std::string path =
+      testing::TempDir() + std::to_string(::getpid()) + "norvik_program_wire.csv";
   Table<Wire> table;
   for (const Row& row : rows) {
     Wire wire;

@@ -113,8 +113,9 @@ TEST(Picture_Files, Refused_Names_Say_What_To_Do) {
   struct Row {
     std::string Path, Text;
   };
-  for (const Row& row : {Row{"/no/such/folder/a.png", "choose another folder"},
-                         Row{testing::TempDir() + std::to_string(::getpid()) + "a.xyz", "ends in .png"}}) {
+  for (const Row& row :
+       {Row{"/no/such/folder/a.png", "choose another folder"},
+        Row{testing::TempDir() + std::to_string(::getpid()) + "a.xyz", "ends in .png"}}) {
     try {
       Write_Picture_File(row.Path, picture);
       ADD_FAILURE() << row.Path;
