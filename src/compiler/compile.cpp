@@ -21,11 +21,6 @@ namespace norvik {
 
 namespace {
 
-struct Compile_Driver_State {
-  bool Busy = false;  // a compile runs; what a yield starts must wait
-};
-Compile_Driver_State Driver;
-
 bool Refused() {
   if (Compile_Busy()) Platform.Beep();
   return Compile_Busy();
@@ -93,7 +88,6 @@ void Convert_To_Wires() {
 }
 
 void Begin_Program() {
-  Compile_Status.CompileRunning = true;
   SetStatus(1, "GCode Compile: Compiling Data...", 5);
   DoEvents();
   Compile_Status.CompileDone = Compile_Status.Cut_Short = false;
@@ -104,7 +98,6 @@ void Begin_Program() {
 
 void End_Program() {
   Set_Panel(1, "");
-  Compile_Status.CompileRunning = false;
   Compile_Host.Play_Sound_Slot(6);
   Compile_Status.CompileDone = true;
 }
@@ -128,25 +121,23 @@ bool Run_Passes() {
 
 }  // namespace
 
-Compile_Section::Compile_Section() {
-  Driver.Busy = true;
+Compile_Section::Compile_Section(Operation what) : Entry(what) {
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
 }
 
 Compile_Section::~Compile_Section() {
-  Driver.Busy = false;
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
 }
 
 bool Compile_Busy() {
-  return Driver.Busy || Line_Pass_Runs();
+  return Compiler_Works() || Line_Pass_Runs();
 }
 
 bool CompileProgram() {
   if (Refused()) return false;
   bool whole = false;
   {
-    const Compile_Section section;
+    const Compile_Section section(Operation::Compile);
     Begin_Program();
     Trap("CompileProgram", [&] { whole = Run_Passes(); });
   }
@@ -156,7 +147,7 @@ bool CompileProgram() {
 
 bool CompileBlock(std::string_view text) {
   if (Refused()) return false;
-  const Compile_Section section;
+  const Compile_Section section(Operation::Compile_Line);
   SetStatus(1, "GCode Compile: Compiling Block...", 5);
   DoEvents();
   Set_Paths(Block_Wire_Table_Name);

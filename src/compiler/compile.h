@@ -13,6 +13,8 @@
 // what a program loses that way.
 #pragma once
 
+#include "core/operation.h"
+
 #include <string>
 #include <string_view>
 
@@ -33,14 +35,17 @@ bool CompileBlock(std::string_view text);
 // True while one of the two runs, in any of its passes, or a check does.
 bool Compile_Busy();
 
-// Marks the compiler as busy, with the busy pointer, as long as it stands. What a yield starts
-// meanwhile is refused.
+// Enters one of them in the ledger, with the busy pointer, for as long as it stands. What a yield
+// starts meanwhile is refused.
 class Compile_Section {
  public:
-  Compile_Section();
+  explicit Compile_Section(Operation what);
   ~Compile_Section();
   Compile_Section(const Compile_Section&) = delete;
   Compile_Section& operator=(const Compile_Section&) = delete;
+
+ private:
+  Operation_Scope Entry;
 };
 
 // The command of the G-code window: the compile, the plot anew, the step pointers to the start.

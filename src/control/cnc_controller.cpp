@@ -10,7 +10,6 @@
 #include "control/drive.h"
 #include "control/execute_step.h"
 #include "control/home.h"
-#include "control/jog_key.h"
 #include "control/machine_move.h"
 #include "control/run_plot_host.h"
 #include "control/safety.h"
@@ -113,7 +112,6 @@ bool Run_Pass() {
   Machine.Run_Step = std::max(Machine.Run_Step, First_Step());
   Enable_Step_Range(false);
   Begin_Run_If_At_Start();
-  Controller.Program_Busy = true;
   std::int32_t step = Machine.Run_Step;
   const bool whole = Execute_Step(step, Move_And_Draw);
   Add_Elapsed_Time();
@@ -126,7 +124,6 @@ bool Run_Pass() {
     return false;
   }
   Machine.Run_Step = step + 1;
-  Controller.Program_Busy = false;
   return Machine.CNCMode == CNC_Running;
 }
 
@@ -141,8 +138,8 @@ std::string_view Unfit_To_Run() {
 }
 
 // Play and Step up to the loop. False when there is nothing to run.
-bool Prepare_Run() {
-  if (!Begin_Operation()) return false;
+bool Prepare_Run(Operation wanted) {
+  if (!Begin_Operation(wanted)) return false;
   if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
     SetStatus(1, why_not, 10);
     return false;
@@ -157,7 +154,7 @@ bool Prepare_Run() {
 }
 
 void Run_In_Mode(std::int16_t mode) {
-  const Operation_Mark busy(Controller.Panel_Busy);
+  const Motion_Scope run(mode == CNC_Stepped ? Operation::Step : Operation::Run);
   Machine.CNCMode = mode;
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
@@ -168,26 +165,20 @@ void Run_In_Mode(std::int16_t mode) {
 
 // The button was heard, although the machine still moves.
 void Tell_What_Ends_First() {
-  if (Step_Engine.Active) SetStatus(1, control_text::Move_Ends_First, 5);
+  if (Runs(Operation::Move)) SetStatus(1, control_text::Move_Ends_First, 5);
 }
 
 }  // namespace
 
-bool Anything_Moves() {
-  return Controller.Panel_Busy || Controller.Controller_Active || JogKey.Key_Busy ||
-         Step_Engine.Active;
-}
-
 void NIST_CNC_Controller() {
   {
-    const Value_In_Scope active(Controller.Controller_Active, true);
+    const Operation_Scope loop(Operation::Run_Loop);
     while (May_Run() && Run_Pass()) continue;
   }
   if (Machine.CNCMode == CNC_Stopped || Machine.EStop_Flag) Settle_Stopped();
   // The inner call of a yield leaves the marks to the outer one.
-  if (Controller.Controller_Active) return;
+  if (Runs(Operation::Run_Loop)) return;
   Enable_Step_Range(true);
-  Controller.Program_Busy = false;
 }
 
 void CNC_Stop() {
@@ -205,25 +196,25 @@ void CNC_Pause() {
 }
 
 void CNC_Step() {
-  if (!Prepare_Run()) return;
+  if (!Prepare_Run(Operation::Step)) return;
   Run_In_Mode(CNC_Stepped);
 }
 
 void CNC_Play() {
-  if (!Prepare_Run()) return;
+  if (!Prepare_Run(Operation::Run)) return;
   SetStatus(1, "", -1);
   Run_In_Mode(CNC_Running);
 }
 
 void CNC_Retool() {
-  if (!Begin_Operation()) return;
-  const Operation_Mark busy(Controller.Panel_Busy);
+  if (!Begin_Operation(Operation::ReTool)) return;
+  const Motion_Scope retool(Operation::ReTool);
   Controller.Retool_Request = true;
   NIST_CNC_Controller();
 }
 
 void Command_CNC_Play_Click() {
-  if (Controller.Panel_Busy) return;
+  if (Anything_Moves()) return;
   Controller.From_Rest = true;
   ResetRetoolDisplay();
   Play_Event_Sound(sound::Play);
@@ -232,7 +223,7 @@ void Command_CNC_Play_Click() {
 }
 
 void Command_CNC_Step_Click() {
-  if (Controller.Panel_Busy) return;
+  if (Anything_Moves()) return;
   Controller.From_Rest = true;
   ResetRetoolDisplay();
   Play_Event_Sound(sound::Step);
@@ -255,41 +246,26 @@ void Command_CNC_Stop_Click() {
   Play_Event_Sound(sound::Stopped);
   CNC_Stop();
   Tell_What_Ends_First();
-  Controller.Program_Busy = false;
 }
 
 void CNC_Controls_Esc() {
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
 }
 
-Operation_Mark::~Operation_Mark() {
-  Mark = false;
+Motion_Scope::~Motion_Scope() {
   Timing.Actual_IPM = 0;
 }
 
-bool Compile_Is_Over() {
-  if (!Compile_Status.CompileRunning) return true;
-  SetStatus(1, control_text::Compile_Runs, 5);
-  return false;
-}
-
-bool Begin_Operation() {
-  if (Anything_Moves()) return false;
-  if (Machine.EStop_Flag) {
-    SetStatus(1, control_text::Motors_Are_Disabled, 5);
+bool Begin_Operation(Operation wanted) {
+  const Obstacle obstacle = Obstacle_To(wanted);
+  if (obstacle == Obstacle::Something_Moves) return false;
+  if (obstacle != Obstacle::None) {
+    SetStatus(1, Why_Not_Begin(wanted), obstacle == Obstacle::No_Drive ? 10 : 5);
     return false;
   }
-  if (!Compile_Is_Over()) return false;
-  if (!Drive().Missing.empty()) {
-    SetStatus(1, Drive().Missing, 10);
-    return false;
-  }
-  Controller.Operation_Began = Platform.Monotonic_Clock();
   Controller.Stop_Request = false;
   Controller.Stop_Text.clear();
-  // A press of ESC that lies before this operation does not belong to it.
-  (void)Platform.Key_Down(key::Escape);
-  Application.EscFlag = false;
+  Operation_Host.Forget_Presses();
   return true;
 }
 
@@ -322,7 +298,12 @@ void Announce_End() {
 }
 
 bool Stopped_For(std::string_view what) {
-  if (Machine.CNCMode == CNC_Stopped && !Anything_Moves()) return Compile_Is_Over();
+  const Obstacle obstacle = Obstacle_To(Operation::Open);
+  if (obstacle == Obstacle::None) return true;
+  if (obstacle == Obstacle::Program_Is_Held) {
+    SetStatus(1, Why_Not_Begin(Operation::Open), 5);
+    return false;
+  }
   Platform.Beep();
   const bool runs = Machine.CNCMode == CNC_Running || Anything_Moves();
   SetStatus(1, std::string(what) + (runs ? " while CNC running" : " while a run is paused"), 5);

@@ -20,6 +20,8 @@
 // when the drive comes back.
 #pragma once
 
+#include "core/operation.h"
+
 #include <string>
 #include <string_view>
 
@@ -51,24 +53,21 @@ void CNC_Controls_Esc();
 
 // --- For every operation that moves --------------------------------------------------------------
 // Called first. False, with a status text, while the E-stop is set, a compile runs or the drive is
-// missing; false in silence while the panel is busy. Otherwise clears what a past operation left
+// missing; false in silence while something moves. Otherwise clears what a past operation left
 // (stop request, ESC, its text).
-bool Begin_Operation();
-// The mark of such an operation (`Panel_Busy`, `Key_Busy`) until the end of the scope. At its end
-// the machine rests, so that the measured feed is 0.
-class Operation_Mark {
+bool Begin_Operation(Operation wanted);
+// Such an operation in the ledger until the end of the scope. At its end the machine rests, so that
+// the measured feed is 0.
+class Motion_Scope {
  public:
-  explicit Operation_Mark(bool& mark) : Mark(mark) { Mark = true; }
-  ~Operation_Mark();
-  Operation_Mark(const Operation_Mark&) = delete;
-  Operation_Mark& operator=(const Operation_Mark&) = delete;
+  explicit Motion_Scope(Operation what) : Entry(what) {}
+  ~Motion_Scope();
+  Motion_Scope(const Motion_Scope&) = delete;
+  Motion_Scope& operator=(const Motion_Scope&) = delete;
 
  private:
-  bool& Mark;
+  Operation_Scope Entry;
 };
-// False, with a status text, in a yield of a compile: the executing table is then still that of the
-// program before.
-bool Compile_Is_Over();
 // Another machine setup is loaded: what earlier operations left (directions, step counts, where
 // ReTool would return to, estimate) belongs to the machine before. Only while nothing moves.
 void Forget_Operations();

@@ -3,8 +3,10 @@
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/controller_state.h"
+#include "control/drive.h"
 #include "control/jog_guard.h"
 #include "control/run_plot_host.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "parallel/drive_host.h"
 
@@ -18,6 +20,7 @@ void Connect_Control() {
     CNC_Controls_Host.Set_Timer_Interval(interval_ms);
   };
   Drive_Host.Mark_Plot = [](std::string_view) { Run_Plot_Host.Mark_Rate_Error(); };
+  Operation_Host.Drive_Missing = [] { return Drive().Missing; };
   Jog_Guard_Watch_Dialogs();
 }
 

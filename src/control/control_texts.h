@@ -1,6 +1,8 @@
 // control_texts.h: what the run loop and the panel say to the operator, each text in one place.
 #pragma once
 
+#include "core/operation.h"
+
 #include <string_view>
 
 namespace norvik::control_text {
@@ -67,13 +69,11 @@ inline constexpr std::string_view Run_Without_Port =
     "it right and home the axes before the next run. Failed accesses: ";
 inline constexpr std::string_view EStop_Stays_Set =
     "The E-stop stays set until the machine stands still. Press again to enable the motors.";
-inline constexpr std::string_view Motors_Are_Disabled =
-    "Motors are disabled by the E-stop. Press MOTORS DISABLED to enable them, then try again.";
+using operation_text::Motors_Are_Disabled;
 inline constexpr std::string_view Outputs_Stay_Off =
     "No output is switched on while motors are disabled by the E-stop. Press MOTORS DISABLED to "
     "enable them, then try again.";
-inline constexpr std::string_view Compile_Runs =
-    "The program is being compiled. Wait until it is done or press ESC, then try again.";
+using operation_text::Compile_Runs;
 inline constexpr std::string_view Still_Moving =
     "The machine is still moving. Wait until it stands, then jog.";
 inline constexpr std::string_view A_Is_Slaved =
@@ -93,8 +93,7 @@ inline constexpr std::string_view Nothing_To_Estimate =
     "There is no compiled program to estimate: compile it, then try again.";
 inline constexpr std::string_view Estimate_Cut_Short =
     "The program was not compiled to its end: compile it again, then estimate.";
-inline constexpr std::string_view Goto_Needs_Stop =
-    "Goto replaces the program of the paused run. Press Stop first.";
+using operation_text::Goto_Needs_Stop;
 inline constexpr std::string_view Goto_Not_Compiled =
     "Goto: the line could not be compiled. The message list says why.";
 inline constexpr std::string_view Goto_Is_Empty =

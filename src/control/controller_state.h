@@ -1,13 +1,10 @@
 // controller_state.h: what the run loop and the panel know between two events.
 //
 // One thread: a handler that runs in a yield of a move sets flags here, the routine that yielded
-// reads them when it comes back.
+// reads them when it comes back. Which operation runs stands in the ledger (core/operation.h).
 //
 //   flag               set by                        read by             cleared by
 //   ------------------------------------------------------------------------------------------
-//   Panel_Busy         each operation of the panel   every operation     the same, at its end
-//   Controller_Active  NIST_CNC_Controller           jogs, displays      the same, at its end
-//   Program_Busy       a pass of the run loop        other windows       its end, Stop
 //   Stop_Request       CNC_Stop, a drive that        waits, Home,        start of the next
 //                      stopped                       Execute_Step,       operation, the E-stop
 //                                                    ReTool              button
@@ -28,9 +25,6 @@ namespace norvik {
 
 struct Controller_State {
   // --- Marks of the running operation -----------------------------------------------------------
-  bool Panel_Busy = false;
-  bool Controller_Active = false;
-  bool Program_Busy = false;
   bool Jog_Held = false;
 
   // --- Requests to the running operation --------------------------------------------------------
@@ -41,11 +35,10 @@ struct Controller_State {
   std::string Stop_Text;
 
   // --- Run time ---------------------------------------------------------------------------------
-  double Machine_Run_Time = 0;       // of the running or last run; pauses do not count
-  std::int64_t Run_Clock = 0;        // last reading of the monotonic clock, nanoseconds
-  std::int64_t Operation_Began = 0;  // the last run, jog, Goto or sequence; same clock
-  bool Run_Started = false;          // the pass before started the run
-  std::int32_t Steps_Executed = 0;   // of the running or last run
+  double Machine_Run_Time = 0;      // of the running or last run; pauses do not count
+  std::int64_t Run_Clock = 0;       // last reading of the monotonic clock, nanoseconds
+  bool Run_Started = false;         // the pass before started the run
+  std::int32_t Steps_Executed = 0;  // of the running or last run
 
   // --- Repeat of a step range -------------------------------------------------------------------
   std::int16_t Repeat_Count = 0;
@@ -69,8 +62,5 @@ struct Controller_State {
   std::int16_t Blink_Ticks = 0;                  // of the panel's timer
 };
 extern Controller_State Controller;
-
-// True while a move of the panel, the jog window or the run loop is going on.
-bool Anything_Moves();
 
 }  // namespace norvik

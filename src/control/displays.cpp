@@ -13,6 +13,7 @@
 #include "control/safety.h"
 #include "core/application.h"
 #include "core/format.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
 #include "parallel/step_engine.h"
@@ -43,7 +44,7 @@ std::string Padded(std::int64_t value) {
 // The total so far, with the part of the running pass that is not summed up yet.
 double Run_Time_Now() {
   double seconds = Controller.Machine_Run_Time;
-  if (Controller.Controller_Active)
+  if (Runs(Operation::Run_Loop))
     seconds += static_cast<double>(Platform.Monotonic_Clock() - Controller.Run_Clock) * 1e-9;
   return seconds;
 }
@@ -59,7 +60,7 @@ void Display_Feeds() {
   form.Label_FeedRate_Jogging.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Jogging, "#0.00");
   form.Label_Actual_IPM.Caption = Format_Number(Timing.Actual_IPM, "##.0");
   form.Label_Time_Constant.Caption = std::to_string(MachineSetup.Parallel_Time_Constant);
-  form.Command_Get_Time_Constant.Caption = Timing.Tune_Active ? "Cancel" : "Find";
+  form.Command_Get_Time_Constant.Caption = Runs(Operation::Calibration) ? "Cancel" : "Find";
 }
 
 // Once every switch is off, a switch met later tells which direction is safe.
@@ -109,7 +110,7 @@ void Fill_CNC_Axis() {
     CNC_Controls.Label_Axis_Pos[axis].Caption =
         Format_Number(Machine.Position[axis], MachineSetup.DRO_Format);
     const double to_go =
-        Step_Engine.Active ? Controller.Move_Target[axis] - Machine.Position[axis] : 0;
+        Runs(Operation::Move) ? Controller.Move_Target[axis] - Machine.Position[axis] : 0;
     CNC_Controls.Label_Axis_DTG[axis].Caption = Format_Number(to_go, "00.000000");
   }
 }
@@ -189,7 +190,7 @@ void CNC_Controls_Timer1() {
   Watch_Limits_In_Run();
   Jog_Guard_Tick();
   Latch_Limits();
-  if (Step_Engine.Active && MachineSetup.Axis_Position_Update_Disable) return;
+  if (Runs(Operation::Move) && MachineSetup.Axis_Position_Update_Disable) return;
   Fill_CNCMode();
   Fill_CNC();
   Fill_CNC_Axis();

@@ -14,6 +14,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"

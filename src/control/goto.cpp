@@ -6,7 +6,6 @@
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
-#include "control/controller_state.h"
 #include "control/displays.h"
 #include "control/execute_step.h"
 #include "control/machine_move.h"
@@ -14,6 +13,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 
@@ -63,12 +63,8 @@ void Leave_No_Pause() {
 }
 
 void Run_Goto() {
-  if (Machine.CNCMode != CNC_Stopped && !Anything_Moves()) {
-    SetStatus(1, control_text::Goto_Needs_Stop, 5);
-    return;
-  }
-  if (!Begin_Operation()) return;
-  const Operation_Mark busy(Controller.Panel_Busy);
+  if (!Begin_Operation(Operation::Goto)) return;
+  const Motion_Scope line(Operation::Goto);
   ResetRetoolDisplay();
   Resynchronise_Position();
   Trap("Command_Goto_Error", [] {

@@ -15,6 +15,7 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/numbers.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
 #include "platform/platform.h"
@@ -193,16 +194,16 @@ void Set_Axis_Position(int axis, double value) {
 }
 
 void Command_Home_Click() {
-  if (!Begin_Operation()) return;
-  const Operation_Mark busy(Controller.Panel_Busy);
+  if (!Begin_Operation(Operation::Home)) return;
+  const Motion_Scope home(Operation::Home);
   ResetRetoolDisplay();
   Machine.Jog_Stop_Request = true;
   Home_Move();
 }
 
 void Command_ReTool_Click() {
-  if (!Begin_Operation()) return;
-  const Operation_Mark busy(Controller.Panel_Busy);
+  if (!Begin_Operation(Operation::ReTool)) return;
+  const Motion_Scope retool(Operation::ReTool);
   Play_Event_Sound(sound::ReTooling);
   ResetRetoolDisplay();
   Machine.Jog_Stop_Request = true;
@@ -210,8 +211,8 @@ void Command_ReTool_Click() {
 }
 
 void Command_AutoRetool_Click(int index) {
-  if (!Begin_Operation()) return;
-  const Operation_Mark busy(Controller.Panel_Busy);
+  if (!Begin_Operation(Operation::ReTool)) return;
+  const Motion_Scope retool(Operation::ReTool);
   if (index == 0) {
     ReTool();
     Controller.Retool_Active = true;

@@ -7,6 +7,7 @@
 #include "control/joystick_jog.h"
 #include "control/panel_jog.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "platform/platform.h"
 
 #include <utility>
@@ -55,7 +56,8 @@ void Jog_Guard_Watch_Dialogs() {
 
 void Jog_Guard_Tick() {
   if (!Controller.Jog_Held) return;
-  const bool held = JogKey.Key_Busy ? Jog_Key_Still_Down() : CNC_Controls_Host.Mouse_Button_Down();
+  const bool held =
+      Runs(Operation::Key_Jog) ? Jog_Key_Still_Down() : CNC_Controls_Host.Mouse_Button_Down();
   if (!held) Jog_Guard_Window_Lost();
 }
 

@@ -7,6 +7,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "platform/platform.h"
@@ -77,8 +78,8 @@ void JogKey_Form_Unload() {
 }
 
 void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
-  if (!Begin_Jog()) return;
-  const Operation_Mark busy(JogKey.Key_Busy);
+  if (!Begin_Jog(Operation::Key_Jog)) return;
+  const Motion_Scope jog(Operation::Key_Jog);
   Trap_Jog("JogKey_Error", [&] {
     Step_Request request = Jog_Request();
     for (const auto [axis, negative] : ways) {
@@ -170,7 +171,7 @@ bool Jog_Key_Still_Down() {
 }
 
 std::int16_t Running_Jog_Divisor() {
-  return JogKey.Key_Busy ? JogKey.Jog_Divisor : std::int16_t{1};
+  return Runs(Operation::Key_Jog) ? JogKey.Jog_Divisor : std::int16_t{1};
 }
 
 }  // namespace norvik

@@ -8,7 +8,6 @@
 //   flag        set by               read by                cleared by
 //   ------------------------------------------------------------------------------------------
 //   Key_Moving  key down             key down (key repeat)  key up, focus lost
-//   Key_Busy    a jog of the window  every other operation  end of the jog
 #pragma once
 
 #include "control/form_controls.h"
@@ -45,7 +44,6 @@ extern JogKey_Host_Operations JogKey_Host;
 struct JogKey_State {
   std::int16_t Active_Key = 0;   // the key that holds the window's jog; 0: none
   bool Key_Moving = false;       // a key is held
-  bool Key_Busy = false;         // a jog of this window runs
   bool Key_Watched = false;      // the platform knows whether the key is down
   std::int16_t Jog_Divisor = 1;  // 1, 2 or 10
   Indexed<bool, 1, 4> Move_Dir;  // of the last jog of this window; true: negative

@@ -1,12 +1,12 @@
 #include "control/joystick_jog.h"
 
-#include "control/controller_state.h"
 #include "control/jog_guard.h"
 #include "control/knob.h"
 #include "control/panel_jog.h"
 #include "control/scope.h"
 #include "core/fault.h"
 #include "core/numbers.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"

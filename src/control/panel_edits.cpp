@@ -13,6 +13,7 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/numbers.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "platform/platform.h"

@@ -56,9 +56,9 @@ bool In_Single_Steps(int axis) {
 // Adds the axes of a press, then runs the jog.
 template <class Add_Axes>
 void Press(bool single, Add_Axes add_axes) {
-  if (!Begin_Jog()) return;
+  if (!Begin_Jog(Operation::Jog)) return;
   ResetRetoolDisplay();
-  const Operation_Mark busy(Controller.Panel_Busy);
+  const Motion_Scope jog(Operation::Jog);
   Trap_Jog("Jog_Error", [&] {
     Step_Request request = Jog_Request();
     add_axes(request, single ? MachineSetup.CNC_Jog_Increment : Held_Distance);
@@ -72,12 +72,12 @@ void Press(bool single, Add_Axes add_axes) {
 
 }  // namespace
 
-bool Begin_Jog() {
+bool Begin_Jog(Operation wanted) {
   if (Anything_Moves()) {
     SetStatus(1, control_text::Still_Moving, 5);
     return false;
   }
-  return Begin_Operation();
+  return Begin_Operation(wanted);
 }
 
 void Trap_Jog(std::string_view name, const std::function<void()>& jog) {

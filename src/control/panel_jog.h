@@ -17,6 +17,7 @@
 // jog_guard.h.
 #pragma once
 
+#include "core/operation.h"
 #include "parallel/step_engine.h"
 
 #include <functional>
@@ -38,7 +39,7 @@ void Release_Jog();
 
 // What jogs of the panel and of the jog window share. True when a jog may start; otherwise says in
 // panel 1 why not.
-bool Begin_Jog();
+bool Begin_Jog(Operation wanted);
 // Runs `jog`. A failure is logged under `name` and told in panel 1.
 void Trap_Jog(std::string_view name, const std::function<void()>& jog);
 // False, with a status text, for an A that follows another axis.

@@ -157,7 +157,7 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
   Machine.StartingStep = std::max(Machine.StartingStep, 1);
   Controller.Steps_Executed = 0;
   const std::int64_t failed_before = Failed_Accesses();
-  if (!Begin_Operation()) return Failed(Messages.Panel[1]);
+  if (!Begin_Operation(Operation::Run)) return Failed(Messages.Panel[1]);
   do {
     Command_CNC_Play_Click();
   } while (Machine.CNCMode == CNC_Paused && Goes_On_After_Pause(options));

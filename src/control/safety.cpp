@@ -10,6 +10,7 @@
 #include "core/error_log.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
 #include "parallel/ports.h"
@@ -43,7 +44,6 @@ void Trip() {
 
 void Clear() {
   Controller.Stop_Request = false;
-  Controller.Program_Busy = false;
   Show_EStop_Button();
 }
 

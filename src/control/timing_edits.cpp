@@ -3,10 +3,10 @@
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
-#include "control/controller_state.h"
 #include "control/displays.h"
 #include "core/application.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "parallel/system_timing.h"
 #include "parallel/timing.h"
 
@@ -39,7 +39,7 @@ void Panel_Autotune_Click() {
 }
 
 void Panel_Get_Time_Constant_Click() {
-  if (Timing.Tune_Active) {
+  if (Runs(Operation::Calibration)) {
     Application.EscFlag = true;
     return;
   }
@@ -52,7 +52,7 @@ void Panel_Get_Time_Constant_Click() {
 }
 
 void Timing_Test_Start_Click() {
-  if (Timing.Tune_Active || !May_Calibrate()) return;
+  if (Runs(Operation::Calibration) || !May_Calibrate()) return;
   System_Timing_Start_Click();
   CNC_Display();
 }

@@ -4,7 +4,7 @@
 #include "compiler/compiler_state.h"
 #include "compiler/program_check.h"
 #include "compiler/program_text.h"
-#include "control/controller_state.h"
+#include "core/operation.h"
 #include "ui/gcode_editor.h"
 #include "ui/theme.h"
 

@@ -25,6 +25,7 @@
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "parallel/drive_host.h"

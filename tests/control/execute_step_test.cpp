@@ -124,7 +124,7 @@ class Ending : public Execute_Step_Test, public ::testing::WithParamInterface<En
   void Expect_Ended() {
     EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
     EXPECT_THAT(Messages.Panel[1], HasSubstr(GetParam().Text));
-    EXPECT_FALSE(Controller.Panel_Busy || Controller.Controller_Active);
+    EXPECT_FALSE(Anything_Moves());
     Expect_Position_True();
   }
 };

@@ -26,7 +26,7 @@ TEST_F(Jog_Test, A_held_jog_runs_until_it_is_released) {
   Jog_MouseDown(2, 0);
   EXPECT_LT(At(2), -1);
   EXPECT_GT(At(2), -2);
-  EXPECT_FALSE(Controller.Panel_Busy || Controller.Jog_Held);
+  EXPECT_FALSE(Anything_Moves() || Controller.Jog_Held);
   EXPECT_TRUE(Controller.Jog_Dir[2]);
   EXPECT_EQ(Messages.Panel[1], "");
   EXPECT_TRUE(Machine.Jog_Stop_Request);
@@ -188,7 +188,7 @@ TEST_F(Jog_Test, Keys_move_as_the_table_says) {
       const int sign = moved > 0 ? 1 : moved < 0 ? -1 : 0;
       EXPECT_EQ(sign, row.Signs[static_cast<std::size_t>(axis - 1)]) << row.Key << " axis " << axis;
     }
-    EXPECT_FALSE(JogKey.Key_Moving || JogKey.Key_Busy);
+    EXPECT_FALSE(JogKey.Key_Moving || Runs(Operation::Key_Jog));
   }
   Expect_Position_True();
 }
@@ -477,7 +477,7 @@ TEST_F(Jog_Test, No_dialog_opens_between_the_moves_of_an_operation_but_any_in_a_
   Load({{1, 0.1}, {2, {}, {}, {}, {}, 2}, {3, {}, {}, {}, {}, -1}, {4, 0}});
   bool asked = false;
   scripted.On_Yield = [&] {
-    if (Step_Engine.Active || Machine.Run_Step != 2 || std::exchange(asked, true)) return;
+    if (Runs(Operation::Move) || Machine.Run_Step != 2 || std::exchange(asked, true)) return;
     open_all();
     EXPECT_EQ(Messages.Panel[1], control_text::Not_While_Moving);
     EXPECT_EQ(Messages.MessageLog[0], control_text::Not_While_Moving);

@@ -295,7 +295,7 @@ TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
 TEST_F(Text_Test, An_estimate_waits_while_something_moves) {
   SaveChanges("G1 X1 F60\n");
   scripted.On_Yield = [done = false]() mutable {
-    if (done || !Step_Engine.Active) return;
+    if (done || !Runs(Operation::Move)) return;
     done = true;
     Command_Estimate_Process_Time_Click();
   };

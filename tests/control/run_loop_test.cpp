@@ -34,7 +34,7 @@ TEST_F(Run_Loop_Test, Play_runs_every_step_once_and_shows_the_run_time) {
   EXPECT_EQ(Messages.Panel[1], "Machine Run Time: 00:00:01");
   EXPECT_NEAR(Controller.Machine_Run_Time, 1.25, 0.01);
   EXPECT_THAT(scripted.Sounds, ElementsAre("0", "7"));
-  EXPECT_FALSE(Controller.Panel_Busy || Controller.Program_Busy || Controller.Controller_Active);
+  EXPECT_FALSE(Anything_Moves());
   EXPECT_TRUE(CNC_Controls.Text_StartingStep.Enabled);
   Expect_Position_True();
 }

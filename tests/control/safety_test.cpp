@@ -233,7 +233,7 @@ TEST_F(Safety_Test, The_panel_shows_step_timer_and_positions) {
   std::vector<std::string> steps, to_go;
   scripted.On_Yield = [&] {
     CNC_Controls_Timer1();
-    if (!Step_Engine.Active) return;
+    if (!Runs(Operation::Move)) return;
     steps.push_back(CNC_Controls.Label_CNC_Step.Caption);
     to_go.push_back(CNC_Controls.Label_Axis_DTG[1].Caption);
   };

@@ -249,7 +249,7 @@ TEST_F(Stops_Test, Motion_is_refused_in_words_in_a_yield_of_a_compile) {
       request();
       EXPECT_EQ(Messages.Panel[1], control_text::Compile_Runs);
     };
-    if (!Compile_Status.CompileRunning || std::exchange(asked, true)) return;
+    if (!Program_Is_Held() || std::exchange(asked, true)) return;
     for (const auto& request : Motion_Requests) ask(request);
     ask(Panel_Get_Time_Constant_Click);
     ask(Timing_Test_Start_Click);
