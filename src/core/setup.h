@@ -174,6 +174,17 @@ struct Machine_Setup {
 
   // --- Sounds ----------------------------------------------------------------------------------
   Indexed<std::string, 0, 10> Sound_Files;
+
+  // --- Corrections -----------------------------------------------------------------------------
+  // Each changes one behaviour that can hurt; a fresh machine file has all of them off. What each
+  // changes says its row of the settings table.
+  bool Run_In_Table_Order = false;
+  std::int32_t Limit_Filter_Steps = 0;  // half steps; 0: off
+  bool Home_Needs_Switch = false;
+  bool Port_Shadow = false;
+  bool Outputs_Before_Dwell = false;
+  bool Slow_Before_Stops = false;
+  bool Goto_From_Position = false;
 };
 extern Machine_Setup MachineSetup;
 

@@ -91,14 +91,15 @@ Row_Builder Family(std::string_view section, std::string_view key) {
 using Setup_Row_List = std::vector<Setup_Row>;
 
 // The groups, in the order of the load.
-Setup_Row_List General_Rows();   // General head, tools, macros, Goto, scales, log
-Setup_Row_List Axis_Rows();      // Axis, tool heights, throttle, displays
-Setup_Row_List Input_Rows();     // jog, keys, joystick, priority
-Setup_Row_List Parallel_Rows();  // parallel port
-Setup_Row_List Board_Rows();     // serial boards
-Setup_Row_List Plot_Rows();      // colours, arcs, plot, offsets
-Setup_Row_List Drawing_Rows();   // DXF, HPGL, Gerber
-Setup_Row_List GCode_Rows();     // arc centres, insertions, Excellon, scales
-Setup_Row_List Bitmap_Rows();    // pictures, sounds
+Setup_Row_List General_Rows();     // General head, tools, macros, Goto, scales, log
+Setup_Row_List Axis_Rows();        // Axis, tool heights, throttle, displays
+Setup_Row_List Input_Rows();       // jog, keys, joystick, priority
+Setup_Row_List Parallel_Rows();    // parallel port
+Setup_Row_List Board_Rows();       // serial boards
+Setup_Row_List Plot_Rows();        // colours, arcs, plot, offsets
+Setup_Row_List Drawing_Rows();     // DXF, HPGL, Gerber
+Setup_Row_List GCode_Rows();       // arc centres, insertions, Excellon, scales
+Setup_Row_List Bitmap_Rows();      // pictures, sounds
+Setup_Row_List Correction_Rows();  // corrections
 
 }  // namespace norvik

@@ -16,7 +16,7 @@ std::span<const Setup_Row> Setup_Rows() {
   static const Setup_Row_List rows = [] {
     Setup_Row_List all;
     for (const auto group : {General_Rows, Axis_Rows, Input_Rows, Parallel_Rows, Board_Rows,
-                             Plot_Rows, Drawing_Rows, GCode_Rows, Bitmap_Rows}) {
+                             Plot_Rows, Drawing_Rows, GCode_Rows, Bitmap_Rows, Correction_Rows}) {
       const Setup_Row_List part = group();
       all.insert(all.end(), part.begin(), part.end());
     }

@@ -66,6 +66,7 @@ enum class Save_Place {
   Goto,
   GCode_Scales,
   Sounds,
+  Corrections,
   Nowhere,
 };
 

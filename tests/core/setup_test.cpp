@@ -80,7 +80,8 @@ TEST_F(Setup_Test, Table_Has_Each_Key_Once) {
                                             {"GERBER_INFO", 10},
                                             {"EXCELLON", 6},
                                             {"BITMAP", 13},
-                                            {"SOUNDS", 11}};
+                                            {"SOUNDS", 11},
+                                            {"CORRECTIONS", 7}};
   EXPECT_EQ(counts, expected);
 }
 
@@ -239,7 +240,10 @@ TEST_F(Setup_Test, Save_Keeps_The_Order_Told_And_Foreign_Lines) {
         "[Keyboard]",
         "[Joystick]",
         "[Macros]\r\nMacroFile0=",
-        "[Sounds]\r\nSound_Files_0="}) {
+        "[Sounds]\r\nSound_Files_0=",
+        "[Corrections]\r\nRun_In_Table_Order=False\r\nLimit_Filter_Steps=0\r\n"
+        "Home_Needs_Switch=False\r\nPort_Shadow=False\r\nOutputs_Before_Dwell=False\r\n"
+        "Slow_Before_Stops=False\r\nGoto_From_Position=False\r\n"}) {
     const auto found = fresh.find(line, place);
     ASSERT_NE(found, std::string::npos) << line;
     place = found;
@@ -399,6 +403,29 @@ TEST_F(Setup_Test, Factory_Reset_Reads_No_Key) {
   EXPECT_TRUE(scripted.Boxes.empty());  // empty keys are no damage
   ASSERT_TRUE(SaveMachineSetup());
   EXPECT_EQ(Stored("General", "Arc_Resolution"), "180");
+}
+
+// A machine file from before the corrections, a fresh one and a factory reset have none on.
+TEST_F(Setup_Test, Corrections_Are_Off_Until_Switched_On) {
+  const auto on = [] {
+    std::string keys;
+    for (const Setup_Row& row : Setup_Rows()) {
+      if (row.Section != "Corrections") continue;
+      const std::string text = Setup_Text(row, 0);
+      if (text != "False" && text != "0") keys += row.Key;
+    }
+    return keys;
+  };
+  Write_Machine_File("[Corrections]\nRun_In_Table_Order=True\nLimit_Filter_Steps=40\n");
+  LoadMachineSetup();
+  EXPECT_TRUE(MachineSetup.Run_In_Table_Order);
+  EXPECT_EQ(MachineSetup.Limit_Filter_Steps, 40);
+  Write_Machine_File("[Axis]\nAxis_SPI_1=100\n");
+  LoadMachineSetup();
+  EXPECT_EQ(on(), "");
+  MachineSetup.Home_Needs_Switch = true;
+  Restore_Factory_Setup();
+  EXPECT_EQ(on(), "");
 }
 
 TEST_F(Setup_Test, Machine_Name_Goes_Through_The_Pointer_File) {

@@ -1,0 +1,51 @@
+// The rows of section Corrections: each says what the machine does as long as it is off, and what
+// it does instead when it is on. All are off until an operator switches them on.
+#include "core/setup_rows.h"
+
+namespace norvik {
+
+namespace {
+
+using M = Machine_Setup;
+constexpr std::string_view Section = "Corrections";
+
+template <auto Member>
+Row_Builder Correction(std::string_view key) {
+  return Key<Member>(Section, key).Saved(Save_Place::Corrections);
+}
+
+}  // namespace
+
+Setup_Row_List Correction_Rows() {
+  return {
+      Correction<&M::Run_In_Table_Order>("Run_In_Table_Order")
+          .Says("Off: a step runs all rows of its line number at once, so the passes of a repeated "
+                "line follow each other. On: the run takes the rows in the order of the table, as "
+                "the plot draws them."),
+      Correction<&M::Limit_Filter_Steps>("Limit_Filter_Steps")
+          .Plain("0")
+          .In("half steps")
+          .Between(0, 100'000)
+          .Says("0: a limit switch counts as left as soon as it reads off once, so that a switch "
+                "that bounces turns the free side round. Above 0: it counts as left when it has "
+                "read off for so many half steps."),
+      Correction<&M::Home_Needs_Switch>("Home_Needs_Switch")
+          .Says("Off: homing that never meets its switch still sets the position at the end of "
+                "the way. On: homing ends there with a message and sets no position."),
+      Correction<&M::Port_Shadow>("Port_Shadow")
+          .Says("Off: each write to the parallel port starts from what the port reads back. On: it "
+                "starts from the byte written last, for ports that can't be read back."),
+      Correction<&M::Outputs_Before_Dwell>("Outputs_Before_Dwell")
+          .Says("Off: a dwell in the same block as M or S words comes before them. On: outputs and "
+                "spindle speed come before the dwell."),
+      Correction<&M::Slow_Before_Stops>("Slow_Before_Stops")
+          .Says(
+              "Off: a move in front of a dwell, a pause or a wait for an input ends at full feed. "
+              "On: it ramps down to the ramp's start speed."),
+      Correction<&M::Goto_From_Position>("Goto_From_Position")
+          .Says("Off: a Goto line with G91 counts from zero. On: it counts from where the machine "
+                "is."),
+  };
+}
+
+}  // namespace norvik
