@@ -3,7 +3,7 @@
 #include "app/bitmap_form.h"
 #include "app/gcode_file.h"
 #include "app/main_form.h"
-#include "control/cnc_controller.h"
+#include "control/motion/motion.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/operation.h"

@@ -1,6 +1,5 @@
 #include "app/yield_watch.h"
 
-#include "control/cnc_controller.h"
 #include "core/operation.h"
 #include "platform/platform.h"
 

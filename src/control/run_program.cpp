@@ -4,17 +4,20 @@
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
 #include "compiler/program_wire.h"
-#include "control/cnc_controller.h"
-#include "control/control_texts.h"
-#include "control/controller_state.h"
-#include "control/displays.h"
-#include "control/machine_move.h"
-#include "control/scope.h"
-#include "control/waits.h"
+#include "control/displays/displays.h"
+#include "control/motion/machine_move.h"
+#include "control/motion/motion.h"
+#include "control/motion/waits.h"
+#include "control/panel.h"
+#include "control/run/cnc_controller.h"
+#include "control/state/control_texts.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
+#include "core/operation.h"
+#include "core/scope.h"
 #include "core/setup.h"
 #include "core/waiting.h"
 #include "parallel/ports.h"
@@ -28,7 +31,7 @@ namespace {
 
 constexpr int Panel_Interval_ms = 250;
 
-// The panel's timer for as long as the run lasts: it watches switches and E-stop in every yield.
+// The panel's timer for as long as the run lasts.
 class Panel_Timer {
  public:
   explicit Panel_Timer(const Run_Options& options)

@@ -1,7 +1,8 @@
 #include "ui/jog_table_window.h"
 
 #include "app/setup_apply.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/jog_key.h"
+#include "control/manual/table_setup_keys.h"
 #include "ui/jog_key_test.h"
 #include "ui/key_names.h"
 #include "ui/theme.h"

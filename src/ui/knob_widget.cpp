@@ -1,7 +1,7 @@
 #include "ui/knob_widget.h"
 
-#include "control/cnc_controls_form.h"
-#include "control/knob.h"
+#include "control/manual/knob.h"
+#include "control/state/cnc_controls_form.h"
 #include "ui/theme.h"
 
 #include <algorithm>

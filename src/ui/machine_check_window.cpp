@@ -1,6 +1,6 @@
 #include "ui/machine_check_window.h"
 
-#include "control/machine_check.h"
+#include "control/safety/machine_check.h"
 #include "ui/theme.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "ui/system_timing_window.h"
 
-#include "control/timing_edits.h"
+#include "control/manual/timing_edits.h"
 #include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/system_timing.h"

@@ -11,7 +11,7 @@
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
 #include "compiler/program_wire.h"
-#include "control/controller_state.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"

@@ -78,6 +78,11 @@ void Control_Test::Set_Up_Machine() {
   Machine.EndingStep = 0;
 }
 
+void Control_Test::Tick() {
+  Watch_Machine();
+  CNC_Controls_Timer1();
+}
+
 void Control_Test::Wire_Output(int slot, std::int32_t port, int bit) {
   MachineSetup.Output_Port[slot] = port;
   MachineSetup.Parallel_Output_Bit[slot] = std::to_string(bit);

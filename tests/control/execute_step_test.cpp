@@ -1,7 +1,7 @@
 // What one step does: waits, dwells, repeats, outputs, and where it ends early.
-#include "control/execute_step.h"
+#include "control/run/execute_step.h"
 
-#include "control/safety.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 namespace norvik {

@@ -1,5 +1,5 @@
 // Goto: its memories and the line that it executes.
-#include "control/goto.h"
+#include "control/run/goto.h"
 
 #include "control_fixture.h"
 

@@ -1,8 +1,8 @@
 // Home, ReTool and the way back, on the switches of the simulated machine.
-#include "control/home.h"
+#include "control/manual/home.h"
 
-#include "control/panel_edits.h"
-#include "control/safety.h"
+#include "control/manual/panel_edits.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 namespace norvik {

@@ -1,9 +1,9 @@
 // Jogs: panel buttons, keys, joystick, and everything that ends a held one.
-#include "control/jog_guard.h"
-#include "control/panel_edits.h"
-#include "control/panel_jog.h"
-#include "control/safety.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/jog_guard.h"
+#include "control/manual/panel_edits.h"
+#include "control/manual/panel_jog.h"
+#include "control/manual/table_setup_keys.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 namespace norvik {
@@ -159,7 +159,7 @@ const Guard_Row Guard_Rows[] = {
     {"no_button_down",
      [] {
        CNC_Controls_Host.Mouse_Button_Down = [] { return false; };
-       CNC_Controls_Timer1();
+       Tick();
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Guard, ::testing::ValuesIn(Guard_Rows),

@@ -1,7 +1,7 @@
 // The run loop: states, order of steps, and what it leaves behind.
-#include "control/goto.h"
-#include "control/home.h"
-#include "control/panel_jog.h"
+#include "control/manual/home.h"
+#include "control/manual/panel_jog.h"
+#include "control/run/goto.h"
 #include "control/run_program.h"
 #include "control_fixture.h"
 

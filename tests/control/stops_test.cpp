@@ -1,10 +1,10 @@
 // Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
 #include "compiler/compile.h"
-#include "control/goto.h"
-#include "control/home.h"
-#include "control/panel_jog.h"
-#include "control/safety.h"
-#include "control/timing_edits.h"
+#include "control/manual/home.h"
+#include "control/manual/panel_jog.h"
+#include "control/manual/timing_edits.h"
+#include "control/run/goto.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 #include <random>

@@ -1,6 +1,5 @@
 // The panel, the jog window and the port display: what ticks, what a hand moves, what ends it.
-#include "control/displays.h"
-#include "control/knob.h"
+#include "control/manual/knob.h"
 #include "core/operation.h"
 #include "ui_fixture.h"
 

@@ -1,6 +1,6 @@
 // The windows of the menu Machine and the group Timing: calibrating, wiring, looking, assigning.
-#include "control/machine_check.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/table_setup_keys.h"
+#include "control/safety/machine_check.h"
 #include "core/operation.h"
 #include "parallel/pin_map.h"
 #include "parallel/port_setup.h"

@@ -1,0 +1,231 @@
+#include "control/run/cnc_controller.h"
+
+#include "compiler/compiler_state.h"
+#include "compiler/program_text.h"
+#include "compiler/program_wire.h"
+#include "control/displays/displays.h"
+#include "control/manual/home.h"
+#include "control/motion/machine_move.h"
+#include "control/motion/motion.h"
+#include "control/run/execute_step.h"
+#include "control/safety/safety.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
+#include "control/state/controller_state.h"
+#include "control/state/drive.h"
+#include "control/state/run_plot_host.h"
+#include "core/application.h"
+#include "core/event_sounds.h"
+#include "core/messages.h"
+#include "core/operation.h"
+#include "core/scope.h"
+#include "core/setup.h"
+#include "parallel/timing.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+
+namespace norvik {
+
+namespace {
+
+void Add_Elapsed_Time() {
+  const std::int64_t now = Platform.Monotonic_Clock();
+  Controller.Machine_Run_Time += static_cast<double>(now - Controller.Run_Clock) * 1e-9;
+  Controller.Run_Clock = now;
+}
+
+void Enable_Step_Range(bool enabled) {
+  CNC_Controls.Text_StartingStep.Enabled = enabled;
+  CNC_Controls.Text_EndingStep.Enabled = enabled;
+}
+
+// A compile leaves 0 as the starting step; steps count from 1.
+std::int32_t First_Step() {
+  return std::max(Machine.StartingStep, 1);
+}
+
+// A request of CNC_Retool: the sequence, then motors off until the operator enables them again.
+// Taken back first: a Stop in a yield of the sequence enters the loop again.
+void Serve_Retool_Request() {
+  Controller.Retool_Request = false;
+  ReTool();
+  Engage_EStop_State();
+}
+
+// What stands before a pass. False when the loop must be left.
+bool May_Run() {
+  if (Machine.EStop_Flag || Application.Closing_Program) return false;
+  if (Controller.Retool_Request) Serve_Retool_Request();
+  if (Machine.CNCMode == CNC_Paused) Timing.Actual_IPM = 0;
+  return Machine.CNCMode > CNC_Paused && !Application.Closing_Program;
+}
+
+void Begin_Run_If_At_Start() {
+  if (Machine.Run_Step != First_Step() || Controller.Run_Started) {
+    Controller.Run_Started = false;
+    return;
+  }
+  Controller.Run_Started = true;
+  Controller.Run_Clock = Platform.Monotonic_Clock();
+  Controller.Machine_Run_Time = 0;
+  Controller.Steps_Executed = 0;
+  SetStatus(1, "", -1);
+  if (MachineSetup.Plot_FastDraw == 1) Run_Plot_Host.Refresh();
+}
+
+// A wire asked for a pause, or the operator did.
+void Announce_Pause() {
+  CNC_Pause();
+  SetStatus(1, control_text::Paused_For_Retooling, 5);
+  Play_Event_Sound(sound::Pause);
+}
+
+void End_Run() {
+  Machine.CNCMode = CNC_Stopped;
+  CNCMode_Display();
+  SetStatus(1,
+            std::string(control_text::Machine_Run_Time) +
+                Convert_Process_Time(Controller.Machine_Run_Time),
+            -1);
+  Play_Event_Sound(sound::Motion_Finished);
+}
+
+// One step. False when the loop must be left.
+bool Run_Pass() {
+  Machine.Run_Step = std::max(Machine.Run_Step, First_Step());
+  Enable_Step_Range(false);
+  Begin_Run_If_At_Start();
+  std::int32_t step = Machine.Run_Step;
+  const bool whole = Execute_Step(step, Move_And_Draw);
+  Add_Elapsed_Time();
+  if (!whole && Machine.CNCMode != CNC_Stopped) CNC_Stop();
+  if (Machine.CNCMode == CNC_Stopped) return false;
+  ++Controller.Steps_Executed;
+  if (Machine.CNCMode == CNC_Paused) Announce_Pause();
+  if (step >= Machine.EndingStep) {
+    End_Run();
+    return false;
+  }
+  Machine.Run_Step = step + 1;
+  return Machine.CNCMode == CNC_Running;
+}
+
+// Why the executing table is not to be run, in the operator's words; empty: it may.
+std::string_view Unfit_To_Run() {
+  const bool other = Program_Wire.Standing == Wire_Standing::Another_Program;
+  if (GCodeLineCount() == 0 && (other || Program_Wire.Count() == 0))
+    return control_text::No_Program;
+  if (Program_Wire.Standing == Wire_Standing::Cut_Short) return control_text::Program_Cut_Short;
+  if (other) return control_text::Program_Not_Compiled;
+  return Program_Wire.Of_Goto ? control_text::Program_Behind_Goto : std::string_view();
+}
+
+// Play and Step up to the loop. False when there is nothing to run.
+bool Prepare_Run(Operation wanted) {
+  if (!Begin_Operation(wanted)) return false;
+  if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
+    SetStatus(1, why_not, 10);
+    return false;
+  }
+  Drive().Refresh_Parameters();
+  if (Machine.Run_Step > Machine.EndingStep)
+    Machine.Run_Step = 1;
+  else if (Machine.CNCMode == CNC_Stopped)
+    Machine.Run_Step = First_Step();
+  Resynchronise_Position();
+  return true;
+}
+
+void Run_In_Mode(std::int16_t mode) {
+  const Motion_Scope run(mode == CNC_Stepped ? Operation::Step : Operation::Run);
+  Machine.CNCMode = mode;
+  CNCMode_Display();
+  Controller.Run_Clock = Platform.Monotonic_Clock();
+  NIST_CNC_Controller();
+  CNC_Display();
+  Announce_End();
+}
+
+// The button was heard, although the machine still moves.
+void Tell_What_Ends_First() {
+  if (Runs(Operation::Move)) SetStatus(1, control_text::Move_Ends_First, 5);
+}
+
+}  // namespace
+
+void NIST_CNC_Controller() {
+  {
+    const Operation_Scope loop(Operation::Run_Loop);
+    while (May_Run() && Run_Pass()) continue;
+  }
+  if (Machine.CNCMode == CNC_Stopped || Machine.EStop_Flag) Settle_Stopped();
+  // The inner call of a yield leaves the marks to the outer one.
+  if (Runs(Operation::Run_Loop)) return;
+  Enable_Step_Range(true);
+}
+
+void CNC_Pause() {
+  Machine.CNCMode = CNC_Paused;
+  CNCMode_Display();
+  NIST_CNC_Controller();
+}
+
+void CNC_Step() {
+  if (!Prepare_Run(Operation::Step)) return;
+  Run_In_Mode(CNC_Stepped);
+}
+
+void CNC_Play() {
+  if (!Prepare_Run(Operation::Run)) return;
+  SetStatus(1, "", -1);
+  Run_In_Mode(CNC_Running);
+}
+
+void CNC_Retool() {
+  if (!Begin_Operation(Operation::ReTool)) return;
+  const Motion_Scope retool(Operation::ReTool);
+  Controller.Retool_Request = true;
+  NIST_CNC_Controller();
+}
+
+void Command_CNC_Play_Click() {
+  if (Anything_Moves()) return;
+  Controller.From_Rest = true;
+  ResetRetoolDisplay();
+  Play_Event_Sound(sound::Play);
+  CNC_Play();
+  DoEvents();
+}
+
+void Command_CNC_Step_Click() {
+  if (Anything_Moves()) return;
+  Controller.From_Rest = true;
+  ResetRetoolDisplay();
+  Play_Event_Sound(sound::Step);
+  CNC_Step();
+  DoEvents();
+}
+
+void Command_CNC_Pause_Click() {
+  if (Machine.CNCMode == CNC_Stopped && Anything_Moves()) {
+    SetStatus(1, control_text::No_Run_To_Pause, 5);
+    return;
+  }
+  if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over
+  Play_Event_Sound(sound::Pause);
+  CNC_Pause();
+  Tell_What_Ends_First();
+}
+
+void Command_CNC_Stop_Click() {
+  Play_Event_Sound(sound::Stopped);
+  CNC_Stop();
+  Tell_What_Ends_First();
+}
+
+void CNC_Controls_Esc() {
+  if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
+}
+
+}  // namespace norvik
