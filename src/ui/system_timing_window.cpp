@@ -128,12 +128,12 @@ void System_Timing_Window::Show_Form() {
   Result->setText(QString::fromStdString(form.Label_Result));
   Start_Button->setText(QString::fromStdString(form.Command_Start));
   Cancel_Button->setText(QString::fromStdString(form.Command_Cancel));
-  Start_Button->setEnabled(!Runs(Operation::Calibration));
-  Feed->setEnabled(!Runs(Operation::Calibration));
+  Start_Button->setEnabled(!norvik::Runs(Operation::Calibration));
+  Feed->setEnabled(!norvik::Runs(Operation::Calibration));
 }
 
 void System_Timing_Window::hideEvent(QHideEvent* event) {
-  if (Runs && Runs(Operation::Calibration) && !event->spontaneous()) System_Timing_Cancel_Click();
+  if (Runs && norvik::Runs(Operation::Calibration) && !event->spontaneous()) System_Timing_Cancel_Click();
   QWidget::hideEvent(event);
 }
 
