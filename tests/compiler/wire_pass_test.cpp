@@ -1,7 +1,7 @@
 // Records to wires: controls copied, lines emitted, arcs as runs of one record's wires.
-#include "compiler/wire_pass.h"
+#include "compiler/wires/wire_pass.h"
 
-#include "compiler/compiler_state.h"
+#include "compiler/state/compiler_state.h"
 #include "core/application.h"
 #include "core/setup.h"
 
