@@ -2,6 +2,7 @@
 #include "compiler/wires/wire_pass.h"
 
 #include "compiler/state/compiler_state.h"
+#include "compiler/state/wire_table.h"
 #include "core/application.h"
 #include "core/setup.h"
 
