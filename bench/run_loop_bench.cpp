@@ -8,13 +8,13 @@
 //                                               microseconds: median and worst of the rounds
 //
 // The trace of the moves is off, as in an estimate, except where its name says otherwise.
-#include "compiler/program_wire.h"
-#include "control/connect.h"
+#include "compiler/tables/program_wire.h"
 #include "control/manual/panel_jog.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
+#include "control/panel/connect.h"
+#include "control/panel/run_program.h"
 #include "control/run/cnc_controller.h"
-#include "control/run_program.h"
 #include "control/safety/safety.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"

@@ -1,11 +1,11 @@
 // The commands `run` and `estimate`.
 #include "app/drive_session.h"
 #include "cli/companion.h"
-#include "control/connect.h"
 #include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/waits.h"
-#include "control/run_program.h"
+#include "control/panel/connect.h"
+#include "control/panel/run_program.h"
 #include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"

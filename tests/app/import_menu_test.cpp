@@ -6,7 +6,8 @@
 #include "app/bitmap_form.h"
 #include "app/shutdown.h"
 #include "core/operation.h"
-#include "import/import_report.h"
+#include "import/gerber/layers.h"
+#include "import/pipeline/report.h"
 
 namespace norvik {
 namespace {

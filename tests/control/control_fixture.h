@@ -8,17 +8,17 @@
 // switches them on.
 #pragma once
 
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
-#include "compiler/program_wire.h"
-#include "control/connect.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
 #include "control/manual/jog_key.h"
 #include "control/manual/joystick_jog.h"
 #include "control/manual/knob.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
-#include "control/panel.h"
+#include "control/panel/connect.h"
+#include "control/panel/panel.h"
 #include "control/run/cnc_controller.h"
 #include "control/safety/safety.h"
 #include "control/state/cnc_controls_form.h"

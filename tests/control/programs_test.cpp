@@ -1,8 +1,8 @@
 // Whole programs: where they end, how long they take, and what a kill leaves behind.
 #include "control/manual/home.h"
 #include "control/motion/waits.h"
+#include "control/panel/run_program.h"
 #include "control/run/estimate.h"
-#include "control/run_program.h"
 #include "control_fixture.h"
 #include "simulate/virtual_clock.h"
 

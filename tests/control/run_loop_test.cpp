@@ -1,8 +1,8 @@
 // The run loop: states, order of steps, and what it leaves behind.
 #include "control/manual/home.h"
 #include "control/manual/panel_jog.h"
+#include "control/panel/run_program.h"
 #include "control/run/goto.h"
-#include "control/run_program.h"
 #include "control_fixture.h"
 
 namespace norvik {

@@ -1,5 +1,5 @@
 // Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
-#include "compiler/compile.h"
+#include "compiler/compile/compile.h"
 #include "control/manual/home.h"
 #include "control/manual/panel_jog.h"
 #include "control/manual/timing_edits.h"

@@ -3,8 +3,8 @@
 #include "app/import_menu.h"
 #include "core/operation.h"
 #include "core/remembered_files.h"
-#include "import/dxf_layers.h"
-#include "import/import_report.h"
+#include "import/dxf/layers.h"
+#include "import/pipeline/report.h"
 #include "ui_fixture.h"
 
 #include <filesystem>

@@ -4,7 +4,7 @@
 #include "core/format.h"
 #include "core/operation.h"
 #include "core/version.h"
-#include "ui/gcode_editor.h"
+#include "ui/program/gcode_editor.h"
 #include "ui_fixture.h"
 
 #include <QClipboard>

@@ -1,6 +1,6 @@
 #include "control/manual/panel_edits.h"
 
-#include "compiler/program_text.h"
+#include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
 #include "control/manual/home.h"
 #include "control/manual/jog_key.h"

@@ -1,5 +1,6 @@
 #include "control/manual/table_setup_keys.h"
 
+#include "control/manual/jog_key.h"
 #include "control/manual/joystick_jog.h"
 #include "core/fault.h"
 #include "core/numbers.h"

@@ -4,6 +4,7 @@
 // The page edits texts; they become the tables of `MachineSetup` when the options are applied.
 #pragma once
 
+#include "control/manual/jog_key.h"
 #include "control/state/form_controls.h"
 #include "core/indexed.h"
 

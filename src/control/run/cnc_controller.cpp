@@ -1,8 +1,8 @@
 #include "control/run/cnc_controller.h"
 
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
-#include "compiler/program_wire.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
 #include "control/manual/home.h"
 #include "control/motion/machine_move.h"

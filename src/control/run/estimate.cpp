@@ -1,9 +1,9 @@
 #include "control/run/estimate.h"
 
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_wire.h"
-#include "compiler/tables_io.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/tables/tables_io.h"
 #include "control/displays/displays.h"
 #include "control/motion/motion.h"
 #include "control/state/control_texts.h"

@@ -1,6 +1,6 @@
 #include "control/run/execute_step.h"
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
 #include "control/motion/waits.h"

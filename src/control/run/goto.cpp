@@ -1,8 +1,8 @@
 #include "control/run/goto.h"
 
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_wire.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
 #include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
