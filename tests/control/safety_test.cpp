@@ -175,6 +175,36 @@ TEST_F(Safety_Test, While_the_EStop_is_set_an_output_goes_off_but_not_on) {
   EXPECT_FALSE(Simulated_Machine.Outputs[2].On);
 }
 
+TEST_F(Safety_Test, With_its_key_the_EStop_input_takes_the_outputs_off_and_keeps_them_off) {
+  for (const bool key : {false, true}) {
+    MachineSetup.E_Stop_Output_Disable = key;
+    Force_Input(EStop_Input, Input_Force::Automatic);
+    CNC_Controls.Check_Outputs[2].Value = true;
+    Toggle_Outputs(2);
+    ASSERT_TRUE(Pins.Output_Commanded[3]);
+    Force_Input(EStop_Input, Input_Force::On);
+    Tick();  // at rest
+    EXPECT_EQ(Pins.Output_Commanded[3], !key);
+    EXPECT_EQ(CNC_Controls.Check_Outputs[2].Value, !key);
+
+    CNC_Controls.Check_Outputs[3].Value = true;
+    Toggle_Outputs(3);
+    EXPECT_EQ(Pins.Output_Commanded[4], !key);
+    if (key) EXPECT_EQ(Messages.Panel[1], control_text::Outputs_Wait_For_Input);
+  }
+}
+
+TEST_F(Safety_Test, The_EStop_input_takes_the_outputs_off_when_it_ends_a_move) {
+  MachineSetup.E_Stop_Output_Disable = true;
+  CNC_Controls.Check_Outputs[0].Value = true;
+  Toggle_Outputs(0);
+  Load({{1, 0.5}});
+  At_Half_Step(50, [] { Force_Input(EStop_Input, Input_Force::On); });
+  Command_CNC_Play_Click();
+  EXPECT_LT(Machine.Position[1], 0.5);
+  EXPECT_FALSE(Pins.Output_Commanded[1]);
+}
+
 TEST_F(Safety_Test, Without_limit_switches_the_spindle_label_still_follows_the_read_back) {
   MachineSetup.LimitSwitchDisable = 1;
   Force_Input(2, Input_Force::On);

@@ -164,6 +164,8 @@ bool GCode_Compile_All() {
   Machine.StartingStep = 0;
   Compile_Status.CurrentStep = Machine.StartingStep;
   AddMessage("Compiling GCode");
+  if (Compile_Status.Cut_Short)
+    AddMessage("The compile was cut short: the plot shows a part. Compile again before a run.");
   return whole;
 }
 

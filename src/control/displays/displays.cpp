@@ -67,15 +67,61 @@ void Blink_Retool() {
       Red_When(Controller.Retool_Active && Controller.Blink_Ticks < period / 2);
 }
 
+// About how long the running move still takes at the feed it was asked for.
+double Move_Seconds_Left() {
+  double steps = 0;
+  for (int axis = 1; axis <= 4; ++axis) {
+    const double way = std::abs(Controller.Move_Target[axis] - Machine.Position[axis]);
+    steps = std::max(steps, way * MachineSetup.Axis_SPI[axis]);
+  }
+  const double feed = double{Controller.Live_Feed} * Timing.Feed_Override;
+  const double steps_a_second = feed * MachineSetup.Axis_SPI[1] / 60;
+  return steps_a_second > 0 ? steps / steps_a_second : 0;
+}
+
+// What a run does that the operator has asked to end, or waits for.
+std::string Run_Activity() {
+  const bool stops = Machine.CNCMode == CNC_Stopped, pauses = Machine.CNCMode == CNC_Paused;
+  if (!stops && !pauses) return {};
+  std::string text = stops ? "stopping" : "pausing";
+  if (!Runs(Operation::Move)) return text;
+  return text + ": ends with this move, " + Format_Number(Move_Seconds_Left(), "0.0") + " s";
+}
+
+// What the machine really does, beside the state that the mode names; empty: nothing to add.
+std::string Activity_Text() {
+  if (!Anything_Moves()) return {};
+  const Operation_Entry& entry = *Present_Operation();
+  switch (entry.What) {
+    case Operation::Run:
+    case Operation::Step:
+      return Run_Activity();
+    case Operation::Jog:
+    case Operation::Key_Jog:
+      return "jog " + entry.Detail;
+    case Operation::Home:
+      return entry.Detail.empty() ? "homing" : "homing " + entry.Detail;
+    case Operation::ReTool:
+      return "ReTool: " + entry.Detail;
+    case Operation::Goto:
+      return "Goto";
+    case Operation::Calibration:
+      return "finding the time constant";
+    default:
+      return {};
+  }
+}
+
 void Fill_CNCMode() {
   const auto mode = std::clamp<int>(Machine.CNCMode, CNC_Stopped, CNC_Running);
   const Mode_Row& row = Mode_Rows[mode];
   CNC_Controls.Command_CNC_Play.Enabled = row.Play;
   CNC_Controls.Command_CNC_Pause.Enabled = row.Pause;
   CNC_Controls.Command_CNC_Step.Enabled = row.Step;
-  CNC_Controls.Command_CNC_Stop.Enabled = row.Stop;
+  CNC_Controls.Command_CNC_Stop.Enabled = row.Stop || Anything_Moves();
   CNC_Controls.Label_CNC_Status.Caption =
       Machine.EStop_Flag ? control_text::EStop_Pressed : control_text::CNC_Status[mode];
+  CNC_Controls.Label_CNC_Activity.Caption = Activity_Text();
 }
 
 void Fill_CNC() {

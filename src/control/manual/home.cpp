@@ -80,8 +80,12 @@ bool Reach(const Axis_Targets& target, Speeds speeds) {
 // Z up, X, Y and A across, Z down.
 bool Move_By_Travel_Level(const Axis_Targets& position) {
   const Speeds speeds = Travel_Speeds();
-  return Reach(Only(3, MachineSetup.Axis_Tool_Height[0]), speeds) &&
-         Reach(Across(position), speeds) && Reach(Only(3, position[3]), speeds);
+  Tell_Detail("Z up");
+  if (!Reach(Only(3, MachineSetup.Axis_Tool_Height[0]), speeds)) return false;
+  Tell_Detail("X, Y and A across");
+  if (!Reach(Across(position), speeds)) return false;
+  Tell_Detail("Z down");
+  return Reach(Only(3, position[3]), speeds);
 }
 
 Axis_Targets Targets_Of(const Indexed<std::string, 1, 4>& texts) {
@@ -93,7 +97,8 @@ Axis_Targets Targets_Of(const Indexed<std::string, 1, 4>& texts) {
 // --- Validation of one axis ----------------------------------------------------------------------
 
 // A seek, back-off or tap: it may end at the switch. False when the sequence must be left.
-bool Seek(int axis, double target, float run) {
+bool Seek(int axis, double target, float run, const char* phase) {
+  Tell_Detail(std::string(1, Axis_Letters[axis]) + ": " + phase);
   const Move_End end = Move_To(Only(axis, target), {Edge_Speed, run});
   if (!Arrived(end) && end != Move_End::Limit) return false;
   constexpr double settle = 0.1;  // seconds
@@ -105,16 +110,16 @@ bool Validate_Axis(int axis) {
     return true;
   const double path = RegionalNumber(MachineSetup.Axis_HomePath[axis]);
   const double home = RegionalNumber(MachineSetup.Axis_HomeTarget[axis]);
-  if (!Seek(axis, path, Home_IPM(0))) return false;
+  if (!Seek(axis, path, Home_IPM(0), "seek")) return false;
 
   const double sign = home >= path ? 1 : -1;
   const double backed_off = Machine.Position[axis] + Backoff_Distance * sign;
   Machine.Theoretical_Pos[axis] = Machine.Position[axis];
-  if (!Seek(axis, backed_off, Home_IPM(0))) return false;
+  if (!Seek(axis, backed_off, Home_IPM(0), "back-off")) return false;
 
   // Far beyond the switch on the seek side, on the usual scales.
   const double beyond = 2 * Backoff_Distance * MachineSetup.Axis_SPI[axis] * sign * -1;
-  if (!Seek(axis, beyond, Home_IPM(1))) return false;
+  if (!Seek(axis, beyond, Home_IPM(1), "tap")) return false;
 
   const double error = home - Machine.Position[axis];
   AddMessage(std::string("The ") + Axis_Letters[axis] + " Axis Position Error was " +
@@ -133,9 +138,11 @@ void Home_Validated() {
   const Speeds seek{Edge_Speed, Home_IPM(0)};
   const Axis_Targets home = Targets_Of(MachineSetup.Axis_HomePos);
   if (!Validate_Axis(3)) return;
+  Tell_Detail("Z to its home position");
   if (!Reach(Only(3, home[3]), seek)) return;
   for (const int axis : {1, 2, 4})
     if (!Validate_Axis(axis)) return;
+  Tell_Detail("X, Y and A to their home position");
   Reach(Across(home), seek);
 }
 

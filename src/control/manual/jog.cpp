@@ -24,6 +24,17 @@ std::int32_t Whole_Steps(int axis, double distance) {
   return To_Int32(Whole_Part(To_Single(distance * MachineSetup.Axis_SPI[axis])));
 }
 
+// "X+ Y-".
+std::string Ways_Text(const Step_Request& request) {
+  std::string text;
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (request.Steps[axis] <= 0) continue;
+    text += (text.empty() ? "" : " ") + std::string(1, " XYZA"[axis]);
+    text += request.Negative[axis] ? '-' : '+';
+  }
+  return text;
+}
+
 }  // namespace
 
 bool Begin_Jog(Operation wanted) {
@@ -66,6 +77,7 @@ void Run_Jog(const Step_Request& request, bool held) {
     const double way = request.Steps[axis] > 0 ? request.Steps[axis] / scale : 0;
     Controller.Move_Target[axis] = Machine.Position[axis] + sign * way;
   }
+  Tell_Detail(Ways_Text(request));
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
     const Move_End end = Drive_Move(request, std::nullopt, 0);

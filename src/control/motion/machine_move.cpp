@@ -157,6 +157,7 @@ Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t s
   Machine.Jog_Stop_Request = true;
   Tell_Missing_Step_Pins(request);
   const Move_End end = Drive().Move(request, s_word, step);
+  if (end == Move_End::EStop && !Machine.EStop_Flag) Switch_Outputs_Off_By_EStop();
   Note_End(end);
   return end;
 }

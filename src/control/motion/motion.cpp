@@ -3,8 +3,10 @@
 #include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/waits.h"
+#include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
+#include "control/state/drive.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/messages.h"
@@ -21,8 +23,16 @@ void Settle_Stopped() {
   Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
   Controller.Run_Started = false;
+  Controller.Run_Row.reset();
   Controller.Repeat_Step.reset();
   Timing.Actual_IPM = 0;
+}
+
+void Switch_Outputs_Off_By_EStop() {
+  if (!MachineSetup.E_Stop_Output_Disable) return;
+  for (int n = 1; n <= 5; ++n) Drive().Switch_Output(n, false);
+  for (Check_Control& box : CNC_Controls.Check_Outputs) box.Value = false;
+  CNC_Controls_Host.Form_Changed();
 }
 
 void CNC_Stop() {
@@ -33,7 +43,14 @@ void CNC_Stop() {
   Settle_Stopped();
 }
 
+Motion_Scope::Motion_Scope(Operation what) {
+  Entry.emplace(what);
+  CNCMode_Display();
+}
+
 Motion_Scope::~Motion_Scope() {
+  Entry.reset();
+  CNCMode_Display();
   Timing.Actual_IPM = 0;
 }
 

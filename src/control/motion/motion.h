@@ -8,6 +8,7 @@
 
 #include "core/operation.h"
 
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,8 @@ namespace norvik {
 
 // Stops after the running wire and goes back to the first step.
 void CNC_Stop();
+// With `E_Stop_Output_Disable` an E-stop, by button or input, switches the five outputs off.
+void Switch_Outputs_Off_By_EStop();
 // What a stopped machine looks like, whichever way it was stopped: the commanded position is the
 // live one, the next run begins at `StartingStep`, no repeat is open.
 void Settle_Stopped();
@@ -23,17 +26,17 @@ void Settle_Stopped();
 // missing; false in silence while something moves. Otherwise clears what a past operation left
 // (stop request, ESC, its text).
 bool Begin_Operation(Operation wanted);
-// Such an operation in the ledger until the end of the scope. At its end the machine rests, so that
-// the measured feed is 0.
+// Such an operation in the ledger until the end of the scope; Stop is enabled for as long. At its
+// end the machine rests, so that the measured feed is 0.
 class Motion_Scope {
  public:
-  explicit Motion_Scope(Operation what) : Entry(what) {}
+  explicit Motion_Scope(Operation what);
   ~Motion_Scope();
   Motion_Scope(const Motion_Scope&) = delete;
   Motion_Scope& operator=(const Motion_Scope&) = delete;
 
  private:
-  Operation_Scope Entry;
+  std::optional<Operation_Scope> Entry;
 };
 // Another machine setup is loaded: what earlier operations left (directions, step counts, where
 // ReTool would return to, estimate) belongs to the machine before. Only while nothing moves.

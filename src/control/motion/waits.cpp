@@ -51,6 +51,7 @@ bool Look_At_Stops() {
   if (!Controller.Stop_Request && Drive().EStop_Input_On()) {
     Controller.Stop_Text = control_text::Ended_By_EStop_Input;
     CNC_Stop();
+    Switch_Outputs_Off_By_EStop();
   }
   return Interrupted() == Interruption::None;
 }

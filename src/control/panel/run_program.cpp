@@ -93,10 +93,10 @@ bool Is_Tool_Change(std::string_view block) {
   return false;
 }
 
-// What the run waits for; it stands behind the step that asked.
+// What the run waits for.
 Run_Pause Present_Pause() {
   Run_Pause pause;
-  pause.Step = Machine.Run_Step - 1;
+  pause.Step = Controller.Step_Done;
   for (auto k = Program_Wire.Next_Of_Step(pause.Step, 0); k;
        k = Program_Wire.Next_Of_Step(pause.Step, *k + 1)) {
     const Wire& wire = Program_Wire.Rows()[*k];

@@ -5,6 +5,7 @@
 #include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
 #include "control/manual/home.h"
+#include "control/manual/jog.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
 #include "control/run/execute_step.h"
@@ -61,8 +62,41 @@ bool May_Run() {
   return Machine.CNCMode > CNC_Paused && !Application.Closing_Program;
 }
 
+// --- The run in the order of the table (correction) ----------------------------------------------
+
+// The rows to run: from the first one of `StartingStep` to the last one of `EndingStep`. A step
+// without rows gives way to the next one behind it, or the last one before it.
+std::size_t First_Row() {
+  if (const auto row = Program_Wire.Next_Of_Step(Machine.Run_Step, 0)) return *row;
+  const auto& rows = Program_Wire.Rows();
+  std::size_t k = 0;
+  while (k < rows.size() && rows[k].Step < Machine.Run_Step) ++k;
+  return k;
+}
+
+std::size_t Behind_Last_Row() {
+  const auto& rows = Program_Wire.Rows();
+  const bool has_rows = Program_Wire.Next_Of_Step(Machine.EndingStep, 0).has_value();
+  std::size_t k = rows.size();
+  while (k > 0 && (has_rows ? rows[k - 1].Step != Machine.EndingStep
+                            : rows[k - 1].Step > Machine.EndingStep))
+    --k;
+  return k;
+}
+
+bool In_Table_Order() {
+  return MachineSetup.Run_In_Table_Order;
+}
+
+// --- One pass ------------------------------------------------------------------------------------
+
+bool Is_At_Start() {
+  if (In_Table_Order()) return !Controller.Run_Row;
+  return Machine.Run_Step == First_Step() && !Controller.Run_Started;
+}
+
 void Begin_Run_If_At_Start() {
-  if (Machine.Run_Step != First_Step() || Controller.Run_Started) {
+  if (!Is_At_Start()) {
     Controller.Run_Started = false;
     return;
   }
@@ -91,23 +125,50 @@ void End_Run() {
   Play_Event_Sound(sound::Motion_Finished);
 }
 
+// Executes the step that is due. `last`: the run has come to its end with it.
+bool Execute_Due_Step(std::int32_t& step, bool& last) {
+  if (!In_Table_Order()) {
+    const bool whole = Execute_Step(step, Move_And_Draw);
+    last = step >= Machine.EndingStep;
+    return whole;
+  }
+  const std::size_t end = Behind_Last_Row();
+  std::size_t row = Controller.Run_Row.value_or(First_Row());
+  last = row >= end;
+  if (last) return true;
+  step = Program_Wire.Rows()[row].Step;
+  const bool whole = Execute_Rows(row, step);
+  // A Stop in a yield has taken the run back to its start.
+  if (Machine.CNCMode == CNC_Stopped) return whole;
+  Controller.Run_Row = row;
+  last = row >= end;
+  return whole;
+}
+
+// What comes behind `step`.
+std::int32_t Step_Behind(std::int32_t step) {
+  return In_Table_Order() ? Program_Wire.Rows()[*Controller.Run_Row].Step : step + 1;
+}
+
 // One step. False when the loop must be left.
 bool Run_Pass() {
   Machine.Run_Step = std::max(Machine.Run_Step, First_Step());
   Enable_Step_Range(false);
   Begin_Run_If_At_Start();
   std::int32_t step = Machine.Run_Step;
-  const bool whole = Execute_Step(step, Move_And_Draw);
+  bool last = false;
+  const bool whole = Execute_Due_Step(step, last);
   Add_Elapsed_Time();
   if (!whole && Machine.CNCMode != CNC_Stopped) CNC_Stop();
   if (Machine.CNCMode == CNC_Stopped) return false;
   ++Controller.Steps_Executed;
+  Controller.Step_Done = step;
   if (Machine.CNCMode == CNC_Paused) Announce_Pause();
-  if (step >= Machine.EndingStep) {
+  if (last) {
     End_Run();
     return false;
   }
-  Machine.Run_Step = step + 1;
+  Machine.Run_Step = Step_Behind(step);
   return Machine.CNCMode == CNC_Running;
 }
 
@@ -129,6 +190,7 @@ bool Prepare_Run(Operation wanted) {
     return false;
   }
   Drive().Refresh_Parameters();
+  if (Machine.CNCMode == CNC_Stopped) Controller.Run_Row.reset();
   if (Machine.Run_Step > Machine.EndingStep)
     Machine.Run_Step = 1;
   else if (Machine.CNCMode == CNC_Stopped)
@@ -149,7 +211,8 @@ void Run_In_Mode(std::int16_t mode) {
 
 // The button was heard, although the machine still moves.
 void Tell_What_Ends_First() {
-  if (Runs(Operation::Move)) SetStatus(1, control_text::Move_Ends_First, 5);
+  const bool at_once = Controller.Jog_Held || Runs(Operation::Calibration);
+  if (Runs(Operation::Move) && !at_once) SetStatus(1, control_text::Move_Ends_First, 5);
 }
 
 }  // namespace
@@ -220,6 +283,8 @@ void Command_CNC_Pause_Click() {
 
 void Command_CNC_Stop_Click() {
   Play_Event_Sound(sound::Stopped);
+  if (Runs(Operation::Calibration)) Application.EscFlag = true;
+  Release_Jog();
   CNC_Stop();
   Tell_What_Ends_First();
 }

@@ -102,6 +102,22 @@ bool Execute_Wire(std::size_t k, std::int32_t& step, bool moves) {
   return !moves || Move_Wire(wire, step);
 }
 
+// One wire; a failure is logged and ends the step.
+bool Execute_Wire_Trapped(std::size_t k, std::int32_t& step, bool moves) {
+  bool whole = false;
+  if (Trap("Execute_Step_Error", [&] { whole = Execute_Wire(k, step, moves); })) return whole;
+  if (moves && Controller.Stop_Text.empty()) Controller.Stop_Text = control_text::Ended_By_Failure;
+  return false;
+}
+
+// The first row behind those that stand together with row `k` under one step.
+std::size_t Behind_Rows_Of_Step(std::size_t k) {
+  const auto& rows = Program_Wire.Rows();
+  const std::int32_t step = rows[k].Step;
+  while (k < rows.size() && rows[k].Step == step) ++k;
+  return k;
+}
+
 }  // namespace
 
 bool Execute_Step(std::int32_t& step, int mode) {
@@ -109,12 +125,22 @@ bool Execute_Step(std::int32_t& step, int mode) {
   bool whole = true;
   for (auto k = Program_Wire.Next_Of_Step(step, 0); k && whole;
        k = Program_Wire.Next_Of_Step(step, *k + 1))
-    if (!Trap("Execute_Step_Error",
-              [&] { whole = Execute_Wire(*k, step, mode == Move_And_Draw); })) {
-      whole = false;
-      if (mode == Move_And_Draw && Controller.Stop_Text.empty())
-        Controller.Stop_Text = control_text::Ended_By_Failure;
-    }
+    whole = Execute_Wire_Trapped(*k, step, mode == Move_And_Draw);
+  Clear_Status();
+  return whole;
+}
+
+bool Execute_Rows(std::size_t& row, std::int32_t& step) {
+  const Busy_Pointer pointer;
+  const std::int32_t first_step = step;
+  const std::size_t end = Behind_Rows_Of_Step(row);
+  bool whole = true;
+  for (; row < end && step == first_step && whole; ++row)
+    whole = Execute_Wire_Trapped(row, step, true);
+  if (whole && step != first_step) {
+    const auto back = Program_Wire.Next_Of_Step(step, 0);
+    row = back ? Behind_Rows_Of_Step(*back) : end;
+  }
   Clear_Status();
   return whole;
 }

@@ -1,6 +1,7 @@
 // execute_step.h: the wires of one program step, executed in the order of the table.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace norvik {
@@ -17,5 +18,10 @@ inline constexpr int Draw_Only = 0, Move_And_Draw = 2;
 // True when every wire was executed. A wire with `Dwell` -1 sets `CNCMode` to paused and does not
 // end the step.
 bool Execute_Step(std::int32_t& step, int mode);
+
+// The same in mode 2 for the rows of one step that stand together from `row` on; `row` is left
+// behind the last one executed. A repeat count leads behind the first rows of the step to come back
+// to.
+bool Execute_Rows(std::size_t& row, std::int32_t& step);
 
 }  // namespace norvik

@@ -34,10 +34,7 @@ void Show_EStop_Button() {
 void Trip() {
   CNC_Stop();
   Machine.CNCMode = CNC_Stopped;
-  if (MachineSetup.E_Stop_Output_Disable) {
-    for (int n = 1; n <= 5; ++n) Drive().Switch_Output(n, false);
-    for (Check_Control& box : CNC_Controls.Check_Outputs) box.Value = false;
-  }
+  Switch_Outputs_Off_By_EStop();
   Show_EStop_Button();
   Play_Event_Sound(sound::E_Stop);
 }
@@ -124,9 +121,13 @@ void Home_Safety_Check() {
 
 void Toggle_Outputs(int index) {
   const bool on = CNC_Controls.Check_Outputs[index].Value;
-  if (on && Machine.EStop_Flag) {
+  const bool input_holds = MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On();
+  if (on && (Machine.EStop_Flag || input_holds)) {
     CNC_Controls.Check_Outputs[index].Value = false;
-    SetStatus(1, control_text::Outputs_Stay_Off, 5);
+    SetStatus(
+        1,
+        Machine.EStop_Flag ? control_text::Outputs_Stay_Off : control_text::Outputs_Wait_For_Input,
+        5);
     CNC_Controls_Host.Form_Changed();
     return;
   }
@@ -140,6 +141,9 @@ void Toggle_Outputs(int index) {
 }
 
 void Watch_EStop_Input() {
+  const bool output_on = std::ranges::any_of(Pins.Output_Commanded, [](bool on) { return on; });
+  if (output_on && MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On())
+    Switch_Outputs_Off_By_EStop();
   const bool stops_already = Machine.CNCMode == CNC_Stopped &&  //
                              (Controller.Stop_Request || !Anything_Moves());
   if (stops_already || !Drive().EStop_Input_On()) return;

@@ -6,7 +6,8 @@
 //   home safety       a switch that is on at start: no direction is known to be safe
 //   outputs           five check boxes, the two spindle directions exclude each other
 //
-// The hardware E-stop input only stops the run; it does not set `EStop_Flag`.
+// The hardware E-stop input stops the run and, with `E_Stop_Output_Disable`, switches the outputs
+// off for as long as it is on; it does not set `EStop_Flag`.
 #pragma once
 
 namespace norvik {
@@ -26,8 +27,8 @@ void Home_Safety_Check();
 void Look_At_Home_Switches();
 void Tell_Home_Safety();  // nothing while no switch was found on
 
-// Check box 0..4 was changed by the operator. While the E-stop is set, one that was switched on
-// goes back to off with a status text.
+// Check box 0..4 was changed by the operator. While the E-stop is set, or its input is on with
+// `E_Stop_Output_Disable`, one that was switched on goes back to off with a status text.
 void Toggle_Outputs(int index);
 
 // --- The watch -----------------------------------------------------------------------------------

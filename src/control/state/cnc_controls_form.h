@@ -34,6 +34,7 @@ struct CNC_Controls_Form {
   Button_Control Command_CNC_Play{"Play"}, Command_CNC_Pause{"Pause"}, Command_CNC_Step{"Step"},
       Command_CNC_Stop{"Stop"};
   Label_Control Label_CNC_Status{"CNC Stopped"};
+  Label_Control Label_CNC_Activity;  // "homing Z: seek"; empty while the state says it all
   Text_Control Text_StartingStep, Text_EndingStep;
   Text_Control Text_Program_Messages;  // the block being executed
   Label_Control Label_CNC_Step;        // "Step 3 of 120"

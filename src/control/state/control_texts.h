@@ -74,6 +74,8 @@ inline constexpr std::string_view Outputs_Stay_Off =
     "No output is switched on while motors are disabled by the E-stop. Press MOTORS DISABLED to "
     "enable them, then try again.";
 using operation_text::Compile_Runs;
+inline constexpr std::string_view Outputs_Wait_For_Input =
+    "No output is switched on while the E-stop input is on. Release the E-stop, then try again.";
 inline constexpr std::string_view Still_Moving =
     "The machine is still moving. Wait until it stands, then jog.";
 inline constexpr std::string_view A_Is_Slaved =

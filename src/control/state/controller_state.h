@@ -17,6 +17,7 @@
 
 #include "core/indexed.h"
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -39,6 +40,9 @@ struct Controller_State {
   std::int64_t Run_Clock = 0;       // last reading of the monotonic clock, nanoseconds
   bool Run_Started = false;         // the pass before started the run
   std::int32_t Steps_Executed = 0;  // of the running or last run
+  std::int32_t Step_Done = 0;       // the step executed last
+  // With `Run_In_Table_Order`: the row of the table to go on with; absent: no run has begun.
+  std::optional<std::size_t> Run_Row;
 
   // --- Repeat of a step range -------------------------------------------------------------------
   std::int16_t Repeat_Count = 0;
