@@ -1,7 +1,7 @@
 #include "cli/companion.h"
 
 #include "app/folders.h"
-#include "compiler/program_text.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"

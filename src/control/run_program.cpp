@@ -1,9 +1,9 @@
 #include "control/run_program.h"
 
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
-#include "compiler/program_wire.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "control/cnc_controller.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
