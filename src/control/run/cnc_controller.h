@@ -41,7 +41,8 @@ void Command_CNC_Step_Click();
 void Command_CNC_Pause_Click();
 void Command_CNC_Stop_Click();
 
-// ESC was seen by the main window's timer: stops the run; sequences and waits see `EscFlag`.
+// ESC was seen by the main window's timer: stops the run; sequences and waits see `EscFlag`. An ESC
+// that closes a box leaves a paused run paused.
 void CNC_Controls_Esc();
 
 }  // namespace norvik

@@ -9,6 +9,7 @@
 #include "control/manual/jog_guard.h"
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/operation.h"
 #include "platform/desktop/desktop_platform.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/qt/picture_files.h"
@@ -82,6 +83,7 @@ int main(int argument_count, char** arguments) {
   Apply_Theme(application);
 
   Install_Desktop_Platform(Jog_Guard_Window_Lost);
+  Operation_Host.Escape_Taken = Escape_Went_To_A_Box;
   Install_Linux_Clock();
   Install_Linux_Priority();
   Install_Instance_Lock();
