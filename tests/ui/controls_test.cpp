@@ -1,5 +1,6 @@
 // The panel, the jog window and the port display: what ticks, what a hand moves, what ends it.
 #include "control/manual/knob.h"
+#include "control/panel/panel.h"
 #include "core/operation.h"
 #include "ui_fixture.h"
 
