@@ -15,7 +15,7 @@
 
 #include <cstdlib>
 #ifdef NORVIK_PICTURES
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 
 #include <QGuiApplication>
 #include <sys/stat.h>

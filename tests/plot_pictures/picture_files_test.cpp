@@ -1,8 +1,8 @@
 // Picture files through the toolkit, and texts on the surface.
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 
 #include "core/fault.h"
-#include "platform/qt/picture_surface.h"
+#include "plot/picture/picture_surface.h"
 #include "plot/plot_colour.h"
 
 #include <QFile>

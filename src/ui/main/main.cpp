@@ -11,7 +11,7 @@
 #include "core/fault.h"
 #include "platform/desktop/desktop_platform.h"
 #include "platform/linux/linux_platform.h"
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 #include "platform/sdl/sdl_platform.h"
 #include "ui/main/main_window.h"
 #include "ui/simulated/simulated_window.h"

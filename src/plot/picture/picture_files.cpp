@@ -1,7 +1,7 @@
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 
 #include "core/fault.h"
-#include "platform/qt/picture_surface.h"
+#include "plot/picture/picture_surface.h"
 
 #include <cstring>
 
