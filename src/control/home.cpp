@@ -9,6 +9,7 @@
 #include "control/scope.h"
 #include "control/waits.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/event_sounds.h"
 #include "core/fault.h"
@@ -26,7 +27,6 @@ namespace norvik {
 
 namespace {
 
-constexpr char Axis_Letters[] = " XYZA";
 using Axis_Targets = Indexed<Nullable, 1, 4>;
 
 struct Speeds {
@@ -117,7 +117,7 @@ bool Validate_Axis(int axis) {
   if (!Seek(axis, beyond, Home_IPM(1))) return false;
 
   const double error = home - Machine.Position[axis];
-  AddMessage(std::string("The ") + Axis_Letters[axis] + " Axis Position Error was " +
+  AddMessage(std::string("The ") + Axis_Letter(axis) + " Axis Position Error was " +
              Format_Number(error, "####0.0000000"));
   Set_Axis_Position(axis, home);
   constexpr double rest = 0.25;  // seconds

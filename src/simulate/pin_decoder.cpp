@@ -1,4 +1,5 @@
 // The machine's own reader of the pin tables, and what it finds wrong with them.
+#include "core/axes.h"
 #include "core/setup.h"
 #include "simulate/port_space.h"
 
@@ -36,7 +37,8 @@ std::string Output_Name(int slot) {
   static constexpr std::array<const char*, 3> roles{"step", "direction", "enable"};
   if (slot > 12) return "output " + std::to_string(slot - 12);
   const auto axis = static_cast<std::size_t>((slot - 1) / 3);
-  return std::string(1, "XYZA"[axis]) + " " + roles[static_cast<std::size_t>((slot - 1) % 3)];
+  return std::string(1, Axis_Letter(axis + 1)) + " " +
+         roles[static_cast<std::size_t>((slot - 1) % 3)];
 }
 
 std::string Input_Name(int slot) {

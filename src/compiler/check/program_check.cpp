@@ -10,6 +10,7 @@
 #include "compiler/text/block_reader.h"
 #include "compiler/wires/wire_pass.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/format.h"
 #include "core/numbers.h"
 #include "core/paths.h"
@@ -300,7 +301,7 @@ void Check_Travel(const Record_List<Wire>& wires,
       }
       if (range.Told || !(range.High - range.Low > MachineSetup.Axis_Depth[axis])) continue;
       range.Told = true;
-      report(wire.Step, std::string(1, "XYZA"[axis - 1]) + " travels from " +
+      report(wire.Step, std::string(1, Axis_Letter(axis)) + " travels from " +
                             Format_Number_Point(range.Low, "0.###") + " to " +
                             Format_Number_Point(range.High, "0.###") + ", the axis is " +
                             Format_Number_Point(MachineSetup.Axis_Depth[axis], "0.###") + " long");

@@ -1,5 +1,6 @@
 #include "import/pipeline/report.h"
 
+#include "core/axes.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
@@ -64,17 +65,16 @@ void Add_Counts(std::vector<std::string>& lines) {
   if (!skipped.empty()) lines.push_back("Not read: " + skipped);
 }
 
-std::string Range_Text(std::string_view axis, const Axis_Range& range) {
-  return std::string(axis) + " " + Figure(*range.From) + " to " + Figure(*range.To);
+std::string Range_Text(char axis, const Axis_Range& range) {
+  return std::string(1, axis) + " " + Figure(*range.From) + " to " + Figure(*range.To);
 }
 
 void Add_Motion(std::vector<std::string>& lines) {
   const Motion_Tally& motion = Import_Report.Motion;
   std::string extents;
-  constexpr std::string_view names[] = {"X", "Y", "Z"};
   for (int axis = 0; axis < 3; ++axis) {
     if (!motion.Cut[axis].From) continue;
-    extents += (extents.empty() ? "" : ", ") + Range_Text(names[axis], motion.Cut[axis]);
+    extents += (extents.empty() ? "" : ", ") + Range_Text(Axis_Letter(axis + 1), motion.Cut[axis]);
   }
   lines.push_back(extents.empty() ? "Cutting extents: nothing is cut"
                                   : "Cutting extents: " + extents);
@@ -87,7 +87,6 @@ void Add_Table_Fit(std::vector<std::string>& lines) {
   constexpr double allowance = 1e-6;
   const Motion_Tally& motion = Import_Report.Motion;
   std::string outside;
-  constexpr std::string_view names[] = {"X", "Y"};
   for (int axis = 0; axis < 2; ++axis) {
     Axis_Range all = motion.Cut[axis];
     for (const auto& end : {motion.Travel[axis].From, motion.Travel[axis].To}) {
@@ -97,7 +96,7 @@ void Add_Table_Fit(std::vector<std::string>& lines) {
     const double length = MachineSetup.Axis_Depth[axis + 1];
     const double low = MachineSetup.Plot_Centered ? -length / 2 : 0, high = low + length;
     if (*all.From >= low - allowance && *all.To <= high + allowance) continue;
-    outside += (outside.empty() ? "" : "; ") + Range_Text(names[axis], all) + " (table " +
+    outside += (outside.empty() ? "" : "; ") + Range_Text(Axis_Letter(axis + 1), all) + " (table " +
                Figure(low) + " to " + Figure(high) + ")";
   }
   lines.push_back(outside.empty() ? "Everything lies on the table"
