@@ -6,6 +6,7 @@
 #                                      those not committed yet
 #   scripts/lint.sh --staged           files of the commit that is being made
 #   scripts/lint.sh FILE...            these files
+#   scripts/lint.sh --format           the form of every file, without tidy
 #   scripts/lint.sh --hook             sets up the check before each commit of this clone; to end it:
 #                                      git config --unset core.hooksPath
 #
@@ -17,6 +18,7 @@ cd "$(dirname "$0")/.."
 install_missing clang-format clang-tidy
 
 sources() { grep -E '^(src|tests|bench|fuzz)/.*\.(h|cpp)$' || true; }
+tidy=yes
 case "${1:-}" in
   --hook)
     git config core.hooksPath scripts/hooks
@@ -26,8 +28,11 @@ case "${1:-}" in
     base=$(git merge-base HEAD "${2:-main}" 2>/dev/null || git rev-parse HEAD)
     mapfile -t files < <({ git diff --name-only --diff-filter=d "$base"; git ls-files -o --exclude-standard; } | sources | sort -u) ;;
   --staged) mapfile -t files < <(git diff --cached --name-only --diff-filter=d | sources) ;;
+  --format)
+    tidy=no
+    mapfile -t files < <(git ls-files | sources) ;;
   "") mapfile -t files < <(git ls-files | sources) ;;
-  -*) sed -n '2,14s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
+  -*) sed -n '2,15s/^# \{0,1\}//p' "$0" >&2; exit 2 ;;
   *) files=("$@") ;;
 esac
 [ "${#files[@]}" -gt 0 ] || { echo "Lint: no file of the project has changed"; exit 0; }
@@ -36,6 +41,11 @@ failed=0
 clang-format --dry-run -Werror "${files[@]}" || {
   echo "Put the files above in form by: clang-format -i FILE" >&2
   failed=1
+}
+
+[ "$tidy" = yes ] || {
+  [ "$failed" -eq 0 ] && echo "Lint: ${#files[@]} files in form"
+  exit "$failed"
 }
 
 # The compile commands of any build will do; its flags are GCC's, of which .clang-tidy says the rest.

@@ -8,7 +8,7 @@
 // or without blanks between, comments of all kinds and any number, ";" to the end of the line.
 #pragma once
 
-#include "compiler/check/program_check.h"
+#include "compiler/check/findings.h"
 #include "compiler/text/block.h"
 #include "core/fault.h"
 

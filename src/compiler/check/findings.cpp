@@ -1,4 +1,4 @@
-#include "compiler/check/program_check.h"
+#include "compiler/check/findings.h"
 
 #include <array>
 
