@@ -79,9 +79,9 @@ bool Write_Together(const std::string& path, const std::function<void()>& body) 
 }
 
 void Note_Finding(const Setup_Row& row, int index, const std::string& text) {
-  Setup_Store.Findings.push_back("[" + std::string(row.Section) + "] " +
-                                 Setup_Key_Name(row, index) + "=" + text.substr(0, 60) +
-                                 " cannot be used, the value is now " + Setup_Text(row, index));
+  Setup_Store.Findings.push_back("[" + std::string(row.Section) + "] " + Setting_Key(row, index) +
+                                 "=" + text.substr(0, 60) + " cannot be used, the value is now " +
+                                 Setup_Text(row, index));
 }
 
 void After_Row(const Setup_Row& row) {
@@ -101,7 +101,7 @@ void Read_All_Rows(void (*after)(const Setup_Row&)) {
   Setup_Store.Findings.clear();
   for (const Setup_Row& row : Setup_Rows()) {
     for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
-      const std::string text = ReadSetup(row.Section, Setup_Key_Name(row, index));
+      const std::string text = ReadSetup(row.Section, Setting_Key(row, index));
       if (!Read_Setup_Text(row, index, text)) Note_Finding(row, index, text);
     }
     if (after != nullptr) after(row);
@@ -148,10 +148,10 @@ void Self_Test() {
 }
 
 void Write_Row(const Setup_Row& row) {
+  Setting_Row named = row;
+  if (!row.Save_Key.empty()) named.Key = row.Save_Key;
   for (int index = row.Saved.First; index <= row.Saved.Last; ++index) {
-    Setup_Row named = row;
-    if (!row.Save_Key.empty()) named.Key = row.Save_Key;
-    Write_Profile(Application.MachineFile, row.Section, Setup_Key_Name(named, index),
+    Write_Profile(Application.MachineFile, row.Section, Setting_Key(named, index),
                   Setup_Text(row, index));
   }
 }
