@@ -37,8 +37,7 @@ std::string Output_Name(int slot) {
   static constexpr std::array<const char*, 3> roles{"step", "direction", "enable"};
   if (slot > 12) return "output " + std::to_string(slot - 12);
   const int axis = (slot + 2) / 3;
-  return std::string(1, Axis_Letter(axis)) + " " +
-         roles[static_cast<std::size_t>((slot - 1) % 3)];
+  return std::string(1, Axis_Letter(axis)) + " " + roles[static_cast<std::size_t>((slot - 1) % 3)];
 }
 
 std::string Input_Name(int slot) {

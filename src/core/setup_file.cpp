@@ -1,5 +1,3 @@
-#include "core/setup.h"
-
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -7,6 +5,7 @@
 #include "core/paths.h"
 #include "core/profile_file.h"
 #include "core/remembered_files.h"
+#include "core/setup.h"
 #include "core/setup_table.h"
 #include "core/version.h"
 #include "core/waiting.h"
