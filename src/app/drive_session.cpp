@@ -1,13 +1,15 @@
 #include "app/drive_session.h"
 
-#include "control/cnc_controller.h"
-#include "control/safety.h"
+#include "control/motion/motion.h"
+#include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
 #include "parallel/step_engine.h"
 #include "parallel/timing.h"
+
+#include <utility>
 
 namespace norvik {
 
@@ -23,10 +25,13 @@ void Begin_Drive_Session() {
   Set_Application_Priority(MachineSetup.Application_Priority);
   Load_FeedRate_Autotune();
   Look_At_Home_Switches();
+  if (Drive_Session.Watch == 0)
+    Drive_Session.Watch = Platform.Start_Timer(Watch_Interval_ms, Watch_Machine);
 }
 
 void End_Drive_Session() {
   if (!Drive_Session.Open) return;
+  Platform.Stop_Timer(std::exchange(Drive_Session.Watch, 0));
   All_Outputs_Off();
   Save_Axis_Positions();
   for (int axis = 1; axis <= Axis_Count; ++axis) Motor_Disable(axis);

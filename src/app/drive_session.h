@@ -13,10 +13,13 @@
 // switch before the pins are set up.
 #pragma once
 
+#include "platform/platform.h"
+
 namespace norvik {
 
 struct Drive_Session_State {
-  bool Open = false;  // the pins are ours: they have to be left switched off
+  bool Open = false;   // the pins are ours: they have to be left switched off
+  Timer_Id Watch = 0;  // looks after switches and E-stop (`Watch_Machine`) while the session lasts
 };
 extern Drive_Session_State Drive_Session;
 

@@ -1,7 +1,7 @@
 #include "app/openers.h"
 
 #include "app/main_form.h"
-#include "control/cnc_controller.h"
+#include "control/motion/motion.h"
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/numbers.h"

@@ -7,7 +7,7 @@
 #include "app/shutdown.h"
 #include "app/timers.h"
 #include "compiler/state/compiler_state.h"
-#include "control/safety.h"
+#include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/error_log.h"

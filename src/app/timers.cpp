@@ -3,7 +3,7 @@
 #include "app/gcode_form.h"
 #include "app/main_form.h"
 #include "app/startup.h"
-#include "control/cnc_controller.h"
+#include "control/run/cnc_controller.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"

@@ -5,6 +5,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "core/setup_keys.h"
@@ -68,6 +69,7 @@ bool Companion::Start() const {
   }
   Show_Progress_On_Terminal();
   Platform.Start_Timer(Escape_Poll_ms, [] { CheckEsc(); });
+  Operation_Host.Forget_Presses = [] {};  // Ctrl-C ends the whole command, whatever it begins next
   return true;
 }
 

@@ -1,6 +1,6 @@
 // The command `setup`.
 #include "cli/companion.h"
-#include "control/machine_check.h"
+#include "control/safety/machine_check.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/setup.h"

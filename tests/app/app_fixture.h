@@ -11,7 +11,7 @@
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"

@@ -2,7 +2,6 @@
 #include "app/app_fixture.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
-#include "control/cnc_controller.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -361,7 +361,7 @@ Line_Pass_Operations Checker::Operations() {
 }
 
 std::vector<Check_Finding> Checker::Run() {
-  const Compile_Section section;
+  const Compile_Section section(Operation::Check);
   const Kept_State kept;
   Check_Repeats(std::nullopt, Program->Line_Count(),
                 [&](std::int32_t line) { return Program->Line(line); });

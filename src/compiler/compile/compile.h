@@ -14,8 +14,6 @@
 // otherwise than it was meant.
 #pragma once
 
-#include "compiler/interpreter/compile_section.h"
-
 #include <string>
 #include <string_view>
 

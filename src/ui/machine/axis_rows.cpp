@@ -1,8 +1,8 @@
 #include "ui/machine/axis_rows.h"
 
-#include "control/cnc_controls_form.h"
-#include "control/displays.h"
-#include "control/panel_edits.h"
+#include "control/displays/displays.h"
+#include "control/manual/panel_edits.h"
+#include "control/state/cnc_controls_form.h"
 #include "core/axes.h"
 #include "core/setup.h"
 #include "ui/widgets/theme.h"

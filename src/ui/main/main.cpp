@@ -6,7 +6,7 @@
 #include "app/openers.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "platform/desktop/desktop_platform.h"

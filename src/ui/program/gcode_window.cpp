@@ -4,7 +4,7 @@
 #include "compiler/check/program_check.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "core/operation.h"
 #include "ui/program/gcode_editor.h"
 #include "ui/widgets/theme.h"
 
