@@ -107,7 +107,7 @@ bool Import_Is_Running() {
 }
 
 void Import_Chosen_File(Import_Kind kind, const std::string& path) {
-  if (!May_Import()) return;
+  if (!May_Import() || !May_Lose_Program()) return;
   RememberFile(Row_Of(kind).Remembered, path);
   Add_Recent_File(path);
   Main_Form.Current_File = path;

@@ -1,5 +1,6 @@
 #include "control/cnc_controller.h"
 
+#include "compiler/state/compile_host.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
@@ -12,6 +13,7 @@
 #include "control/home.h"
 #include "control/jog_key.h"
 #include "control/machine_move.h"
+#include "control/run_consent.h"
 #include "control/run_plot_host.h"
 #include "control/safety.h"
 #include "control/scope.h"
@@ -31,6 +33,7 @@ Controller_State Controller;
 CNC_Controls_Form CNC_Controls;
 CNC_Controls_Host_Operations CNC_Controls_Host;
 Run_Plot_Host_Operations Run_Plot_Host;
+Run_Consent_Operations Run_Consent;
 
 namespace {
 
@@ -130,23 +133,38 @@ bool Run_Pass() {
   return Machine.CNCMode == CNC_Running;
 }
 
-// Why the executing table is not to be run, in the operator's words; empty: it may.
-std::string_view Unfit_To_Run() {
-  const bool other = Program_Wire.Standing == Wire_Standing::Another_Program;
-  if (GCodeLineCount() == 0 && (other || Program_Wire.Count() == 0))
-    return control_text::No_Program;
-  if (Program_Wire.Standing == Wire_Standing::Cut_Short) return control_text::Program_Cut_Short;
-  if (other) return control_text::Program_Not_Compiled;
-  return Program_Wire.Of_Goto ? control_text::Program_Behind_Goto : std::string_view();
+// A run that is under way goes on with the table that it began with, and the operator knows it.
+bool Goes_On_With_Old_Text() {
+  if (Judge_Table().Standing != Table_Standing::Other_Text) return true;
+  if (Controller.Agreed_Text == GCode_Program.Text && !GCode_Program.Typed_Waits) return true;
+  if (Platform.Message_Box("Norvik 4", std::string(control_text::Text_Changed_In_Run),
+                           Box_Buttons::Ok_Cancel) != Box_Answer::Ok) {
+    SetStatus(1, control_text::Run_Not_Continued, 10);
+    return false;
+  }
+  Controller.Agreed_Text = GCode_Program.Text;
+  return true;
+}
+
+bool Begins_With_Consent() {
+  if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) {
+    SetStatus(1, why_not, 10);
+    return false;
+  }
+  if (Run_Consent.May_Begin()) return true;
+  SetStatus(1, control_text::Run_Not_Begun, 10);
+  return false;
 }
 
 // Play and Step up to the loop. False when there is nothing to run.
 bool Prepare_Run() {
   if (!Begin_Operation()) return false;
-  if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
-    return false;
-  }
+  Compile_Host.Settle_Typed_Text();
+  const bool begins = Machine.CNCMode == CNC_Stopped;
+  if (!(begins ? Begins_With_Consent() : Goes_On_With_Old_Text())) return false;
+  // A box may have been open: what has happened meanwhile, and the keys that closed it.
+  if (!Begin_Operation()) return false;
+  if (begins != (Machine.CNCMode == CNC_Stopped)) return false;
   Drive().Refresh_Parameters();
   if (Machine.Run_Step > Machine.EndingStep)
     Machine.Run_Step = 1;
@@ -265,6 +283,26 @@ void CNC_Controls_Esc() {
 Operation_Mark::~Operation_Mark() {
   Mark = false;
   Timing.Actual_IPM = 0;
+}
+
+std::string Unfit_To_Run() {
+  const Table_Judgement table = Judge_Table();
+  const bool old_text = table.Standing == Table_Standing::Other_Text;
+  if (GCodeLineCount() == 0 && (Program_Wire.Count() == 0 || old_text))
+    return std::string(control_text::No_Program);
+  switch (table.Standing) {
+    case Table_Standing::Ready:
+      break;
+    case Table_Standing::Of_Goto:
+      return std::string(control_text::Program_Behind_Goto);
+    case Table_Standing::Other_Text:
+      return std::string(control_text::Program_Not_Compiled);
+    case Table_Standing::Cut_Short:
+      return std::string(control_text::Program_Cut_Short);
+    case Table_Standing::Other_Sources:
+      return table.Changed + std::string(control_text::Source_Has_Changed);
+  }
+  return {};
 }
 
 bool Compile_Is_Over() {

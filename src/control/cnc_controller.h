@@ -66,6 +66,8 @@ class Operation_Mark {
  private:
   bool& Mark;
 };
+// Why the executing table is not to be run now, in the operator's words; empty: it may.
+std::string Unfit_To_Run();
 // False, with a status text, in a yield of a compile: the executing table is then still that of the
 // program before.
 bool Compile_Is_Over();

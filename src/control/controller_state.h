@@ -18,9 +18,11 @@
 // Lengths in units of the setup, speeds in units per minute, times in seconds. Axes 1..4.
 #pragma once
 
+#include "compiler/text/program_text.h"
 #include "core/indexed.h"
 
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -46,6 +48,8 @@ struct Controller_State {
   std::int64_t Operation_Began = 0;  // the last run, jog, Goto or sequence; same clock
   bool Run_Started = false;          // the pass before started the run
   std::int32_t Steps_Executed = 0;   // of the running or last run
+  // The operator knows that the run goes on although this text is newer than its table.
+  std::shared_ptr<const GCode_Text> Agreed_Text;
 
   // --- Repeat of a step range -------------------------------------------------------------------
   std::int16_t Repeat_Count = 0;
