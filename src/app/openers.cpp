@@ -1,5 +1,6 @@
 #include "app/openers.h"
 
+#include "app/gcode_file.h"
 #include "app/main_form.h"
 #include "control/motion/motion.h"
 #include "core/fault.h"
@@ -100,6 +101,7 @@ void LoadRecentFile(const std::string& path) {
       Platform.Message_Box("Norvik 4", "File not found : " + path, Box_Buttons::Ok);
       return;
     }
+    if (!May_Lose_Program() || !Stopped_For("Can't open file")) return;
     Open_By_Kind(path);
   });
 }

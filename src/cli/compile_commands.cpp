@@ -3,6 +3,7 @@
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/paths.h"
@@ -65,7 +66,7 @@ int Compile(const Compile_Options& options) {
     return Failed;
   }
   std::cout << "Lines    " << GCodeLineCount() << '\n'
-            << "Wires    " << Compile_Tables.Program_Wire.Rows.size() << '\n'
+            << "Wires    " << Program_Wire.Count() << '\n'
             << "Table    " << Compile_Tables.LineArc_Path << '\n'
             << "Table    " << Compile_Tables.Wire_Path << '\n';
   return Done;

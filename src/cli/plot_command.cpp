@@ -23,7 +23,6 @@ struct Plot_Options {
 int Plot_Program(const Companion& companion, const Plot_Options& options) {
   if (!Load_Program(options.Program)) return Failed;
   if (!CompileProgram()) return Failed;
-  Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
   companion.Environment.Start_Fonts();
   Picture_Request request;
   request.View = Find_Preset(options.View).value();

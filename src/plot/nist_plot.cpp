@@ -106,6 +106,8 @@ void Paint_Table() {
 
 // In one piece, or in pieces that the operator sees grow. Each yield may close the window.
 void Paint_Program(bool watched) {
+  // Coordinates that nothing has named yet stand at 0, whatever was drawn before.
+  Plot.Last_Line = {};
   Plot.PlotLines.Fill_Leading(Plot.Last_Line);
   const std::size_t count = Plot.PlotLines.Count();
   const std::size_t piece = watched ? std::max<std::size_t>(1, count / Watched_Pieces) : count;
@@ -198,6 +200,7 @@ void Plot_Draw_Wire(const Wire& wire, std::int32_t displayMode, std::int32_t lin
 void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_Plot_Block_Error", [&] {
+    Plot.Last_Line = {};  // as the program was drawn
     Line_Painter painter = Window_Painter();
     for (auto k = Program_Wire.Next_Of_Step(stepIndex, 0); k;
          k = Program_Wire.Next_Of_Step(stepIndex, *k + 1))

@@ -7,6 +7,7 @@
 #include "app/forms.h"
 #include "app/gcode_form.h"
 #include "app/main_form.h"
+#include "app/program_findings.h"
 #include "app/startup.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
@@ -44,6 +45,7 @@ struct App_Test : testing::Test {
     Compile_Status = {};
     GCode_Program = {};
     Program_Wire = {};
+    Program_Findings = {};
     Main_Window = {};
     Main_Form = {};
     Main_Host = {};

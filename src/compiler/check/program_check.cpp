@@ -9,6 +9,7 @@
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
+#include "compiler/text/compile_sources.h"
 #include "compiler/wires/wire_pass.h"
 #include "core/application.h"
 #include "core/axes.h"
@@ -40,6 +41,7 @@ class Kept_State {
     Compile_Tables = std::move(Tables);
     Compile_Status = Status;
     Compile_Losses = std::move(Losses);
+    Present_Compile = std::move(Sources);
   }
   Kept_State(const Kept_State&) = delete;
   Kept_State& operator=(const Kept_State&) = delete;
@@ -50,6 +52,7 @@ class Kept_State {
   Compile_Tables_State Tables = std::exchange(Compile_Tables, {});
   Compile_Status_State Status = Compile_Status;
   Compile_Losses_State Losses = std::exchange(Compile_Losses, {});
+  Compile_Sources Sources = std::exchange(Present_Compile, {});
 };
 
 // A line of the program or of a macro.

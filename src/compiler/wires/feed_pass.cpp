@@ -71,6 +71,7 @@ struct Feed_Limits {
   double Ramp_Rate = MachineSetup.Axis_Ramp_Rate;
   double CV_Angle = MachineSetup.Axis_CV_MotionAngle;
   bool Secondary = MachineSetup.Axis_Limit_Secondary_Velocity == 1;
+  bool Slow_Before_Stops = MachineSetup.Slow_Before_Stops;
 
   Feed_Limits() {
     for (int k = 1; k <= 4; ++k) {
@@ -95,6 +96,7 @@ class Feed_Planner {
   Wire_Steps Steps_Of(const Wire& wire) const;
   Wire_Steps Steps_In_Backward_Pass(const Wire& wire) const;
   std::size_t Next_Motion(std::size_t i) const;
+  bool Machine_Stands_Behind(std::size_t i) const;
   const Wire& At_Or_Past_End(std::size_t index) const {
     return index < Wires.size() ? Wires[index] : Past_End;
   }
@@ -142,6 +144,17 @@ std::size_t Feed_Planner::Next_Motion(std::size_t i) const {
   std::size_t j = i + 1;
   while (j < Wires.size() && Wires[j].Motion != 1) ++j;
   return j;
+}
+
+// True when a dwell, a pause or a wait for an input stands between this move and the next one. A
+// dwell and a wait come before the motion of their wire, a pause behind it.
+bool Feed_Planner::Machine_Stands_Behind(std::size_t i) const {
+  if (Wires[i].Dwell < 0) return true;
+  for (std::size_t j = i + 1; j < Wires.size() && j <= Next; ++j) {
+    const Wire& wire = Wires[j];
+    if (wire.Dwell > 0 || wire.Aux_Wait == 1 || (wire.Dwell < 0 && j < Next)) return true;
+  }
+  return false;
 }
 
 // The fastest that the major axis may go so that no axis exceeds its limit.
@@ -209,6 +222,7 @@ void Feed_Planner::GetMotionAngleVelocity(std::size_t i) {
   if (Next + 1 == Wires.size()) wire.IPM_R = wire.IPM_E = To_Single(Limits.Ramp_Start);
 
   wire.IPM_E = To_Single(Corner_Speed(wire, next));
+  if (Limits.Slow_Before_Stops && Machine_Stands_Behind(i)) Limit(wire.IPM_E, Limits.Ramp_Start);
   Limit(wire.IPM_E, fastest);
   Limit(wire.IPM_E, RampVelocity(ramp, Current.Major, wire.IPM_S));
   if (Limits.Secondary) Limit(wire.IPM_E, SecondaryVelocity(wire, next));

@@ -72,10 +72,7 @@ std::string Compile_For_Run() {
   const Esc_Watch esc;
   const bool compiled = CompileProgram();
   if (esc.Seen || CheckEsc()) return "Cancelled by ESC while the program was compiled.";
-  if (!compiled) return Messages.LastMessage;
-  const bool taken =
-      Trap("Run_Program_Error", [] { Take_Program_Wire(std::move(Compile_Tables.Program_Wire)); });
-  return taken ? "" : "The compiled program cannot be run. The error log says why.";
+  return compiled ? "" : Messages.LastMessage;
 }
 
 // Every wire carries the tool in use; only the word M6, outside comments, asks for another.
@@ -161,6 +158,7 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
   Controller.Steps_Executed = 0;
   const std::int64_t failed_before = Failed_Accesses();
   if (!Begin_Operation(Operation::Run)) return Failed(Messages.Panel[1]);
+  if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) return Failed(why_not);
   do {
     Command_CNC_Play_Click();
   } while (Machine.CNCMode == CNC_Paused && Goes_On_After_Pause(options));

@@ -1,5 +1,6 @@
 #include "control/run/cnc_controller.h"
 
+#include "compiler/state/compile_host.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
@@ -14,6 +15,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "control/state/drive.h"
+#include "control/state/run_consent.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/event_sounds.h"
@@ -172,23 +174,38 @@ bool Run_Pass() {
   return Machine.CNCMode == CNC_Running;
 }
 
-// Why the executing table is not to be run, in the operator's words; empty: it may.
-std::string_view Unfit_To_Run() {
-  const bool other = Program_Wire.Standing == Wire_Standing::Another_Program;
-  if (GCodeLineCount() == 0 && (other || Program_Wire.Count() == 0))
-    return control_text::No_Program;
-  if (Program_Wire.Standing == Wire_Standing::Cut_Short) return control_text::Program_Cut_Short;
-  if (other) return control_text::Program_Not_Compiled;
-  return Program_Wire.Of_Goto ? control_text::Program_Behind_Goto : std::string_view();
+// A run that is under way goes on with the table that it began with, and the operator knows it.
+bool Goes_On_With_Old_Text() {
+  if (Judge_Table().Standing != Table_Standing::Other_Text) return true;
+  if (Controller.Agreed_Text == GCode_Program.Text && !GCode_Program.Typed_Waits) return true;
+  if (Platform.Message_Box("Norvik 4", std::string(control_text::Text_Changed_In_Run),
+                           Box_Buttons::Ok_Cancel) != Box_Answer::Ok) {
+    SetStatus(1, control_text::Run_Not_Continued, 10);
+    return false;
+  }
+  Controller.Agreed_Text = GCode_Program.Text;
+  return true;
+}
+
+bool Begins_With_Consent() {
+  if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) {
+    SetStatus(1, why_not, 10);
+    return false;
+  }
+  if (Run_Consent.May_Begin()) return true;
+  SetStatus(1, control_text::Run_Not_Begun, 10);
+  return false;
 }
 
 // Play and Step up to the loop. False when there is nothing to run.
 bool Prepare_Run(Operation wanted) {
   if (!Begin_Operation(wanted)) return false;
-  if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
-    return false;
-  }
+  Compile_Host.Settle_Typed_Text();
+  const bool begins = Machine.CNCMode == CNC_Stopped;
+  if (!(begins ? Begins_With_Consent() : Goes_On_With_Old_Text())) return false;
+  // A box may have been open: what has happened meanwhile, and the keys that closed it.
+  if (!Begin_Operation(wanted)) return false;
+  if (begins != (Machine.CNCMode == CNC_Stopped)) return false;
   Drive().Refresh_Parameters();
   if (Machine.CNCMode == CNC_Stopped) Controller.Run_Row.reset();
   if (Machine.Run_Step > Machine.EndingStep)
@@ -291,6 +308,26 @@ void Command_CNC_Stop_Click() {
 
 void CNC_Controls_Esc() {
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
+}
+
+std::string Unfit_To_Run() {
+  const Table_Judgement table = Judge_Table();
+  const bool old_text = table.Standing == Table_Standing::Other_Text;
+  if (GCodeLineCount() == 0 && (Program_Wire.Count() == 0 || old_text))
+    return std::string(control_text::No_Program);
+  switch (table.Standing) {
+    case Table_Standing::Ready:
+      break;
+    case Table_Standing::Of_Goto:
+      return std::string(control_text::Program_Behind_Goto);
+    case Table_Standing::Other_Text:
+      return std::string(control_text::Program_Not_Compiled);
+    case Table_Standing::Cut_Short:
+      return std::string(control_text::Program_Cut_Short);
+    case Table_Standing::Other_Sources:
+      return table.Changed + std::string(control_text::Source_Has_Changed);
+  }
+  return {};
 }
 
 }  // namespace norvik

@@ -44,4 +44,7 @@ void Command_CNC_Stop_Click();
 // ESC was seen by the main window's timer: stops the run; sequences and waits see `EscFlag`.
 void CNC_Controls_Esc();
 
+// Why the executing table is not to be run now, in the operator's words; empty: it may.
+std::string Unfit_To_Run();
+
 }  // namespace norvik

@@ -86,13 +86,21 @@ inline constexpr std::string_view Not_While_Moving =
 inline constexpr std::string_view No_Program =
     "There is no program to run: open one, or type it and compile it, then start.";
 inline constexpr std::string_view Program_Not_Compiled =
-    "The program needs to be compiled: compile it, then start.";
+    "The program's text is newer than what was compiled: compile it (Ctrl+B), then start.";
+inline constexpr std::string_view Source_Has_Changed =
+    " is not what it was when the program was compiled: compile it (Ctrl+B), then start.";
+inline constexpr std::string_view Text_Changed_In_Run =
+    "The program's text was changed since this run began. The run goes on with the program as it "
+    "was compiled; what was changed is not in it.\n\nGo on?";
+inline constexpr std::string_view Run_Not_Continued =
+    "The run stays paused. Press Stop, compile the text, then start it anew.";
+inline constexpr std::string_view Run_Not_Begun = "The run was not started.";
 inline constexpr std::string_view Program_Cut_Short =
     "The program was not compiled to its end: compile it again, then start.";
 inline constexpr std::string_view Program_Behind_Goto =
     "A Goto has taken the place of the program: compile it again, then start.";
 inline constexpr std::string_view Nothing_To_Estimate =
-    "There is no compiled program to estimate: compile it, then try again.";
+    "What was compiled is not the program as it is now: compile it (Ctrl+B), then try again.";
 inline constexpr std::string_view Estimate_Cut_Short =
     "The program was not compiled to its end: compile it again, then estimate.";
 using operation_text::Goto_Needs_Stop;
@@ -103,6 +111,7 @@ inline constexpr std::string_view Goto_Is_Empty =
     "G01 X1 Y2.";
 inline constexpr std::string_view Goto_Has_No_Run =
     "Goto: the line asks for a pause; there is no run to pause. The line was executed to its end.";
+inline constexpr std::string_view Goto_Not_Done = "Goto: nothing was moved.";
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
     "program, then try again.";
