@@ -3,7 +3,7 @@
 #include "app/gcode_form.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/setup.h"
 #include "platform/platform.h"
