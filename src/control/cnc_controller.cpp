@@ -17,6 +17,7 @@
 #include "control/scope.h"
 #include "control/waits.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/setup.h"
@@ -140,9 +141,20 @@ std::string_view Unfit_To_Run() {
   return Program_Wire.Of_Goto ? control_text::Program_Behind_Goto : std::string_view();
 }
 
+// Positions in doubt are asked about; what was pressed before the answer moves nothing.
+bool Positions_Stand() {
+  if (Position_Memory.Doubt.empty()) return true;
+  Ask_About_Positions();
+  SetStatus(1,
+            Position_Memory.Doubt.empty() ? control_text::Play_Once_More
+                                          : control_text::Positions_In_Doubt,
+            10);
+  return false;
+}
+
 // Play and Step up to the loop. False when there is nothing to run.
 bool Prepare_Run() {
-  if (!Begin_Operation()) return false;
+  if (!Begin_Operation() || !Positions_Stand()) return false;
   if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
     SetStatus(1, why_not, 10);
     return false;

@@ -185,18 +185,18 @@ TEST_F(Startup_Test, Folders_Follow_The_Environment) {
   ::unsetenv("XDG_CONFIG_HOME");
   EXPECT_EQ(Usual_Folders().Working, "/home/op/.local/share/norvik");
 
-  ASSERT_TRUE(Set_Companion_Folders(Folder.File("home")));
+  Set_Companion_Folders(Folder.File("home"));
   EXPECT_EQ(Application.Temporary_GCode, Folder.File("home/TEMP_NORVIK999.GC"));
   EXPECT_EQ(Application.Pointer_Folder, Folder.File("home"));
   EXPECT_EQ(Application.Table_Folder, Folder.File("home"));
   WritePointer("Platform", "Table_Directory", "tables");
-  ASSERT_TRUE(Set_Companion_Folders(Folder.File("home")));
+  Set_Companion_Folders(Folder.File("home"));
   EXPECT_EQ(Application.Table_Folder, Folder.File("home/tables"));
   WritePointer("Platform", "Table_Directory", "/proc/no/tables");  // cannot be: tables are not lost
-  ASSERT_TRUE(Set_Companion_Folders(Folder.File("home")));
+  Set_Companion_Folders(Folder.File("home"));
   EXPECT_EQ(Application.Table_Folder, Folder.File("home"));
   Write_File("file", "");
-  EXPECT_FALSE(Set_Companion_Folders(Folder.File("file/under")));
+  EXPECT_THROW(Set_Companion_Folders(Folder.File("file/under")), Fault);
 }
 
 }  // namespace
