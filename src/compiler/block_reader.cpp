@@ -1,5 +1,6 @@
 #include "compiler/block_reader.h"
 
+#include "compiler/compile_losses.h"
 #include "compiler/interpreter.h"
 #include "compiler/line_cutter.h"
 #include "compiler/line_scan.h"
@@ -133,8 +134,9 @@ void Read_Words(std::string_view text, Block& block) {
 
 void ReadBlock(std::string_view text) {
   Block& block = Block_Reader.Now;
-  const auto report = [&](const Fault&) {
+  const auto report = [&](const Fault& fault) {
     ErrorLogWrite("NIST_Block_Interpretor_Error: " + Log_Text(text));
+    Note_Loss(Loss_Kind::Line, text, fault.Description);
   };
   Trap_With(report, [&] {
     Compiler.BlockText = text;

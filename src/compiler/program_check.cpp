@@ -5,6 +5,7 @@
 #include "compiler/check_blocks.h"
 #include "compiler/check_words.h"
 #include "compiler/compile.h"
+#include "compiler/compile_losses.h"
 #include "compiler/interpreter.h"
 #include "compiler/line_pass.h"
 #include "compiler/wire_pass.h"
@@ -36,6 +37,7 @@ class Kept_State {
     Compiler_Memory = Memory;
     Compile_Tables = std::move(Tables);
     Compile_Status = Status;
+    Compile_Losses = std::move(Losses);
   }
   Kept_State(const Kept_State&) = delete;
   Kept_State& operator=(const Kept_State&) = delete;
@@ -45,6 +47,7 @@ class Kept_State {
   Compiler_Memory_State Memory = Compiler_Memory;
   Compile_Tables_State Tables = std::exchange(Compile_Tables, {});
   Compile_Status_State Status = Compile_Status;
+  Compile_Losses_State Losses = std::exchange(Compile_Losses, {});
 };
 
 // A line of the program or of a macro.
