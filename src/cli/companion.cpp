@@ -17,6 +17,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -64,6 +65,20 @@ void Name_Unusable_Values() {
   if (FileExists(Application.MachineFile) && !Saved_Whole()) {
     Complain(Application.MachineFile +
              " was never saved whole; the keys that it lacks have their factory values.");
+  }
+}
+
+constexpr std::string_view Staging_Name = ".norvik-";
+
+// What calls that were killed have left; a call that runs is never as old as a day.
+void Collect_Old_Staging(const std::string& folder) {
+  namespace fs = std::filesystem;
+  std::error_code failure;
+  const auto oldest = fs::file_time_type::clock::now() - std::chrono::hours(24);
+  for (const auto& entry : fs::directory_iterator(folder, failure)) {
+    if (!entry.path().filename().string().starts_with(Staging_Name)) continue;
+    const auto changed = entry.last_write_time(failure);
+    if (!failure && changed < oldest) fs::remove_all(entry.path(), failure);
   }
 }
 
@@ -133,7 +148,8 @@ bool Load_Program(const std::string& path) {
 }
 
 Staged_Tables::Staged_Tables() : Folder(Application.Table_Folder) {
-  Staging = Join_Path(Folder, ".norvik-XXXXXX");
+  Collect_Old_Staging(Folder);
+  Staging = Join_Path(Folder, std::string(Staging_Name) + "XXXXXX");
   if (::mkdtemp(Staging.data()) == nullptr) throw File_Fault(Folder, "Cannot write", errno);
   Application.Table_Folder = Staging;
 }

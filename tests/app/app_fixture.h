@@ -7,12 +7,14 @@
 #include "app/forms.h"
 #include "app/gcode_form.h"
 #include "app/main_form.h"
+#include "app/session_mark.h"
 #include "app/startup.h"
 #include "compiler/compiler_state.h"
 #include "compiler/program_text.h"
 #include "compiler/program_wire.h"
 #include "control/controller_state.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/recent_files.h"
@@ -51,6 +53,9 @@ struct App_Test : testing::Test {
     Gcode_Host = {};
     Forms = {};
     Drive_Session = {};
+    Drive_Session_Host = {};
+    Session_Mark = {};
+    Position_Memory = {};
     Pins = {};
     Step_Engine = {};
     Timing = {};
