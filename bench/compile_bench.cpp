@@ -15,14 +15,14 @@
 // and for the tables the ratio of writer and reader to bare loops over the same fields.
 //
 // Each program runs in a process of its own, so that the memory is its own.
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/feed_pass.h"
-#include "compiler/line_pass.h"
-#include "compiler/program_text.h"
-#include "compiler/table_fields.h"
-#include "compiler/tables_io.h"
-#include "compiler/wire_pass.h"
+#include "compiler/compile/compile.h"
+#include "compiler/interpreter/line_pass.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/fields.h"
+#include "compiler/tables/tables_io.h"
+#include "compiler/text/program_text.h"
+#include "compiler/wires/feed_pass.h"
+#include "compiler/wires/wire_pass.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"

@@ -5,9 +5,9 @@
 #include "bench_inputs.h"
 #include "core/application.h"
 #include "core/setup.h"
-#include "import/bitmap_import.h"
-#include "import/import_pipeline.h"
-#include "import/import_report.h"
+#include "import/picture/import.h"
+#include "import/pipeline/pipeline.h"
+#include "import/pipeline/report.h"
 #include "platform/qt/picture_files.h"
 
 #include <chrono>

@@ -11,9 +11,9 @@
 #include "bench_inputs.h"
 #include "core/application.h"
 #include "core/setup.h"
-#include "import/gerber_file_steps.h"
-#include "import/gerber_passes.h"
-#include "import/import_report.h"
+#include "import/gerber/file_steps.h"
+#include "import/gerber/passes.h"
+#include "import/pipeline/report.h"
 
 #include <algorithm>
 #include <cmath>

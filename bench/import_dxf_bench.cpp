@@ -15,12 +15,12 @@
 #include "bench_inputs.h"
 #include "core/application.h"
 #include "core/setup.h"
-#include "import/dxf_gcode.h"
-#include "import/dxf_layers.h"
-#include "import/dxf_reader.h"
-#include "import/dxf_sort.h"
-#include "import/dxf_table.h"
-#include "import/import_report.h"
+#include "import/dxf/gcode.h"
+#include "import/dxf/layers.h"
+#include "import/dxf/reader.h"
+#include "import/dxf/sort.h"
+#include "import/dxf/table.h"
+#include "import/pipeline/report.h"
 #include "import_stages.h"
 
 #include <cstdint>

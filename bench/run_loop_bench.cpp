@@ -8,7 +8,7 @@
 //                                               microseconds: median and worst of the rounds
 //
 // The trace of the moves is off, as in an estimate, except where its name says otherwise.
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "control/cnc_controller.h"
 #include "control/connect.h"
 #include "control/controller_state.h"

@@ -1,12 +1,15 @@
 # A room is one folder under src/, one library target, and the neighbours it may include.
 #
-#   Norvik_Room(compiler NEIGHBOURS core)
+#   Norvik_Room(parallel NEIGHBOURS core)
+#   Norvik_Room(compiler_wires FOLDER compiler/wires NEIGHBOURS compiler_arcs INSIDE compiler_tables)
 #
 # Headers are included by room and name ("core/fault.h"). Each room publishes an include folder of
 # its own that holds nothing but a link to the room, so that the include of a room that is not a
-# declared neighbour (or a neighbour's neighbour) does not build.
+# declared neighbour (or a neighbour's neighbour) does not build. A folder with rooms in it is no
+# room and is not published, so that one of them cannot reach another through it. Neighbours named
+# under INSIDE are for the sources of the room alone: whoever includes the room does not see them.
 function(Norvik_Room name)
-  cmake_parse_arguments(ROOM "" "FOLDER" "NEIGHBOURS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "FOLDER" "NEIGHBOURS;INSIDE;LIBRARIES" ${ARGN})
   if(NOT ROOM_FOLDER)
     set(ROOM_FOLDER ${name})
   endif()
@@ -30,8 +33,19 @@ function(Norvik_Room name)
   list(TRANSFORM ROOM_NEIGHBOURS PREPEND norvik_)
   target_link_libraries(${target} ${scope} ${ROOM_NEIGHBOURS})
   if(sources)
-    target_link_libraries(${target} PRIVATE norvik_flags ${ROOM_LIBRARIES})
+    list(TRANSFORM ROOM_INSIDE PREPEND norvik_)
+    target_link_libraries(${target} PRIVATE ${ROOM_INSIDE} norvik_flags ${ROOM_LIBRARIES})
   endif()
+endfunction()
+
+# All rooms of a folder under one name, for those who may use any of them.
+#
+#   Norvik_Rooms(import OF pipeline dxf hpgl)      # norvik_import_pipeline, ...
+function(Norvik_Rooms name)
+  cmake_parse_arguments(ROOMS "" "" "OF" ${ARGN})
+  list(TRANSFORM ROOMS_OF PREPEND norvik_${name}_)
+  add_library(norvik_${name} INTERFACE)
+  target_link_libraries(norvik_${name} INTERFACE ${ROOMS_OF})
 endfunction()
 
 # The tests of one room: every .cpp of tests/<name>/ in one program.

@@ -1,8 +1,8 @@
 // The picture importer: any settings over a made picture of any small size. Pictures are decoded by
 // the toolkit, so only what comes behind runs here.
 #include "art_work.h"
-#include "import/bitmap_import.h"
-#include "import/bitmap_scan.h"
+#include "import/picture/import.h"
+#include "import/picture/scan.h"
 #include "platform/platform.h"
 
 #include <algorithm>

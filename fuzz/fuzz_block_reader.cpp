@@ -1,9 +1,9 @@
 // The block reader and the interpreter: any line is compiled, also as a line of a macro and within
 // a repeat; the quick and the cutting way through the reader must agree.
-#include "compiler/block_reader.h"
-#include "compiler/compiler_state.h"
-#include "compiler/line_pass.h"
-#include "compiler/program_check.h"
+#include "compiler/check/program_check.h"
+#include "compiler/interpreter/line_pass.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/text/block_reader.h"
 #include "core/application.h"
 #include "core/setup.h"
 

@@ -1,5 +1,5 @@
 // The DXF importer: reader, sorts, passes and writer.
-#include "import/dxf_import.h"
+#include "import/dxf/import.h"
 #include "import_round.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

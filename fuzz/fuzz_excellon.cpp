@@ -1,5 +1,5 @@
 // The drill file importer: reader, sorts, passes and writer.
-#include "import/excellon_import.h"
+#include "import/excellon/import.h"
 #include "import_round.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

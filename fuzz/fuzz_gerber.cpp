@@ -1,7 +1,8 @@
 // The artwork importer: any bytes under any choice of its settings give a whole program. The first
 // bytes choose, the others are the file.
 #include "art_work.h"
-#include "import/gerber_import.h"
+#include "import/gerber/import.h"
+#include "import/gerber/layers.h"
 
 #include <algorithm>
 #include <fstream>

@@ -1,5 +1,5 @@
 // The plotter file importer: reader, sorts, passes and writer.
-#include "import/hpgl_import.h"
+#include "import/hpgl/import.h"
 #include "import_round.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

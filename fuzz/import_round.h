@@ -8,7 +8,7 @@
 #include "core/application.h"
 #include "core/paths.h"
 #include "core/setup.h"
-#include "import/import_pipeline.h"
+#include "import/pipeline/pipeline.h"
 #include "platform/platform.h"
 
 #include <cstddef>

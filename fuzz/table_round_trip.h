@@ -1,7 +1,7 @@
 // table_round_trip.h: what a fuzzed table file must keep to, for both tables.
 #pragma once
 
-#include "compiler/tables_io.h"
+#include "compiler/tables/tables_io.h"
 #include "core/fault.h"
 
 #include <cstdlib>

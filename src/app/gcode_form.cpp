@@ -1,8 +1,8 @@
 #include "app/gcode_form.h"
 
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/text/program_text.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/controller_state.h"

@@ -8,12 +8,12 @@
 #include "core/messages.h"
 #include "core/recent_files.h"
 #include "core/remembered_files.h"
-#include "import/bitmap_import.h"
-#include "import/dxf_import.h"
-#include "import/excellon_import.h"
-#include "import/gerber_import.h"
-#include "import/hpgl_import.h"
-#include "import/import_report.h"
+#include "import/dxf/import.h"
+#include "import/excellon/import.h"
+#include "import/gerber/import.h"
+#include "import/hpgl/import.h"
+#include "import/picture/import.h"
+#include "import/pipeline/report.h"
 #include "platform/platform.h"
 
 namespace norvik {

@@ -6,7 +6,7 @@
 #pragma once
 
 #include "app/openers.h"
-#include "import/import_pipeline.h"
+#include "import/pipeline/pipeline.h"
 
 #include <array>
 #include <optional>

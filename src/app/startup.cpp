@@ -6,7 +6,7 @@
 #include "app/main_form.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
-#include "compiler/compiler_state.h"
+#include "compiler/state/compiler_state.h"
 #include "control/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"

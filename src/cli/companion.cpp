@@ -2,9 +2,9 @@
 
 #include "app/folders.h"
 #include "app/startup.h"
-#include "compiler/compile_losses.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
+#include "compiler/state/compile_losses.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"

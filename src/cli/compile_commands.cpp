@@ -1,10 +1,10 @@
 // The commands `compile` and `check`.
 #include "cli/companion.h"
-#include "compiler/compile.h"
-#include "compiler/compile_losses.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_check.h"
-#include "compiler/program_text.h"
+#include "compiler/check/program_check.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compile_losses.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/paths.h"
 

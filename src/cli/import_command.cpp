@@ -4,9 +4,9 @@
 #include "cli/companion.h"
 #include "core/fault.h"
 #include "core/paths.h"
-#include "import/gerber_layers.h"
-#include "import/import_pipeline.h"
-#include "import/import_report.h"
+#include "import/gerber/layers.h"
+#include "import/pipeline/pipeline.h"
+#include "import/pipeline/report.h"
 
 #include <algorithm>
 #include <filesystem>

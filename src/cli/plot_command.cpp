@@ -1,8 +1,8 @@
 // The command `plot`.
 #include "cli/companion.h"
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_wire.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
 #include "core/fault.h"
 #include "plot/plot_picture.h"
 #include "plot/view.h"

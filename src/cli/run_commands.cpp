@@ -1,8 +1,8 @@
 // The commands `run` and `estimate`.
 #include "app/drive_session.h"
 #include "cli/companion.h"
-#include "compiler/compile_losses.h"
-#include "compiler/program_wire.h"
+#include "compiler/state/compile_losses.h"
+#include "compiler/tables/program_wire.h"
 #include "control/connect.h"
 #include "control/displays.h"
 #include "control/machine_move.h"

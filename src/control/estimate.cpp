@@ -1,9 +1,9 @@
 #include "control/estimate.h"
 
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_wire.h"
-#include "compiler/tables_io.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/tables/tables_io.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"

@@ -7,7 +7,7 @@
 // taken as zero, which is what a settled time constant makes of it.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 
 namespace norvik {
 

@@ -1,6 +1,6 @@
 #include "control/execute_step.h"
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"

@@ -1,8 +1,8 @@
 #include "control/goto.h"
 
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_wire.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"

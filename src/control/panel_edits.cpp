@@ -1,6 +1,6 @@
 #include "control/panel_edits.h"
 
-#include "compiler/program_text.h"
+#include "compiler/text/program_text.h"
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"

@@ -3,7 +3,7 @@
 // The plot draws; it never waits, repeats or moves. Each operation does nothing by default.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 
 #include <cstddef>
 #include <functional>

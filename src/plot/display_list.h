@@ -15,7 +15,7 @@
 // one.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 #include "core/nullable.h"
 #include "plot/plot_colour.h"
 #include "plot/plot_surface.h"

@@ -1,6 +1,6 @@
 #include "plot/measure.h"
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "core/format.h"
 #include "core/geometry.h"
 #include "core/numbers.h"

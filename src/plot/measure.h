@@ -4,7 +4,7 @@
 // in the Top view only.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 
 #include <cstddef>
 #include <cstdint>

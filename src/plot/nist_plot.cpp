@@ -1,6 +1,6 @@
 #include "plot/nist_plot.h"
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/format.h"

@@ -15,7 +15,7 @@
 // units, 15 to a pixel.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 #include "core/nullable.h"
 #include "plot/display_list.h"
 #include "plot/plot_colour.h"

@@ -1,6 +1,6 @@
 #include "plot/plot_picture.h"
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "core/fault.h"
 #include "core/indexed.h"
 #include "core/paths.h"

@@ -1,6 +1,6 @@
 #include "plot/view.h"
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "core/error_log.h"
 #include "core/messages.h"
 #include "core/rounding.h"

@@ -5,7 +5,8 @@
 #include "app/app_fixture.h"
 #include "app/bitmap_form.h"
 #include "app/shutdown.h"
-#include "import/import_report.h"
+#include "import/gerber/layers.h"
+#include "import/pipeline/report.h"
 
 namespace norvik {
 namespace {

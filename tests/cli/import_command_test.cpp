@@ -3,9 +3,9 @@
 #include "core/application.h"
 #include "core/paths.h"
 #include "core/setup.h"
-#include "import/gerber_layers.h"
-#include "import/import_pipeline.h"
-#include "import/import_report.h"
+#include "import/gerber/layers.h"
+#include "import/pipeline/pipeline.h"
+#include "import/pipeline/report.h"
 #include "platform/scripted/scripted_platform.h"
 #include "support/temporary_folder.h"
 

@@ -1,7 +1,7 @@
 #include "comp_contours.h"
 
-#include "compiler/compensation.h"
-#include "compiler/compile_host.h"
+#include "compiler/compensation/compensation.h"
+#include "compiler/state/compile_host.h"
 #include "core/application.h"
 #include "core/geometry.h"
 #include "core/messages.h"

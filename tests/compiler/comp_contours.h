@@ -2,7 +2,7 @@
 // independent one, by dense sampling.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 
 #include <random>
 #include <string>

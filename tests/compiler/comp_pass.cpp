@@ -1,9 +1,9 @@
 // The pass over a whole table: where compensation begins and ends, what other records and inserted
 // ones carry, what is left alone.
 #include "comp_contours.h"
-#include "compiler/compensation.h"
-#include "compiler/compile_host.h"
-#include "compiler/compiler_state.h"
+#include "compiler/compensation/compensation.h"
+#include "compiler/state/compile_host.h"
+#include "compiler/state/compiler_state.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"

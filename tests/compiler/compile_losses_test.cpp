@@ -1,8 +1,8 @@
 // What a compile says it has left out.
-#include "compiler/compile_losses.h"
+#include "compiler/state/compile_losses.h"
 
-#include "compiler/compile.h"
-#include "compiler/program_check.h"
+#include "compiler/check/program_check.h"
+#include "compiler/compile/compile.h"
 #include "line_fixture.h"
 
 namespace norvik {

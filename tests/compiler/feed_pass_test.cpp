@@ -1,10 +1,10 @@
 // The three speeds of a wire: values worked out by hand, then any program against the reference.
-#include "compiler/feed_pass.h"
+#include "compiler/wires/feed_pass.h"
 
-#include "compiler/compile_host.h"
-#include "compiler/compiler_state.h"
 #include "compiler/feed_reference.h"
-#include "compiler/tables_io.h"
+#include "compiler/state/compile_host.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/tables_io.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"

@@ -2,7 +2,7 @@
 // every search from its start. Slow and simple on purpose; the product must give the same bits.
 #pragma once
 
-#include "compiler/tables.h"
+#include "compiler/state/tables.h"
 #include "core/geometry.h"
 #include "core/setup.h"
 

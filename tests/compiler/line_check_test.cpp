@@ -1,6 +1,6 @@
 // The findings of the check: each kind by a line that has it, and by neighbours that do not.
-#include "compiler/interpreter.h"
-#include "compiler/program_check.h"
+#include "compiler/check/program_check.h"
+#include "compiler/interpreter/interpreter.h"
 #include "line_fixture.h"
 
 namespace norvik {

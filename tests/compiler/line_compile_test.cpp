@@ -1,9 +1,9 @@
 // The compile as a whole: files, passes, refusals, and what the operator is told.
-#include "compiler/compile.h"
-#include "compiler/compile_host.h"
-#include "compiler/feed_pass.h"
-#include "compiler/program_check.h"
-#include "compiler/tables_io.h"
+#include "compiler/check/program_check.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compile_host.h"
+#include "compiler/tables/tables_io.h"
+#include "compiler/wires/feed_pass.h"
 #include "line_fixture.h"
 
 namespace norvik {

@@ -1,8 +1,8 @@
 // What the tests of the line pass share: a clean machine, a scripted platform, a folder of its own.
 #pragma once
 
-#include "compiler/compiler_state.h"
-#include "compiler/line_pass.h"
+#include "compiler/interpreter/line_pass.h"
+#include "compiler/state/compiler_state.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"

@@ -10,7 +10,7 @@
 // A record is its line, its kind and where it ends (X Y Z A, "-" absent), then what differs from a
 // record that does nothing else. Each record starts where the one before ended; the runner checks
 // that, so the start is not written.
-#include "compiler/program_text.h"
+#include "compiler/text/program_text.h"
 #include "core/format.h"
 #include "core/numbers.h"
 #include "core/rounding.h"

@@ -1,7 +1,7 @@
 // The block reader: its rules by hand, and the shipped reader against plain string cutting.
-#include "compiler/block_reader.h"
-#include "compiler/line_cutter.h"
-#include "compiler/line_scan.h"
+#include "compiler/text/block_reader.h"
+#include "compiler/text/line_cutter.h"
+#include "compiler/text/line_scan.h"
 #include "core/format.h"
 #include "core/numbers.h"
 #include "line_fixture.h"

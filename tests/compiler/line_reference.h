@@ -1,7 +1,7 @@
 // The block reader as plain string cutting, for comparison with the one that the product ships.
 #pragma once
 
-#include "compiler/block.h"
+#include "compiler/text/block.h"
 
 #include <string>
 

@@ -1,7 +1,7 @@
 // The programs that come with the system: they compile without a word in the log, under the setup
 // that belongs to them, and the check finds nothing that would be lost, ignored or cut otherwise.
-#include "compiler/compile.h"
-#include "compiler/program_check.h"
+#include "compiler/check/program_check.h"
+#include "compiler/compile/compile.h"
 #include "core/tool_file.h"
 #include "line_fixture.h"
 

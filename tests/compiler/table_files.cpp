@@ -1,9 +1,9 @@
 // The two tables as files: what is written, what is read, what happens when neither works.
-#include "compiler/number_text.h"
-#include "compiler/table_fields.h"
-#include "compiler/tables_io.h"
+#include "compiler/tables/fields.h"
+#include "compiler/tables/tables_io.h"
 #include "core/application.h"
 #include "core/format.h"
+#include "core/number_text.h"
 #include "core/paths.h"
 
 #include <filesystem>

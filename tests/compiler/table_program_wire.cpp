@@ -1,6 +1,6 @@
 // The executing table and its way from a step to its wires.
-#include "compiler/program_wire.h"
-#include "compiler/tables_io.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/tables/tables_io.h"
 
 #include <filesystem>
 #include <random>

@@ -1,7 +1,8 @@
 // Arcs as chords: how many, where, in which plane, and what cannot be walked.
-#include "compiler/arc_chords.h"
-#include "compiler/compiler_state.h"
-#include "compiler/wire_pass.h"
+#include "compiler/arcs/chords.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/state/wire_table.h"
+#include "compiler/wires/wire_pass.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"

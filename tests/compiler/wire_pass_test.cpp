@@ -1,7 +1,8 @@
 // Records to wires: controls copied, lines emitted, arcs as runs of one record's wires.
-#include "compiler/wire_pass.h"
+#include "compiler/wires/wire_pass.h"
 
-#include "compiler/compiler_state.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/state/wire_table.h"
 #include "core/application.h"
 #include "core/setup.h"
 

@@ -8,9 +8,9 @@
 // switches them on.
 #pragma once
 
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
-#include "compiler/program_wire.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/connect.h"

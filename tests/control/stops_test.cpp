@@ -1,5 +1,5 @@
 // Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
-#include "compiler/compile.h"
+#include "compiler/compile/compile.h"
 #include "control/goto.h"
 #include "control/home.h"
 #include "control/panel_jog.h"

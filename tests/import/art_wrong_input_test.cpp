@@ -1,12 +1,12 @@
 // Wrong artwork and wrong pictures: what exists is written with header and footer, or nothing is
 // and the operator reads why.
-#include "import/bitmap_import.h"
-#include "import/bitmap_scan.h"
-#include "import/gerber_apertures.h"
-#include "import/gerber_import.h"
-#include "import/gerber_layers.h"
-#include "import/gerber_reader.h"
-#include "import/gerber_table.h"
+#include "import/gerber/apertures.h"
+#include "import/gerber/import.h"
+#include "import/gerber/layers.h"
+#include "import/gerber/reader.h"
+#include "import/gerber/table.h"
+#include "import/picture/import.h"
+#include "import/picture/scan.h"
 #include "import_fixture.h"
 
 namespace norvik {

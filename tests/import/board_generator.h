@@ -1,7 +1,7 @@
 // board_generator.h: generated artwork for the tests of isolation and cleaning.
 #pragma once
 
-#include "import/gerber_table.h"
+#include "import/gerber/table.h"
 
 #include <iterator>
 #include <random>

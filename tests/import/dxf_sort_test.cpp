@@ -1,9 +1,8 @@
 // The entity sort against a plain transcription of its rules, on thousands of drawings.
-#include "import/dxf_sort.h"
-
-#include "import/dxf_layers.h"
-#include "import/dxf_table.h"
-#include "import/import_distance.h"
+#include "import/dxf/layers.h"
+#include "import/dxf/sort.h"
+#include "import/dxf/table.h"
+#include "import/pipeline/distance.h"
 #include "import_fixture.h"
 #include "plain_dxf_sort.h"
 

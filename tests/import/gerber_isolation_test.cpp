@@ -1,8 +1,7 @@
 // Outlines: against the plain comparison of all with all, and against geometry of its own.
-#include "import/gerber_isolation.h"
-
 #include "board_generator.h"
-#include "import/shape_grid.h"
+#include "import/gerber/isolation.h"
+#include "import/gerber/shape_grid.h"
 #include "import_fixture.h"
 #include "plain_isolation.h"
 

@@ -1,8 +1,7 @@
 // Cleaning, the steps over the line file, and the passes as a whole.
-#include "import/gerber_passes.h"
-
 #include "board_generator.h"
-#include "import/gerber_file_steps.h"
+#include "import/gerber/file_steps.h"
+#include "import/gerber/passes.h"
 #include "import_fixture.h"
 #include "plain_isolation.h"
 

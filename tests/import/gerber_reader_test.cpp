@@ -1,12 +1,12 @@
 // Artwork files into tables: numbers, words, apertures, operations, layers and the report.
-#include "import/gerber_reader.h"
-
 #include "core/fault.h"
 #include "core/format.h"
-#include "import/gerber_apertures.h"
-#include "import/gerber_gcode.h"
-#include "import/gerber_import.h"
-#include "import/gerber_table.h"
+#include "import/gerber/apertures.h"
+#include "import/gerber/gcode.h"
+#include "import/gerber/import.h"
+#include "import/gerber/layers.h"
+#include "import/gerber/reader.h"
+#include "import/gerber/table.h"
 #include "import_fixture.h"
 
 namespace norvik {

@@ -6,8 +6,8 @@
 //   setup.txt      KEY=VALUE lines, keys as in the setup table
 //   expected.gc    the program
 #include "core/setup_keys.h"
-#include "import/bitmap_import.h"
-#include "import/gerber_import.h"
+#include "import/gerber/import.h"
+#include "import/picture/import.h"
 #include "import_fixture.h"
 
 #include <sstream>

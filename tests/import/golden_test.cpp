@@ -6,9 +6,9 @@
 //                 setup
 //   expected.gc   the program
 #include "core/setup_keys.h"
-#include "import/dxf_import.h"
-#include "import/excellon_import.h"
-#include "import/hpgl_import.h"
+#include "import/dxf/import.h"
+#include "import/excellon/import.h"
+#include "import/hpgl/import.h"
 #include "import_fixture.h"
 
 namespace norvik {

@@ -5,8 +5,8 @@
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
-#include "import/import_pipeline.h"
-#include "import/import_report.h"
+#include "import/pipeline/pipeline.h"
+#include "import/pipeline/report.h"
 #include "platform/scripted/scripted_platform.h"
 
 #include <filesystem>

@@ -1,5 +1,5 @@
 // The order of strokes and holes against plain transcriptions of its rules.
-#include "import/path_sort.h"
+#include "import/pipeline/path_sort.h"
 
 #include "import_fixture.h"
 #include "plain_path_sort.h"

@@ -2,8 +2,8 @@
 // of the benchmark. Its cost grows with the cube of the rows.
 #pragma once
 
-#include "import/dxf_table.h"
-#include "import/import_distance.h"
+#include "import/dxf/table.h"
+#include "import/pipeline/distance.h"
 
 #include <utility>
 

@@ -3,9 +3,9 @@
 // point, one edge or one pair of lines is shared with the product.
 #pragma once
 
-#include "import/gerber_clean.h"
-#include "import/gerber_isolation.h"
-#include "import/gerber_lines.h"
+#include "import/gerber/clean.h"
+#include "import/gerber/isolation.h"
+#include "import/gerber/lines.h"
 
 #include <vector>
 

@@ -2,7 +2,7 @@
 // reference of the tests and of the benchmarks. Its cost grows with the square of the rows.
 #pragma once
 
-#include "import/import_distance.h"
+#include "import/pipeline/distance.h"
 
 #include <cstddef>
 #include <cstdint>

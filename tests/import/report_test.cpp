@@ -1,7 +1,7 @@
 // What an import leaves out or may have misread is named in its report.
-#include "import/dxf_import.h"
-#include "import/excellon_import.h"
-#include "import/hpgl_import.h"
+#include "import/dxf/import.h"
+#include "import/excellon/import.h"
+#include "import/hpgl/import.h"
 #include "import_fixture.h"
 
 namespace norvik {

@@ -1,8 +1,8 @@
 // What must never happen, whatever the file holds: a crash, a program without its end, a number
 // that no machine takes, a scratch file left behind, a loss that nobody is told of.
-#include "import/dxf_import.h"
-#include "import/excellon_import.h"
-#include "import/hpgl_import.h"
+#include "import/dxf/import.h"
+#include "import/excellon/import.h"
+#include "import/hpgl/import.h"
 #include "import_fixture.h"
 
 #include <algorithm>

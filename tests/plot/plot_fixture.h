@@ -1,7 +1,7 @@
 // plot_fixture.h: a program, a setup and an open plot window for the tests of this room.
 #pragma once
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"

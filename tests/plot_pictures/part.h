@@ -2,7 +2,7 @@
 // travel level and below the table, and the travels between them.
 #pragma once
 
-#include "compiler/program_wire.h"
+#include "compiler/tables/program_wire.h"
 #include "core/setup.h"
 
 #include <cmath>

@@ -1,9 +1,9 @@
 // The sample programs, compiled with the sample machines, from every preset.
 #include "comparison.h"
-#include "compiler/compile.h"
-#include "compiler/compiler_state.h"
-#include "compiler/program_text.h"
-#include "compiler/program_wire.h"
+#include "compiler/compile/compile.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/paths.h"
 #include "core/setup.h"

@@ -2,8 +2,8 @@
 #include "app/bitmap_form.h"
 #include "app/import_menu.h"
 #include "core/remembered_files.h"
-#include "import/dxf_layers.h"
-#include "import/import_report.h"
+#include "import/dxf/layers.h"
+#include "import/pipeline/report.h"
 #include "ui_fixture.h"
 
 #include <filesystem>

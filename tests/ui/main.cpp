@@ -1,6 +1,6 @@
 // The tests of the windows need the toolkit's application object and no display.
 #include "core/fault.h"
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <QApplication>
 #include <gmock/gmock.h>

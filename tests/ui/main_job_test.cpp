@@ -3,7 +3,7 @@
 #include "app/yield_watch.h"
 #include "core/format.h"
 #include "core/version.h"
-#include "ui/gcode_editor.h"
+#include "ui/program/gcode_editor.h"
 #include "ui_fixture.h"
 
 #include <QClipboard>

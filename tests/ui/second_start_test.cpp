@@ -1,5 +1,5 @@
 // A second start of the desktop hands its file to the first.
-#include "ui/second_start.h"
+#include "ui/main/second_start.h"
 
 #include "core/paths.h"
 #include "support/temporary_folder.h"

@@ -1,7 +1,7 @@
 #include "ui/simulated/axes_panel.h"
 
 #include "ui/simulated/travel_bar.h"
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <QGridLayout>
 #include <QLabel>

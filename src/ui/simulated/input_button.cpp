@@ -1,7 +1,7 @@
 #include "ui/simulated/input_button.h"
 
 #include "control/jog_guard.h"
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <QActionGroup>
 #include <QHBoxLayout>

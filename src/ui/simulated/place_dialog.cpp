@@ -3,7 +3,7 @@
 #include "control/jog_guard.h"
 #include "core/numbers.h"
 #include "simulate/simulated_machine.h"
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <cmath>
 

@@ -7,7 +7,7 @@
 #include "ui/simulated/place_dialog.h"
 #include "ui/simulated/settings_dialog.h"
 #include "ui/simulated/view_page.h"
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <cmath>
 

@@ -1,6 +1,6 @@
 #include "ui/simulated/top_view.h"
 
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <algorithm>
 #include <cmath>

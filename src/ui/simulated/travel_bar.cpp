@@ -1,6 +1,6 @@
 #include "ui/simulated/travel_bar.h"
 
-#include "ui/theme.h"
+#include "ui/widgets/theme.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,0 +1,34 @@
+// arcs.h: arcs that are not what their words say.
+//
+// Three centres of one arc are compared:
+//
+//   meant     as the words say it in their mode and plane (the setup tells how I, J and K count)
+//   stored    as the record holds it
+//   walked    as the wire pass will take it, by the modes at the program's end
+#pragma once
+
+#include "compiler/check/blocks.h"
+#include "compiler/check/words.h"
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <vector>
+
+namespace norvik {
+
+// An arc whose walk is judged once the program's end is known.
+struct Pending_Arc {
+  std::size_t Finding_Place = 0;  // the checker's own number of file and line
+  std::int16_t Plane = 17;
+  double Start[2] = {}, Stored[2] = {}, Meant[2] = {};
+};
+
+// The rules that need no more than the block. Arcs to be judged at the end go to `pending`.
+void Check_Arcs(const Block_Event& event, std::size_t place, std::vector<Pending_Arc>& pending,
+                const Report_Finding& report);
+
+// Why the arc will be walked otherwise than meant; absent when it will not.
+std::optional<std::string> Walked_Elsewhere(const Pending_Arc& arc);
+
+}  // namespace norvik

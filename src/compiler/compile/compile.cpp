@@ -1,0 +1,185 @@
+#include "compiler/compile/compile.h"
+
+#include "compiler/compensation/compensation.h"
+#include "compiler/interpreter/line_pass.h"
+#include "compiler/state/compile_host.h"
+#include "compiler/state/compile_losses.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/tables/tables_io.h"
+#include "compiler/wires/feed_pass.h"
+#include "compiler/wires/wire_pass.h"
+#include "core/application.h"
+#include "core/error_log.h"
+#include "core/fault.h"
+#include "core/messages.h"
+#include "core/paths.h"
+#include "platform/platform.h"
+
+#include <optional>
+#include <utility>
+
+namespace norvik {
+
+namespace {
+
+bool Refused() {
+  if (Compile_Busy()) Platform.Beep();
+  return Compile_Busy();
+}
+
+void Set_Paths(std::string_view wire_name) {
+  Compile_Tables.LineArc_Path = Join_Path(Application.Table_Folder, LineArc_Table_Name);
+  Compile_Tables.Wire_Path = Join_Path(Application.Table_Folder, wire_name);
+}
+
+void Report_Unwritten(const Fault& fault) {
+  ErrorLogWrite("Compile table not written: " + fault.Description);
+  AddMessage("The compile could not write its tables: " + fault.Description);
+}
+
+// `Program_LineArc` on its way to disk. The records of a stretch of lines are written before the
+// yield that ends it, so that no long write stands at the end.
+class Record_File {
+ public:
+  Record_File() {
+    Whole = Trap_With(Report_Unwritten, [&] { Writer.emplace(Compile_Tables.LineArc_Path); });
+  }
+
+  // Appends the records made since the last call. Records that are still to be compensated wait.
+  void Add_New() {
+    if (!Compiler.UsesCompensation) Append_New();
+  }
+
+  // Writes what is left, with the records as they will stay. True when nothing has failed.
+  bool Complete() {
+    if (Compiler.UsesCompensation) Begin_Anew();
+    return Append_New();
+  }
+
+  // The file takes its place. True when it is complete on disk.
+  bool Finish() {
+    return Whole && Trap_With(Report_Unwritten, [&] { Writer->Finish(); });
+  }
+
+ private:
+  // After compensation nothing that was written stands any more.
+  void Begin_Anew() {
+    if (!Whole) return;
+    Writer.reset();
+    Written = 0;
+    Whole = Trap_With(Report_Unwritten, [&] { Writer.emplace(Compile_Tables.LineArc_Path); });
+  }
+
+  bool Append_New() {
+    Whole = Whole && Trap_With(Report_Unwritten, [&] {
+              const auto& rows = Compile_Tables.Program_LineArc.Rows;
+              while (Written < rows.size()) Writer->Add(rows[Written++]);
+            });
+    return Whole;
+  }
+
+  std::optional<Table_Writer<LineArc>> Writer;
+  std::size_t Written = 0;
+  bool Whole = false;  // nothing has failed so far
+};
+
+void Convert_To_Wires() {
+  Compile_Tables.Program_Wire =
+      NIST_ConvertLineArctoWire(std::exchange(Compile_Tables.Program_LineArc, {}));
+}
+
+// The wire pass stops one wire behind the end of the executing table.
+void Note_Cut_Wires() {
+  const auto& wires = Compile_Tables.Program_Wire.Rows;
+  if (wires.size() <= Wire_Table_Limit) return;
+  const Wire& first_left_out = wires[Wire_Table_Limit];
+  Note_Loss_At(first_left_out.Step, Loss_Kind::Wires, first_left_out.Block_Text,
+               "the program makes more than " + std::to_string(Wire_Table_Limit) +
+                   " wires; split it into several files");
+}
+
+void Begin_Program() {
+  Compile_Status.CompileRunning = true;
+  SetStatus(1, "GCode Compile: Compiling Data...", 5);
+  DoEvents();
+  Compile_Status.CompileDone = Compile_Status.Cut_Short = false;
+  Compile_Status.CompileProgress = 0;
+  Compile_Losses = {};
+  Compile_Host.Show_Progress("GCode Compile Progress");
+  Set_Paths(Wire_Table_Name);
+}
+
+void End_Program() {
+  Set_Panel(1, "");
+  Compile_Status.CompileRunning = false;
+  Compile_Host.Play_Sound_Slot(6);
+  Compile_Status.CompileDone = true;
+}
+
+// All passes. True when both files are complete.
+bool Run_Passes() {
+  Record_File records;
+  Line_Pass_Operations operations = Compile_Operations();
+  operations.Before_Yield = [&] { records.Add_New(); };
+  Run_Line_Pass(GCode_Program.Text, std::move(operations));
+  if (Compiler.UsesCompensation) AddRadiusCompensation(Compile_Tables.Program_LineArc);
+  // The two tables belong together: where one cannot be written, both of before stand.
+  if (!records.Complete()) return false;
+  Convert_To_Wires();
+  Note_Cut_Wires();
+  if (!NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path)) {
+    AddMessage("The compile could not write its wire table; the error log says why");
+    return false;
+  }
+  return records.Finish();
+}
+
+}  // namespace
+
+bool CompileProgram() {
+  if (Refused()) return false;
+  bool whole = false;
+  {
+    const Compile_Section section;
+    Begin_Program();
+    Trap("CompileProgram", [&] { whole = Run_Passes(); });
+  }
+  End_Program();
+  return whole;
+}
+
+bool CompileBlock(std::string_view text) {
+  if (Refused()) return false;
+  const Compile_Section section;
+  SetStatus(1, "GCode Compile: Compiling Block...", 5);
+  DoEvents();
+  Compile_Losses = {};
+  Set_Paths(Block_Wire_Table_Name);
+  bool whole = false;
+  Trap("CompileBlock", [&] {
+    Record_File records;
+    Run_Block_Pass(std::string(text), Compile_Operations());
+    Compiler.UsesCompensation = false;  // a block is not compensated
+    if (!records.Complete()) return;
+    Convert_To_Wires();
+    whole = Trap_With(
+                Report_Unwritten,
+                [] { Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire); }) &&
+            records.Finish();
+  });
+  Set_Panel(1, "");
+  return whole;
+}
+
+bool GCode_Compile_All() {
+  if (Refused()) return false;
+  const bool whole = CompileProgram() && !Compile_Status.Cut_Short;
+  Compile_Host.Refresh_Plot(whole);
+  if (GCode_Program.Range_Waits) Range_To_Whole_Program();
+  Machine.StartingStep = 0;
+  Compile_Status.CurrentStep = Machine.StartingStep;
+  AddMessage("Compiling GCode");
+  return whole;
+}
+
+}  // namespace norvik

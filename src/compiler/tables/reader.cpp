@@ -1,0 +1,445 @@
+#include "compiler/tables/fields.h"
+#include "compiler/tables/tables_io.h"
+#include "core/number_text.h"
+#include "core/paths.h"
+#include "core/rounding.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <vector>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace norvik {
+
+namespace {
+
+// The texts of a table. Neighbours often share theirs: the chords of an arc, the records of a line.
+class Text_Store {
+ public:
+  std::string_view Keep(std::string_view text) {
+    if (text == Last) return Last;
+    if (text.size() > Left) {
+      const std::size_t size = std::max<std::size_t>(text.size(), 1 << 16);
+      Blocks.push_back(std::make_unique_for_overwrite<char[]>(size));
+      At = Blocks.back().get();
+      Left = size;
+    }
+    std::copy(text.begin(), text.end(), At);
+    Last = {At, text.size()};
+    At += text.size();
+    Left -= text.size();
+    return Last;
+  }
+
+ private:
+  std::vector<std::unique_ptr<char[]>> Blocks;
+  char* At = nullptr;
+  std::size_t Left = 0;
+  std::string_view Last;
+};
+
+// Where the bytes come from. `Fill` appends what follows and is false at the end.
+class Byte_Source {
+ public:
+  virtual ~Byte_Source() = default;
+  virtual bool Fill(std::string& bytes) = 0;
+};
+
+class File_Source : public Byte_Source {
+ public:
+  explicit File_Source(const std::string& path) : Path(path) {
+    File = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (File < 0) throw File_Fault(path, "Cannot read", errno);
+  }
+  ~File_Source() override { ::close(File); }
+  File_Source(const File_Source&) = delete;
+  File_Source& operator=(const File_Source&) = delete;
+
+  bool Fill(std::string& bytes) override {
+    constexpr std::size_t portion = 1 << 19;
+    const std::size_t before = bytes.size();
+    bytes.resize(before + std::max(portion, before));  // doubles for a value that is very long
+    ssize_t count = 0;
+    do {
+      count = ::read(File, bytes.data() + before, bytes.size() - before);
+    } while (count < 0 && errno == EINTR);
+    if (count < 0) throw File_Fault(Path, "Cannot read", errno);
+    bytes.resize(before + static_cast<std::size_t>(count));
+    return count > 0;
+  }
+
+ private:
+  std::string Path;
+  int File = -1;
+};
+
+bool Is_Blank(char c) {
+  return c == ' ' || c == '\t';
+}
+bool Is_Line_End(char c) {
+  return c == '\r' || c == '\n';
+}
+
+// One value as it stands in the file, without what separates it from the next.
+struct Raw_Value {
+  std::string_view Text;
+  bool Quoted = false;
+  bool Doubled_Quotes = false;  // each pair in the text stands for one
+};
+
+// Cuts the bytes into values. A cut that meets the end of the bytes at hand while there are more
+// answers false, and the record is taken again from its start.
+class Value_Cutter {
+ public:
+  void Set(const char* first, const char* last, bool all) {
+    At = first;
+    Last = last;
+    All = all;
+  }
+  const char* Place() const { return At; }
+  std::int64_t Lines() const { return Line_Ends; }
+  void Return_To(const char* place, std::int64_t lines) {
+    At = place;
+    Line_Ends = lines;
+  }
+
+  // Empty lines between records hold no values.
+  bool Skip_Line_Ends() {
+    for (;;) {
+      if (At == Last) return All;
+      if (!Is_Line_End(*At)) return true;
+      if (*At == '\n' || (At + 1 != Last && At[1] != '\n')) ++Line_Ends;
+      ++At;
+    }
+  }
+  bool Ended() const { return At == Last; }
+
+  // The short way: a value in the very form of the writer, taken at one go. False leaves everything
+  // as it was for `Cut`. So much room is asked for that no look ahead within it needs a check.
+  template <class Field>
+  bool Quick(Field& field, Text_Store& texts) {
+    constexpr std::ptrdiff_t room = 64;
+    return Last - At >= room && Quick_Value(field, texts);
+  }
+
+  bool Cut(Raw_Value& value) {
+    while (At != Last && Is_Blank(*At)) ++At;
+    if (At == Last && !All) return false;
+    return At != Last && *At == '"' ? Cut_Quoted(value) : Cut_Plain(value);
+  }
+
+ private:
+  // True when a value that ends at `at` is complete; then it is used up.
+  bool Quick_End(const char* at) {
+    if (Last - at < 2) return false;
+    if (*at == ',') {
+      At = at + 1;
+      return true;
+    }
+    if (*at != '\r' || at[1] != '\n') return false;
+    At = at + 2;
+    ++Line_Ends;
+    return true;
+  }
+  bool Quick_Absent() { return std::memcmp(At, "#NULL#", 6) == 0 && Quick_End(At + 6); }
+
+  template <class Number>
+  bool Quick_Number(Number& field) {
+    Number number = 0;
+    const char* end = Parse_Plain_Number(At, number);
+    if constexpr (std::is_floating_point_v<Number>) {
+      if (end == At) end = Parse_Long_Number(At, Last, number);
+    }
+    if (end == At || !Quick_End(end)) return false;
+    field = number;
+    return true;
+  }
+  bool Quick_Digit(std::int16_t& field) {
+    const char digit = *At;
+    if (digit < '0' || digit > '9' || !Quick_End(At + 1)) return false;
+    field = static_cast<std::int16_t>(digit - '0');
+    return true;
+  }
+
+  bool Quick_Value(Nullable& field, Text_Store&) {
+    if (*At == '#') {
+      field.reset();
+      return Quick_Absent();
+    }
+    double number = 0;
+    if (!Quick_Number(number)) return false;
+    field = number;
+    return true;
+  }
+  bool Quick_Value(float& field, Text_Store&) { return Quick_Number(field); }
+  bool Quick_Value(std::int32_t& field, Text_Store&) { return Quick_Number(field); }
+  bool Quick_Value(std::int16_t& field, Text_Store&) { return Quick_Digit(field); }
+  bool Quick_Value(std::optional<std::int16_t>& field, Text_Store&) {
+    field.reset();
+    return *At == '#' ? Quick_Absent() : Quick_Digit(field.emplace());
+  }
+  bool Quick_Value(bool& field, Text_Store&) {
+    field = At[1] == 'T';
+    const char* word = field ? "#TRUE#" : "#FALSE#";
+    const std::size_t length = field ? 6 : 7;
+    return std::memcmp(At, word, length) == 0 && Quick_End(At + length);
+  }
+  bool Quick_Value(Record_Type&, Text_Store&) { return false; }
+  bool Quick_Value(std::string_view& field, Text_Store& texts) {
+    if (*At != '"') return false;
+    const char* first = At + 1;
+    const auto* quote =
+        static_cast<const char*>(std::memchr(first, '"', static_cast<std::size_t>(Last - first)));
+    if (quote == nullptr || !Quick_End(quote + 1)) return false;
+    field = texts.Keep({first, static_cast<std::size_t>(quote - first)});
+    return true;
+  }
+
+  bool Cut_Plain(Raw_Value& value) {
+    const char* first = At;
+    while (At != Last && *At != ',' && !Is_Line_End(*At)) ++At;
+    if (At == Last && !All) return false;
+    const char* last = At;
+    while (last != first && Is_Blank(last[-1])) --last;
+    value = {std::string_view(first, static_cast<std::size_t>(last - first)), false, false};
+    return Separate();
+  }
+
+  bool Cut_Quoted(Raw_Value& value) {
+    const char* first = ++At;
+    bool doubled = false;
+    for (;; ++At) {
+      At = std::find(At, Last, '"');
+      if (At == Last) {
+        if (!All) return false;
+        throw Fault(Fault_Number::Bad_File_Data, "a text has no closing quote");
+      }
+      const char* after = At + 1;
+      if (after != Last && *after == '"') {
+        doubled = true;
+        At = after;
+        continue;
+      }
+      while (after != Last && Is_Blank(*after)) ++after;
+      if (after == Last && !All) return false;
+      if (after == Last || *after == ',' || Is_Line_End(*after)) {
+        value = {std::string_view(first, static_cast<std::size_t>(At - first)), true, doubled};
+        At = after;
+        return Separate();
+      }
+    }
+  }
+
+  // Past one comma or line end; CR LF is one.
+  bool Separate() {
+    if (At == Last) return true;
+    if (*At == '\r') {
+      if (At + 1 == Last && !All) return false;
+      if (At + 1 != Last && At[1] == '\n') ++At;
+    }
+    if (*At != ',') ++Line_Ends;
+    ++At;
+    return true;
+  }
+
+  const char* At = nullptr;
+  const char* Last = nullptr;
+  bool All = false;
+  std::int64_t Line_Ends = 0;
+};
+
+bool Is_Null(const Raw_Value& value) {
+  return !value.Quoted && value.Text == "#NULL#";
+}
+bool Is_Absent(const Raw_Value& value) {
+  return value.Text.empty() || Is_Null(value);
+}
+
+[[noreturn]] void Refuse(std::string_view text, const char* what) {
+  constexpr std::size_t shown = 40;
+  throw Fault(Fault_Number::Bad_File_Data,
+              "\"" + std::string(text.substr(0, shown)) + "\" is no " + what);
+}
+
+template <class Real>
+Real Number_Of(const Raw_Value& value) {
+  if (value.Text.empty()) return 0;
+  Real number = 0;
+  const char* first = value.Text.data();
+  if (!Parse_Number(first, first + value.Text.size(), number)) Refuse(value.Text, "number");
+  return number;
+}
+
+void Take(const Raw_Value& value, Nullable& field, Text_Store&) {
+  field = Is_Absent(value) ? Nullable() : Nullable(Number_Of<double>(value));
+}
+void Take(const Raw_Value& value, float& field, Text_Store&) {
+  field = Number_Of<float>(value);
+}
+void Take(const Raw_Value& value, std::int16_t& field, Text_Store&) {
+  if (value.Text.size() == 1 && value.Text[0] >= '0' && value.Text[0] <= '9') {
+    field = static_cast<std::int16_t>(value.Text[0] - '0');
+  } else {
+    field = To_Int16(Number_Of<double>(value));
+  }
+}
+void Take(const Raw_Value& value, std::int32_t& field, Text_Store&) {
+  field = To_Int32(Number_Of<double>(value));
+}
+void Take(const Raw_Value& value, std::optional<std::int16_t>& field, Text_Store& texts) {
+  field.reset();
+  if (!Is_Absent(value)) Take(value, field.emplace(), texts);
+}
+void Take(const Raw_Value& value, bool& field, Text_Store&) {
+  if (value.Text == "#TRUE#" || value.Text == "#FALSE#") {
+    field = value.Text == "#TRUE#";
+    return;
+  }
+  const std::string word = Upper(value.Text);
+  if (word == "TRUE" || word == "FALSE" || word == "#TRUE#" || word == "#FALSE#") {
+    field = word.find("TRUE") != std::string::npos;
+  } else {
+    field = Number_Of<double>(value) != 0;
+  }
+}
+void Take(const Raw_Value& value, Record_Type& field, Text_Store&) {
+  field = value.Text == "0"   ? Record_Type::Control
+          : value.Text == "1" ? Record_Type::Line
+          : value.Text == "2" ? Record_Type::Arc
+                              : Record_Type::Other;
+}
+void Take(const Raw_Value& value, std::string_view& field, Text_Store& texts) {
+  if (Is_Null(value)) {
+    field = {};
+  } else if (!value.Doubled_Quotes) {
+    field = texts.Keep(value.Text);
+  } else {
+    std::string text(value.Text);
+    for (std::size_t at = text.find("\"\""); at != text.npos; at = text.find("\"\"", at + 1)) {
+      text.erase(at, 1);
+    }
+    field = texts.Keep(text);
+  }
+}
+
+template <class Record>
+class Table_Reader {
+ public:
+  Table_Reader(Byte_Source& source, std::string_view name) : Source(source), Name(name) {}
+
+  Table<Record> Read(std::size_t limit) {
+    while (Result.Rows.size() < limit && Take_Record()) {
+    }
+    Result.Texts = std::move(Texts);
+    return std::move(Result);
+  }
+
+ private:
+  // The next record of the file into the table; false at the end.
+  bool Take_Record() {
+    for (;;) {
+      const char* start = Cutter.Place();
+      const std::int64_t lines = Cutter.Lines();
+      if (Cutter.Skip_Line_Ends()) {
+        if (Cutter.Ended()) return false;
+        Record record;
+        if (Take_Fields(record)) {
+          Result.Rows.push_back(record);
+          return true;
+        }
+      }
+      Cutter.Return_To(start, lines);
+      Get_More();
+    }
+  }
+
+  bool Take_Fields(Record& record) {
+    bool complete = true;
+    const char* field = "";
+    try {
+      For_Each_Field<Record>([&](const auto& row) {
+        if (!complete) return;
+        if (Cutter.Quick(row.Of(record), *Texts)) return;
+        field = row.Name;
+        Raw_Value value;
+        if (Cutter.Ended() && All) Raise_Cut_Off();
+        complete = Cutter.Cut(value);
+        if (complete) Take(value, row.Of(record), *Texts);
+      });
+    } catch (const Fault& fault) {
+      throw Fault(fault.Number, Name + ", line " + std::to_string(Cutter.Lines() + 1) + ", field " +
+                                    field + ": " + fault.Description);
+    }
+    return complete;
+  }
+
+  [[noreturn]] static void Raise_Cut_Off() {
+    throw Fault(Fault_Number::Bad_File_Data,
+                "the file ends within a record; compile the program again");
+  }
+
+  // Drops what has been used and appends what follows.
+  void Get_More() {
+    const char* place = Cutter.Place();
+    if (place != nullptr) Bytes.erase(0, static_cast<std::size_t>(place - Bytes.data()));
+    if (!Source.Fill(Bytes)) All = true;
+    Cutter.Set(Bytes.data(), Bytes.data() + Bytes.size(), All);
+  }
+
+  Byte_Source& Source;
+  std::string Name;
+  std::string Bytes;
+  bool All = false;  // nothing follows what is in Bytes
+  Value_Cutter Cutter;
+  std::shared_ptr<Text_Store> Texts = std::make_shared<Text_Store>();
+  Table<Record> Result;
+};
+
+// Bytes at hand, handed over at once.
+class Memory_Source : public Byte_Source {
+ public:
+  explicit Memory_Source(std::string_view bytes) : Rest(bytes) {}
+  bool Fill(std::string& bytes) override {
+    const bool any = !Rest.empty();
+    bytes += Rest;
+    Rest = {};
+    return any;
+  }
+
+ private:
+  std::string_view Rest;
+};
+
+template <class Record>
+Table<Record> Read_Table(const std::string& path, std::size_t limit) {
+  File_Source file(path);
+  return Table_Reader<Record>(file, path).Read(limit);
+}
+
+template <class Record>
+Table<Record> Parse_Table(std::string_view bytes, std::string_view name, std::size_t limit) {
+  Memory_Source source(bytes);
+  return Table_Reader<Record>(source, name).Read(limit);
+}
+
+}  // namespace
+
+Table<LineArc> Read_LineArc_Table(const std::string& path, std::size_t limit) {
+  return Read_Table<LineArc>(path, limit);
+}
+Table<Wire> Read_Wire_Table(const std::string& path, std::size_t limit) {
+  return Read_Table<Wire>(path, limit);
+}
+Table<LineArc> Parse_LineArc_Table(std::string_view bytes, std::string_view name,
+                                   std::size_t limit) {
+  return Parse_Table<LineArc>(bytes, name, limit);
+}
+Table<Wire> Parse_Wire_Table(std::string_view bytes, std::string_view name, std::size_t limit) {
+  return Parse_Table<Wire>(bytes, name, limit);
+}
+
+}  // namespace norvik

@@ -1,0 +1,11 @@
+// import.h: ASCII DXF to G-code; the steps are told in import/dxf/table.h.
+#pragma once
+
+#include <string>
+
+namespace norvik {
+
+// False when the file does not exist, after a beep.
+bool Import_DXF_File(const std::string& path);
+
+}  // namespace norvik

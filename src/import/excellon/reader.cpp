@@ -1,0 +1,346 @@
+#include "import/excellon/reader.h"
+
+#include "core/application.h"
+#include "core/messages.h"
+#include "core/paths.h"
+#include "core/rounding.h"
+#include "core/setup.h"
+#include "import/excellon/table.h"
+#include "import/pipeline/numbers.h"
+#include "import/pipeline/pipeline.h"
+#include "import/pipeline/report.h"
+#include "platform/platform.h"
+
+#include <cmath>
+
+namespace norvik {
+
+Excellon_State Excellon_Table;
+
+namespace {
+
+constexpr std::string_view Fault_Name = "NC File Load Error";
+constexpr std::int16_t Leading_Zeros = 1, Trailing_Zeros = 2;
+
+// The coordinate as the format places its point.
+std::string Placed_Text(std::string_view text, std::int16_t zero_format) {
+  const auto whole =
+      static_cast<std::size_t>(std::max<std::int16_t>(MachineSetup.Excellon_Integer_Format, 0));
+  const auto decimals =
+      static_cast<std::size_t>(std::max<std::int16_t>(MachineSetup.Excellon_Decimal_Format, 0));
+  std::string placed(text);
+  if (text.find('.') != std::string_view::npos) return placed;
+  if (zero_format == Leading_Zeros) {
+    placed = std::string(text.substr(0, whole)) + ".";
+    if (text.size() > whole) placed += text.substr(whole, decimals);
+  } else if (zero_format == Trailing_Zeros) {
+    placed.insert(text.size() - std::min(decimals, text.size()), ".");
+  }
+  return placed;
+}
+
+double Value_In_Format(std::string_view text, std::int16_t zero_format,
+                       const Axis_Rounding& rounded) {
+  constexpr double thousandths = 1000;
+  const bool placed = zero_format == Leading_Zeros || zero_format == Trailing_Zeros ||
+                      text.find('.') != std::string_view::npos;
+  if (!placed) return rounded(Foreign_Number(text) / thousandths);
+  const std::string point_text = Placed_Text(text, zero_format);
+  return rounded(point_text == "." ? std::string_view() : std::string_view(point_text));
+}
+
+// How large the board is under one reading of the coordinates.
+struct Reading_Extent {
+  double X = 0, Y = 0;
+  double Size() const { return std::max(X, Y); }
+};
+
+class Reader {
+ public:
+  explicit Reader(const std::string& path) : Source(path) {}
+  void Load();
+
+ private:
+  bool Next_Field(std::string_view& field);
+  void Read_Header();
+  void Read_Header_Tool(std::string_view line);
+  void Read_Body();
+  void Read_Body_Line(std::string_view line);
+  void Select_Tool(std::string_view number);
+  void Add_Hole();
+  void Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent);
+  void Count_Other(std::string_view line);
+  void Stop(const std::string& why);
+  void Note_Word(std::string_view line);
+  void Note_Format();
+  void Note_Lost_Tools();
+  void Note_Text();
+
+  Text_Source Source;
+  Import_Faults Faults{Fault_Name};
+  const Axis_Rounding Rounded;
+  std::string Line;      // in capitals
+  std::size_t Rest = 0;  // where the next field of the line begins
+  bool Has_Rest = false, Stopped = false;
+  std::string Zero_Word;  // "LZ" or "TZ" of the header
+  std::int16_t Tool = 1;
+  double X = 0, Y = 0;
+  Reading_Extent Leading, Trailing;  // the same coordinates under both readings
+};
+
+// A comma ends a field as a line end does.
+bool Reader::Next_Field(std::string_view& field) {
+  if (Application.EscFlag || Stopped) return false;
+  DoEvents();
+  if (!Has_Rest) {
+    std::string_view line;
+    if (!Source.Next_Line(line)) return false;
+    Line = Upper(line);
+    Rest = 0;
+  }
+  const auto comma = std::min(Line.find(',', Rest), Line.size());
+  field = Without_Blanks(std::string_view(Line).substr(Rest, comma - Rest));
+  Has_Rest = comma < Line.size();
+  Rest = comma + 1;
+  return true;
+}
+
+// The board's tables are full or the number means no tool: going on would drill the wrong holes.
+void Reader::Stop(const std::string& why) {
+  Stopped = true;
+  const std::string text =
+      "Line " + std::to_string(Source.Line_Number()) + ": " + why + " The load stopped there.";
+  Faults.Try([&] { throw Fault(Fault_Number::Out_Of_Range, text); });
+  AddMessage(text);
+  Report_Note(text);
+}
+
+void Reader::Read_Header() {
+  std::string_view field;
+  while (Next_Field(field)) {
+    if (field == "%") return;
+    Note_Word(field);
+    Faults.Try([&] { Read_Header_Tool(field); });
+  }
+  if (!Application.EscFlag && !Stopped) {
+    Report_Note(
+        "The file has no line \"%\", so all of it was read as header and nothing is drilled. Put a "
+        "line \"%\" where its header ends and import again.");
+  }
+}
+
+void Reader::Read_Header_Tool(std::string_view line) {
+  constexpr double metric_factor = 2.54;
+  const auto number = Find_Coordinate('T', line), diameter = Find_Coordinate('C', line);
+  if (!number || !diameter) return;
+  const double value = Foreign_Number(*number);
+  if (value > Tools.Diameter.last) {
+    Stop("Tool " + std::string(*number) + " is above 200, the last of the tool list.");
+    return;
+  }
+  const std::int16_t tool = To_Int16(value);
+  double size = Foreign_Number(*diameter);
+  if (MachineSetup.UnitsofMeasurement == 1) size *= metric_factor;
+  Excellon_Table.Tool[tool].Size = To_Single(size);
+  Tools.Diameter[tool] = size;
+  ++Excellon_Table.Header_Tools;
+  Count_Read("tool sizes");
+}
+
+// Units and zero format as the file names them; the setup decides all the same.
+void Reader::Note_Word(std::string_view line) {
+  const bool metric = MachineSetup.UnitsofMeasurement == 1;
+  if ((line == "INCH" || line == "M72") && metric) {
+    Report_Note("The file says inches, the setup is metric; coordinates were not converted.");
+  } else if ((line == "METRIC" || line == "M71") && !metric) {
+    Report_Note("The file says millimetres, the setup is inch; coordinates were not converted.");
+  } else if (line == "LZ" || line == "TZ") {
+    Zero_Word = line;
+  }
+}
+
+void Reader::Read_Body() {
+  std::string_view field;
+  while (Next_Field(field)) {
+    if (!Faults.Try([&] { Read_Body_Line(field); })) Count_Skipped("lines with unreadable numbers");
+  }
+}
+
+void Reader::Read_Body_Line(std::string_view line) {
+  const auto tool = Find_Coordinate('T', line);
+  const auto x = Find_Coordinate('X', line), y = Find_Coordinate('Y', line);
+  if (tool) Select_Tool(*tool);
+  if (Stopped) return;
+  Count_Other(line);
+  if (!x && !y) {
+    Note_Word(line);
+    return;
+  }
+  if (x) Take_Coordinate(*x, X, &Reading_Extent::X);
+  if (y) Take_Coordinate(*y, Y, &Reading_Extent::Y);
+  Add_Hole();
+}
+
+void Reader::Select_Tool(std::string_view number) {
+  const double value = Foreign_Number(number);
+  if (value == 0) return;
+  if (value < 0 || value > Excellon_Table.Tool.last) {
+    Stop("Tool " + std::string(number) + " is not between 1 and 500.");
+    return;
+  }
+  Tool = To_Int16(value);
+  Excellon_Tool& tool = Excellon_Table.Tool[Tool];
+  if (!tool.Holes.empty()) {
+    Count_Skipped("holes of a tool that is selected again",
+                  static_cast<std::int64_t>(tool.Holes.size()));
+  }
+  tool.Holes.clear();
+  ++Excellon_Table.Tools_Used;
+  Count_Read("tool selections");
+  if (Tool > Tools.Diameter.last) {  // beyond the tool list
+    if (tool.Size == 0) tool.Size = MachineSetup.Excellon_Default_Drill_Size;
+    return;
+  }
+  double& listed = Tools.Diameter[Tool];
+  if (listed == 0) listed = Decimal_Of(MachineSetup.Excellon_Default_Drill_Size);
+  tool.Size = To_Single(listed);
+}
+
+void Reader::Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent) {
+  last = Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Rounded);
+  const auto reach = [&](Reading_Extent& reading, std::int16_t format) {
+    try {
+      reading.*extent = std::max(reading.*extent, std::abs(Value_In_Format(text, format, Rounded)));
+    } catch (const Fault&) {  // not readable that way: says nothing about the other reading
+    }
+  };
+  if (text.find('.') != std::string_view::npos) return;
+  reach(Leading, Leading_Zeros);
+  reach(Trailing, Trailing_Zeros);
+}
+
+void Reader::Add_Hole() {
+  std::vector<Excellon_Hole>& holes = Excellon_Table.Tool[Tool].Holes;
+  if (holes.size() >= Excellon_Holes_Limit) {
+    Stop("Tool " + std::to_string(Tool) + " has more than 10,000 holes.");
+    return;
+  }
+  holes.push_back({To_Single(X), To_Single(Y)});
+  Count_Read("holes");
+}
+
+// What the line says besides a tool and a hole.
+void Reader::Count_Other(std::string_view line) {
+  if (line.empty() || line.front() == ';' || line == "%") return;
+  const char first = line.front();
+  if (line.find("G85") != std::string_view::npos) {
+    Count_Skipped("G85 slot (drilled at its start only)");
+  }
+  if (first == 'R' && line.find_first_of("XY") != std::string_view::npos) {
+    Count_Skipped("R repeat");
+    Report_Note(
+        "The file repeats holes (R). The repeats are not drilled, and the step of each stands as a "
+        "hole. Have the file written without repeats and import again.");
+  }
+  if (first == 'T' && Find_Coordinate('C', line)) {
+    Count_Skipped("tool size behind the header");
+    Report_Note(
+        "Tool sizes behind the first line \"%\" are not read. Remove the line that ends the header "
+        "too early and import again.");
+  }
+  if (first == 'G' || first == 'M') {
+    const auto end = line.find_first_not_of("0123456789", 1);
+    Count_Skipped(line.substr(0, std::min(end, line.size())));
+  }
+}
+
+// --- Report --------------------------------------------------------------------------------------
+
+void Reader::Note_Format() {
+  const std::int16_t zeros = MachineSetup.Excellon_Zero_Format;
+  Import_Report.Format = "format " + std::to_string(MachineSetup.Excellon_Integer_Format) + ":" +
+                         std::to_string(MachineSetup.Excellon_Decimal_Format) +
+                         (zeros == Leading_Zeros    ? ", leading zeros kept"
+                          : zeros == Trailing_Zeros ? ", trailing zeros kept"
+                                                    : ", thousandths");
+  const bool placed = Leading.Size() > 0 || Trailing.Size() > 0;
+  if (placed && Zero_Word == "LZ" && zeros != Leading_Zeros) {
+    Report_Note("The file keeps leading zeros (LZ); the setup reads another zero format.");
+  } else if (placed && Zero_Word == "TZ" && zeros != Trailing_Zeros) {
+    Report_Note("The file keeps trailing zeros (TZ); the setup reads another zero format.");
+  }
+  constexpr double suspicious = 5;
+  const double leading = Leading.Size(), trailing = Trailing.Size();
+  if (std::max(leading, trailing) <= suspicious * std::min(leading, trailing)) return;
+  const auto size_of = [](const Reading_Extent& reading) {
+    return General_Text(reading.X) + " by " + General_Text(reading.Y);
+  };
+  Report_Note("Check the zero format: with leading zeros kept the holes reach " + size_of(Leading) +
+              ", with trailing zeros kept " + size_of(Trailing) + ".");
+}
+
+void Reader::Note_Lost_Tools() {
+  std::string lost, first_idle;
+  std::size_t holes = 0, idle = 0;
+  for (std::int32_t tool = 0; tool <= Excellon_Table.Tool.last; ++tool) {
+    const Excellon_Tool& row = Excellon_Table.Tool[tool];
+    const bool drilled = tool >= 1 && tool <= Excellon_Tools_Drilled();
+    const std::string number = std::to_string(tool);
+    if (drilled && row.Holes.empty() && idle++ == 0) first_idle = number;
+    if (row.Holes.empty()) continue;
+    if (drilled) {
+      Import_Report.Tools.push_back("T" + number + " " + General_Text(row.Size) + " x " +
+                                    std::to_string(row.Holes.size()));
+    } else {
+      lost += (lost.empty() ? "T" : ", T") + number;
+      holes += row.Holes.size();
+    }
+  }
+  if (idle > 0) {
+    Report_Note("The program also stops for tools without holes: " + std::to_string(idle) +
+                ", the first is T" + first_idle + ".");
+  }
+  if (lost.empty()) return;
+  Report_Note("Not drilled: " + lost + " with " + std::to_string(holes) +
+              " holes. Tools must be numbered from 1 without gaps.");
+}
+
+void Reader::Note_Text() {
+  if (Source.Lines_Cut() > 0) Report_Cut_Lines();
+  const bool at_hole = Line.find('X') != std::string::npos || Line.find('Y') != std::string::npos;
+  if (!Source.Last_Line_Ended() && at_hole && !Stopped) {
+    Report_Note("The file ends within a line of coordinates; it may be cut short.");
+  }
+}
+
+void Reader::Load() {
+  Read_Header();
+  Read_Body();
+  Note_Format();
+  Note_Lost_Tools();
+  Note_Text();
+}
+
+}  // namespace
+
+std::optional<std::string_view> Find_Coordinate(char letter, std::string_view line) {
+  auto at = line.find(letter);
+  if (at == std::string_view::npos) return std::nullopt;
+  at = line.find_first_not_of(' ', at + 1);
+  if (at == std::string_view::npos) return std::nullopt;
+  const auto end = line.find_first_not_of("0123456789+-.", at);
+  const std::string_view text = line.substr(at, std::min(end, line.size()) - at);
+  if (text.empty()) return std::nullopt;
+  return text;
+}
+
+double Excellon_Value(std::string_view text) {
+  return Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Axis_Rounding());
+}
+
+void Excellon_Load(const std::string& path) {
+  Import_Status("NC Conversion: Loading File...");
+  if (!Trap(Fault_Name, [&] { Reader(path).Load(); })) Report_Unreadable();
+}
+
+}  // namespace norvik

@@ -1,7 +1,0 @@
-#include "import/gerber_table.h"
-
-namespace norvik {
-
-Gerber_Table_State Gerber_Table;
-
-}  // namespace norvik

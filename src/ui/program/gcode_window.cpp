@@ -1,0 +1,268 @@
+#include "ui/program/gcode_window.h"
+
+#include "app/gcode_form.h"
+#include "compiler/check/program_check.h"
+#include "compiler/state/compiler_state.h"
+#include "compiler/text/program_text.h"
+#include "control/controller_state.h"
+#include "ui/program/gcode_editor.h"
+#include "ui/widgets/theme.h"
+
+#include <map>
+
+#include <QHBoxLayout>
+#include <QListWidget>
+#include <QPushButton>
+#include <QShortcut>
+#include <QSplitter>
+#include <QToolButton>
+
+namespace norvik {
+
+namespace {
+
+// A list of thousands of the same finding helps nobody: so many are shown.
+constexpr int Most_Findings = 500;
+// Above so many lines the check waits for its button.
+constexpr int Check_At_Once = 200'000;
+
+constexpr int Refresh_Ms = 250;
+
+struct Tool_Row {
+  const char* Name;
+  const char* Caption;
+  const char* Tip;
+  void (*Clicked)();
+};
+
+constexpr Tool_Row Text_Tools[] = {
+    {"Command_Update", "Compile", "Take the text and compile it (Ctrl+B)", Command_Update_Click},
+    {"Command_GStep", "Step >", "Mark the current step in the plot and go on to the next",
+     Command_GStep_Click},
+    {"Command_GCode_Reset", "Reset", "Step pointer back to the first step",
+     Command_GCode_Reset_Click},
+};
+
+}  // namespace
+
+GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GCode_Editor) {
+  setObjectName("GCode");
+  setWindowTitle("G-code");
+  auto* rows = new QVBoxLayout(this);
+  rows->setContentsMargins(4, 4, 4, 4);
+  rows->addWidget(Build_Tools());
+  rows->addWidget(Build_Find());
+  auto* split = new QSplitter(Qt::Vertical);
+  split->addWidget(Text_GCode);
+  Findings = new QListWidget;
+  Findings->setObjectName("List_Findings");
+  Findings->setWordWrap(true);
+  Findings->setAlternatingRowColors(true);
+  Findings->hide();
+  split->addWidget(Findings);
+  split->setStretchFactor(0, 4);
+  split->setStretchFactor(1, 1);
+  split->setChildrenCollapsible(false);
+  rows->addWidget(split, 1);
+  rows->addWidget(Build_Steps());
+
+  connect(Text_GCode, &QPlainTextEdit::textChanged, this, Text_GCode_Change);
+  connect(Text_GCode, &GCode_Editor::Line_Double_Clicked, this, Text_GCode_DblClick);
+  connect(Text_GCode, &GCode_Editor::File_Dropped, this, &GCode_Window::File_Dropped);
+  connect(Findings, &QListWidget::itemActivated, this, [this](QListWidgetItem* item) {
+    Text_GCode->Show_Line(item->data(Qt::UserRole).toInt());
+  });
+  connect(Findings, &QListWidget::itemClicked, Findings, &QListWidget::itemActivated);
+
+  Gcode_Host.Form_Changed = [this] { Show_Form(); };
+  Gcode_Host.Typed_Text = [this] { return Text_GCode->toPlainText().toStdString(); };
+  Gcode_Host.Show_Program = [this] {
+    const QSignalBlocker quiet(Text_GCode);
+    Text_GCode->Set_Program(QString::fromStdString(GCode_Program.Text->Whole()));
+  };
+  Gcode_Host.GCode_HighlightAll = [this] {
+    Text_GCode->Set_Marks({});
+    Text_GCode->viewport()->update();
+  };
+  Gcode_Host.GCode_HighlightWords = [this](std::int32_t line) { Text_GCode->Show_Line(line); };
+  Gcode_Host.Select_Text = [this](const std::string& text) {
+    Text_GCode->Show_First(QString::fromStdString(text));
+  };
+  Gcode_Host.Show_Program();
+  Display_Gcode_Steps();
+  Display_Parameters();
+  Show_Form();
+  Timer = Platform.Start_Timer(Refresh_Ms, Refresh_Step_Range);
+}
+
+GCode_Window::~GCode_Window() {
+  Platform.Stop_Timer(Timer);
+  // What is typed is not lost with the window.
+  Take_Typed_Text();
+  Gcode_Host = {};
+}
+
+QWidget* GCode_Window::Build_Tools() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
+  row->setContentsMargins(0, 0, 0, 0);
+  const auto add = [row](const QString& name, const QString& caption, const QString& tip) {
+    auto* button = new QPushButton(caption);
+    button->setObjectName(name);
+    button->setToolTip(tip);
+    button->setFocusPolicy(Qt::NoFocus);
+    button->setMinimumHeight(Finger_Height() * 2 / 3);
+    row->addWidget(button);
+    return button;
+  };
+  for (const Tool_Row& tool : Text_Tools) {
+    connect(add(tool.Name, tool.Caption, tool.Tip), &QPushButton::clicked, this,
+            [this, clicked = tool.Clicked] {
+              clicked();
+              const bool compiled = clicked == Command_Update_Click && !Anything_Moves();
+              if (compiled && GCodeLineCount() <= Check_At_Once) Check_Now();
+            });
+  }
+  connect(add("Command_Check", "Check", "List what the compiler ignores or would misread"),
+          &QPushButton::clicked, this, [this] {
+            if (Begin_Check()) Check_Now();
+          });
+  connect(add("Command_Find", "Find", "Find a text (Ctrl+F)"), &QPushButton::clicked, this,
+          &GCode_Window::Show_Find);
+  row->addStretch(1);
+  auto* lines = new QLabel;
+  lines->setToolTip("Lines of the program");
+  Binding.Label(lines, "Label_GC_NOS", Gcode_Form.Label_GC_NOS);
+  row->addWidget(lines);
+  return area;
+}
+
+QWidget* GCode_Window::Build_Find() {
+  Find_Row = new QWidget;
+  auto* row = new QHBoxLayout(Find_Row);
+  row->setContentsMargins(0, 0, 0, 0);
+  Find_Text = new QLineEdit;
+  Find_Text->setObjectName("Text_Find");
+  Find_Text->setPlaceholderText("Text to find; Enter goes to the next place");
+  row->addWidget(Find_Text, 1);
+  Find_Answer = new QLabel;
+  row->addWidget(Find_Answer);
+  auto* close = new QToolButton;
+  close->setText(QString::fromUtf8("\u2715"));
+  close->setAutoRaise(true);
+  row->addWidget(close);
+  connect(Find_Text, &QLineEdit::returnPressed, this, &GCode_Window::Find_Next);
+  connect(close, &QToolButton::clicked, Find_Row, &QWidget::hide);
+  Find_Row->hide();
+  return Find_Row;
+}
+
+QWidget* GCode_Window::Build_Steps() {
+  auto* area = new QWidget;
+  auto* grid = new QGridLayout(area);
+  grid->setContentsMargins(0, 0, 0, 0);
+  const auto field = [&](int column, const QString& title, const QString& name,
+                         Text_Control& control, Handler changed) {
+    grid->addWidget(new QLabel(title), 0, column);
+    auto* edit = new QLineEdit;
+    edit->setMaximumWidth(Text_Height() * 6);
+    Binding.Text(edit, name, control, std::move(changed));
+    grid->addWidget(edit, 0, column + 1);
+    return edit;
+  };
+  // A step counts as soon as it is typed: Play does not take the focus. Leaving the box shows what
+  // became of it.
+  const auto step_field = [&](int column, const QString& title, const QString& name,
+                              Text_Control& control, Handler changed) {
+    const QLineEdit* edit = field(column, title, name, control, [changed] {
+      changed();
+      Display_Gcode_Steps();
+    });
+    connect(edit, &QLineEdit::textEdited, edit, [&control, changed](const QString& typed) {
+      control.Text = typed.toStdString();
+      changed();
+    });
+  };
+  step_field(0, "From step", "Text_StartingStep", Gcode_Form.Text_StartingStep,
+             Gcode_StartingStep_Change);
+  step_field(2, "to", "Text_EndingStep", Gcode_Form.Text_EndingStep, Gcode_EndingStep_Change);
+  field(4, "Travel", "Text_Feed_Rates_0", Gcode_Form.Text_Feed_Rates[0],
+        [] { Text_Feed_Rates_Change(0); });
+  field(6, "Cut", "Text_Feed_Rates_1", Gcode_Form.Text_Feed_Rates[1],
+        [] { Text_Feed_Rates_Change(1); });
+  auto* unit = new QLabel;
+  Binding.Label(unit, "Label_FRUnits", Gcode_Form.Label_FRUnits);
+  grid->addWidget(unit, 0, 8);
+  grid->setColumnStretch(9, 1);
+  auto* pointer = new QHBoxLayout;
+  pointer->addWidget(new QLabel("Step"));
+  auto* step = new QLabel;
+  step->setToolTip("The step that \"Step >\" marks next");
+  Binding.Label(step, "Label_GStep", Gcode_Form.Label_GStep);
+  pointer->addWidget(step, 1);
+  grid->addLayout(pointer, 1, 0);
+  auto* text = new QLabel;
+  text->setFont(Text_GCode->font());
+  text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+  Binding.Label(text, "Label_CGStep", Gcode_Form.Label_CGStep);
+  grid->addWidget(text, 1, 1, 1, 9);
+  return area;
+}
+
+void GCode_Window::Show_Form() {
+  Binding.Show();
+  Text_GCode->Set_Current_Line(Text_Line_Of_Step(Compile_Status.CurrentStep));
+}
+
+void GCode_Window::Show_Find() {
+  Find_Row->show();
+  const QString selected = Text_GCode->textCursor().selectedText();
+  if (!selected.isEmpty()) Find_Text->setText(selected);
+  Find_Text->setFocus();
+  Find_Text->selectAll();
+}
+
+void GCode_Window::Undo() {
+  Text_GCode->undo();
+}
+
+void GCode_Window::Find_Next() {
+  bool found = Text_GCode->find(Find_Text->text());
+  if (!found) {
+    Text_GCode->moveCursor(QTextCursor::Start);
+    found = Text_GCode->find(Find_Text->text());
+  }
+  Find_Answer->setText(found ? QString() : "Not found");
+}
+
+void GCode_Window::Check_Now() {
+  const std::vector<Check_Finding> found = Check_Program(GCode_Program.Text);
+  std::map<int, GCode_Editor::Mark> marks;
+  Findings->clear();
+  int shown = 0;
+  for (const Check_Finding& finding : found) {
+    const Check_Grade grade = Info_Of(finding.Kind).Grade;
+    const bool serious = grade == Check_Grade::Lost || grade == Check_Grade::Wrong;
+    const int line = finding.Macro ? 0 : Text_Line_Of_Step(finding.Line);
+    QString text = QString::fromStdString(finding.What);
+    if (!finding.Instead.empty()) text += "\nInstead: " + QString::fromStdString(finding.Instead);
+    if (line > 0) {
+      GCode_Editor::Mark& mark = marks[line];
+      mark.Text += (mark.Text.isEmpty() ? "" : "\n") + text;
+      mark.Serious = mark.Serious || serious;
+    }
+    if (++shown > Most_Findings) continue;
+    QString place = line > 0 ? QString("Line %1: ").arg(line) : QString();
+    if (finding.Macro) place = QString("Macro %1, line %2: ").arg(*finding.Macro).arg(finding.Line);
+    auto* item = new QListWidgetItem(place + text, Findings);
+    item->setData(Qt::UserRole, line);
+    item->setForeground(serious ? Colors().Stop : Findings->palette().color(QPalette::WindowText));
+  }
+  if (shown > Most_Findings) {
+    new QListWidgetItem(QString("%1 more").arg(shown - Most_Findings), Findings);
+  }
+  Text_GCode->Set_Marks(std::move(marks));
+  Findings->setVisible(!found.empty());
+}
+
+}  // namespace norvik

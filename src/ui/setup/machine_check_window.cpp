@@ -1,0 +1,117 @@
+#include "ui/setup/machine_check_window.h"
+
+#include "control/machine_check.h"
+#include "ui/widgets/theme.h"
+
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QVBoxLayout>
+
+namespace norvik {
+
+namespace {
+
+constexpr int Text_Column = 0, Key_Column = 1;
+
+QTableWidgetItem* Read_Only_Item(const std::string& text) {
+  auto* item = new QTableWidgetItem(QString::fromStdString(text));
+  item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+  item->setTextAlignment(Qt::AlignLeft | Qt::AlignTop);
+  return item;
+}
+
+QTableWidget* Findings_Table() {
+  auto* table = new QTableWidget(0, 2);
+  table->setObjectName("List_Findings");
+  table->setHorizontalHeaderLabels({"What may surprise you", "Key to change"});
+  table->horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+  table->horizontalHeader()->setSectionResizeMode(Text_Column, QHeaderView::Stretch);
+  table->horizontalHeader()->setSectionResizeMode(Key_Column, QHeaderView::ResizeToContents);
+  table->horizontalHeader()->setHighlightSections(false);
+  table->verticalHeader()->hide();
+  // The rows follow when another width breaks the texts elsewhere.
+  table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
+  table->setWordWrap(true);
+  table->setAlternatingRowColors(true);
+  table->setSelectionBehavior(QAbstractItemView::SelectRows);
+  table->setSelectionMode(QAbstractItemView::SingleSelection);
+  table->setVerticalScrollMode(QAbstractItemView::ScrollPerPixel);
+  table->setMinimumSize(Text_Height() * 24, Text_Height() * 10);
+  return table;
+}
+
+}  // namespace
+
+Machine_Check_Window::Machine_Check_Window(QWidget* parent) : QWidget(parent) {
+  setObjectName("Machine_Check");
+  setWindowTitle("Machine check");
+  auto* rows = new QVBoxLayout(this);
+  Nothing_Found = new QLabel("Nothing in this setup should surprise you.");
+  Nothing_Found->setObjectName("Label_Nothing_Found");
+  Nothing_Found->setWordWrap(true);
+  rows->addWidget(Nothing_Found);
+  Findings = Findings_Table();
+  rows->addWidget(Findings, 1);
+  rows->addWidget(Build_Foot());
+  connect(Findings, &QTableWidget::itemSelectionChanged, this,
+          [this] { Copy->setEnabled(!Chosen_Key().isEmpty()); });
+  resize(Text_Height() * 44, Text_Height() * 28);
+  Show_Findings();
+}
+
+QWidget* Machine_Check_Window::Build_Foot() {
+  auto* foot = new QWidget;
+  auto* row = new QHBoxLayout(foot);
+  row->setContentsMargins(0, 0, 0, 0);
+  const auto button = [&](const char* name, const char* text, const char* tip, auto clicked) {
+    auto* made = new QPushButton(text);
+    made->setObjectName(name);
+    made->setMinimumHeight(Finger_Height());
+    made->setToolTip(tip);
+    connect(made, &QPushButton::clicked, this, clicked);
+    row->addWidget(made);
+    return made;
+  };
+  Copy = button("Command_Copy_Key", "Copy key", "The key of the chosen line, for a search",
+                &Machine_Check_Window::Copy_Key);
+  row->addStretch(1);
+  button("Command_Refresh", "Check again", "Look at the setup as it is now",
+         &Machine_Check_Window::Show_Findings);
+  return foot;
+}
+
+QString Machine_Check_Window::Chosen_Key() const {
+  const auto chosen = Findings->selectionModel()->selectedRows(Key_Column);
+  return chosen.isEmpty() ? QString() : chosen.front().data().toString();
+}
+
+void Machine_Check_Window::Copy_Key() {
+  const QString key = Chosen_Key();
+  if (!key.isEmpty()) QGuiApplication::clipboard()->setText(key);
+}
+
+void Machine_Check_Window::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Copy)) return Copy_Key();
+  QWidget::keyPressEvent(event);
+}
+
+void Machine_Check_Window::Show_Findings() {
+  const std::vector<Machine_Finding> findings = Machine_Check();
+  Findings->setRowCount(0);
+  Findings->setRowCount(static_cast<int>(findings.size()));
+  int row = 0;
+  for (const Machine_Finding& finding : findings) {
+    Findings->setItem(row, Text_Column, Read_Only_Item(finding.Text));
+    Findings->setItem(row++, Key_Column, Read_Only_Item(finding.Key));
+  }
+  Nothing_Found->setVisible(findings.empty());
+  Findings->setVisible(!findings.empty());
+  Copy->setEnabled(false);
+}
+
+}  // namespace norvik
