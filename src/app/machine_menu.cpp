@@ -77,7 +77,7 @@ void Save_Cut_Depths() {
   Write_Setup_Together([] {
     for (int level = 0; level <= 2; ++level) {
       const auto key = Find_Setup_Key("Tool", "Axis_Tool_Height(" + std::to_string(level) + ")");
-      WriteSetup("Tool", Setup_Key_Name(*key->Row, level), Setup_Text(*key->Row, level));
+      WriteSetup("Tool", Setting_Key(*key->Row, level), Setup_Text(*key->Row, level));
     }
   });
 }

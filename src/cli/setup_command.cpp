@@ -69,7 +69,7 @@ int Store(const std::function<void()>& store) {
 }
 
 void Write_Key(const Setup_Row& row, int index, const std::string& text) {
-  Write_Profile(Application.MachineFile, row.Section, Setup_Key_Name(row, index), text);
+  Write_Profile(Application.MachineFile, row.Section, Setting_Key(row, index), text);
 }
 
 int Store_Key(const Setup_Key& key) {

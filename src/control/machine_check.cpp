@@ -36,6 +36,22 @@ bool In_Use(int axis) {
   return Output_Bit(Step_Slot(axis)).has_value();
 }
 
+// The key acts on serial boards only.
+void Check_Polarity(Findings& findings) {
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (!MachineSetup.Axis_Polarity[axis] || !In_Use(axis)) continue;
+    findings.push_back({Axis_Name(axis) +
+                            " is set to run in reverse, but this key acts on serial "
+                            "boards only: on the parallel port " +
+                            Axis_Name(axis) +
+                            " runs as if it were off, and parts come out mirrored if it is needed. "
+                            "Use " +
+                            Axis_Key("Parallel_Output_Bit_Invert_", Direction_Slot(axis)) +
+                            " instead.",
+                        Axis_Key("Axis_Polarity_", axis)});
+  }
+}
+
 // --- Scales and speeds ---------------------------------------------------------------------------
 
 void Check_Scales(Findings& findings) {
@@ -163,8 +179,35 @@ void Check_Tap(Findings& findings, int axis) {
                         Axis_Key("Axis_HomeTarget_", axis)});
 }
 
+// A seek that meets no switch ends at the home path, and the position is set there all the same.
+void Check_Met_Switches(Findings& findings) {
+  if (MachineSetup.Home_Needs_Switch) return;
+  bool seeks = false;
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (MachineSetup.Axis_HomePath[axis].empty() || MachineSetup.Axis_HomeTarget[axis].empty()) {
+      continue;
+    }
+    seeks = true;
+    if (MachineSetup.Parallel_Port_Type != 1 || Input_Bit(Limit_Input(axis))) continue;
+    findings.push_back({"Homing seeks the switch of " + Axis_Name(axis) +
+                            ", and none is wired: it runs to the end of the home path and sets a "
+                            "false position there. Wire the switch, empty the axis's home path, or "
+                            "switch Home_Needs_Switch on.",
+                        Axis_Key("Parallel_Input_Bit_", Limit_Input(axis))});
+  }
+  if (seeks) {
+    findings.push_back(
+        {"Homing that does not meet a switch (a broken wire, a motor that lost its steps) ends "
+         "with "
+         "\"Homing Completed!\" and a false position. Switch Home_Needs_Switch on: homing then "
+         "ends there and sets no position.",
+         "Home_Needs_Switch"});
+  }
+}
+
 void Check_Homing(Findings& findings) {
   if (!MachineSetup.Validate_Home_Position) return;
+  Check_Met_Switches(findings);
   for (int axis = 1; axis <= 4; ++axis) {
     const bool read = Trap_With([](const Fault&) {}, [&] { Check_Tap(findings, axis); });
     if (!read)
@@ -205,8 +248,15 @@ void Check_Safety(Findings& findings) {
          "engaged: motors and outputs stay as they are.",
          "LimitDisableinRunMode"});
   if (!setup.E_Stop_Output_Disable)
-    findings.push_back({"The E-stop leaves the outputs as they are: a spindle keeps turning.",
-                        "E_Stop_Output_Disable"});
+    findings.push_back(
+        {"The E-stop leaves the outputs as they are: a spindle keeps turning. The E-stop input "
+         "ends "
+         "what moves and lets nothing begin as long as it is on; it switches no output off, takes "
+         "no "
+         "motor its power and does not latch. Set this key, and let the E-stop contact cut the "
+         "power "
+         "of motors and spindle itself.",
+         "E_Stop_Output_Disable"});
   if (setup.Parallel_MotorEnable_Option == 0)
     findings.push_back(
         {"Motors are switched off after every move: an axis under load may sink or "
@@ -298,6 +348,7 @@ std::vector<Machine_Finding> Machine_Check() {
   Check_EStop_Wiring(findings);
   Check_Shared_Bits(findings);
   Check_Ports(findings);
+  Check_Polarity(findings);
   Check_Scales(findings);
   Check_Ramps(findings);
   Check_Highest_Speeds(findings);

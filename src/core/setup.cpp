@@ -97,9 +97,9 @@ bool Write_Together(const std::string& path, const std::function<void()>& body) 
 }
 
 void Note_Finding(const Setup_Row& row, int index, const std::string& text) {
-  Setup_Store.Findings.push_back("[" + std::string(row.Section) + "] " +
-                                 Setup_Key_Name(row, index) + "=" + text.substr(0, 60) +
-                                 " cannot be used, the value is now " + Setup_Text(row, index));
+  Setup_Store.Findings.push_back("[" + std::string(row.Section) + "] " + Setting_Key(row, index) +
+                                 "=" + text.substr(0, 60) + " cannot be used, the value is now " +
+                                 Setup_Text(row, index));
 }
 
 void After_Row(const Setup_Row& row) {
@@ -120,7 +120,7 @@ void Read_All_Rows(void (*after)(const Setup_Row&)) {
   Known_File = {Application.MachineFile, {}};
   for (const Setup_Row& row : Setup_Rows()) {
     for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
-      const std::string text = ReadSetup(row.Section, Setup_Key_Name(row, index));
+      const std::string text = ReadSetup(row.Section, Setting_Key(row, index));
       if (!Read_Setup_Text(row, index, text)) Note_Finding(row, index, text);
       if (!Setup_Store.RestoringDefaults) {
         Known_File.Values[{&row, index}] = {text, Setup_Text(row, index)};
@@ -170,9 +170,9 @@ void Self_Test() {
 }
 
 std::string Save_Name(const Setup_Row& row, int index) {
-  Setup_Row named = row;
+  Setting_Row named = row;
   if (!row.Save_Key.empty()) named.Key = row.Save_Key;
-  return Setup_Key_Name(named, index);
+  return Setting_Key(named, index);
 }
 
 // Another program has given the key a value since this one has read or written it, and nobody has

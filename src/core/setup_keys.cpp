@@ -5,24 +5,10 @@
 #include "core/paths.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace norvik {
 
 namespace {
-
-bool Is_Number(const Setup_Field& field) {
-  return !std::holds_alternative<bool*>(field) && !std::holds_alternative<std::string*>(field);
-}
-
-// "0 to 15", "at least 0", or nothing.
-std::string Bounds_Text(const Value_Bounds& bounds) {
-  const bool low = std::isfinite(bounds.Low), high = std::isfinite(bounds.High);
-  if (low && high) return Shortest_Text(bounds.Low) + " to " + Shortest_Text(bounds.High);
-  if (low) return "at least " + Shortest_Text(bounds.Low);
-  if (high) return "at most " + Shortest_Text(bounds.High);
-  return {};
-}
 
 std::string With_Unit(std::string text, std::string_view unit) {
   if (!text.empty() && !unit.empty()) text += " " + std::string(unit);
@@ -30,42 +16,59 @@ std::string With_Unit(std::string text, std::string_view unit) {
 }
 
 [[noreturn]] void Raise_Unfit(const Setup_Key& key, std::string_view text, Fault_Number number) {
-  std::string wanted = Setup_Type_Name(*key.Row);
-  const std::string bounds = Bounds_Text(key.Row->Bounds);
-  if (!bounds.empty()) wanted += ", " + bounds;
-  throw Fault(number, Setup_Full_Name(key) + " takes a " + With_Unit(wanted, key.Row->Unit) +
-                          ", not \"" + std::string(text.substr(0, 60)) + "\"");
+  const Setup_Row& row = *key.Row;
+  const std::string values = Setting_Values(row);
+  std::string wanted;
+  if (!row.Choices.empty()) {
+    wanted = "one of " + values;
+  } else {
+    wanted = "a " + Setting_Kind_Name(row) + (values.empty() ? "" : ", " + values);
+  }
+  throw Fault(number, Setup_Full_Name(key) + " takes " + With_Unit(wanted, row.Unit) + ", not \"" +
+                          std::string(text.substr(0, 60)) + "\"");
+}
+
+// Whether a text that is a value of the type is also one that makes sense.
+bool Makes_Sense(const Setup_Row& row, std::string_view text) {
+  if (text.empty()) return true;
+  if (row.Kind == Setting_Kind::Whole_Number || row.Kind == Setting_Kind::Number) {
+    const double number = NullToZero(text);
+    if (row.Choices.empty()) return number >= row.Bounds.Low && number <= row.Bounds.High;
+    return std::any_of(row.Choices.begin(), row.Choices.end(), [&](const Setting_Choice& choice) {
+      return NullToZero(choice.Value) == number;
+    });
+  }
+  return row.Choices.empty() ||
+         std::any_of(row.Choices.begin(), row.Choices.end(),
+                     [&](const Setting_Choice& choice) { return choice.Value == text; });
 }
 
 // The default as the page shows it: all entries of a family that differ.
 std::string Page_Default(const Setup_Row& row) {
-  std::string text = row.Default_Of != nullptr ? "computed" : std::string(row.Default);
+  if (!row.Default_Words.empty()) return std::string(row.Default_Words);
+  std::string text(row.Default);
   for (auto bar = text.find('|'); bar != std::string::npos; bar = text.find('|', bar)) {
     text.replace(bar, 1, ", ");
   }
-  if (text.empty()) {
-    const bool is_text =
-        std::holds_alternative<std::string*>(row.Field(MachineSetup, row.Loaded.First));
-    return is_text ? "empty" : "False";
-  }
-  return text;
-}
-
-std::string Page_Key(const Setup_Row& row) {
-  std::string key = "`" + std::string(row.Key) + "`";
-  if (row.Is_Family) {
-    key += ", " + std::to_string(row.Loaded.First);
-    if (row.Loaded.Last > row.Loaded.First) key += " to " + std::to_string(row.Loaded.Last);
-  }
-  return key;
+  if (!text.empty()) return text;
+  return row.Kind == Setting_Kind::Yes_No ? "False" : "empty";
 }
 
 std::string Page_Line(const Setup_Row& row) {
-  const std::string values = Bounds_Text(row.Bounds);
-  std::string help(row.Help);
-  if (row.Takes_Default == Sentinel::Zero) help += " A stored 0 takes the default.";
-  return "| " + Page_Key(row) + " | " + Setup_Type_Name(row) + " | " + Page_Default(row) + " | " +
-         std::string(row.Unit) + " | " + values + " | " + help + " |\n";
+  std::string text = Page_Default(row);
+  if (row.Takes_Default == Sentinel::Zero && text != "0") text += "; for a stored 0 too";
+  return Setting_Table_Line(row, text);
+}
+
+// Groups in the order in which the table first names them.
+std::vector<std::string_view> Groups() {
+  std::vector<std::string_view> groups;
+  for (const Setup_Row& row : Setup_Rows()) {
+    if (std::find(groups.begin(), groups.end(), row.Group) == groups.end()) {
+      groups.push_back(row.Group);
+    }
+  }
+  return groups;
 }
 
 }  // namespace
@@ -86,7 +89,7 @@ std::optional<Setup_Key> Find_Setup_Key(std::string_view section, std::string_vi
   for (const Setup_Key& candidate : Setup_Keys()) {
     const Setup_Row& row = *candidate.Row;
     if (Upper(row.Section) == wanted_section &&
-        Upper(Setup_Key_Name(row, candidate.Index)) == wanted_key) {
+        Upper(Setting_Key(row, candidate.Index)) == wanted_key) {
       return candidate;
     }
   }
@@ -101,7 +104,7 @@ std::optional<Setup_Key> Find_Setup_Key(std::string_view name) {
   const std::string wanted = Upper(name);
   std::optional<Setup_Key> found;
   for (const Setup_Key& candidate : Setup_Keys()) {
-    if (Upper(Setup_Key_Name(*candidate.Row, candidate.Index)) != wanted) continue;
+    if (Upper(Setting_Key(*candidate.Row, candidate.Index)) != wanted) continue;
     if (found) return std::nullopt;
     found = candidate;
   }
@@ -109,31 +112,13 @@ std::optional<Setup_Key> Find_Setup_Key(std::string_view name) {
 }
 
 std::string Setup_Full_Name(const Setup_Key& key) {
-  return std::string(key.Row->Section) + "." + Setup_Key_Name(*key.Row, key.Index);
-}
-
-std::string Setup_Type_Name(const Setup_Row& row) {
-  struct Namer {
-    std::string operator()(const std::int16_t*) const { return "whole number"; }
-    std::string operator()(const std::int32_t*) const { return "whole number"; }
-    std::string operator()(const float*) const { return "number"; }
-    std::string operator()(const double*) const { return "number"; }
-    std::string operator()(const bool*) const { return "yes or no (True, False)"; }
-    std::string operator()(const std::string*) const { return "text"; }
-  };
-  if (row.Rule == Read_Rule::Numeral_Format) return "numeral format";
-  return std::visit(Namer{}, row.Field(MachineSetup, row.Loaded.First));
+  return std::string(key.Row->Section) + "." + Setting_Key(*key.Row, key.Index);
 }
 
 void Change_Setup_Key(const Setup_Key& key, std::string_view text) {
   const Setup_Row& row = *key.Row;
   if (!Is_Setup_Text(row, key.Index, text)) Raise_Unfit(key, text, Fault_Number::Type_Mismatch);
-  if (!text.empty() && Is_Number(row.Field(MachineSetup, key.Index))) {
-    const double number = NullToZero(text);
-    if (number < row.Bounds.Low || number > row.Bounds.High) {
-      Raise_Unfit(key, text, Fault_Number::Overflow);
-    }
-  }
+  if (!Makes_Sense(row, text)) Raise_Unfit(key, text, Fault_Number::Overflow);
   Read_Setup_Text(row, key.Index, text);
 }
 
@@ -143,20 +128,19 @@ void Reset_Setup_Key(const Setup_Key& key) {
 
 std::string Setup_Reference_Page() {
   std::string page =
-      "# Keys of the machine file\n\n"
-      "Units: lengths in inches or millimetres as `UnitsofMeasurement` says (\"units\"), speeds in "
-      "units per minute (IPM). `<n>` stands for a number.\n";
-  std::vector<std::string_view> sections;
-  for (const Setup_Row& row : Setup_Rows()) {
-    if (std::find(sections.begin(), sections.end(), row.Section) == sections.end()) {
-      sections.push_back(row.Section);
-    }
-  }
-  for (const std::string_view section : sections) {
-    page += "\n## [" + std::string(section) + "]\n\n";
-    page += "| Key | Takes | Default | Unit | Values | Meaning |\n|---|---|---|---|---|---|\n";
+      "# Settings\n\n"
+      "Every key of the machine file, page by page as an operator finds them. A key is written "
+      "with "
+      "the section of the file in which it lies, as `norvik-cli setup get` and `setup set` take "
+      "it; "
+      "`<n>` stands for a number. Units: lengths in inches or millimetres as "
+      "`Axis.UnitsofMeasurement` says (\"units\"), speeds in units per minute (IPM). \"After a "
+      "change\" says what must happen before a new value counts; where nothing is said it counts "
+      "at once, or with the next move or import.\n";
+  for (const std::string_view group : Groups()) {
+    page += "\n## " + std::string(group) + "\n\n" + Setting_Table_Head();
     for (const Setup_Row& row : Setup_Rows()) {
-      if (row.Section == section) page += Page_Line(row);
+      if (row.Group == group) page += Page_Line(row);
     }
   }
   return page;

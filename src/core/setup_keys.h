@@ -27,17 +27,15 @@ std::optional<Setup_Key> Find_Setup_Key(std::string_view name);
 
 // "Axis.Axis_SPI_1"
 std::string Setup_Full_Name(const Setup_Key& key);
-// "whole number", "number", "yes or no", "text" or "numeral format"
-std::string Setup_Type_Name(const Setup_Row& row);
 
 // Takes a text as the value, with either decimal sign. Raises a type or overflow fault, worded for
-// the operator, when the text is no value of the type or lies outside the row's bounds; the old
-// value then stands.
+// the operator, when the text is no value of the type, is none of the row's choices or lies outside
+// its bounds; the old value is then kept.
 void Change_Setup_Key(const Setup_Key& key, std::string_view text);
 // Back to the factory value.
 void Reset_Setup_Key(const Setup_Key& key);
 
-// The reference page of all keys as Markdown: one table a section.
+// The reference page of all keys of the machine file as Markdown, page by page.
 std::string Setup_Reference_Page();
 
 }  // namespace norvik

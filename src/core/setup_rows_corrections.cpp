@@ -10,39 +10,42 @@ using M = Machine_Setup;
 constexpr std::string_view Section = "Corrections";
 
 template <auto Member>
-Row_Builder Correction(std::string_view key) {
-  return Key<Member>(Section, key).Saved(Save_Place::Corrections);
+Row_Builder Correction(std::string_view key, std::string_view label) {
+  return Key<Member>(Section, key).Called(page::Corrections, label).Saved(Save_Place::Corrections);
 }
 
 }  // namespace
 
 Setup_Row_List Correction_Rows() {
   return {
-      Correction<&M::Run_In_Table_Order>("Run_In_Table_Order")
+      Correction<&M::Run_In_Table_Order>("Run_In_Table_Order", "Run in the order of the table")
           .Says("Off: a step runs all rows of its line number at once, so the passes of a repeated "
                 "line follow each other. On: the run takes the rows in the order of the table, as "
                 "the plot draws them."),
-      Correction<&M::Limit_Filter_Steps>("Limit_Filter_Steps")
+      Correction<&M::Limit_Filter_Steps>("Limit_Filter_Steps", "Filter for limit switches")
           .Plain("0")
           .In("half steps")
           .Between(0, 100'000)
           .Says("0: a limit switch counts as left as soon as it reads off once, so that a switch "
                 "that bounces turns the free side round. Above 0: it counts as left when it has "
                 "read off for so many half steps."),
-      Correction<&M::Home_Needs_Switch>("Home_Needs_Switch")
+      Correction<&M::Home_Needs_Switch>("Home_Needs_Switch", "Homing needs the switch")
           .Says("Off: homing that never meets its switch still sets the position at the end of "
                 "the way. On: homing ends there with a message and sets no position."),
-      Correction<&M::Port_Shadow>("Port_Shadow")
+      Correction<&M::Port_Shadow>("Port_Shadow", "Port that can't be read back")
+          .Changed(After_Change::Reopen_Drive)
           .Says("Off: each write to the parallel port starts from what the port reads back. On: it "
                 "starts from the byte written last, for ports that can't be read back."),
-      Correction<&M::Outputs_Before_Dwell>("Outputs_Before_Dwell")
+      Correction<&M::Outputs_Before_Dwell>("Outputs_Before_Dwell", "Outputs before a dwell")
+          .Changed(After_Change::Recompile)
           .Says("Off: a dwell in the same block as M or S words comes before them. On: outputs and "
                 "spindle speed come before the dwell."),
-      Correction<&M::Slow_Before_Stops>("Slow_Before_Stops")
+      Correction<&M::Slow_Before_Stops>("Slow_Before_Stops", "Slow down before stops")
+          .Changed(After_Change::Recompile)
           .Says(
               "Off: a move in front of a dwell, a pause or a wait for an input ends at full feed. "
               "On: it ramps down to the ramp's start speed."),
-      Correction<&M::Goto_From_Position>("Goto_From_Position")
+      Correction<&M::Goto_From_Position>("Goto_From_Position", "Goto from the position")
           .Says("Off: a Goto line with G91 counts from zero. On: it counts from where the machine "
                 "is."),
   };

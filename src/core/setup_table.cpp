@@ -38,13 +38,6 @@ std::span<const Setup_Row* const> Setup_Rows_In_Save_Order() {
   return ordered;
 }
 
-std::string Setup_Key_Name(const Setup_Row& row, int index) {
-  constexpr std::string_view place = "<n>";
-  std::string key(row.Key);
-  if (row.Is_Family) key.replace(key.find(place), place.size(), std::to_string(index));
-  return key;
-}
-
 std::string Setup_Default_Text(const Setup_Row& row, int index) {
   if (row.Default_Of != nullptr) return row.Default_Of(MachineSetup, index);
   std::string_view entries = row.Default;

@@ -7,14 +7,13 @@
 #pragma once
 
 #include "core/numbers.h"
+#include "core/setting_row.h"
 #include "core/setup.h"
 
 #include <limits>
-#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -73,22 +72,9 @@ enum class Save_Place {
 // What happens right after a row has been loaded.
 enum class After_Load { Nothing, Apply_Priority, Send_To_Controller };
 
-// A span of indices; a row without one has the single index 0 and no number in its key.
-struct Index_Span {
-  int First = 0, Last = 0;
-};
-
-struct Value_Bounds {
-  double Low = -std::numeric_limits<double>::infinity();
-  double High = std::numeric_limits<double>::infinity();
-};
-
-struct Setup_Row {
-  std::string_view Section;
-  std::string_view Key;  // "<n>" stands for the index
+struct Setup_Row : Setting_Row {
   Setup_Field (*Field)(Machine_Setup&, int index) = nullptr;
-  bool Is_Family = false;
-  Index_Span Loaded, Saved;
+  Index_Span Saved;
 
   Sentinel Takes_Default = Sentinel::Empty;  // Zero: a stored 0 takes the default too
   std::string_view Default;  // entries of a family parted by "|"; one entry stands for all
@@ -97,12 +83,9 @@ struct Setup_Row {
   Read_Rule Rule = Read_Rule::By_Type;
   double Load_Limit = std::numeric_limits<double>::infinity();  // larger values are held to it
 
-  std::string_view Unit;  // empty: none. "units": inches or millimetres
-  Value_Bounds Bounds;    // what makes sense; the load takes other values as they are
   Save_Place Save = Save_Place::Nowhere;
   After_Load After = After_Load::Nothing;
   std::string_view Save_Key;  // where the save spells the key differently
-  std::string_view Help;
 };
 
 // The rows in the order of the load.
@@ -110,8 +93,6 @@ std::span<const Setup_Row> Setup_Rows();
 // The same in the order of the save, without those that the save does not write.
 std::span<const Setup_Row* const> Setup_Rows_In_Save_Order();
 
-// The key of a row with its index.
-std::string Setup_Key_Name(const Setup_Row& row, int index);
 // The default's text, as if it stood in the file with a point as decimal sign.
 std::string Setup_Default_Text(const Setup_Row& row, int index);
 

@@ -1,8 +1,9 @@
 // simulation_settings.h: what the simulated machine is like.
 //
 // Defaults follow the machine setup; section "Simulated Machine" of the pointer file may give other
-// values (it concerns this computer and not the machine). One table names the keys: load, save, the
-// settings window and the tests of the manual walk it.
+// values (it concerns this computer and not the machine). One table names the keys, with rows of
+// the same kind as those of the machine file: load, save, the settings window and the manual walk
+// it.
 //
 //   travel       X, Y, A: 0 to Axis_Depth; Z: half of it to both sides of 0; a slaved A: that of
 //                its master; moved so that the carriage lies inside
@@ -10,6 +11,8 @@
 //   switches     one at each end, from half way to the hard stop on
 //   motor        twice the axis's feed limit at most, no limit of acceleration
 #pragma once
+
+#include "core/setting_row.h"
 
 #include <functional>
 #include <optional>
@@ -19,23 +22,19 @@
 
 namespace norvik {
 
-enum class Setting_Kind { Number, Yes_No, Choice };
-
-// One key: `Name` + "_" + the axis's number, or `Name` alone for the machine as a whole.
-struct Simulation_Setting {
-  const char* Name = "";
-  const char* Label = "";  // for the operator, with its unit
-  const char* Meaning = "";
-  bool Of_Axis = true;
-  Setting_Kind Kind = Setting_Kind::Number;
-  double Least = 0, Most = 0;  // what a number may be
+// One key of each axis, or of the machine as a whole (its index is then 0). Whole numbers with
+// choices stand for the machine's own lists; yes and no are stored as 1 and 0.
+struct Simulation_Setting : Setting_Row {
   bool May_Be_Absent = false;  // the empty text
-  // `axis` is 1..4, 0 for the machine as a whole.
-  std::function<std::optional<double>(int axis)> Get = {};
-  std::function<void(int axis, std::optional<double> value)> Set = {};
-  std::vector<const char*> Choices = {};  // the words of 0, 1, ...
+  std::function<std::optional<double>(int axis)> Get;
+  std::function<void(int axis, std::optional<double> value)> Set;
 };
 const std::vector<Simulation_Setting>& Simulation_Settings();
+
+// Its label with the unit, without the axis: "Backlash, units".
+std::string Setting_Head(const Simulation_Setting& setting);
+// The table of the manual.
+std::string Simulation_Settings_Table();
 
 // The value as text: a point as decimal sign, empty for absent.
 std::string Text_Of_Setting(const Simulation_Setting& setting, int axis);

@@ -5,6 +5,7 @@
 #include "control/safety.h"
 #include "control/table_setup_keys.h"
 #include "control_fixture.h"
+#include "core/setup_keys.h"
 
 namespace norvik {
 namespace {
@@ -171,6 +172,18 @@ struct Key_Row {
   int Key;
   std::array<int, 4> Signs;
 };
+// How the windows call a key that moves so: "X - Y +", "Z up".
+std::string Name_Of_Way(const std::array<int, 4>& signs) {
+  std::string name;
+  for (std::size_t n = 0; n < signs.size(); ++n) {
+    if (signs[n] == 0) continue;
+    const bool plus = signs[n] > 0;
+    if (!name.empty()) name += ' ';
+    name += "XYZA"[n];
+    name += n == 2 ? (plus ? " up" : " down") : (plus ? " +" : " -");
+  }
+  return name;
+}
 TEST_F(Jog_Test, Keys_move_as_the_table_says) {
   const Key_Row rows[] = {{100, {-1, 0, 0, 0}}, {102, {1, 0, 0, 0}},  {98, {0, -1, 0, 0}},
                           {104, {0, 1, 0, 0}},  {107, {0, 0, -1, 0}}, {109, {0, 0, 1, 0}},
@@ -189,6 +202,11 @@ TEST_F(Jog_Test, Keys_move_as_the_table_says) {
       EXPECT_EQ(sign, row.Signs[static_cast<std::size_t>(axis - 1)]) << row.Key << " axis " << axis;
     }
     EXPECT_FALSE(JogKey.Key_Moving || JogKey.Key_Busy);
+    for (int entry = 0; entry <= 14; ++entry) {
+      if (MachineSetup.KeyJog_KeyValue[entry] != row.Key) continue;
+      EXPECT_EQ(Setting_Entry(*Find_Setup_Key("KeyJog_KeyValue_0")->Row, entry),
+                Name_Of_Way(row.Signs));
+    }
   }
   Expect_Position_True();
 }

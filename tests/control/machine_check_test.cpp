@@ -24,6 +24,7 @@ class Machine_Check_Test : public Control_Test {
     setup.Parallel_MotorEnable_Option = 2;
     setup.Parallel_Input_Bit_Invert[EStop_Input] = true;
     setup.Axis_Backlash_Enable = false;
+    setup.Home_Needs_Switch = true;
   }
   static std::vector<std::string> Keys() {
     std::vector<std::string> keys;
@@ -85,10 +86,19 @@ const Hazard_Row Hazards[] = {
        s.Axis_HomePath[4] = "left";
        s.Axis_HomeTarget[4] = "0";
      }},
+    {"Home_Needs_Switch", "false position",
+     [](auto& s) {
+       s.Validate_Home_Position = true;
+       s.Axis_HomePath[1] = "-1";
+       s.Axis_HomeTarget[1] = "0";
+       s.Home_Needs_Switch = false;
+     }},
+    {"Axis_Polarity_2", "Use Parallel_Output_Bit_Invert_5",
+     [](auto& s) { s.Axis_Polarity[2] = true; }},
     {"Axis_Backlash_Enable", "one toggle too many", [](auto& s) { s.Axis_Backlash_Enable = true; }},
     {"LimitDisableinRunMode", "not engaged", [](auto& s) { s.LimitDisableinRunMode = 0; }},
     {"LimitSwitchDisable", "not looked at", [](auto& s) { s.LimitSwitchDisable = 1; }},
-    {"E_Stop_Output_Disable", "keeps turning", [](auto& s) { s.E_Stop_Output_Disable = false; }},
+    {"E_Stop_Output_Disable", "does not latch", [](auto& s) { s.E_Stop_Output_Disable = false; }},
     {"Parallel_MotorEnable_Option", "after every move",
      [](auto& s) { s.Parallel_MotorEnable_Option = 0; }},
     {"Parallel_MotorEnable_Option", "stay enabled",
@@ -118,6 +128,20 @@ TEST_F(Machine_Check_Test, Each_hazard_is_found_once_by_its_key) {
   }
 }
 
+// With the correction on, the same setup is no hazard: homing ends without a position.
+TEST_F(Machine_Check_Test, Switch_that_is_not_wired_is_named_until_homing_needs_it) {
+  Harmless();
+  MachineSetup.Validate_Home_Position = true;
+  MachineSetup.Axis_HomePath[2] = "-1";
+  MachineSetup.Axis_HomeTarget[2] = "0";
+  MachineSetup.Parallel_Input_Bit[Limit_Input(2)] = "99";
+  EXPECT_THAT(Keys(), ::testing::IsEmpty());
+  MachineSetup.Home_Needs_Switch = false;
+  EXPECT_THAT(Keys(), ::testing::ElementsAre("Parallel_Input_Bit_2", "Home_Needs_Switch"));
+  MachineSetup.Parallel_Port_Type = 2;  // a board's switches are none of the port's
+  EXPECT_THAT(Keys(), ::testing::ElementsAre("Home_Needs_Switch"));
+}
+
 TEST_F(Machine_Check_Test, Unwired_axes_and_serial_boards_are_not_blamed) {
   Harmless();
   MachineSetup.Axis_SPI[4] = 100;
@@ -125,6 +149,7 @@ TEST_F(Machine_Check_Test, Unwired_axes_and_serial_boards_are_not_blamed) {
   EXPECT_THAT(Keys(), ::testing::IsEmpty());
   MachineSetup.Parallel_Port_Type = 2;
   MachineSetup.Parallel_IODLL = 3;
+  MachineSetup.Axis_Polarity.Fill(true);
   EXPECT_THAT(Keys(), ::testing::IsEmpty());
 }
 

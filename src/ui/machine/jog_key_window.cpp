@@ -5,6 +5,7 @@
 #include "control/joystick_jog.h"
 #include "control/panel_edits.h"
 #include "core/setup.h"
+#include "core/setup_keys.h"
 #include "platform/keys/key_codes.h"
 #include "ui/widgets/key_names.h"
 #include "ui/widgets/theme.h"
@@ -23,15 +24,12 @@ namespace {
 
 struct Key_Picture {
   int Entry, Row, Column;
-  const char* Caption;
 };
 
 // The key map lies as the keypad does.
 constexpr Key_Picture Key_Pictures[] = {
-    {8, 0, 0, "X- Y+"},   {3, 0, 1, "Y+"},      {7, 0, 2, "X+ Y+"},    {5, 0, 3, "Z up"},
-    {0, 1, 0, "X-"},      {1, 1, 2, "X+"},      {4, 1, 3, "Z down"},   {6, 2, 0, "X- Y-"},
-    {2, 2, 1, "Y-"},      {9, 2, 2, "X+ Y-"},   {12, 3, 0, "A +"},     {13, 3, 1, "A -"},
-    {10, 3, 2, "Feed -"}, {11, 3, 3, "Feed +"}, {14, 2, 3, "Divisor"},
+    {8, 0, 0}, {3, 0, 1}, {7, 0, 2},  {5, 0, 3},  {0, 1, 0},  {1, 1, 2},  {4, 1, 3},  {6, 2, 0},
+    {2, 2, 1}, {9, 2, 2}, {12, 3, 0}, {13, 3, 1}, {10, 3, 2}, {11, 3, 3}, {14, 2, 3},
 };
 
 constexpr double Stick_Range = 65535;
@@ -153,10 +151,11 @@ QWidget* JogKey_Window::Build_Joystick() {
 void JogKey_Window::Show_Key_Names() {
   if (Shown_Keys == MachineSetup.KeyJog_KeyValue) return;
   Shown_Keys = MachineSetup.KeyJog_KeyValue;
+  const Setup_Row& row = *Find_Setup_Key("KeyJog_KeyValue_0")->Row;
   for (const Key_Picture& key : Key_Pictures) {
     const int code = MachineSetup.KeyJog_KeyValue[key.Entry];
     JogKey_Form.Picture1[key.Entry].Caption =
-        key.Caption + std::string("\n") + Key_Name(code).toStdString();
+        Setting_Entry(row, key.Entry) + "\n" + Key_Name(code).toStdString();
     Key_Pictures_Shown[static_cast<std::size_t>(key.Entry)]->setToolTip(
         QString("Key code %1").arg(code));
   }

@@ -2,6 +2,7 @@
 
 #include "app/setup_apply.h"
 #include "control/table_setup_keys.h"
+#include "core/setup_keys.h"
 #include "ui/setup/jog_key_test.h"
 #include "ui/widgets/key_names.h"
 #include "ui/widgets/theme.h"
@@ -19,12 +20,11 @@ namespace {
 
 constexpr int Raw_Values_Ms = 100;
 
-constexpr const char* Key_Roles[] = {"X -",      "X +",      "Y -",       "Y +",         "Z down",
-                                     "Z up",     "X - Y -",  "X + Y +",   "X - Y +",     "X + Y -",
-                                     "Feed - 1", "Feed + 1", "A one way", "A the other", "Divisor"};
-constexpr const char* Joystick_Roles[] = {"Stick for X and Y", "Z up",        "Z down",
-                                          "A one way",         "A the other", "Feed - 1",
-                                          "Feed + 1",          "Divisor",     "Stick for override"};
+// What an entry of a table of the setup does, in the words of the settings.
+QString Role(std::string_view key, int entry) {
+  const auto row = Find_Setup_Key(std::string(key) + "_" + std::to_string(entry));
+  return QString::fromStdString(Setting_Entry(*row->Row, entry));
+}
 
 QPushButton* Button(const QString& name, const QString& text, const QString& tip) {
   auto* button = new QPushButton(text);
@@ -85,7 +85,7 @@ QWidget* Jog_Table_Window::Build_Keys() {
   auto* grid = new QGridLayout(group);
   grid->setVerticalSpacing(Text_Height() / 5);
   for (int entry = 0; entry <= 14; ++entry) {
-    grid->addWidget(new QLabel(Key_Roles[entry]), entry, 0);
+    grid->addWidget(new QLabel(Role("KeyJog_KeyValue", entry)), entry, 0);
     QLineEdit* code = Code_Field(3);
     code->setToolTip("Code of the key");
     Binding.Text(code, QString("Text_KeyJog_Code_%1").arg(entry),
@@ -128,7 +128,7 @@ QWidget* Jog_Table_Window::Build_Joystick() {
   auto* grid = new QGridLayout(group);
   grid->setVerticalSpacing(Text_Height() / 5);
   for (int entry = 0; entry <= 8; ++entry) {
-    grid->addWidget(new QLabel(Joystick_Roles[entry]), entry, 0);
+    grid->addWidget(new QLabel(Role("JoyJog_KeyValue", entry)), entry, 0);
     QLineEdit* button = Code_Field(11);
     button->setMinimumHeight(Finger_Height() * 3 / 4);
     button->setToolTip(entry == 0 || entry == 8 ? "Left Stick, Right Stick or NU (not used)"

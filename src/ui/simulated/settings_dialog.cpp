@@ -27,9 +27,17 @@ namespace {
 std::vector<const Simulation_Setting*> Rows(bool of_axis) {
   std::vector<const Simulation_Setting*> rows;
   for (const Simulation_Setting& setting : Simulation_Settings()) {
-    if (setting.Of_Axis == of_axis) rows.push_back(&setting);
+    if (setting.Is_Family == of_axis) rows.push_back(&setting);
   }
   return rows;
+}
+
+QString Words(std::string_view text) {
+  return QString::fromUtf8(text.data(), static_cast<qsizetype>(text.size()));
+}
+
+QString Head(const Simulation_Setting& setting) {
+  return QString::fromStdString(Setting_Head(setting));
 }
 
 QString Text(const Simulation_Setting& setting, int axis) {
@@ -81,12 +89,12 @@ void Simulation_Settings_Dialog::Build_Table() {
   Table->verticalHeader()->setSectionResizeMode(QHeaderView::ResizeToContents);
   for (int row = 0; row < Table->rowCount(); ++row) {
     const Simulation_Setting& setting = *settings[static_cast<std::size_t>(row)];
-    auto* head = new QTableWidgetItem(setting.Label);
-    head->setToolTip(setting.Meaning);
+    auto* head = new QTableWidgetItem(Head(setting));
+    head->setToolTip(Words(setting.Help));
     Table->setVerticalHeaderItem(row, head);
     for (int column = 0; column < 4; ++column) {
       auto* item = new QTableWidgetItem;
-      item->setToolTip(setting.Meaning);
+      item->setToolTip(Words(setting.Help));
       item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
       if (setting.Kind == Setting_Kind::Yes_No) {
         item->setFlags(Qt::ItemIsEnabled | Qt::ItemIsUserCheckable);
@@ -107,9 +115,9 @@ QWidget* Simulation_Settings_Dialog::Editor_Of(const Simulation_Setting& setting
             [this, &setting](bool on) { Take(setting, 0, on ? "1" : "0"); });
     return box;
   }
-  if (setting.Kind == Setting_Kind::Choice) {
+  if (!setting.Choices.empty()) {
     auto* list = new QComboBox;
-    for (const char* words : setting.Choices) list->addItem(words);
+    for (const Setting_Choice& choice : setting.Choices) list->addItem(Words(choice.Words));
     connect(list, &QComboBox::activated, this,
             [this, &setting](int index) { Take(setting, 0, QString::number(index)); });
     return list;
@@ -128,10 +136,10 @@ QWidget* Simulation_Settings_Dialog::Build_Machine() {
   form->setVerticalSpacing(2);
   for (const Simulation_Setting* setting : Rows(false)) {
     QWidget* editor = Editor_Of(*setting);
-    editor->setObjectName(QString("Setting_") + setting->Name);
-    editor->setToolTip(setting->Meaning);
+    editor->setObjectName("Setting_" + Words(setting->Key));
+    editor->setToolTip(Words(setting->Help));
     Editors[setting] = editor;
-    form->addRow(setting->Label, editor);
+    form->addRow(Head(*setting), editor);
   }
   return area;
 }
