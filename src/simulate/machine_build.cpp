@@ -122,6 +122,14 @@ void Follow_Setup() {
   if (Slave_Master() != Simulated_Machine.Master) Straighten_Gantry();
 }
 
+void Open_Table_Ends() {
+  for (int axis = 1; axis <= Axes; ++axis) {
+    Simulated_Machine.Axes[axis].Settings.Limited = false;
+    Simulated_Machine.Inputs[axis].Zones = {};
+    Settings_Changed(axis);
+  }
+}
+
 void Settings_Changed(int axis) {
   Carriage_Moved(axis, Machine_Time());
   Set_Quiet_Range(axis);

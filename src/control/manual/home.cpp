@@ -129,6 +129,13 @@ bool Validate_Axis(int axis) {
   return Wait_Seconds(rest);
 }
 
+// Then each has got its position from its switch.
+bool All_Have_A_Home_Path() {
+  return std::ranges::all_of(std::array{1, 2, 3}, [](int axis) {
+    return !MachineSetup.Axis_HomePath[axis].empty() && !MachineSetup.Axis_HomeTarget[axis].empty();
+  });
+}
+
 void Home_Validated() {
   if (Pins.Home_Safety_Off || MachineSetup.LimitSwitchDisable != 0) {
     Platform.Message_Box(std::string(control_text::Homing_Aborted_Title),
@@ -143,7 +150,7 @@ void Home_Validated() {
   for (const int axis : {1, 2, 4})
     if (!Validate_Axis(axis)) return;
   Tell_Detail("X, Y and A to their home position");
-  Reach(Across(home), seek);
+  if (Reach(Across(home), seek) && All_Have_A_Home_Path()) Position_Memory.Doubt.clear();
 }
 
 void Home_Plain() {

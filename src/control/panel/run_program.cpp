@@ -1,6 +1,7 @@
 #include "control/panel/run_program.h"
 
 #include "compiler/compile/compile.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
@@ -13,6 +14,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -168,10 +170,17 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
 
 Run_Summary Run_Program(const Run_Options& options) {
   if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
+  if (!Position_Memory.Doubt.empty()) return Failed(Position_Memory.Doubt);
   if (const std::string why = Compile_For_Run(); !why.empty()) return Failed(why);
+  if (const std::string why = options.Compiled(); !why.empty()) return Failed(why);
   Machine.StartingStep = 1;
   Machine.EndingStep = GCodeLineCount();
-  return Run_Compiled_Program(options);
+  Run_Summary summary = Run_Compiled_Program(options);
+  if (summary.Finished && (Compile_Losses.Records_Cut || Compile_Losses.Wires_Cut)) {
+    summary.Finished = false;
+    summary.Ended_By = control_text::Run_Of_A_Cut_Program;
+  }
+  return summary;
 }
 
 std::string Summary_Text(const Run_Summary& summary) {

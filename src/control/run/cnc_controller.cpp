@@ -18,6 +18,7 @@
 #include "control/state/run_consent.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/operation.h"
@@ -197,9 +198,20 @@ bool Begins_With_Consent() {
   return false;
 }
 
+// Positions in doubt are asked about; what was pressed before the answer moves nothing.
+bool Positions_Stand() {
+  if (Position_Memory.Doubt.empty()) return true;
+  Ask_About_Positions();
+  SetStatus(1,
+            Position_Memory.Doubt.empty() ? control_text::Play_Once_More
+                                          : control_text::Positions_In_Doubt,
+            10);
+  return false;
+}
+
 // Play and Step up to the loop. False when there is nothing to run.
 bool Prepare_Run(Operation wanted) {
-  if (!Begin_Operation(wanted)) return false;
+  if (!Begin_Operation(wanted) || !Positions_Stand()) return false;
   Compile_Host.Settle_Typed_Text();
   const bool begins = Machine.CNCMode == CNC_Stopped;
   if (!(begins ? Begins_With_Consent() : Goes_On_With_Old_Text())) return false;

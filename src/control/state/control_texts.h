@@ -37,6 +37,12 @@ inline constexpr std::string_view Home_Safety_Box =
     "Norvik does not know which direction is safe to travel.\r\n"
     "Please jog the appropriate axis until all home switches are OFF!!!\r\n"
     "Norvik will then know which direction to needs to be halted when a Home switch is ON.";
+inline constexpr std::string_view Positions_Question =
+    "\r\n\r\nAre the positions shown those of the machine?";
+inline constexpr std::string_view Positions_Confirmed = "The positions are confirmed.";
+inline constexpr std::string_view Positions_In_Doubt =
+    "Play is refused until the positions are confirmed or the machine is homed.";
+inline constexpr std::string_view Play_Once_More = "The positions are confirmed. Press Play again.";
 
 // --- Home and ReTool ----------------------------------------------------------------------------
 inline constexpr std::string_view Moving_To_ReTool = "Axis Move: Moving to ReTool Position...";
@@ -67,6 +73,8 @@ inline constexpr std::string_view Ended_By_Failure =
 inline constexpr std::string_view Run_Without_Port =
     "Access to the port failed during the run, so motors missed steps. The error log says why. Put "
     "it right and home the axes before the next run. Failed accesses: ";
+inline constexpr std::string_view Run_Of_A_Cut_Program =
+    "the program is too long for the machine's table, and what was cut off has not run. Split it.";
 inline constexpr std::string_view EStop_Stays_Set =
     "The E-stop stays set until the machine stands still. Press again to enable the motors.";
 using operation_text::Motors_Are_Disabled;

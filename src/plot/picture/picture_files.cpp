@@ -1,12 +1,14 @@
 #include "plot/picture/picture_files.h"
 
 #include "core/fault.h"
+#include "core/paths.h"
 #include "plot/picture/picture_surface.h"
 
 #include <cstring>
 
 #include <QBuffer>
 #include <QFile>
+#include <QFileInfo>
 #include <QImageReader>
 #include <QImageWriter>
 
@@ -77,13 +79,14 @@ std::optional<Picture> Read_Picture_File(const std::string& path) {
 }
 
 void Write_Picture_File(const std::string& path, const Plot_Image& picture) {
-  QImageWriter writer(QString::fromStdString(path));
-  if (writer.write(Image_Of(picture).convertToFormat(QImage::Format_RGB32))) return;
-  if (writer.error() == QImageWriter::UnsupportedFormatError)
+  QByteArray bytes;
+  QBuffer buffer(&bytes);
+  QImageWriter writer(&buffer, QFileInfo(QString::fromStdString(path)).suffix().toLatin1());
+  if (!writer.write(Image_Of(picture).convertToFormat(QImage::Format_RGB32))) {
     throw Fault(Fault_Number::Invalid_Call,
                 "Pictures of this kind cannot be written; give a name that ends in .png: " + path);
-  throw Fault(Fault_Number::Path_Access, "The picture cannot be written, choose another folder: " +
-                                             path + ": " + writer.errorString().toStdString());
+  }
+  Replace_File(path, std::string_view(bytes.constData(), static_cast<std::size_t>(bytes.size())));
 }
 
 void Install_Picture_Reader() {
