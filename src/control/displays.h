@@ -14,8 +14,6 @@ void CNCMode_Display();
 void CNC_Display();
 // Positions and the distance to go of the running move.
 void CNC_Axis_Display();
-// Spindle, E-stop, outputs and limit switches.
-void Display_IO();
 
 // "00:00:00": whole hours, minutes and seconds, at least two digits each.
 std::string Convert_Process_Time(double seconds);

@@ -5,6 +5,7 @@
 #include "compiler/tables/tables_io.h"
 #include "compiler/wires/feed_pass.h"
 #include "line_fixture.h"
+#include "support/reset_compiler.h"
 
 namespace norvik {
 namespace {
@@ -17,13 +18,6 @@ class Compile_Test : public Line_Pass_Test {
     Restore_Factory_Setup();
     MachineSetup.Arc_Resolution = 32;
     MachineSetup.GC_IJ_Incremental = true;
-    Compile_Status = {};
-    Compile_Host = {};
-  }
-  ~Compile_Test() override {
-    GCode_Program = {};
-    Compile_Host = {};
-    Compile_Status = {};
   }
   static void Take(const std::string& program) {
     GCode_Program.Text = std::make_shared<const GCode_Text>(program);

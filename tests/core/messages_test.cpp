@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "core/waiting.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset_core.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -16,11 +17,10 @@ namespace {
 
 struct Messages_Test : testing::Test {
   Messages_Test() {
-    Messages = {};
-    Application = {};
+    Reset_Core();
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Messages_Test() override { Application = {}; }
+  ~Messages_Test() override { Reset_Core(); }
   std::string Log() { return Read_Whole_File(Application.ErrorFile); }
 
   Temporary_Folder Folder;
@@ -40,8 +40,6 @@ TEST_F(Messages_Test, List_Holds_The_Newest_51) {
   EXPECT_EQ(Messages.MessageLog[0], "line 55");
   AddMessage(Messages.MessageLog[7]);  // a text out of the list itself
   EXPECT_EQ(Messages.MessageLog[0], "line 54");
-  Clear_Messages();
-  EXPECT_EQ(Messages.Status_Box + Messages.LastMessage + Messages.MessageLog[0], "");
 }
 
 TEST_F(Messages_Test, Panels_One_And_Three_Are_Cleared_In_Time) {

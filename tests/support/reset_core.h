@@ -1,0 +1,32 @@
+// State of the room core as at the start of a program.
+#pragma once
+
+#include "core/application.h"
+#include "core/axis_memory.h"
+#include "core/geometry.h"
+#include "core/messages.h"
+#include "core/recent_files.h"
+#include "core/remembered_files.h"
+#include "core/setup.h"
+#include "core/window_memory.h"
+
+namespace norvik {
+
+inline void Reset_Core() {
+  Application = {};
+  Machine = {};
+  Tools = {};
+  MachineSetup = {};
+  Setup_Store = {};
+  Setup_Host = {};
+  Messages = {};
+  Messages_Host = {};
+  Recent = {};
+  Recent_Host = {};
+  Remembered = {};
+  Window_Area = {};
+  Axis_Memory_Host = {};
+  Corner_Angle_Memory = {};
+}
+
+}  // namespace norvik
