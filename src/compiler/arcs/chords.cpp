@@ -1,5 +1,6 @@
 #include "compiler/arcs/chords.h"
 
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/state/wire_table.h"
 #include "core/fault.h"
@@ -218,7 +219,7 @@ void Walk_Chords(const Plane_Arc& arc, Chord_Walk walk) {
 
 void Nist_Arc(const Indexed<Nullable, 1, 4>& start, const Indexed<Nullable, 1, 4>& end,
               Nullable first, Nullable second, std::optional<std::int16_t> direction) {
-  Trap("Nist_Arc Error", [&] {
+  const bool walked = Trap("Nist_Arc Error", [&] {
     const auto axes = Axes_Of(Compiler.ModalGroups[modal_group::Plane]);
     if (!axes) return;
     const Plane_Arc arc = In_Plane(*axes, start, end, first, second, direction);
@@ -228,6 +229,9 @@ void Nist_Arc(const Indexed<Nullable, 1, 4>& start, const Indexed<Nullable, 1, 4
       Compiler.TargetPosition[axes->Second] = arc.y1;
     }
   });
+  if (!walked)
+    Note_Loss_At(Wire_Pass.Step, Loss_Kind::Line, Wire_Pass.Block_Text,
+                 "the arc cannot be walked; the error log says why");
 }
 
 }  // namespace norvik

@@ -6,6 +6,7 @@
 #include "compiler/interpreter/compile_section.h"
 #include "compiler/interpreter/interpreter.h"
 #include "compiler/interpreter/line_pass.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
 #include "compiler/wires/wire_pass.h"
@@ -37,6 +38,7 @@ class Kept_State {
     Compiler_Memory = Memory;
     Compile_Tables = std::move(Tables);
     Compile_Status = Status;
+    Compile_Losses = std::move(Losses);
   }
   Kept_State(const Kept_State&) = delete;
   Kept_State& operator=(const Kept_State&) = delete;
@@ -46,6 +48,7 @@ class Kept_State {
   Compiler_Memory_State Memory = Compiler_Memory;
   Compile_Tables_State Tables = std::exchange(Compile_Tables, {});
   Compile_Status_State Status = Compile_Status;
+  Compile_Losses_State Losses = std::exchange(Compile_Losses, {});
 };
 
 // A line of the program or of a macro.

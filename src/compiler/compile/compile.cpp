@@ -3,6 +3,7 @@
 #include "compiler/compensation/compensation.h"
 #include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compile_host.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/wires/feed_pass.h"
@@ -87,12 +88,23 @@ void Convert_To_Wires() {
       NIST_ConvertLineArctoWire(std::exchange(Compile_Tables.Program_LineArc, {}));
 }
 
+// The wire pass stops one wire behind the end of the executing table.
+void Note_Cut_Wires() {
+  const auto& wires = Compile_Tables.Program_Wire.Rows;
+  if (wires.size() <= Wire_Table_Limit) return;
+  const Wire& first_left_out = wires[Wire_Table_Limit];
+  Note_Loss_At(first_left_out.Step, Loss_Kind::Wires, first_left_out.Block_Text,
+               "the program makes more than " + std::to_string(Wire_Table_Limit) +
+                   " wires; split it into several files");
+}
+
 void Begin_Program() {
   Compile_Status.CompileRunning = true;
   SetStatus(1, "GCode Compile: Compiling Data...", 5);
   DoEvents();
   Compile_Status.CompileDone = Compile_Status.Cut_Short = false;
   Compile_Status.CompileProgress = 0;
+  Compile_Losses = {};
   Compile_Host.Show_Progress("GCode Compile Progress");
   Set_Paths(Wire_Table_Name);
 }
@@ -114,6 +126,7 @@ bool Run_Passes() {
   // The two tables belong together: where one cannot be written, both of before stand.
   if (!records.Complete()) return false;
   Convert_To_Wires();
+  Note_Cut_Wires();
   if (!NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path)) {
     AddMessage("The compile could not write its wire table; the error log says why");
     return false;
@@ -140,6 +153,7 @@ bool CompileBlock(std::string_view text) {
   const Compile_Section section;
   SetStatus(1, "GCode Compile: Compiling Block...", 5);
   DoEvents();
+  Compile_Losses = {};
   Set_Paths(Block_Wire_Table_Name);
   bool whole = false;
   Trap("CompileBlock", [&] {

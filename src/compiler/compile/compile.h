@@ -9,8 +9,9 @@
 // files fit together.
 //
 // The compiler knows no error in G-code as such: an unknown letter is left unread, an unknown code
-// does nothing, a block that cannot be read is logged and left out. `check` (program_check.h) tells
-// what a program loses that way.
+// does nothing, a block that cannot be read is logged and left out. `Compile_Losses`
+// (compile_losses.h) lists what was left out; `check` (program_check.h) tells also what is read
+// otherwise than it was meant.
 #pragma once
 
 #include "compiler/interpreter/compile_section.h"

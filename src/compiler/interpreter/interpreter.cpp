@@ -2,6 +2,7 @@
 
 #include "compiler/arcs/records.h"
 #include "compiler/interpreter/drill_cycles.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
 #include "core/application.h"
@@ -288,8 +289,9 @@ void ExecuteBlock(Block& block) {
 
 void ReadBlock(std::string_view text) {
   Block& block = Interpreter.Now;
-  const auto report = [&](const Fault&) {
+  const auto report = [&](const Fault& fault) {
     ErrorLogWrite("NIST_Block_Interpretor_Error: " + Log_Text(text));
+    Note_Loss(Loss_Kind::Line, text, fault.Description);
   };
   Trap_With(report, [&] {
     Compiler.BlockText = text;

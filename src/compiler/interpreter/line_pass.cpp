@@ -1,6 +1,7 @@
 #include "compiler/interpreter/line_pass.h"
 
 #include "compiler/interpreter/interpreter.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
@@ -44,6 +45,8 @@ struct Line_Pass_State {
   std::size_t Bytes_Since_Yield = 0, Rows_At_Yield = 0;
   double Shown_Percent = -1;
   std::string Progress_Text;
+
+  std::string_view Call_Text;  // the line of the macro call at hand
 };
 Line_Pass_State Line_Pass;
 
@@ -95,7 +98,7 @@ void Run_Pending_Repeat(Repeat_State& repeat, Line_At&& line_at) {
   if (repeat.End <= 0) return;
   do {
     for (std::int32_t line = repeat.Start + 1; line < repeat.End - 1 && !Ends_Early(); ++line) {
-      Compiler.CurrentLineNumber = line;
+      Compiler.CurrentLineNumber = Compiler.Source_Line = line;
       Compiler.CurrentLineText = line_at(line);
       CompileLine(Compiler.CurrentLineText);
       Count_Line(Compiler.CurrentLineText);
@@ -109,9 +112,10 @@ template <class Line_At>
 void Look_For_Repeat(std::string_view text, Repeat_State& repeat, std::int32_t index,
                      Line_At&& line_at) {
   if (!MayHoldRepeat(text)) return;
-  const auto report = [](const Fault& fault) {
+  const auto report = [&](const Fault& fault) {
     Line_Pass.Operations.Log("ScanRepeat # " + std::to_string(static_cast<int>(fault.Number)) +
                              " " + fault.Description);
+    Note_Loss(Loss_Kind::Line, text, "its count is not read: " + fault.Description);
   };
   Trap_With(report, [&] {
     ScanRepeat(text, repeat, index);
@@ -121,17 +125,31 @@ void Look_For_Repeat(std::string_view text, Repeat_State& repeat, std::int32_t i
 
 // --- Macros --------------------------------------------------------------------------------------
 
-// Marks a macro as open while it runs.
+// Marks a macro as open while it runs; its file is then where lines stand.
 class Open_Macro {
  public:
-  explicit Open_Macro(std::int16_t macro) : Macro(macro) { Line_Pass.MacroOpen[Macro] = true; }
-  ~Open_Macro() { Line_Pass.MacroOpen[Macro] = false; }
+  explicit Open_Macro(std::int16_t macro) : Macro(macro) {
+    Line_Pass.MacroOpen[Macro] = true;
+    Compiler.Source_Macro = Macro;
+  }
+  ~Open_Macro() {
+    Line_Pass.MacroOpen[Macro] = false;
+    Compiler.Source_Macro = Caller;
+    Compiler.Source_Line = Caller_Line;
+  }
   Open_Macro(const Open_Macro&) = delete;
   Open_Macro& operator=(const Open_Macro&) = delete;
 
  private:
   std::int16_t Macro;
+  std::optional<std::int16_t> Caller = Compiler.Source_Macro;
+  std::int32_t Caller_Line = Compiler.Source_Line;
 };
+
+// The call of a macro that does not run.
+void Lose_Macro(const std::string& why) {
+  Note_Loss(Loss_Kind::Macro, Line_Pass.Call_Text, why);
+}
 
 const Macro_Text& Text_Of_Macro(std::int16_t macro, const std::string& path) {
   auto& macros = Line_Pass.Texts->Macros;
@@ -147,7 +165,9 @@ void Run_Macro_Lines(const Macro_Text& text) {
   };
   const auto count = static_cast<std::int32_t>(text.Lines.size());
   for (std::int32_t line = 1; line <= count && !Ends_Early(); ++line) {
+    Compiler.Source_Line = line;
     CompileLine(line_at(line));
+    Compiler.Source_Line = line;
     Look_For_Repeat(line_at(line), repeat, line, line_at);
     Count_Line(line_at(line));
   }
@@ -157,14 +177,14 @@ void Expand(std::int16_t macro) {
   const std::string name = "Macro " + std::to_string(macro);
   if (Line_Pass.MacroOpen[macro]) {
     Line_Pass.Operations.Show(macro, name + " already open");
-    return;
+    return Lose_Macro(name + " calls itself; a macro never runs within itself");
   }
   const std::string path = MachineSetup.MacroFile[macro];
   if (path.empty()) {
     Line_Pass.Operations.Show(macro, name + " has no file assigned");
-    return;
+    return Lose_Macro(name + " has no file; choose one in the macro list");
   }
-  if (!FileExists(path)) return;
+  if (!FileExists(path)) return Lose_Macro("the file of " + name + " is missing: " + path);
   const Open_Macro open(macro);
   SetStatus(1, "NIST Compile: Processing " + name, 5);
   const Macro_Text& text = Text_Of_Macro(macro, path);
@@ -175,13 +195,14 @@ void Expand(std::int16_t macro) {
 
 // --- The pass ------------------------------------------------------------------------------------
 
-void Report_Full_Table() {
+void Report_Full_Table(std::string_view line) {
   const std::string text = "The program makes more than " + std::to_string(LineArc_Table_Limit) +
                            " records; the compile ends at line " +
                            std::to_string(Line_Pass.Program_Line) +
                            ". Look for a REPEAT, an L word or a macro that runs too often";
-  Line_Pass.Operations.Log(text);
-  AddMessage(text);
+  Line_Pass.Operations.Table_Full(text);
+  Note_Loss_At(Line_Pass.Program_Line, Loss_Kind::Records, line,
+               "the program makes more than " + std::to_string(LineArc_Table_Limit) + " records");
 }
 
 // The state of a pass ends with it, whatever happens.
@@ -204,14 +225,14 @@ void Run_All_Lines(const GCode_Text& program) {
   for (std::int32_t line = 1; line <= program.Line_Count(); ++line) {
     const std::string_view text = program.Line(line);
     Line_Pass.Program_Line = line;
-    Compiler.CurrentLineNumber = line;
+    Compiler.CurrentLineNumber = Compiler.Source_Line = line;
     Compiler.CurrentLineText = text;
     CompileLine(text);
     Look_For_Repeat(text, repeat, line, line_at);
     Count_Line(text);
     if (Ends_Early()) break;
   }
-  if (Row_Count() >= LineArc_Table_Limit) Report_Full_Table();
+  if (Row_Count() >= LineArc_Table_Limit) Report_Full_Table(program.Line(Line_Pass.Program_Line));
   if (std::exchange(Application.EscFlag, false)) Compile_Status.Cut_Short = true;
 }
 
@@ -275,13 +296,16 @@ void CompileLine(std::string_view text) {
   }
   const auto number = MacroNumber(text);
   Line_Pass.Operations.Macro_Call(text, number);
-  if (number) ExpandMacro(*number);
+  Line_Pass.Call_Text = text;
+  if (!number) return Lose_Macro("the call has no number; write M98 and the number of the macro");
+  ExpandMacro(*number);
 }
 
 void ExpandMacro(const std::string& number) {
   const auto report = [&](const Fault& fault) {
     Line_Pass.Operations.Log("ExpandMacro # " + std::to_string(static_cast<int>(fault.Number)) +
                              " M98 " + number + ": " + fault.Description);
+    Lose_Macro("macro " + number + ": " + fault.Description);
   };
   Trap_With(report, [&] { Expand(To_Int16(To_Double(RegionalFix(number)))); });
 }

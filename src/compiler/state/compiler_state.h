@@ -101,6 +101,9 @@ struct Compiler_State {
   std::int32_t CurrentLineNumber = 0;  // of the program or macro; 0 in a block compile
   std::string_view CurrentLineText;
   std::string_view BlockText;  // the line as the reader got it, of the program or a macro
+  // Where that line stands: in the file of a macro, or (absent) in the program; lines from 1.
+  std::optional<std::int16_t> Source_Macro;
+  std::int32_t Source_Line = 0;
 };
 extern Compiler_State Compiler;
 
