@@ -4,11 +4,7 @@
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/wires/feed_pass.h"
-#include "core/format.h"
-#include "core/numbers.h"
-#include "core/setup_table.h"
 #include "line_fixture.h"
-#include "support/reset_compiler.h"
 
 namespace norvik {
 namespace {
@@ -21,6 +17,13 @@ class Compile_Test : public Line_Pass_Test {
     Restore_Factory_Setup();
     MachineSetup.Arc_Resolution = 32;
     MachineSetup.GC_IJ_Incremental = true;
+    Compile_Status = {};
+    Compile_Host = {};
+  }
+  ~Compile_Test() override {
+    GCode_Program = {};
+    Compile_Host = {};
+    Compile_Status = {};
   }
   static void Take(const std::string& program) {
     GCode_Program.Text = std::make_shared<const GCode_Text>(program);
@@ -45,48 +48,6 @@ TEST_F(Compile_Test, Writes_both_tables_the_same_each_time_and_in_each_region) {
   EXPECT_EQ(File(Wire_Table_Name), wires);
   EXPECT_EQ(Compile_Tables.Program_Wire.Rows.size(), 37U);
   EXPECT_THAT(Logged(), ::testing::IsEmpty());
-}
-
-// Another value that makes sense for a setting.
-std::string Other_Value(const Setup_Row& row, int index) {
-  const std::string now = Setup_Text(row, index);
-  if (!row.Choices.empty()) return std::string(row.Choices[now == row.Choices[0].Value].Value);
-  switch (row.Kind) {
-    case Setting_Kind::Yes_No:
-      return now == "False" || now == "0" ? "True" : "False";
-    case Setting_Kind::Numeral_Format:
-      return "0000.0";
-    case Setting_Kind::Text:
-      return "7";
-    case Setting_Kind::Whole_Number:
-    case Setting_Kind::Number:
-      break;
-  }
-  const double number = NullToZero(now);
-  return Shortest_Text(number + 1 > row.Bounds.High ? number - 1 : number + 1);
-}
-
-// The rows of the settings say which of them a compile depends on; a table made before such a
-// setting was changed is old. Here all others are changed at once.
-TEST_F(Compile_Test, Settings_that_ask_for_no_compile_change_no_table) {
-  Take(std::string(Small_Program) +
-       "G81 X1 Y1 Z-1 R.1 F9\nG80\nG41 D1 X3 Y3\nX4\nG40 X5\nM7\nG4 P1\nM98 1\nS500\n");
-  ASSERT_TRUE(CompileProgram());
-  const std::string records = File(LineArc_Table_Name), wires = File(Wire_Table_Name);
-  for (const Setup_Row& row : Setup_Rows()) {
-    if (Needs(row.Needed_Then, After_Change::Recompile)) continue;
-    for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
-      const std::string before = Setup_Text(row, index);
-      Read_Setup_Text(row, index, Other_Value(row, index));
-      EXPECT_NE(Setup_Text(row, index), before) << row.Key;
-    }
-  }
-  ASSERT_TRUE(CompileProgram());
-  EXPECT_EQ(File(LineArc_Table_Name), records);
-  EXPECT_EQ(File(Wire_Table_Name), wires);
-  MachineSetup.Axis_CV_MotionAngle = 90;
-  ASSERT_TRUE(CompileProgram());
-  EXPECT_NE(File(Wire_Table_Name), wires);
 }
 
 TEST_F(Compile_Test, Tells_its_beginning_and_end) {

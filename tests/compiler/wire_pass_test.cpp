@@ -5,7 +5,6 @@
 #include "compiler/state/wire_table.h"
 #include "core/application.h"
 #include "core/setup.h"
-#include "support/reset_compiler.h"
 
 #include <gmock/gmock.h>
 
@@ -16,14 +15,15 @@ using testing::ElementsAre;
 
 struct Wire_Pass_Test : testing::Test {
   Wire_Pass_Test() {
-    Reset_Compiler();
+    Compiler = {};
+    Application.EscFlag = false;
     MachineSetup.Arc_Resolution = 4;
     MachineSetup.Arc_Max_Segments = 360;
     MachineSetup.UnitsofMeasurement = MachineSetup.Arc_Radius_Ignore = 0;
     MachineSetup.Parallel_Port_Type = 1;
     MachineSetup.GC_IJ_Incremental = true;
   }
-  ~Wire_Pass_Test() override { Reset_Compiler(); }
+  ~Wire_Pass_Test() override { Compiler = {}; }
 
   LineArc& Add(std::int32_t line, Record_Type type, Indexed<Nullable, 1, 6> end) {
     LineArc record;

@@ -10,7 +10,6 @@
 #include "core/tool_file.h"
 #include "core/window_memory.h"
 #include "platform/scripted/scripted_platform.h"
-#include "support/reset_core.h"
 #include "support/temporary_folder.h"
 
 #include <filesystem>
@@ -24,12 +23,20 @@ using testing::HasSubstr;
 
 struct Memory_Test : testing::Test {
   Memory_Test() {
-    Reset_Core();
+    Application = {};
+    Messages = {};
+    Machine = {};
+    Recent = {};
+    Remembered = {};
     Application.Pointer_Folder = Folder.Path;
     Application.MachineFile = Folder.File("Machine.ini");
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Memory_Test() override { Reset_Core(); }
+  ~Memory_Test() override {
+    Application = {};
+    Recent_Host = {};
+    Window_Area = {};
+  }
 
   Temporary_Folder Folder;
   Scripted_Platform scripted;

@@ -7,7 +7,6 @@
 #include "core/paths.h"
 #include "core/waiting.h"
 #include "platform/scripted/scripted_platform.h"
-#include "support/reset_core.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -17,10 +16,11 @@ namespace {
 
 struct Messages_Test : testing::Test {
   Messages_Test() {
-    Reset_Core();
+    Messages = {};
+    Application = {};
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Messages_Test() override { Reset_Core(); }
+  ~Messages_Test() override { Application = {}; }
   std::string Log() { return Read_Whole_File(Application.ErrorFile); }
 
   Temporary_Folder Folder;

@@ -7,7 +7,6 @@
 #include "core/profile_file.h"
 #include "core/setup_table.h"
 #include "platform/scripted/scripted_platform.h"
-#include "support/reset_core.h"
 #include "support/temporary_folder.h"
 
 #include <csignal>
@@ -27,13 +26,17 @@ using testing::HasSubstr;
 class Setup_Test : public testing::Test {
  protected:
   Setup_Test() {
-    Reset_Core();
+    Application = {};
+    Messages = {};
+    MachineSetup = {};
+    Setup_Store = {};
+    Setup_Host = {};
     Application.AppDirectory = Folder.Path;
     Application.Pointer_Folder = Folder.Path;
     Application.MachineFile = Folder.File("Machine One.ini");
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Setup_Test() override { Reset_Core(); }
+  ~Setup_Test() override { Application = {}; }
 
   // A machine file with these lines behind the mark of a good save.
   void Write_Machine_File(const std::string& lines) {

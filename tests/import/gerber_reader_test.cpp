@@ -8,7 +8,6 @@
 #include "import/gerber/reader.h"
 #include "import/gerber/table.h"
 #include "import_fixture.h"
-#include "support/reset_import.h"
 
 namespace norvik {
 namespace {
@@ -23,7 +22,13 @@ using ::testing::StartsWith;
 constexpr Gerber_Number_Format Leading{true, false}, Trailing{false, true}, Neither{};
 
 struct Gerber_Test : Import_Test {
-  Gerber_Test() { MachineSetup.Gerber_Isolation_Minimum_Poly_Width = 0.009F; }
+  Gerber_Test() {
+    MachineSetup.Gerber_Isolation_Minimum_Poly_Width = 0.009F;
+    Gerber_Table = {};
+    Gerber_Apertures = {};
+    Gerber_Layers = {};
+    Gerber_Format = {};
+  }
   // Both scans, without what comes behind.
   void Read(const std::string& text) {
     const std::string path = Store("board.gbr", text);

@@ -12,7 +12,6 @@
 #include "plot/plot_host.h"
 #include "plot/recording_surface.h"
 #include "plot/view.h"
-#include "support/reset_plot.h"
 
 #include <array>
 #include <fstream>
@@ -78,9 +77,17 @@ inline void PrintTo(const Plot_Line& line, std::ostream* out) {
 class Plot_Test : public testing::Test {
  protected:
   Plot_Test() {
-    Reset_Plot();
+    View = {};
+    Plot = {};
+    Plot_Form = {};
+    Cursor = {};
+    Messages = {};
+    Machine = {};
+    Application = {};
     Application.ErrorFile = testing::TempDir() + std::to_string(::getpid()) + "plot_errors.txt";
     std::remove(Application.ErrorFile.c_str());
+    Tools = {};
+    MachineSetup = {};
     MachineSetup.Plot_Color = {
         {Travel_Color, Cut_Color, Deep_Color, Ground_Color, Grid_Color, 0x0000AA, 0x00AAAA}};
     MachineSetup.Axis_Depth = {{10, 8, 4, 1}};
@@ -90,10 +97,11 @@ class Plot_Test : public testing::Test {
     MachineSetup.Axis_Tool_Height = {{1, 0.5F, -1}};
     MachineSetup.Axis_Format = "000.000";
     Load_Program({});
+    Plot_Host = {};
     Plot_Host.Picture1 = &Picture1;
     Plot_Host.Picture_ZAxis = &Picture_ZAxis;
   }
-  ~Plot_Test() override { Reset_Plot(); }
+  ~Plot_Test() override { Plot_Host = {}; }
 
   std::string Error_Log() const {
     std::ifstream file(Application.ErrorFile);
