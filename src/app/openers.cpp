@@ -86,14 +86,6 @@ std::optional<Opener> Opener_Of(Opened_Kind kind) {
   return opener ? std::optional(opener) : std::nullopt;
 }
 
-std::vector<Opened_Kind> Offered_Kinds() {
-  std::vector<Opened_Kind> kinds;
-  for (const Kind_Row& row : Kinds) {
-    if (Opener_Of(row.Kind)) kinds.push_back(row.Kind);
-  }
-  return kinds;
-}
-
 void LoadRecentFile(const std::string& path) {
   Trap("Load Recent File Error", [&] {
     if (!Stopped_For("Can't open file")) return;  // before any box: a move waits for it

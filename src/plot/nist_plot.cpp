@@ -244,23 +244,4 @@ void Plot_Highlight_Step(std::int32_t step) {
   NIST_Plot_Block(step, Highlight_On, 0);
 }
 
-void DrawLine3D(Nullable x1, Nullable y1, Nullable z1, Nullable x2, Nullable y2, Nullable z2,
-                std::int32_t color, std::int16_t width) {
-  if (!Plot_Host.Picture1) return;
-  Trap("DrawLine3D_Error", [&] {
-    Line_Painter painter = Window_Painter();
-    painter.Draw({x1, y1, z1, x2, y2, z2}, color, width);
-    painter.Flush();
-  });
-}
-
-void DrawNodeCircle(double x, double y, double z, double, double, double, std::int32_t color) {
-  if (!Plot_Host.Picture1) return;
-  Trap("DrawNodeCircle_Error", [&] {
-    Line_Painter painter = Window_Painter();
-    painter.Draw_Node_Circle(x, y, z, color);
-    painter.Flush();
-  });
-}
-
 }  // namespace norvik

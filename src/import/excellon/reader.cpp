@@ -334,10 +334,6 @@ std::optional<std::string_view> Find_Coordinate(char letter, std::string_view li
   return text;
 }
 
-double Excellon_Value(std::string_view text) {
-  return Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Axis_Rounding());
-}
-
 void Excellon_Load(const std::string& path) {
   Import_Status("NC Conversion: Loading File...");
   if (!Trap(Fault_Name, [&] { Reader(path).Load(); })) Report_Unreadable();
