@@ -79,7 +79,7 @@ void Load_Program(std::int32_t wires, double stroke, float feed) {
     wire.IPM_D = wire.IPM_S = wire.IPM_R = wire.IPM_E = feed;
     table.Rows.push_back(wire);
   }
-  Take_Program_Wire(std::move(table));
+  Install_Table(std::move(table));
   Machine.StartingStep = 1;
   Machine.EndingStep = wires;
 }

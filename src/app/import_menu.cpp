@@ -99,7 +99,7 @@ bool Import_File(Import_Kind kind, const std::string& path) {
 }
 
 void Import_Chosen_File(Import_Kind kind, const std::string& path) {
-  if (!May_Import()) return;
+  if (!May_Import() || !May_Lose_Program()) return;
   RememberFile(Row_Of(kind).Remembered, path);
   Add_Recent_File(path);
   Main_Form.Current_File = path;

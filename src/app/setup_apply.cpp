@@ -44,7 +44,7 @@ void Port_Setup_Apply_Click() {
   CNC_Controls_Host.Form_Changed();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Told_Saved(saved, "The port setup is saved. Outputs and motors are off.");
-  Tell_Home_Safety();
+  Tell_Session_Start();
 }
 
 void Table_Setup_Apply_Click() {

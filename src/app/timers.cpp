@@ -3,9 +3,11 @@
 #include "app/gcode_form.h"
 #include "app/main_form.h"
 #include "app/startup.h"
+#include "compiler/compile/compile.h"
 #include "control/run/cnc_controller.h"
 #include "core/application.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "core/waiting.h"
 #include "parallel/pin_map.h"
@@ -53,6 +55,8 @@ void Main_Timer2() {
     return;
   }
   Age_Status_Panels();
+  // Reads settings and looks at macro files: not while pulses wait for it.
+  if (!Anything_Moves() && !Compile_Busy()) Show_Table_Notice();
 }
 
 }  // namespace norvik

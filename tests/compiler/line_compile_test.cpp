@@ -2,6 +2,7 @@
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compile_host.h"
+#include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/wires/feed_pass.h"
 #include "core/operation.h"
@@ -23,6 +24,8 @@ class Compile_Test : public Line_Pass_Test {
   }
   ~Compile_Test() override {
     GCode_Program = {};
+    Program_Wire = {};
+    Program_Wire_Host = {};
     Compile_Host = {};
     Compile_Status = {};
   }
@@ -47,7 +50,7 @@ TEST_F(Compile_Test, Writes_both_tables_the_same_each_time_and_in_each_region) {
   ASSERT_TRUE(CompileProgram());
   EXPECT_EQ(File(LineArc_Table_Name), records);
   EXPECT_EQ(File(Wire_Table_Name), wires);
-  EXPECT_EQ(Compile_Tables.Program_Wire.Rows.size(), 37U);
+  EXPECT_EQ(Program_Wire.Count(), 37U);
   EXPECT_THAT(Logged(), ::testing::IsEmpty());
 }
 
@@ -55,7 +58,10 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
   std::vector<std::string> events;
   Compile_Host.Show_Progress = [&](const std::string& caption) { events.push_back(caption); };
   Compile_Host.Play_Sound_Slot = [&](int slot) { events.push_back(std::to_string(slot)); };
-  Compile_Host.Refresh_Plot = [&](bool whole) { events.emplace_back(whole ? "plot" : "part"); };
+  Program_Wire_Host.Installed = [&] {
+    EXPECT_FALSE(Compile_Busy());  // the plot yields, and a run may begin in that
+    events.emplace_back(Program_Wire.Origin().Whole ? "plot" : "part");
+  };
   Scripted.On_Yield = [&] {
     if (Scripted.Yields == 1) {
       EXPECT_EQ(Messages.Panel[1], "GCode Compile: Compiling Data...");
@@ -106,7 +112,7 @@ TEST_F(Compile_Test, A_block_has_its_own_wires_on_step_zero) {
   EXPECT_EQ(block.Rows[0].Step, 0);
   EXPECT_FALSE(block.Rows[0].Start[1]);
   EXPECT_EQ(block.Rows[0].End[2], Nullable(4));
-  EXPECT_EQ(Compile_Tables.Program_Wire.Rows.size(), 1U);
+  EXPECT_EQ(Program_Wire.Count(), 1U);
 }
 
 TEST_F(Compile_Test, Tables_that_cannot_be_written_leave_those_of_before) {

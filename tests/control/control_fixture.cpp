@@ -148,7 +148,7 @@ void Control_Test::Load(const std::vector<Row>& rows) {
     table.Rows.push_back(wire);
     last = std::max(last, row.Step);
   }
-  Take_Program_Wire(std::move(table));
+  Install_Table(std::move(table));
   Machine.StartingStep = 1;
   Machine.EndingStep = last;
 }

@@ -39,10 +39,10 @@ TEST_F(Main_Job_Test, An_Opened_Program_Is_Shown_Compiled_And_Compiled_Again_Aft
   text.moveCursor(QTextCursor::End);
   QTest::keyClick(&text, Qt::Key_Return);
   QTest::keyClicks(&text, "G1 X0");
-  EXPECT_TRUE(Gcode_Form.Text_Edited);
+  EXPECT_TRUE(GCode_Program.Typed_Waits);
   EXPECT_EQ(Program_Wire.Rows().size(), wires);  // typed text waits
   Click("Command_Update");
-  EXPECT_FALSE(Gcode_Form.Text_Edited);
+  EXPECT_FALSE(GCode_Program.Typed_Waits);
   EXPECT_GT(Program_Wire.Rows().size(), wires);
   EXPECT_EQ(Text_Of("Label_GC_NOS"), "4");
 }

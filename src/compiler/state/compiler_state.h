@@ -131,11 +131,11 @@ inline Nullable& Last_Word(word::Name name) {
   }
 }
 
-// The tables as the last compile left them in memory, and the files that hold the same.
+// The records as the line pass leaves them, and the files of both tables. The wires go to the
+// executing table (program_wire.h).
 struct Compile_Tables_State {
   std::string LineArc_Path, Wire_Path;
   Table<LineArc> Program_LineArc;
-  Table<Wire> Program_Wire;
 };
 extern Compile_Tables_State Compile_Tables;
 

@@ -7,6 +7,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/event_sounds.h"
 #include "core/fault.h"
@@ -26,7 +27,6 @@ namespace norvik {
 
 namespace {
 
-constexpr char Axis_Letters[] = " XYZA";
 using Axis_Targets = Indexed<Nullable, 1, 4>;
 
 struct Speeds {
@@ -122,11 +122,18 @@ bool Validate_Axis(int axis) {
   if (!Seek(axis, beyond, Home_IPM(1), "tap")) return false;
 
   const double error = home - Machine.Position[axis];
-  AddMessage(std::string("The ") + Axis_Letters[axis] + " Axis Position Error was " +
+  AddMessage(std::string("The ") + Axis_Letter(axis) + " Axis Position Error was " +
              Format_Number(error, "####0.0000000"));
   Set_Axis_Position(axis, home);
   constexpr double rest = 0.25;  // seconds
   return Wait_Seconds(rest);
+}
+
+// Then each has got its position from its switch.
+bool All_Have_A_Home_Path() {
+  return std::ranges::all_of(std::array{1, 2, 3}, [](int axis) {
+    return !MachineSetup.Axis_HomePath[axis].empty() && !MachineSetup.Axis_HomeTarget[axis].empty();
+  });
 }
 
 void Home_Validated() {
@@ -143,7 +150,7 @@ void Home_Validated() {
   for (const int axis : {1, 2, 4})
     if (!Validate_Axis(axis)) return;
   Tell_Detail("X, Y and A to their home position");
-  Reach(Across(home), seek);
+  if (Reach(Across(home), seek) && All_Have_A_Home_Path()) Position_Memory.Doubt.clear();
 }
 
 void Home_Plain() {

@@ -9,6 +9,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -27,7 +28,6 @@ namespace norvik {
 
 namespace {
 
-constexpr char Axis_Letters[] = " XYZA";
 constexpr const char* Depth_Prompts[] = {
     "Change Z Axis Travel Depth", "Change Z Axis Normal Cut Depth", "Change Z Axis Deep Cut Depth"};
 
@@ -66,7 +66,7 @@ bool Ask_Feed(const char* prompt, const char* key, float& feed) {
 
 void Label_Axis_Pos_DblClick(int axis) {
   if (!Stands_Still()) return;
-  const std::string prompt = std::string("Change ") + Axis_Letters[axis] + " Axis Position";
+  const std::string prompt = std::string("Change ") + Axis_Letter(axis) + " Axis Position";
   const auto value =
       Ask("Axis", prompt, Format_Number(Machine.Position[axis], MachineSetup.DRO_Format));
   if (!value) return;

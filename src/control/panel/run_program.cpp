@@ -1,6 +1,7 @@
 #include "control/panel/run_program.h"
 
 #include "compiler/compile/compile.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
@@ -13,6 +14,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -72,10 +74,7 @@ std::string Compile_For_Run() {
   const Esc_Watch esc;
   const bool compiled = CompileProgram();
   if (esc.Seen || CheckEsc()) return "Cancelled by ESC while the program was compiled.";
-  if (!compiled) return Messages.LastMessage;
-  const bool taken =
-      Trap("Run_Program_Error", [] { Take_Program_Wire(std::move(Compile_Tables.Program_Wire)); });
-  return taken ? "" : "The compiled program cannot be run. The error log says why.";
+  return compiled ? "" : Messages.LastMessage;
 }
 
 // Every wire carries the tool in use; only the word M6, outside comments, asks for another.
@@ -161,6 +160,7 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
   Controller.Steps_Executed = 0;
   const std::int64_t failed_before = Failed_Accesses();
   if (!Begin_Operation(Operation::Run)) return Failed(Messages.Panel[1]);
+  if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) return Failed(why_not);
   do {
     Command_CNC_Play_Click();
   } while (Machine.CNCMode == CNC_Paused && Goes_On_After_Pause(options));
@@ -170,10 +170,17 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
 
 Run_Summary Run_Program(const Run_Options& options) {
   if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
+  if (!Position_Memory.Doubt.empty()) return Failed(Position_Memory.Doubt);
   if (const std::string why = Compile_For_Run(); !why.empty()) return Failed(why);
+  if (const std::string why = options.Compiled(); !why.empty()) return Failed(why);
   Machine.StartingStep = 1;
   Machine.EndingStep = GCodeLineCount();
-  return Run_Compiled_Program(options);
+  Run_Summary summary = Run_Compiled_Program(options);
+  if (summary.Finished && (Compile_Losses.Records_Cut || Compile_Losses.Wires_Cut)) {
+    summary.Finished = false;
+    summary.Ended_By = control_text::Run_Of_A_Cut_Program;
+  }
+  return summary;
 }
 
 std::string Summary_Text(const Run_Summary& summary) {

@@ -22,6 +22,8 @@ struct Run_Pause {
 };
 
 struct Run_Options {
+  // The program is compiled, nothing has moved yet. Words when it must not be run.
+  std::function<std::string()> Compiled = [] { return std::string(); };
   // Trace of the moves. Absent: the usual file in the folder of the tables; empty: none.
   std::optional<std::string> Trace_File;
   // Absent goes on. Otherwise the run ends for this reason; empty: what stopped it says itself, or
@@ -45,7 +47,9 @@ struct Run_Summary {
   bool operator==(const Run_Summary&) const = default;
 };
 
-// Compiles and runs the loaded program. Raises nothing.
+// Compiles and runs the loaded program. One that is too long for the machine's tables is run as far
+// as it was taken and is not a finished one. Refused while the positions are in doubt. Raises
+// nothing.
 Run_Summary Run_Program(const Run_Options& options);
 
 // The same for a program that is compiled and stands in the executing table.

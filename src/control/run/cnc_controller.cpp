@@ -1,5 +1,6 @@
 #include "control/run/cnc_controller.h"
 
+#include "compiler/state/compile_host.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
@@ -14,8 +15,10 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "control/state/drive.h"
+#include "control/state/run_consent.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/operation.h"
@@ -172,23 +175,49 @@ bool Run_Pass() {
   return Machine.CNCMode == CNC_Running;
 }
 
-// Why the executing table is not to be run, in the operator's words; empty: it may.
-std::string_view Unfit_To_Run() {
-  const bool other = Program_Wire.Standing == Wire_Standing::Another_Program;
-  if (GCodeLineCount() == 0 && (other || Program_Wire.Count() == 0))
-    return control_text::No_Program;
-  if (Program_Wire.Standing == Wire_Standing::Cut_Short) return control_text::Program_Cut_Short;
-  if (other) return control_text::Program_Not_Compiled;
-  return Program_Wire.Of_Goto ? control_text::Program_Behind_Goto : std::string_view();
+// A run that is under way goes on with the table that it began with, and the operator knows it.
+bool Goes_On_With_Old_Text() {
+  if (Judge_Table().Standing != Table_Standing::Other_Text) return true;
+  if (Controller.Agreed_Text == GCode_Program.Text && !GCode_Program.Typed_Waits) return true;
+  if (Platform.Message_Box("Norvik 4", std::string(control_text::Text_Changed_In_Run),
+                           Box_Buttons::Ok_Cancel) != Box_Answer::Ok) {
+    SetStatus(1, control_text::Run_Not_Continued, 10);
+    return false;
+  }
+  Controller.Agreed_Text = GCode_Program.Text;
+  return true;
+}
+
+bool Begins_With_Consent() {
+  if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) {
+    SetStatus(1, why_not, 10);
+    return false;
+  }
+  if (Run_Consent.May_Begin()) return true;
+  SetStatus(1, control_text::Run_Not_Begun, 10);
+  return false;
+}
+
+// Positions in doubt are asked about; what was pressed before the answer moves nothing.
+bool Positions_Stand() {
+  if (Position_Memory.Doubt.empty()) return true;
+  Ask_About_Positions();
+  SetStatus(1,
+            Position_Memory.Doubt.empty() ? control_text::Play_Once_More
+                                          : control_text::Positions_In_Doubt,
+            10);
+  return false;
 }
 
 // Play and Step up to the loop. False when there is nothing to run.
 bool Prepare_Run(Operation wanted) {
+  if (!Begin_Operation(wanted) || !Positions_Stand()) return false;
+  Compile_Host.Settle_Typed_Text();
+  const bool begins = Machine.CNCMode == CNC_Stopped;
+  if (!(begins ? Begins_With_Consent() : Goes_On_With_Old_Text())) return false;
+  // A box may have been open: what has happened meanwhile, and the keys that closed it.
   if (!Begin_Operation(wanted)) return false;
-  if (const std::string_view why_not = Unfit_To_Run(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
-    return false;
-  }
+  if (begins != (Machine.CNCMode == CNC_Stopped)) return false;
   Drive().Refresh_Parameters();
   if (Machine.CNCMode == CNC_Stopped) Controller.Run_Row.reset();
   if (Machine.Run_Step > Machine.EndingStep)
@@ -296,6 +325,26 @@ void CNC_Controls_Esc() {
     return;
   }
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
+}
+
+std::string Unfit_To_Run() {
+  const Table_Judgement table = Judge_Table();
+  const bool old_text = table.Standing == Table_Standing::Other_Text;
+  if (GCodeLineCount() == 0 && (Program_Wire.Count() == 0 || old_text))
+    return std::string(control_text::No_Program);
+  switch (table.Standing) {
+    case Table_Standing::Ready:
+      break;
+    case Table_Standing::Of_Goto:
+      return std::string(control_text::Program_Behind_Goto);
+    case Table_Standing::Other_Text:
+      return std::string(control_text::Program_Not_Compiled);
+    case Table_Standing::Cut_Short:
+      return std::string(control_text::Program_Cut_Short);
+    case Table_Standing::Other_Sources:
+      return table.Changed + std::string(control_text::Source_Has_Changed);
+  }
+  return {};
 }
 
 }  // namespace norvik

@@ -45,4 +45,7 @@ void Command_CNC_Stop_Click();
 // that closes a box leaves a paused run paused.
 void CNC_Controls_Esc();
 
+// Why the executing table is not to be run now, in the operator's words; empty: it may.
+std::string Unfit_To_Run();
+
 }  // namespace norvik

@@ -89,12 +89,14 @@ double Move_Seconds(const Way& way, const Wire& wire) {
 // Why the wire file is not that of the program, in the operator's words; empty: it is.
 std::string_view Unfit_To_Estimate() {
   if (!Compile_Status.CompileDone) return control_text::Nothing_To_Estimate;
-  switch (Program_Wire.Standing) {
-    case Wire_Standing::Another_Program:
+  switch (Judge_Program_Table().Standing) {
+    case Table_Standing::Other_Text:
+    case Table_Standing::Other_Sources:
       return control_text::Nothing_To_Estimate;
-    case Wire_Standing::Cut_Short:
+    case Table_Standing::Cut_Short:
       return control_text::Estimate_Cut_Short;
-    case Wire_Standing::Whole:
+    case Table_Standing::Ready:
+    case Table_Standing::Of_Goto:
       break;
   }
   return {};

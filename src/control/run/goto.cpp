@@ -3,6 +3,7 @@
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
+#include "compiler/text/block_reader.h"
 #include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
@@ -12,10 +13,12 @@
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/format.h"
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "platform/platform.h"
 
 #include <algorithm>
 #include <string>
@@ -44,6 +47,53 @@ void Ramp_First_Wire() {
   first.IPM_E = To_Single(Whole_Part(MachineSetup.Axis_Ramp_Start));
 }
 
+// What the line says is not compiled yet: a faulty one has no G91 either.
+bool Holds_G91(const std::string& text) {
+  Block block;
+  bool found = false;
+  Trap_With([](const Fault&) {},
+            [&] {
+              Read_Words(text, block);
+              found = block.GFlags.test(91);
+            });
+  return found;
+}
+
+Start_Position Place_To_Count_From(bool incremental) {
+  Start_Position from;
+  if (incremental && MachineSetup.Goto_From_Position)
+    for (int axis = 1; axis <= 4; ++axis) from[axis] = Machine.Position[axis];
+  return from;
+}
+
+// "X0.5 Y2": the last target of each axis; empty when nothing moves.
+std::string End_Of_Table() {
+  Indexed<Nullable, 1, 4> end;
+  for (const Wire& wire : Program_Wire.Rows())
+    for (int axis = 1; axis <= 4; ++axis)
+      if (wire.Motion == 1 && wire.End[axis]) end[axis] = wire.End[axis];
+  std::string text;
+  for (int axis = 1; axis <= 4; ++axis) {
+    if (!end[axis]) continue;
+    if (!text.empty()) text += ' ';
+    text += "XYZA"[axis - 1] + Format_Number(*end[axis], "0.######");
+  }
+  return text;
+}
+
+// True when the operator wants to go where a line with G91 ends.
+bool Wanted_From_Zero() {
+  const std::string end = End_Of_Table();
+  if (end.empty()) return true;
+  const std::string text =
+      "G91 in a Goto counts from 0, not from where the machine is. This line "
+      "ends at " +
+      end +
+      ".\n\nGo there? (The setting Goto_From_Position makes G91 count from "
+      "where the machine is.)";
+  return Platform.Message_Box("Goto", text, Box_Buttons::Ok_Cancel) == Box_Answer::Ok;
+}
+
 void Execute_Block() {
   std::int32_t step = Compile_Status.CurrentStep;
   if (!Program_Wire.Next_Of_Step(step, 0)) {
@@ -68,16 +118,21 @@ void Run_Goto() {
   ResetRetoolDisplay();
   Resynchronise_Position();
   Trap("Command_Goto_Error", [] {
-    if (!CompileBlock(CNC_Controls.Text_Goto.Text)) {
+    const std::string text = CNC_Controls.Text_Goto.Text;
+    const bool incremental = Holds_G91(text);
+    if (!CompileBlock(text, Place_To_Count_From(incremental))) {
       SetStatus(1, control_text::Goto_Not_Compiled, 10);
       return;
     }
-    Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
     Ramp_First_Wire();
-    Run_Plot_Host.Program_Replaced();
+    if (incremental && !MachineSetup.Goto_From_Position && !Wanted_From_Zero()) {
+      SetStatus(1, control_text::Goto_Not_Done, 10);
+      return;
+    }
     Execute_Block();
   });
   Leave_No_Pause();
+  Run_Plot_Host.Goto_Ended();
   CNCMode_Display();
 }
 

@@ -1,10 +1,14 @@
 // goto.h: the Goto box: one line of G-code, executed at once, and its ten memories.
 //
-//   Text_Goto --CompileBlock--> block wire file --> Program_Wire --> Execute_Step(CurrentStep)
+//   Text_Goto --CompileBlock--> block wire file, Program_Wire --> Execute_Step(CurrentStep)
 //
-// A Goto replaces the executing table, until the next full compile or reload. The wires of a block
-// carry step 0, and the step executed is the pointer of the `Gcode` window, `CurrentStep`: a Goto
-// moves while that pointer stands at 0, as it does after a compile.
+// A Goto replaces the executing table, until it is put back (`Put_Back_Table`, which the spine does
+// when the Goto has ended) or the next full compile. The wires of a block carry step 0, and the
+// step executed is the pointer of the `Gcode` window, `CurrentStep`: a Goto moves while that
+// pointer stands at 0, as it does after a compile.
+//
+// Words with G91 count from 0, wherever the machine is, unless `Goto_From_Position` is on. Such a
+// line says where it will end and is executed only when the operator wants that.
 #pragma once
 
 namespace norvik {

@@ -1,5 +1,6 @@
 #include "control/safety/machine_check.h"
 
+#include "core/axes.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/numbers.h"
@@ -15,8 +16,6 @@ namespace norvik {
 
 namespace {
 
-constexpr char Axis_Letters[] = " XYZA";
-
 using Findings = std::vector<Machine_Finding>;
 
 std::string Number(double value) {
@@ -28,7 +27,7 @@ std::string Axis_Key(const char* family, int axis) {
 }
 
 std::string Axis_Name(int axis) {
-  return std::string(1, Axis_Letters[axis]);
+  return std::string(1, Axis_Letter(axis));
 }
 
 // Axes that can step.

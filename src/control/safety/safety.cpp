@@ -7,6 +7,7 @@
 #include "control/state/controller_state.h"
 #include "control/state/drive.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/error_log.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
@@ -112,6 +113,16 @@ void Tell_Home_Safety() {
   if (!Pins.Home_Safety_Off) return;
   Platform.Message_Box(std::string(control_text::Home_Safety_Title),
                        std::string(control_text::Home_Safety_Box), Box_Buttons::Ok);
+}
+
+void Ask_About_Positions() {
+  if (Position_Memory.Doubt.empty()) return;
+  const Box_Answer answer = Platform.Message_Box(
+      std::string(control_text::Home_Safety_Title),
+      Position_Memory.Doubt + std::string(control_text::Positions_Question), Box_Buttons::Yes_No);
+  if (answer != Box_Answer::Yes) return;
+  Position_Memory.Doubt.clear();
+  AddMessage(control_text::Positions_Confirmed);
 }
 
 void Home_Safety_Check() {

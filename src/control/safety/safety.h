@@ -27,6 +27,10 @@ void Home_Safety_Check();
 void Look_At_Home_Switches();
 void Tell_Home_Safety();  // nothing while no switch was found on
 
+// After an end without order: asks whether the positions are those of the machine. Nothing while
+// there is no doubt about them.
+void Ask_About_Positions();
+
 // Check box 0..4 was changed by the operator. While the E-stop is set, or its input is on with
 // `E_Stop_Output_Disable`, one that was switched on goes back to off with a status text.
 void Toggle_Outputs(int index);

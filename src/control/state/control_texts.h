@@ -37,6 +37,12 @@ inline constexpr std::string_view Home_Safety_Box =
     "Norvik does not know which direction is safe to travel.\r\n"
     "Please jog the appropriate axis until all home switches are OFF!!!\r\n"
     "Norvik will then know which direction to needs to be halted when a Home switch is ON.";
+inline constexpr std::string_view Positions_Question =
+    "\r\n\r\nAre the positions shown those of the machine?";
+inline constexpr std::string_view Positions_Confirmed = "The positions are confirmed.";
+inline constexpr std::string_view Positions_In_Doubt =
+    "Play is refused until the positions are confirmed or the machine is homed.";
+inline constexpr std::string_view Play_Once_More = "The positions are confirmed. Press Play again.";
 
 // --- Home and ReTool ----------------------------------------------------------------------------
 inline constexpr std::string_view Moving_To_ReTool = "Axis Move: Moving to ReTool Position...";
@@ -67,6 +73,8 @@ inline constexpr std::string_view Ended_By_Failure =
 inline constexpr std::string_view Run_Without_Port =
     "Access to the port failed during the run, so motors missed steps. The error log says why. Put "
     "it right and home the axes before the next run. Failed accesses: ";
+inline constexpr std::string_view Run_Of_A_Cut_Program =
+    "the program is too long for the machine's table, and what was cut off has not run. Split it.";
 inline constexpr std::string_view EStop_Stays_Set =
     "The E-stop stays set until the machine stands still. Press again to enable the motors.";
 using operation_text::Motors_Are_Disabled;
@@ -86,13 +94,21 @@ inline constexpr std::string_view Not_While_Moving =
 inline constexpr std::string_view No_Program =
     "There is no program to run: open one, or type it and compile it, then start.";
 inline constexpr std::string_view Program_Not_Compiled =
-    "The program needs to be compiled: compile it, then start.";
+    "The program's text is newer than what was compiled: compile it (Ctrl+B), then start.";
+inline constexpr std::string_view Source_Has_Changed =
+    " is not what it was when the program was compiled: compile it (Ctrl+B), then start.";
+inline constexpr std::string_view Text_Changed_In_Run =
+    "The program's text was changed since this run began. The run goes on with the program as it "
+    "was compiled; what was changed is not in it.\n\nGo on?";
+inline constexpr std::string_view Run_Not_Continued =
+    "The run stays paused. Press Stop, compile the text, then start it anew.";
+inline constexpr std::string_view Run_Not_Begun = "The run was not started.";
 inline constexpr std::string_view Program_Cut_Short =
     "The program was not compiled to its end: compile it again, then start.";
 inline constexpr std::string_view Program_Behind_Goto =
     "A Goto has taken the place of the program: compile it again, then start.";
 inline constexpr std::string_view Nothing_To_Estimate =
-    "There is no compiled program to estimate: compile it, then try again.";
+    "What was compiled is not the program as it is now: compile it (Ctrl+B), then try again.";
 inline constexpr std::string_view Estimate_Cut_Short =
     "The program was not compiled to its end: compile it again, then estimate.";
 using operation_text::Goto_Needs_Stop;
@@ -103,6 +119,7 @@ inline constexpr std::string_view Goto_Is_Empty =
     "G01 X1 Y2.";
 inline constexpr std::string_view Goto_Has_No_Run =
     "Goto: the line asks for a pause; there is no run to pause. The line was executed to its end.";
+inline constexpr std::string_view Goto_Not_Done = "Goto: nothing was moved.";
 inline constexpr std::string_view Goto_Needs_Reset =
     "Goto executes nothing: the step pointer of the G-Code window does not stand at 0. Compile the "
     "program, then try again.";

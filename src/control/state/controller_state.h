@@ -15,10 +15,12 @@
 // Lengths in units of the setup, speeds in units per minute, times in seconds. Axes 1..4.
 #pragma once
 
+#include "compiler/text/program_text.h"
 #include "core/indexed.h"
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -43,6 +45,8 @@ struct Controller_State {
   std::int32_t Step_Done = 0;       // the step executed last
   // With `Run_In_Table_Order`: the row of the table to go on with; absent: no run has begun.
   std::optional<std::size_t> Run_Row;
+  // The operator knows that the run goes on although this text is newer than its table.
+  std::shared_ptr<const GCode_Text> Agreed_Text;
 
   // --- Repeat of a step range -------------------------------------------------------------------
   std::int16_t Repeat_Count = 0;

@@ -21,8 +21,8 @@ struct Run_Plot_Host_Operations {
   std::function<void()> Refresh = [] {};
   // An "X" at the cursor: a move ended at a speed that was not planned.
   std::function<void()> Mark_Rate_Error = [] {};
-  // The executing table has been replaced by a Goto.
-  std::function<void()> Program_Replaced = [] {};
+  // A Goto has ended; its line is still the executing table.
+  std::function<void()> Goto_Ended = [] {};
 };
 extern Run_Plot_Host_Operations Run_Plot_Host;
 

@@ -200,6 +200,11 @@ QWidget* Controls_Window::Build_Status() {
   safety->setForegroundRole(QPalette::Link);
   Binding.Label(safety, "Label_Home_Safety", CNC_Controls.Label_Home_Safety);
   grid->addWidget(safety, 4, 0, 1, 2);
+  auto* notice = new QLabel;
+  notice->setWordWrap(true);
+  Binding.Label(notice, "Label_Panel_Notice", Gcode_Form.Label_Table_Notice);
+  Binding.Also([notice] { notice->setVisible(!notice->text().isEmpty()); });
+  grid->addWidget(notice, 5, 0, 1, 2);
   return area;
 }
 

@@ -1,4 +1,4 @@
-#include "platform/qt/picture_surface.h"
+#include "plot/picture/picture_surface.h"
 
 #include "core/fault.h"
 #include "plot/plot_colour.h"

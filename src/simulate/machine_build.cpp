@@ -1,12 +1,12 @@
-#include "simulate/simulated_machine.h"
-
 #include "core/application.h"
 #include "core/setup.h"
 #include "platform/platform.h"
 #include "simulate/carriage_watch.h"
 #include "simulate/input_model.h"
 #include "simulate/output_model.h"
+#include "simulate/port_access.h"
 #include "simulate/port_space.h"
+#include "simulate/simulated_machine.h"
 #include "simulate/simulation_settings.h"
 #include "simulate/trail.h"
 #include "simulate/virtual_clock.h"
@@ -120,6 +120,14 @@ void Follow_Setup() {
   }
   if (Read_Wired_Map() != Wiring()) Wire_And_Check();
   if (Slave_Master() != Simulated_Machine.Master) Straighten_Gantry();
+}
+
+void Open_Table_Ends() {
+  for (int axis = 1; axis <= Axes; ++axis) {
+    Simulated_Machine.Axes[axis].Settings.Limited = false;
+    Simulated_Machine.Inputs[axis].Zones = {};
+    Settings_Changed(axis);
+  }
 }
 
 void Settings_Changed(int axis) {

@@ -1,5 +1,3 @@
-#include "core/setup.h"
-
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -7,12 +5,14 @@
 #include "core/paths.h"
 #include "core/profile_file.h"
 #include "core/remembered_files.h"
+#include "core/setup.h"
 #include "core/setup_table.h"
 #include "core/version.h"
 #include "core/waiting.h"
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <map>
 #include <memory>
 #include <utility>
 
@@ -37,6 +37,18 @@ struct Unreadable_State {
 };
 Unreadable_State Unreadable;
 
+// The machine file as this program last loaded or saved it, to tell what another program has
+// changed since.
+struct Known_Value {
+  std::string In_File;  // the text in the file; empty when it was missing
+  std::string Ours;     // the field's text then
+};
+struct Known_File_State {
+  std::string Path;
+  std::map<std::pair<const Setup_Row*, int>, Known_Value> Values;
+};
+Known_File_State Known_File;
+
 std::string Read_Key(const std::string& path, std::string_view section, std::string_view key) {
   std::string value;
   if (path.empty()) return value;
@@ -55,6 +67,7 @@ std::string Read_Key(const std::string& path, std::string_view section, std::str
 
 bool Write_Key(const std::string& path, std::string_view section, std::string_view key,
                std::string_view value) {
+  if (Setup_Store.Leaves_Files) return true;
   if (path.empty()) return false;
   return Trap_With(
       [&](const Fault& fault) {
@@ -65,6 +78,10 @@ bool Write_Key(const std::string& path, std::string_view section, std::string_vi
 }
 
 bool Write_Together(const std::string& path, const std::function<void()>& body) {
+  if (Setup_Store.Leaves_Files) {
+    body();
+    return true;
+  }
   if (path.empty()) return false;
   return Trap_With(
       [](const Fault& fault) {
@@ -99,10 +116,14 @@ void After_Row(const Setup_Row& row) {
 
 void Read_All_Rows(void (*after)(const Setup_Row&)) {
   Setup_Store.Findings.clear();
+  Known_File = {Application.MachineFile, {}};
   for (const Setup_Row& row : Setup_Rows()) {
     for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
       const std::string text = ReadSetup(row.Section, Setting_Key(row, index));
       if (!Read_Setup_Text(row, index, text)) Note_Finding(row, index, text);
+      if (!Setup_Store.RestoringDefaults) {
+        Known_File.Values[{&row, index}] = {text, Setup_Text(row, index)};
+      }
     }
     if (after != nullptr) after(row);
   }
@@ -116,9 +137,9 @@ std::unique_ptr<Profile_Session> Open_For_Load() {
       [](const Fault& fault) {
         Unreadable.Last_Reported = fault.Description;
         ErrorLogWrite(fault.Description);
-        Platform.Message_Box(
-            "Machine file", fault.Description + "\n\nAll parameters have their factory values now.",
-            Box_Buttons::Ok);
+        const char* goes_on =
+            Setup_Store.Leaves_Files ? "" : "\n\nAll parameters have their factory values now.";
+        Platform.Message_Box("Machine file", fault.Description + goes_on, Box_Buttons::Ok);
       },
       [&] {
         session = std::make_unique<Profile_Session>(Application.MachineFile, Profile_Use::Reading);
@@ -147,16 +168,36 @@ void Self_Test() {
   RememberFile(File_Kind::Setup, Application.MachineFile);
 }
 
-void Write_Row(const Setup_Row& row) {
+std::string Save_Name(const Setup_Row& row, int index) {
   Setting_Row named = row;
   if (!row.Save_Key.empty()) named.Key = row.Save_Key;
+  return Setting_Key(named, index);
+}
+
+// Another program has given the key a value since this one has read or written it, and nobody has
+// changed it here.
+bool Is_Theirs(const Setup_Row& row, int index, const std::string& name) {
+  if (Known_File.Path != Application.MachineFile) return false;
+  const auto known = Known_File.Values.find({&row, index});
+  if (known == Known_File.Values.end()) return false;
+  const auto in_file = Find_Profile(Application.MachineFile, row.Section, name);
+  return in_file && *in_file != known->second.In_File &&
+         Setup_Text(row, index) == known->second.Ours;
+}
+
+void Write_Row(const Setup_Row& row, Known_File_State& after) {
   for (int index = row.Saved.First; index <= row.Saved.Last; ++index) {
-    Write_Profile(Application.MachineFile, row.Section, Setting_Key(named, index),
-                  Setup_Text(row, index));
+    const std::string name = Save_Name(row, index);
+    if (Is_Theirs(row, index, name)) continue;
+    const std::string text = Setup_Text(row, index);
+    Write_Profile(Application.MachineFile, row.Section, name, text);
+    after.Values[{&row, index}] = {Read_Profile(Application.MachineFile, row.Section, name), text};
   }
 }
 
 void Write_All_Rows() {
+  Known_File_State after = Known_File;
+  if (after.Path != Application.MachineFile) after = {Application.MachineFile, {}};
   Profile_Session session(Application.MachineFile, Profile_Use::Writing);
   Write_Profile(Application.MachineFile, "AppInfo", "Application_Version",
                 std::string(Program_Title) + " Version " + std::string(Program_Version()));
@@ -165,16 +206,17 @@ void Write_All_Rows() {
     if (row->Save == Save_Place::Sounds && !std::exchange(announced, true)) {
       AddMessage("Saving Machine INI");
     }
-    Write_Row(*row);
+    Write_Row(*row, after);
   }
   session.Commit();
+  Known_File = std::move(after);
 }
 
 }  // namespace
 
-void LoadMachineSetup() {
+bool LoadMachineSetup() {
   Setup_Store.SetupLoading = true;
-  Wait(0.25);
+  if (!Setup_Store.Without_Windows) Wait(0.25);  // what waits in the windows' queue comes first
   Set_Panel(4, FileNameStem(PathFileName(Application.MachineFile)));
   bool readable = true;
   Trap("LoadMachineSetup", [&] {
@@ -184,13 +226,14 @@ void LoadMachineSetup() {
   });
   Report_Findings();
   // Of a file out of reach nothing is known, so nothing is to be repaired.
-  if (readable && !Setup_Store.RestoringDefaults) Self_Test();
+  if (readable && !Setup_Store.RestoringDefaults && !Setup_Store.Leaves_Files) Self_Test();
   Setup_Store.SetupLoading = false;
+  return readable;
 }
 
 bool SaveMachineSetup() {
   if (Application.MachineFile.empty()) return false;
-  if (Setup_Store.Simulating) return true;
+  if (Setup_Store.Leaves_Files) return true;
   const std::int16_t before = MachineSetup.INI_Save_Test;
   MachineSetup.INI_Save_Test = Good_Save;
   const bool written = Trap_With(
@@ -207,6 +250,10 @@ bool SaveMachineSetup() {
     MachineSetup.INI_Save_Test = before;
   }
   return written;
+}
+
+bool Saved_Whole() {
+  return MachineSetup.INI_Save_Test == Good_Save;
 }
 
 void Restore_Factory_Setup() {
@@ -230,15 +277,10 @@ std::string ReadSetup(std::string_view section, std::string_view key) {
 }
 
 bool WriteSetup(std::string_view section, std::string_view key, std::string_view value) {
-  if (Setup_Store.Simulating) return true;
   return Write_Key(Application.MachineFile, section, key, value);
 }
 
 bool Write_Setup_Together(const std::function<void()>& body) {
-  if (Setup_Store.Simulating) {
-    body();
-    return true;
-  }
   return Write_Together(Application.MachineFile, body);
 }
 

@@ -1,6 +1,5 @@
-#include "core/fault.h"
-
 #include "core/error_log.h"
+#include "core/fault.h"
 
 #include <new>
 
