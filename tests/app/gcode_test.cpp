@@ -319,7 +319,7 @@ TEST_F(GCode_Test, Play_Refuses_What_Was_Compiled_Of_Other_Settings_Tools_Or_Mac
   };
   EXPECT_EQ(compiled(), "runs");
   MachineSetup.Axis_Max_Feed_Rate[3] = 7;
-  EXPECT_THAT(Played(), HasSubstr("The setting Axis_Max_Feed_Rate_3 is not what it was"));
+  EXPECT_THAT(Played(), HasSubstr("(Axis_Max_Feed_Rate_3) is not what it was"));
   Main_Timer2();
   EXPECT_THAT(Gcode_Form.Label_Table_Notice.Caption, HasSubstr("Axis_Max_Feed_Rate_3"));
   EXPECT_EQ(compiled(), "runs");
