@@ -333,7 +333,6 @@ TEST_F(GCode_Test, Play_Refuses_What_Was_Compiled_Of_Other_Settings_Tools_Or_Mac
   EXPECT_EQ(compiled(), "runs");
   std::filesystem::remove(MachineSetup.MacroFile[7]);
   EXPECT_THAT(Played(), HasSubstr("Macro 7 is not what it was"));
-  MachineSetup.JogKey_Device = 1;  // no pass reads it
 }
 
 TEST_F(GCode_Test, A_Paused_Run_Goes_On_With_A_Newer_Text_Only_When_The_Operator_Wants_It) {
