@@ -20,6 +20,7 @@
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 namespace norvik {
