@@ -86,6 +86,7 @@ TEST_F(Windows_Test, A_Maximised_Plot_Keeps_Its_Normal_Size_And_Maximises_Nothin
   const QRect place(30, 20, 500, 400);
   Frame_Of("Plot").setGeometry(place);
   Frame_Of("Plot").showMaximized();
+  EXPECT_TRUE(Find("Command_Bar_EStop").isVisible());
   Choose("Menu_Window_CNC_Controls");
   EXPECT_FALSE(Frame_Of("CNC_Controls").isMaximized());
   Choose("Menu_Window_Plot");

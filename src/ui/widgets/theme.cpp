@@ -118,6 +118,13 @@ class Outlined_Style : public QProxyStyle {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox || control == CC_ComboBox) Outline(option->rect, *option, *painter);
   }
+  // A maximised tool window keeps its title bar. Its buttons would otherwise take the corner of the
+  // menu bar, where Stop and E-stop stand.
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    if (hint == SH_Workspace_FillSpaceOnMaximize) return 1;
+    return QProxyStyle::styleHint(hint, option, widget, data);
+  }
   // A check box that a glove hits.
   int pixelMetric(PixelMetric metric, const QStyleOption* option,
                   const QWidget* widget) const override {
