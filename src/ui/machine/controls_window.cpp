@@ -8,6 +8,7 @@
 #include "control/home.h"
 #include "control/jog_guard.h"
 #include "control/safety.h"
+#include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"
 #include "ui/machine/axis_rows.h"

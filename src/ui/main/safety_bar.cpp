@@ -4,6 +4,7 @@
 #include "control/cnc_controls_form.h"
 #include "control/controller_state.h"
 #include "control/safety.h"
+#include "core/application.h"
 #include "ui/widgets/theme.h"
 
 #include <QHBoxLayout>

@@ -205,12 +205,12 @@ QWidget* GCode_Window::Build_Steps() {
   Step_Line->setForegroundRole(QPalette::PlaceholderText);
   Step_Line->setToolTip("The line of the text that holds this step");
   pointer->addWidget(Step_Line);
-  grid->addLayout(pointer, 1, 0);
+  grid->addLayout(pointer, 1, 0, 1, 2);
   auto* text = new QLabel;
   text->setFont(Text_GCode->font());
   text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   Binding.Label(text, "Label_CGStep", Gcode_Form.Label_CGStep);
-  grid->addWidget(text, 1, 1, 1, 9);
+  grid->addWidget(text, 1, 2, 1, 8);
   return area;
 }
 

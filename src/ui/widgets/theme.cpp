@@ -154,6 +154,9 @@ class Outlined_Style : public QProxyStyle {
 
 // What the wheel turns over a box without the focus is the panel behind it.
 class Calm_Wheel : public QObject {
+ public:
+  using QObject::QObject;
+
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
     if (event->type() != QEvent::Wheel && event->type() != QEvent::Polish) return false;
@@ -320,8 +323,7 @@ QPixmap Sign_Picture(Sign sign, const QColor& color, int size) {
 void Apply_Theme(QApplication& application) {
   // Further than any screen reaches: no drag begins.
   QApplication::setStartDragDistance(1'000'000);
-  static Calm_Wheel calm_wheel;
-  application.installEventFilter(&calm_wheel);
+  application.installEventFilter(new Calm_Wheel(&application));
   const QByteArray wanted = qgetenv("NORVIK_THEME").toLower();
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
   if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";
