@@ -126,7 +126,7 @@ const std::vector<Menu_Row>& Menu_Rows() {
        "Menu_View_Reset_Positions",
        "Reset &window positions",
        {},
-       "Put all windows back to their default places",
+       "Put the windows inside this one back to their default places",
        nullptr},
       // What starts a motion takes two keys at once, what ends one takes a single key.
       {"&Machine", "Menu_Machine_Play", "&Play", QKeySequence(Qt::CTRL | Qt::Key_F9),
@@ -487,11 +487,10 @@ void Main_Frame::Tell_Area() {
   Window_Area.Panel_Width = Text_Height() * 49;
 }
 
+// The windows inside: the main one stays as the operator has it, and the layout fills it.
 void Main_Frame::Reset_Places() {
   Tell_Area();
   Reset_Form_Positions();
-  Main_Host.Place_Main(Read_Form_Place(Form_Id::Main));
-  Reset_Form_Positions();  // for the room that the main window has now
   for (auto& [name, window] : Tool_Windows) {
     if (window.Frame != nullptr) Restore_Place(name, *window.Frame);
   }
