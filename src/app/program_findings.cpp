@@ -2,6 +2,7 @@
 
 #include "app/gcode_form.h"
 #include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"

@@ -4,6 +4,7 @@
 #include "app/main_form.h"
 #include "app/startup.h"
 #include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "control/run/cnc_controller.h"
 #include "core/application.h"
 #include "core/messages.h"

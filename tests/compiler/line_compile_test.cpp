@@ -1,6 +1,7 @@
 // The compile as a whole: files, passes, refusals, and what the operator is told.
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"

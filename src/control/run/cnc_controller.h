@@ -20,6 +20,8 @@
 // when the drive comes back.
 #pragma once
 
+#include <string>
+
 namespace norvik {
 
 // --- Operations of the panel ---------------------------------------------------------------------
