@@ -28,7 +28,7 @@ struct Run_Options {
   // it was the operator. May yield, so that the E-stop input and ESC are heard in the pause.
   std::function<std::optional<std::string>(const Run_Pause&)> At_Pause = [](const Run_Pause&) {
     return std::optional<std::string>();
-};
+  };
   // About four times in a second of the clock.
   std::function<void(std::int32_t step, std::int32_t last_step)> Progress = [](std::int32_t,
                                                                                std::int32_t) {};
