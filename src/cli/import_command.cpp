@@ -88,7 +88,7 @@ struct Import_Call {
   // The importers open the program that they made; here it is copied to where it was asked for.
   void Take_Program(const std::string& path) {
     Unknown_Layers = Select_Layers(Options.Layers);
-    if (Unknown_Layers.empty()) {
+    if (Unknown_Layers.empty() && !Nothing_Arrived()) {
       try {
         Replace_File(Options.Program, Read_Whole_File(path));
         Written = true;
