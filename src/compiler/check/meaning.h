@@ -1,4 +1,4 @@
-// check_meaning.h: what a line means on the machine it was written for, against what it does here.
+// meaning.h: what a line means on the machine it was written for, against what it does here.
 //
 // A small interpreter of its own follows the program by the rules of RS274/NGC, from the words as
 // their programmer reads them. It shares with the compiler only where the tool stands before a

@@ -1,4 +1,4 @@
-// check_stops.h: moves that are still at speed when the machine stops for a dwell, a pause or an
+// stops.h: moves that are still at speed when the machine stops for a dwell, a pause or an
 // input.
 //
 //   o------ move 1 ------>o------ move 2 ------>o
