@@ -21,6 +21,7 @@
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <array>
 #include <string>
 
 namespace norvik {
