@@ -89,7 +89,7 @@ struct Import_Call {
   // The importers open the program that they made; here it is copied to where it was asked for.
   void Take_Program(const std::string& path) {
     Unknown_Layers = Select_Layers(Options.Layers);
-    if (Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop()) {
+    if (Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop() && !Nothing_Arrived()) {
       try {
         const std::string program = Read_Whole_File(path);
         if (Options.Program == "-") {

@@ -84,6 +84,7 @@ void Add_Motion(std::vector<std::string>& lines) {
 
 // The table lies from 0 to its length, or around 0 when the plot centres it.
 void Add_Table_Fit(std::vector<std::string>& lines) {
+  if (Nothing_Arrived()) return;
   constexpr double allowance = 1e-6;
   const Motion_Tally& motion = Import_Report.Motion;
   std::string outside;
@@ -104,6 +105,17 @@ void Add_Table_Fit(std::vector<std::string>& lines) {
                                   : "Outside the table: " + outside);
 }
 
+std::string Reason_For_Nothing(const Import_Report_State& report) {
+  bool read = false, skipped = false;
+  for (const auto& [name, counts] : report.Kinds) {
+    read = read || counts.Read > 0;
+    skipped = skipped || counts.Skipped > 0;
+  }
+  if (read) return "what was read of it makes no cutting move. Look at the notes below.";
+  if (skipped) return "none of what it holds can be read. \"Not read\" below says what that is.";
+  return "it holds nothing that this import knows. Is it a file of this kind?";
+}
+
 // How the import ended, when it did not end well; empty otherwise.
 std::string Ending(const Import_Report_State& report) {
   if (report.Cancelled && report.Written) {
@@ -114,6 +126,7 @@ std::string Ending(const Import_Report_State& report) {
   if (!report.Written) {
     return "No program was made, the program is the one from before. The error log says why.";
   }
+  if (Nothing_Arrived()) return "Nothing of the file is cut: " + Reason_For_Nothing(report);
   return "";
 }
 
@@ -198,6 +211,10 @@ void Finish_Import_Report(bool stopped, bool written) {
         "Arc centres in this program are absolute, but the setup reads I and J as incremental. "
         "Switch GC_IJ_Incremental off before it is run.");
   }
+}
+
+bool Nothing_Arrived() {
+  return !Import_Report.Motion.Cut[0].From && !Import_Report.Motion.Cut[2].From;
 }
 
 void Count_Read(std::string_view kind, std::int64_t count) {
