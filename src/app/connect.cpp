@@ -15,7 +15,8 @@
 #include "core/application.h"
 #include "core/event_sounds.h"
 #include "core/setup.h"
-#include "parallel/timing.h"
+#include "drive/drive.h"
+#include "drive/priority.h"
 #include "plot/cursor.h"
 #include "plot/nist_plot.h"
 #include "plot/plot_host.h"
@@ -65,6 +66,7 @@ void Connect_App() {
   Compile_Host.Play_Sound_Slot = Play_Event_Sound;
   Compile_Host.Refresh_Plot = Show_Compiled_Program;
   Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
+  Plot_Host.Motion_Active = [] { return Drive().Moves_Queued() > 0; };
   Run_Plot_Host.Draw_Segment = [](std::size_t, const Wire& wire) {
     Plot_Draw_Wire(wire, 0, Line_Mode_Run);
   };

@@ -5,9 +5,9 @@
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
-#include "parallel/step_engine.h"
-#include "parallel/timing.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
+#include "drive/priority.h"
 
 namespace norvik {
 
@@ -15,21 +15,18 @@ Drive_Session_State Drive_Session;
 
 void Begin_Drive_Session() {
   if (Application.ShutdownFlag) return;
-  Forget_Driven_Machine();
+  Drive_Status = {};
   Forget_Operations();
   Drive_Session.Open = true;
-  if (MachineSetup.Parallel_Port_Type != 2) Idle_All_Outputs();
-  if (MachineSetup.Parallel_Port_Type == 1) All_Outputs_Off();
+  Drive().Begin_Session();
   Set_Application_Priority(MachineSetup.Application_Priority);
-  Load_FeedRate_Autotune();
   Look_At_Home_Switches();
 }
 
 void End_Drive_Session() {
   if (!Drive_Session.Open) return;
-  All_Outputs_Off();
+  Drive().End_Session();
   Save_Axis_Positions();
-  for (int axis = 1; axis <= Axis_Count; ++axis) Motor_Disable(axis);
   Drive_Session.Open = false;
 }
 

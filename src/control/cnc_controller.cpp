@@ -7,7 +7,6 @@
 #include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/displays.h"
-#include "control/drive.h"
 #include "control/execute_step.h"
 #include "control/home.h"
 #include "control/jog_key.h"
@@ -20,7 +19,8 @@
 #include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/setup.h"
-#include "parallel/timing.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -59,7 +59,7 @@ void Settle_Stopped() {
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
   Controller.Run_Started = false;
   Controller.Repeat_Step.reset();
-  Timing.Actual_IPM = 0;
+  Drive_Status.Actual_IPM = 0;
 }
 
 // A request of CNC_Retool: the sequence, then motors off until the operator enables them again.
@@ -74,7 +74,7 @@ void Serve_Retool_Request() {
 bool May_Run() {
   if (Machine.EStop_Flag || Application.Closing_Program) return false;
   if (Controller.Retool_Request) Serve_Retool_Request();
-  if (Machine.CNCMode == CNC_Paused) Timing.Actual_IPM = 0;
+  if (Machine.CNCMode == CNC_Paused) Drive_Status.Actual_IPM = 0;
   return Machine.CNCMode > CNC_Paused && !Application.Closing_Program;
 }
 
@@ -93,12 +93,14 @@ void Begin_Run_If_At_Start() {
 
 // A wire asked for a pause, or the operator did.
 void Announce_Pause() {
+  Drive().Wait_Empty();
   CNC_Pause();
   SetStatus(1, control_text::Paused_For_Retooling, 5);
   Play_Event_Sound(sound::Pause);
 }
 
 void End_Run() {
+  Drive().Wait_Empty();
   Machine.CNCMode = CNC_Stopped;
   CNCMode_Display();
   SetStatus(1,
@@ -159,6 +161,7 @@ bool Prepare_Run() {
 void Run_In_Mode(std::int16_t mode) {
   const Operation_Mark busy(Controller.Panel_Busy);
   Machine.CNCMode = mode;
+  Drive().Hold(false);
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
   NIST_CNC_Controller();
@@ -168,14 +171,14 @@ void Run_In_Mode(std::int16_t mode) {
 
 // The button was heard, although the machine still moves.
 void Tell_What_Ends_First() {
-  if (Step_Engine.Active) SetStatus(1, control_text::Move_Ends_First, 5);
+  if (Drive().Is_Moving()) SetStatus(1, control_text::Move_Ends_First, 5);
 }
 
 }  // namespace
 
 bool Anything_Moves() {
   return Controller.Panel_Busy || Controller.Controller_Active || JogKey.Key_Busy ||
-         Step_Engine.Active;
+         Drive().Is_Moving();
 }
 
 void NIST_CNC_Controller() {
@@ -194,12 +197,14 @@ void CNC_Stop() {
   Run_Plot_Host.Draw_Cursor();
   Controller.Stop_Request = true;
   Machine.CNCMode = CNC_Stopped;
+  Drive().Stop();
   CNCMode_Display();
   NIST_CNC_Controller();
 }
 
 void CNC_Pause() {
   Machine.CNCMode = CNC_Paused;
+  Drive().Hold(true);
   CNCMode_Display();
   NIST_CNC_Controller();
 }
@@ -264,7 +269,7 @@ void CNC_Controls_Esc() {
 
 Operation_Mark::~Operation_Mark() {
   Mark = false;
-  Timing.Actual_IPM = 0;
+  Drive_Status.Actual_IPM = 0;
 }
 
 bool Compile_Is_Over() {

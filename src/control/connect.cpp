@@ -3,14 +3,16 @@
 #include "control/cnc_controller.h"
 #include "control/cnc_controls_form.h"
 #include "control/controller_state.h"
+#include "control/drive_choice.h"
 #include "control/jog_guard.h"
 #include "control/run_plot_host.h"
 #include "core/rounding.h"
-#include "parallel/drive_host.h"
+#include "drive/drive_host.h"
 
 namespace norvik {
 
 void Connect_Control() {
+  Choose_Drive_By_Setup();
   Drive_Host.Stop_Run = [] { CNC_Stop(); };
   Drive_Host.Live_Feed = [] { return std::optional<double>(Controller.Live_Feed); };
   Drive_Host.Set_Live_Feed = [](double ipm) { Controller.Live_Feed = To_Single(ipm); };

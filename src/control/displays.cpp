@@ -3,7 +3,6 @@
 #include "control/cnc_controls_form.h"
 #include "control/control_texts.h"
 #include "control/controller_state.h"
-#include "control/drive.h"
 #include "control/goto.h"
 #include "control/jog_guard.h"
 #include "control/knob.h"
@@ -14,8 +13,8 @@
 #include "core/application.h"
 #include "core/format.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
-#include "parallel/step_engine.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "parallel/timing.h"
 #include "platform/platform.h"
 
@@ -57,17 +56,18 @@ void Display_Feeds() {
   form.Label_FeedRate_Cut.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Cut, "#0.00");
   form.Label_FeedRate_Travel.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Travel, "#0.00");
   form.Label_FeedRate_Jogging.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Jogging, "#0.00");
-  form.Label_Actual_IPM.Caption = Format_Number(Timing.Actual_IPM, "##.0");
+  form.Label_Actual_IPM.Caption = Format_Number(Drive_Status.Actual_IPM, "##.0");
   form.Label_Time_Constant.Caption = std::to_string(MachineSetup.Parallel_Time_Constant);
-  form.Command_Get_Time_Constant.Caption = Timing.Tune_Active ? "Cancel" : "Find";
+  form.Command_Get_Time_Constant.Caption = Calibration_Runs() ? "Cancel" : "Find";
 }
 
 // Once every switch is off, a switch met later tells which direction is safe.
 void Display_Home_Safety() {
-  if (Pins.Home_Safety_Off && std::ranges::none_of(Pins.Limit_State, [](bool on) { return on; }))
-    Pins.Home_Safety_Off = false;
+  if (Drive_Status.Home_Safety_Off &&
+      std::ranges::none_of(Drive_Status.Limit_State, [](bool on) { return on; }))
+    Drive_Status.Home_Safety_Off = false;
   CNC_Controls.Label_Home_Safety.Caption =
-      Pins.Home_Safety_Off ? control_text::Home_Safety_Off : std::string_view();
+      Drive_Status.Home_Safety_Off ? control_text::Home_Safety_Off : std::string_view();
 }
 
 void Blink_Retool() {
@@ -109,7 +109,7 @@ void Fill_CNC_Axis() {
     CNC_Controls.Label_Axis_Pos[axis].Caption =
         Format_Number(Machine.Position[axis], MachineSetup.DRO_Format);
     const double to_go =
-        Step_Engine.Active ? Controller.Move_Target[axis] - Machine.Position[axis] : 0;
+        Drive().Is_Moving() ? Controller.Move_Target[axis] - Machine.Position[axis] : 0;
     CNC_Controls.Label_Axis_DTG[axis].Caption = Format_Number(to_go, "00.000000");
   }
 }
@@ -117,11 +117,12 @@ void Fill_CNC_Axis() {
 // Also while the displays stand still: a switch that was on for a moment must not be missed.
 void Latch_Limits() {
   for (int axis = 1; axis <= 4; ++axis)
-    if (Pins.Limit_State[axis]) CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
+    if (Drive_Status.Limit_State[axis])
+      CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
 }
 
 void Fill_IO() {
-  const bool spindle = Pins.Output_State[1] || Pins.Output_State[2];
+  const bool spindle = Drive_Status.Output_State[1] || Drive_Status.Output_State[2];
   CNC_Controls.Label_Spindle_State.Caption =
       spindle ? control_text::Spindle_On : control_text::Spindle_Off;
   const bool tripped = Machine.EStop_Flag || Drive().EStop_Input_On();
@@ -129,9 +130,10 @@ void Fill_IO() {
       tripped ? control_text::EStop_Tripped : control_text::EStop_Cleared;
   CNC_Controls.Label_EStop_State.Color = Red_When(tripped);
   // What was told, not what is read back: a port that reads back nothing would untick the boxes.
-  for (int n = 1; n <= 5; ++n) CNC_Controls.Check_Outputs[n - 1].Value = Pins.Output_Commanded[n];
+  for (int n = 1; n <= 5; ++n)
+    CNC_Controls.Check_Outputs[n - 1].Value = Drive_Status.Output_Commanded[n];
   for (int axis = 1; axis <= 4; ++axis)
-    CNC_Controls.Command_Limit1[axis].Color = Red_When(Pins.Limit_State[axis]);
+    CNC_Controls.Command_Limit1[axis].Color = Red_When(Drive_Status.Limit_State[axis]);
   Latch_Limits();
 }
 
@@ -143,12 +145,12 @@ void Show(void (*fill)()) {
 // The switches, unless they are switched off: the panel's copy of them then stays as it was, and
 // only the outputs are read back.
 void Read_Inputs() {
-  const auto limits = Pins.Limit_State;
-  const auto distances = Pins.Home_Distance;
+  const auto limits = Drive_Status.Limit_State;
+  const auto distances = Drive_Status.Home_Distance;
   Drive().Read_Switches();
   if (MachineSetup.LimitSwitchDisable != 1) return;
-  Pins.Limit_State = limits;
-  Pins.Home_Distance = distances;
+  Drive_Status.Limit_State = limits;
+  Drive_Status.Home_Distance = distances;
 }
 
 }  // namespace
@@ -189,7 +191,7 @@ void CNC_Controls_Timer1() {
   Watch_Limits_In_Run();
   Jog_Guard_Tick();
   Latch_Limits();
-  if (Step_Engine.Active && MachineSetup.Axis_Position_Update_Disable) return;
+  if (Drive().Is_Moving() && MachineSetup.Axis_Position_Update_Disable) return;
   Fill_CNCMode();
   Fill_CNC();
   Fill_CNC_Axis();
@@ -211,7 +213,7 @@ void Load_CNC_Controls() {
   Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
   Load_FeedRate_Autotune();
-  CNC_Controls.Check_FeedRate_Autotune.Value = Timing.FeedRate_Autotune;
+  CNC_Controls.Check_FeedRate_Autotune.Value = FeedRate_Autotune();
   Load_Jog_Controls();
   Load_Goto_Controls();
   Load_Z_Levels();

@@ -13,7 +13,7 @@
 
 #include "control/form_controls.h"
 #include "core/indexed.h"
-#include "parallel/step_engine.h"
+#include "drive/move.h"
 
 #include <cstdint>
 #include <functional>

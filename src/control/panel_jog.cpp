@@ -15,6 +15,7 @@
 #include "core/numbers.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -115,7 +116,7 @@ void Run_Jog(const Step_Request& request, bool held) {
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
     const Move_End end = Drive_Move(request, std::nullopt, 0);
-    if (end == Move_End::Limit) SetStatus(1, control_text::Ended_By_Limit, 5);
+    if (end == Move_End::Limit) SetStatus(1, Ended_By_Limit(), 5);
     if (end == Move_End::EStop || end == Move_End::Escape || end == Move_End::Failed)
       Announce_End();
   }
@@ -125,7 +126,7 @@ void Run_Jog(const Step_Request& request, bool held) {
 }
 
 void Release_Jog() {
-  if (Controller.Jog_Held) Machine.Jog_Stop_Request = false;
+  if (Controller.Jog_Held) Drive().Release_Jog();
 }
 
 void Jog_MouseDown(int axis, int index) {

@@ -17,7 +17,7 @@
 // jog_guard.h.
 #pragma once
 
-#include "parallel/step_engine.h"
+#include "drive/move.h"
 
 #include <functional>
 #include <string_view>

@@ -5,17 +5,14 @@
 #include "control/control_texts.h"
 #include "control/controller_state.h"
 #include "control/displays.h"
-#include "control/drive.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
-#include "parallel/ports.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
-
-#include <algorithm>
 
 namespace norvik {
 
@@ -32,6 +29,7 @@ void Show_EStop_Button() {
 // What every trip does once the flag is set.
 void Trip() {
   CNC_Stop();
+  Drive().EStop(true);
   Machine.CNCMode = CNC_Stopped;
   if (MachineSetup.E_Stop_Output_Disable) {
     for (int n = 1; n <= 5; ++n) Drive().Switch_Output(n, false);
@@ -42,15 +40,10 @@ void Trip() {
 }
 
 void Clear() {
+  Drive().EStop(false);
   Controller.Stop_Request = false;
   Controller.Program_Busy = false;
   Show_EStop_Button();
-}
-
-// A switch that is wired to a port that nothing answers on.
-bool Unread(int axis) {
-  const std::int32_t port = MachineSetup.Input_Port[Limit_Input(axis)];
-  return Input_Bit(Limit_Input(axis)) && (port < Lowest_Port || port > 65535);
 }
 
 }  // namespace
@@ -81,21 +74,19 @@ void EStop_Engage() {
 void Engage_EStop_State() {
   Machine.EStop_Flag = true;
   Machine.CNCMode = CNC_Stopped;
+  Drive().EStop(true);
   Show_EStop_Button();
   Play_Event_Sound(sound::E_Stop);
 }
 
 void Look_At_Home_Switches() {
-  Pins.Home_Safety_Off = false;
+  Drive_Status.Home_Safety_Off = false;
   Drive().Read_Switches();
-  for (int axis = 1; axis <= 4; ++axis)
-    if (Unread(axis)) return;
-  const bool met = std::ranges::any_of(Pins.Limit_State, [](bool on) { return on; });
-  Pins.Home_Safety_Off = met && MachineSetup.Parallel_Port_Type == 1;  // a board guards itself
+  Drive_Status.Home_Safety_Off = Drive().Starts_On_A_Switch();
 }
 
 void Tell_Home_Safety() {
-  if (!Pins.Home_Safety_Off) return;
+  if (!Drive_Status.Home_Safety_Off) return;
   Platform.Message_Box(std::string(control_text::Home_Safety_Title),
                        std::string(control_text::Home_Safety_Box), Box_Buttons::Ok);
 }
@@ -134,7 +125,8 @@ void Watch_EStop_Input() {
 void Watch_Limits_In_Run() {
   if (MachineSetup.LimitDisableinRunMode != 1 || MachineSetup.LimitSwitchDisable == 1) return;
   if (Machine.CNCMode != CNC_Stepped && Machine.CNCMode != CNC_Running) return;
-  if (!Pins.Limit_State[1] && !Pins.Limit_State[2] && !Pins.Limit_State[3]) return;
+  if (!Drive_Status.Limit_State[1] && !Drive_Status.Limit_State[2] && !Drive_Status.Limit_State[3])
+    return;
   Machine.EStop_Flag = false;
   Command_EStop_Click();
   ErrorLogWrite(control_text::Watch_Tripped);

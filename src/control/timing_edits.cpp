@@ -39,7 +39,7 @@ void Panel_Autotune_Click() {
 }
 
 void Panel_Get_Time_Constant_Click() {
-  if (Timing.Tune_Active) {
+  if (Calibration_Runs()) {
     Application.EscFlag = true;
     return;
   }
@@ -52,7 +52,7 @@ void Panel_Get_Time_Constant_Click() {
 }
 
 void Timing_Test_Start_Click() {
-  if (Timing.Tune_Active || !May_Calibrate()) return;
+  if (Calibration_Runs() || !May_Calibrate()) return;
   System_Timing_Start_Click();
   CNC_Display();
 }

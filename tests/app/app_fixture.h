@@ -52,6 +52,7 @@ struct App_Test : testing::Test {
     Forms = {};
     Drive_Session = {};
     Pins = {};
+    Drive_Status = {};
     Step_Engine = {};
     Timing = {};
     Connect_App();

@@ -36,6 +36,7 @@ void Control_Test::Reset_State() {
   JogKey_Form = {};
   Joystick_Jog = {};
   Pins = {};
+  Drive_Status = {};
   Timing = {};
   Step_Engine = {};
   Drive_Host = {};

@@ -127,12 +127,12 @@ void System_Timing_Window::Show_Form() {
   Result->setText(QString::fromStdString(form.Label_Result));
   Start_Button->setText(QString::fromStdString(form.Command_Start));
   Cancel_Button->setText(QString::fromStdString(form.Command_Cancel));
-  Start_Button->setEnabled(!Timing.Tune_Active);
-  Feed->setEnabled(!Timing.Tune_Active);
+  Start_Button->setEnabled(!Calibration_Runs());
+  Feed->setEnabled(!Calibration_Runs());
 }
 
 void System_Timing_Window::hideEvent(QHideEvent* event) {
-  if (Runs && Timing.Tune_Active && !event->spontaneous()) System_Timing_Cancel_Click();
+  if (Runs && Calibration_Runs() && !event->spontaneous()) System_Timing_Cancel_Click();
   QWidget::hideEvent(event);
 }
 
