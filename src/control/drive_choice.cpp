@@ -15,12 +15,14 @@ namespace {
 constexpr Drive_Operations First_Board = {
     .Name = "serial board",
     .Missing = control_text::No_Serial_Board,
+    .Overrides_Feed = true,
     .End_Session = Leave_Parallel_Port,
     .All_Off = All_Outputs_Off,
 };
 constexpr Drive_Operations Second_Board = {
     .Name = "serial board",
     .Missing = control_text::No_Serial_Board,
+    .Overrides_Feed = true,
     .Begin_Session = Idle_All_Outputs,
     .End_Session = Leave_Parallel_Port,
     .All_Off = All_Outputs_Off,
