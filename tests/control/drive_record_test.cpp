@@ -70,7 +70,8 @@ TEST_F(Drive_Record_Test, A_pause_of_the_program_waits_and_holds) {
   Load({{.Step = 1, .X = 1.0}, {.Step = 1, .Dwell = -1}, {.Step = 2, .X = 2.0}});
   Command_CNC_Play_Click();
   EXPECT_EQ(Machine.CNCMode, CNC_Paused);
-  EXPECT_THAT(Calls, ElementsAre("parameters", "go on", "move 400 of step 1", "wait", "hold"));
+  EXPECT_THAT(Calls, ElementsAre("parameters", "go on", "move 400 of step 1", "move 0 of step 1",
+                                 "wait", "hold"));
   Calls.clear();
   Command_CNC_Stop_Click();
   EXPECT_THAT(Calls, ElementsAre("stop"));
