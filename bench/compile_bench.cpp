@@ -99,7 +99,7 @@ std::shared_ptr<const GCode_Text> Text_Of(const Paths& paths) {
 }
 
 void Compile(const Paths& paths) {
-  Compile_Tables.Program_Wire = {};
+  Install_Table({});
   GCode_Program.Text = Text_Of(paths);
   if (!CompileProgram()) std::printf("  the compile failed: %s\n", Messages.LastMessage.c_str());
 }
@@ -245,13 +245,13 @@ void Report_Total(const Paths& paths) {
 
   const std::string text = Read_Whole_File(paths.Program);
   const auto lines = static_cast<double>(std::count(text.begin(), text.end(), '\n'));
-  const Table<Wire>& wires = Compile_Tables.Program_Wire;
-  const auto count = static_cast<double>(wires.Rows.size());
+  const Record_List<Wire>& wires = Program_Wire.Rows();
+  const auto count = static_cast<double>(wires.size());
   const Table<LineArc> records = Read_LineArc_Table(paths.LineArc_File);
   const double scan = Best([&] { Sink = Scan(text); });
   const double fields = Best([&] {
     Bare_Write(paths.Scratch, records.Rows);
-    Bare_Write(paths.Scratch + "2", wires.Rows);
+    Bare_Write(paths.Scratch + "2", wires);
   });
   const std::string linearc_bytes = Read_Whole_File(paths.LineArc_File);
   const std::string wire_bytes = Read_Whole_File(paths.Wire_File);
@@ -301,8 +301,9 @@ void Report_Passes(const Paths& paths) {
 void Report_Program(const Paths& paths) {
   Report_Total(paths);
   Report_Passes(paths);
-  Report_Tables(paths, Compile_Tables.Program_Wire);
-  Report_Feed(Compile_Tables.Program_Wire);
+  Table<Wire> wires = Read_Wire_Table(paths.Wire_File);
+  Report_Tables(paths, wires);
+  Report_Feed(wires);
 }
 
 void Report_Line_Pass(const Paths& paths) {

@@ -9,13 +9,14 @@
 //
 // The trace of the moves is off, as in an estimate, except where its name says otherwise.
 #include "compiler/tables/program_wire.h"
-#include "control/cnc_controller.h"
-#include "control/connect.h"
-#include "control/controller_state.h"
-#include "control/machine_move.h"
-#include "control/panel_jog.h"
-#include "control/run_program.h"
-#include "control/safety.h"
+#include "control/manual/panel_jog.h"
+#include "control/motion/machine_move.h"
+#include "control/motion/motion.h"
+#include "control/panel/connect.h"
+#include "control/panel/run_program.h"
+#include "control/run/cnc_controller.h"
+#include "control/safety/safety.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
@@ -79,7 +80,7 @@ void Load_Program(std::int32_t wires, double stroke, float feed) {
     wire.IPM_D = wire.IPM_S = wire.IPM_R = wire.IPM_E = feed;
     table.Rows.push_back(wire);
   }
-  Take_Program_Wire(std::move(table));
+  Install_Table(std::move(table));
   Machine.StartingStep = 1;
   Machine.EndingStep = wires;
 }

@@ -4,14 +4,16 @@
 #include "app/gcode_form.h"
 #include "app/import_menu.h"
 #include "app/openers.h"
+#include "app/program_findings.h"
 #include "app/yield_watch.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/connect.h"
-#include "control/controller_state.h"
-#include "control/run_plot_host.h"
+#include "control/panel/connect.h"
+#include "control/state/controller_state.h"
+#include "control/state/run_consent.h"
+#include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/event_sounds.h"
 #include "core/setup.h"
@@ -40,20 +42,21 @@ void Draw_Machine_Position() {
   Draw_Spindle();
 }
 
-// The compile hands its wires over: the plot draws and the run loop executes one and the same
-// table.
-void Show_Compiled_Program(bool whole) {
+// The plot draws and the run loop executes one and the same table.
+void Show_New_Table() {
   Controller.Estimated_Process_Time.reset();
-  Program_Wire.Standing = Wire_Standing::Cut_Short;  // stays where the table cannot be taken
-  Take_Program_Wire(std::move(Compile_Tables.Program_Wire));
-  if (whole) Program_Wire.Standing = Wire_Standing::Whole;
   Plot_New_Program();
+  Show_Table_Notice();
 }
 
-void Show_Goto_Line() {
-  Controller.Estimated_Process_Time.reset();
-  Program_Wire.Of_Goto = true;
-  Plot_New_Program();
+// The first wires of a run lack the coordinates that nothing has named yet: there the machine stays
+// where it is.
+void Draw_Run_Segment(Wire wire) {
+  for (int axis = 1; axis <= 3; ++axis) {
+    if (!wire.Start[axis]) wire.Start[axis] = Machine.Position[axis];
+    if (!wire.End[axis]) wire.End[axis] = wire.Start[axis];
+  }
+  Plot_Draw_Wire(wire, 0, Line_Mode_Run);
 }
 
 }  // namespace
@@ -64,16 +67,16 @@ void Connect_App() {
   Setup_Host.Apply_Priority = [](std::int16_t level) { Set_Application_Priority(level); };
   Compile_Host.Highlight_Line = Highlight_Program_Line;
   Compile_Host.Play_Sound_Slot = Play_Event_Sound;
-  Compile_Host.Refresh_Plot = Show_Compiled_Program;
+  Compile_Host.Settle_Typed_Text = Settle_Typed_Text;
+  Program_Wire_Host.Installed = Show_New_Table;
   Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
   Plot_Host.Motion_Active = [] { return Drive().Moves_Queued() > 0; };
-  Run_Plot_Host.Draw_Segment = [](std::size_t, const Wire& wire) {
-    Plot_Draw_Wire(wire, 0, Line_Mode_Run);
-  };
+  Run_Plot_Host.Draw_Segment = [](std::size_t, const Wire& wire) { Draw_Run_Segment(wire); };
   Run_Plot_Host.Mark_Rate_Error = [] { Plot_Mark_At_Cursor("X"); };
   Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;
   Run_Plot_Host.Refresh = Plot_Refresh;
-  Run_Plot_Host.Program_Replaced = Show_Goto_Line;
+  Run_Plot_Host.Goto_Ended = Put_Back_Table;
+  Run_Consent.May_Begin = May_Begin_Run;
   Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
   Connect_Importers();
 }

@@ -3,12 +3,13 @@
 #include "app/gcode_form.h"
 #include "app/main_form.h"
 #include "app/openers.h"
+#include "app/program_findings.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/cnc_controller.h"
-#include "control/controller_state.h"
+#include "control/motion/motion.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -39,21 +40,26 @@ void Show_New_Program() {
   Machine.StartingStep = 1;
   Compile_Status.CurrentStep = 1;
   Machine.EndingStep = GCodeLineCount();
-  Gcode_Form.Text_Edited = false;
-  Program_Wire.Standing = Wire_Standing::Another_Program;
+  GCode_Program.Typed_Waits = false;
   Controller.Estimated_Process_Time.reset();
   Gcode_Host.Show_Program();
   Display_Gcode_Steps();
+  Show_Table_Notice();
   if (MachineSetup.Plot_Auto_Loading != 0) {
     GCode_Compile_All();
   } else if (GCodeLineCount() > 0) {
     SetStatus(1, "GCode was opened and needs to be compiled.", 5);
   }
   Display_Gcode_Steps();
+  Check_After_Compile();
+}
+
+bool Is_Temporary(const std::string& path) {
+  return Upper(PathFileName(path)) == Temporary_Name;
 }
 
 void Delete_If_Temporary(const std::string& path) {
-  if (Upper(PathFileName(path)) != Temporary_Name) return;
+  if (!Is_Temporary(path)) return;
   std::error_code ignored;
   std::filesystem::remove(path, ignored);
 }
@@ -125,6 +131,9 @@ bool Open_GCode(const std::string& path) {
       [](const Fault& fault) { Tell_Failure(fault, "The program that was open before stays."); },
       [&] { loaded = Load_Lines(path); });
   if (!loaded) return false;
+  // What an importer made is in no file of the operator's.
+  GCode_Program.Unsaved = Is_Temporary(path) && GCodeLineCount() > 0;
+  Main_Form.Program_File = Is_Temporary(path) ? std::string() : path;
   Delete_If_Temporary(path);
   Trap(Trap_Name, Show_New_Program);
   return true;
@@ -135,13 +144,28 @@ bool Save_GCode(const std::string& path) {
                    [&] {
                      Take_Typed_Text();
                      SetStatus(1, "Save GCode: Saving File...", -1);
+                     const auto saved = GCode_Program.Text;
                      Replace_File(path, Program_Bytes());
+                     // Typed or taken in a yield of the save: that is not in the file.
+                     if (GCode_Program.Text == saved && !GCode_Program.Typed_Waits)
+                       GCode_Program.Unsaved = false;
+                     Main_Form.Program_File = path;
                      SetStatus(1, "", -1);
                    });
 }
 
+bool May_Lose_Program() {
+  if (!GCode_Program.Unsaved) return true;
+  const Box_Answer answer =
+      Platform.Message_Box("Norvik", "The program has changes that are not saved. Save them?",
+                           Box_Buttons::Yes_No_Cancel);
+  if (answer != Box_Answer::Yes) return answer == Box_Answer::No;
+  Menu_File_Save();
+  return !GCode_Program.Unsaved;  // the save was cancelled or failed
+}
+
 void Menu_File_Open() {
-  if (!Stopped_For("Can't open file")) return;
+  if (!Stopped_For("Can't open file") || !May_Lose_Program()) return;
   const auto path =
       Platform.Open_File_Dialog({"Open", "All Files (*.*)|*.*|G Code Files (*.gc)|*.gc",
                                  Last_File(File_Kind::GCode).Directory, "", "gc"});
@@ -153,6 +177,14 @@ void Menu_File_Open() {
 }
 
 void Menu_File_Save() {
+  if (Main_Form.Program_File.empty()) return Menu_File_Save_As();
+  const std::string path = Main_Form.Program_File;
+  if (!Save_GCode(path)) return;
+  Become_Current(path);
+  SetStatus(1, "Saved: " + path, 5);
+}
+
+void Menu_File_Save_As() {
   const auto& last = Last_File(File_Kind::GCode);
   const std::string offered = ChangeExtension(PathFileName(Main_Form.Current_File), "GC");
   auto path = Platform.Save_File_Dialog(
@@ -167,13 +199,16 @@ void Menu_File_Save() {
 
 void Menu_File_New() {
   if (!Stopped_For("Can't open file")) return;
-  const Box_Answer answer = Platform.Message_Box(
-      "New File",
-      "Are you sure you want to create a new G-Code file, this will erase the current G-Code data?",
-      Box_Buttons::Yes_No_Cancel);
-  if (answer != Box_Answer::Yes) return;
+  if (GCode_Program.Unsaved &&
+      Platform.Message_Box("New File",
+                           "Are you sure you want to create a new G-Code file, this will erase the "
+                           "current G-Code data?",
+                           Box_Buttons::Yes_No_Cancel_Careful) != Box_Answer::Yes)
+    return;
   Become_Current(Last_File(File_Kind::GCode).Directory + "New_GCode_File.GC");
   SaveChanges("");
+  GCode_Program.Unsaved = false;
+  Main_Form.Program_File.clear();
   Show_New_Program();
 }
 

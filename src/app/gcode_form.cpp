@@ -1,19 +1,23 @@
 #include "app/gcode_form.h"
 
+#include "app/program_findings.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/controller_state.h"
-#include "control/scope.h"
+#include "control/motion/motion.h"
+#include "control/state/cnc_controls_form.h"
 #include "core/application.h"
+#include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/numbers.h"
+#include "core/operation.h"
+#include "core/scope.h"
 #include "core/setup.h"
 #include "platform/platform.h"
 #include "plot/nist_plot.h"
+#include "plot/plot_host.h"
 
 #include <algorithm>
 #include <vector>
@@ -73,15 +77,25 @@ std::size_t Offset_Of_Step(std::int32_t step) {
 }  // namespace
 
 void Text_GCode_Change() {
-  Gcode_Form.Text_Edited = true;
+  GCode_Program.Typed_Waits = GCode_Program.Unsaved = true;
   SetStatus(1, "GCode has changed and needs to be compiled.", 5);
+  Show_Table_Notice();
+}
+
+void Settle_Typed_Text() {
+  if (!GCode_Program.Typed_Waits) return;
+  Trap("SaveChanges", [] {
+    GCode_Program.Typed_Waits =
+        !Same_Lines(GCode_Text(Gcode_Host.Typed_Text()), *GCode_Program.Text);
+  });
+  Show_Table_Notice();
 }
 
 void Take_Typed_Text() {
-  if (!Gcode_Form.Text_Edited) return;
+  if (!GCode_Program.Typed_Waits) return;
   const auto before = GCode_Program.Text;
   SaveChanges(Gcode_Host.Typed_Text());
-  Gcode_Form.Text_Edited = GCode_Program.Text == before;  // a text that was refused still waits
+  GCode_Program.Typed_Waits = GCode_Program.Text == before;  // a text that was refused still waits
   Display_Gcode_Steps();
 }
 
@@ -101,7 +115,7 @@ void Gcode_Step_Display() {
   }
   if (GCode_Program.Text == program) GCode_Program.Text = std::make_shared<const GCode_Text>(text);
   Gcode_Host.Show_Program();
-  Gcode_Form.Text_Edited = false;
+  GCode_Program.Typed_Waits = false;
   Range_To_Whole_Program();
   Display_Gcode_Steps();
 }
@@ -109,6 +123,12 @@ void Gcode_Step_Display() {
 void Text_GCode_DblClick(std::int32_t text_line) {
   const std::int32_t step = Step_Of_Text_Line(text_line);
   if (step < 1) return;
+  // The plot shows what was compiled; a line of a newer text has another step there, or none.
+  const Table_Origin& drawn = Program_Wire.Program_Origin();
+  if (GCode_Program.Typed_Waits || (drawn.Sources && !Is_Of_Present_Text(*drawn.Sources))) {
+    SetStatus(1, "The text is newer than the plot: compile it (Ctrl+B) to mark its lines.", 5);
+    return;
+  }
   Plot_Highlight_Step(step);
   SetStatus(1, GCode_Line(step), 5);
 }
@@ -155,7 +175,7 @@ std::int32_t Text_Line_Of_Step(std::int32_t step) {
 
 void Command_Update_Click() {
   static bool in_handler = false;
-  if (in_handler || Compile_Status.CompileRunning) {
+  if (in_handler || Program_Is_Held()) {
     Platform.Beep();
     return;
   }
@@ -165,6 +185,7 @@ void Command_Update_Click() {
   Gcode_Host.GCode_HighlightAll();
   GCode_Compile_All();
   Display_Gcode_Steps();
+  Check_After_Compile();
 }
 
 bool Begin_Check() {
@@ -174,16 +195,15 @@ bool Begin_Check() {
 }
 
 void Command_GStep_Click() {
-  if (Machine.CNCMode != CNC_Stopped || Compile_Status.CompileRunning) {
+  if (Machine.CNCMode != CNC_Stopped || Program_Is_Held()) {
     Platform.Beep();
     return;
   }
-  Compile_Status.CompileRunning = true;  // keeps other compile actions out
+  const Operation_Scope edit(Operation::Edit);  // keeps other compile actions out
   Current_Step() = std::max(Current_Step(), Machine.StartingStep);
   Plot_Highlight_Step(Current_Step());
   if (Current_Step() < GCodeLineCount()) ++Current_Step();
   Display_Gcode_Steps();
-  Compile_Status.CompileRunning = false;
 }
 
 void Command_GCode_Reset_Click() {
@@ -208,6 +228,38 @@ void Refresh_Step_Range() {
   if (Gcode_Form.Text_StartingStep.Enabled == enabled) return;
   Gcode_Form.Text_StartingStep.Enabled = Gcode_Form.Text_EndingStep.Enabled = enabled;
   Display_Gcode_Steps();
+}
+
+namespace {
+
+std::string Table_Notice() {
+  const Table_Judgement table = Judge_Program_Table();
+  switch (table.Standing) {
+    case Table_Standing::Other_Text:
+      if (GCodeLineCount() == 0 && !GCode_Program.Typed_Waits && Program_Wire.Count() == 0)
+        return {};
+      return "The text is newer than what is drawn and runs: compile it (Ctrl+B).";
+    case Table_Standing::Cut_Short:
+      return "The compile was cut short: this is not the whole program.";
+    case Table_Standing::Other_Sources:
+      return table.Changed + " has changed since the compile: compile again (Ctrl+B).";
+    case Table_Standing::Ready:
+    case Table_Standing::Of_Goto:
+      break;
+  }
+  return {};
+}
+
+}  // namespace
+
+void Show_Table_Notice() {
+  std::string notice = Table_Notice();
+  if (Gcode_Form.Label_Table_Notice.Caption == notice) return;
+  Gcode_Form.Label_Table_Notice.Caption = std::move(notice);
+  Gcode_Form.Label_Table_Notice.Color = Control_Color::Red;
+  Gcode_Host.Form_Changed();
+  CNC_Controls_Host.Form_Changed();
+  Plot_Host.Form_Changed();
 }
 
 void Display_Gcode_Steps() {

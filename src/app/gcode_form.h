@@ -4,13 +4,13 @@
 // text is taken when something needs the program (compile, save, print), never in passing, and the
 // status line says that it waits.
 //
-//   Text_GCode --typed--> Text_Edited --Take_Typed_Text--> GCode_Program --compile--> tables
+//   Text_GCode --typed--> Typed_Waits --Take_Typed_Text--> GCode_Program --compile--> tables
 //
 // The box itself is reached through `Gcode_Host`, so that a program of a million lines is not
 // copied with every change of a label.
 #pragma once
 
-#include "control/form_controls.h"
+#include "control/state/form_controls.h"
 #include "core/indexed.h"
 
 #include <cstdint>
@@ -21,20 +21,21 @@
 namespace norvik {
 
 struct Gcode_Form_Record {
-  bool Text_Edited = false;  // Text_GCode holds what the program does not have yet
   Text_Control Text_StartingStep, Text_EndingStep;
   Indexed<Text_Control, 0, 1> Text_Feed_Rates;  // 0 travel, 1 cut; IPM
   Label_Control Label_GC_NOS;                   // number of lines
   Label_Control Label_GStep;                    // current step
   Label_Control Label_CGStep;                   // text of the current line
   Label_Control Label_FRUnits;                  // "IPM" or "mmPM"
+  // Beside plot, panel and text: that they do not show one and the same program; empty: they do.
+  Label_Control Label_Table_Notice;
 };
 extern Gcode_Form_Record Gcode_Form;
 
 // What the logic asks of the window. Each does nothing by default.
 struct Gcode_Host_Operations {
   std::function<void()> Form_Changed = [] {};
-  // The text as it stands in Text_GCode; asked only while Text_Edited.
+  // The text as it stands in Text_GCode; asked only while `GCode_Program.Typed_Waits`.
   std::function<std::string()> Typed_Text = [] { return std::string(); };
   // `GCode_Program` is to be shown in Text_GCode.
   std::function<void()> Show_Program = [] {};
@@ -42,6 +43,8 @@ struct Gcode_Host_Operations {
   std::function<void()> GCode_HighlightAll = [] {};
   // Marks one line, counted from 1 over the lines of the text, empty ones included.
   std::function<void(std::int32_t text_line)> GCode_HighlightWords = [](std::int32_t) {};
+  // Shows what `Program_Findings` lists.
+  std::function<void()> Show_Findings = [] {};
   // Selects the first place of a text.
   std::function<void(const std::string& text)> Select_Text = [](const std::string&) {};
 };
@@ -53,6 +56,8 @@ extern Gcode_Host_Operations Gcode_Host;
 void Text_GCode_Change();
 // Takes a typed text as the program; nothing happens when none waits.
 void Take_Typed_Text();
+// Nothing waits any more where what is typed has the lines of the program again.
+void Settle_Typed_Text();
 // The program's lines, without empty ones, back into the box. Yields.
 void Gcode_Step_Display();
 // Marks the plot element of a line of the text, counted with empty ones, and shows its words.
@@ -85,6 +90,8 @@ void Refresh_Step_Range();
 
 // --- Displays ------------------------------------------------------------------------------------
 
+// Brings `Label_Table_Notice` up to date and tells the windows when it has changed.
+void Show_Table_Notice();
 void Display_Gcode_Steps();  // the three labels and the two boxes
 void Display_Parameters();   // feeds and their unit
 // The operator has changed a feed: 0 travel, 1 cut. What is no number above 0 is put back.

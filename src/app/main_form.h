@@ -16,6 +16,7 @@ struct Main_Form_Record {
   std::string Caption = "Norvik 4";
   std::string Port_Text;     // which port the drive uses, in words
   std::string Current_File;  // the file that was opened or saved last, with its folder
+  std::string Program_File;  // the program's own: opened from it or saved to it; empty: it has none
 };
 extern Main_Form_Record Main_Form;
 

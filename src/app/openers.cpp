@@ -1,7 +1,8 @@
 #include "app/openers.h"
 
+#include "app/gcode_file.h"
 #include "app/main_form.h"
-#include "control/cnc_controller.h"
+#include "control/motion/motion.h"
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/numbers.h"
@@ -85,14 +86,6 @@ std::optional<Opener> Opener_Of(Opened_Kind kind) {
   return opener ? std::optional(opener) : std::nullopt;
 }
 
-std::vector<Opened_Kind> Offered_Kinds() {
-  std::vector<Opened_Kind> kinds;
-  for (const Kind_Row& row : Kinds) {
-    if (Opener_Of(row.Kind)) kinds.push_back(row.Kind);
-  }
-  return kinds;
-}
-
 void LoadRecentFile(const std::string& path) {
   Trap("Load Recent File Error", [&] {
     if (!Stopped_For("Can't open file")) return;  // before any box: a move waits for it
@@ -100,6 +93,7 @@ void LoadRecentFile(const std::string& path) {
       Platform.Message_Box("Norvik 4", "File not found : " + path, Box_Buttons::Ok);
       return;
     }
+    if (!May_Lose_Program() || !Stopped_For("Can't open file")) return;
     Open_By_Kind(path);
   });
 }

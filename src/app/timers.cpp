@@ -3,7 +3,8 @@
 #include "app/gcode_form.h"
 #include "app/main_form.h"
 #include "app/startup.h"
-#include "control/cnc_controller.h"
+#include "compiler/compile/compile.h"
+#include "control/run/cnc_controller.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"
@@ -53,6 +54,8 @@ void Main_Timer2() {
     return;
   }
   Age_Status_Panels();
+  // Reads settings and looks at macro files: not while pulses wait for it.
+  if (!Anything_Moves() && !Compile_Busy()) Show_Table_Notice();
 }
 
 }  // namespace norvik

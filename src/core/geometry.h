@@ -1,7 +1,11 @@
 // geometry.h: directions, lengths and angles of motion.
 //
-// Angles are in radians and count from +X towards +Y unless a name says otherwise. The two short
-// values of pi are different and each stays with its own helpers: chord counts depend on them.
+// Angles are in radians and count from +X towards +Y unless a comment says otherwise.
+//
+// There are two values of pi, both a little too large. An arc is cut into chords by dividing its
+// sweep by a step and taking the whole part, so a change in the tenth digit can add or drop a
+// chord. Programs that were proven with these values must keep their chords, so each helper keeps
+// the value that it has always had.
 #pragma once
 
 #include "core/nullable.h"
@@ -17,11 +21,6 @@ double NormalizeAngle(double angle);
 // Direction of the vector from (x1, y1) to (x0, y0), in 0..2*pi; 0 when `length` is 0. Within 0.001
 // below a full turn the turn is taken off. An error is logged and gives 0.
 double Motion_Angle(double length, double x0, double y0, double x1, double y1);
-
-// Bearing of the vector from (x1, y1) to (x0, y0), as `Motion_Angle` takes it: from +Y, clockwise,
-// in 0..2*pi. `r` is the vector's length; 0 where it is 0. Along X the sine is held a little below
-// 1, so that the bearing is off by 0.00045.
-double Arc_Angle(double r, double x0, double y0, double x1, double y1);
 
 // Length of an arc; an angle of 0 counts as 360. A result not above 0 counts as 0.
 double Arc_Length_Radians(double angle, double r);

@@ -1,6 +1,7 @@
 #include "parallel/parallel_drive.h"
 
 #include "core/application.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "drive/drive_status.h"
 #include "parallel/pin_map.h"
@@ -64,7 +65,7 @@ const Drive_Operations Parallel_Drive = {
     .Tick = Motor_Timer_Tick,
     .Move = [](const Step_Request& request, Nullable,
                std::int32_t) { return Step_Engine_Move(request); },
-    .Is_Moving = [] { return Step_Engine.Active; },
+    .Is_Moving = [] { return Runs(Operation::Move); },
     .Release_Jog = [] { Machine.Jog_Stop_Request = false; },
     .Read_Switches = Read_Limits,
     .Starts_On_A_Switch = Starts_On_A_Switch,

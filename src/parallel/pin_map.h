@@ -19,6 +19,7 @@
 // register do not disturb one another.
 #pragma once
 
+#include "core/axes.h"
 #include "core/indexed.h"
 #include "drive/drive_status.h"
 #include "drive/move.h"

@@ -30,7 +30,6 @@ struct Timing_State {
   float Feed_Ratio = 0;            // actual over commanded speed, cut to thousandths
   std::int32_t Monitor_Count = 0;  // full steps since the last measurement
   std::int16_t Settle_Count = 0;   // measurements since the move began
-  bool Tune_Active = false;        // a calibration runs
   // Start of the running measurement and time of the last yield, ns; absent before the first.
   std::optional<std::int64_t> Measure_Time, Yield_Time;
 };
@@ -46,10 +45,7 @@ void Delay_Half_Step(int axis, double ipm);
 // yield: positions, flags and setup may have changed afterwards.
 std::optional<float> Feed_Monitor(int axis, double ipm);
 
-// A calibration runs; the state of Check_FeedRate_Autotune.
-inline bool Calibration_Runs() {
-  return Timing.Tune_Active;
-}
+// The state of Check_FeedRate_Autotune.
 inline bool FeedRate_Autotune() {
   return Timing.FeedRate_Autotune;
 }

@@ -105,6 +105,8 @@ void Paint_Table() {
 
 // In one piece, or in pieces that the operator sees grow. Each yield may close the window.
 void Paint_Program(bool watched) {
+  // Coordinates that nothing has named yet stand at 0, whatever was drawn before.
+  Plot.Last_Line = {};
   Plot.PlotLines.Fill_Leading(Plot.Last_Line);
   const std::size_t count = Plot.PlotLines.Count();
   const std::size_t piece = watched ? std::max<std::size_t>(1, count / Watched_Pieces) : count;
@@ -197,6 +199,7 @@ void Plot_Draw_Wire(const Wire& wire, std::int32_t displayMode, std::int32_t lin
 void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_Plot_Block_Error", [&] {
+    Plot.Last_Line = {};  // as the program was drawn
     Line_Painter painter = Window_Painter();
     for (auto k = Program_Wire.Next_Of_Step(stepIndex, 0); k;
          k = Program_Wire.Next_Of_Step(stepIndex, *k + 1))
@@ -238,25 +241,6 @@ void Plot_Highlight_Step(std::int32_t step) {
   if (View.PlotBusy) return;
   NIST_RePlot();
   NIST_Plot_Block(step, Highlight_On, 0);
-}
-
-void DrawLine3D(Nullable x1, Nullable y1, Nullable z1, Nullable x2, Nullable y2, Nullable z2,
-                std::int32_t color, std::int16_t width) {
-  if (!Plot_Host.Picture1) return;
-  Trap("DrawLine3D_Error", [&] {
-    Line_Painter painter = Window_Painter();
-    painter.Draw({x1, y1, z1, x2, y2, z2}, color, width);
-    painter.Flush();
-  });
-}
-
-void DrawNodeCircle(double x, double y, double z, double, double, double, std::int32_t color) {
-  if (!Plot_Host.Picture1) return;
-  Trap("DrawNodeCircle_Error", [&] {
-    Line_Painter painter = Window_Painter();
-    painter.Draw_Node_Circle(x, y, z, color);
-    painter.Flush();
-  });
 }
 
 }  // namespace norvik

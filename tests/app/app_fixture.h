@@ -7,12 +7,15 @@
 #include "app/forms.h"
 #include "app/gcode_form.h"
 #include "app/main_form.h"
+#include "app/program_findings.h"
+#include "app/session_mark.h"
 #include "app/startup.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/recent_files.h"
@@ -44,6 +47,7 @@ struct App_Test : testing::Test {
     Compile_Status = {};
     GCode_Program = {};
     Program_Wire = {};
+    Program_Findings = {};
     Main_Window = {};
     Main_Form = {};
     Main_Host = {};
@@ -51,6 +55,9 @@ struct App_Test : testing::Test {
     Gcode_Host = {};
     Forms = {};
     Drive_Session = {};
+    Drive_Session_Host = {};
+    Session_Mark = {};
+    Position_Memory = {};
     Pins = {};
     Drive_Status = {};
     Step_Engine = {};

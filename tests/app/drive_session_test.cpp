@@ -4,8 +4,8 @@
 #include "app/app_fixture.h"
 #include "app/machine_menu.h"
 #include "app/shutdown.h"
-#include "control/cnc_controls_form.h"
-#include "control/control_texts.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "core/fault.h"
 #include "drive/drive_status.h"
 

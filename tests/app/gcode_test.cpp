@@ -2,14 +2,19 @@
 #include "app/app_fixture.h"
 #include "app/gcode_file.h"
 #include "app/openers.h"
+#include "app/program_findings.h"
+#include "app/timers.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/program_wire.h"
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/control_texts.h"
-#include "control/estimate.h"
-#include "control/goto.h"
+#include "control/run/cnc_controller.h"
+#include "control/run/estimate.h"
+#include "control/run/goto.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "core/fault.h"
+#include "core/operation.h"
+#include "plot/plot_host.h"
+#include "plot/projection.h"
 #include "plot/view.h"
 
 #include <filesystem>
@@ -104,7 +109,7 @@ TEST_F(GCode_Test, Save_Writes_The_Lines_And_Yields) {
   EXPECT_EQ(scripted.Yields, 3);
   EXPECT_THAT(Read_Whole_File(path), testing::StartsWith("G90\r\nG1 X1\r\n"));
   EXPECT_EQ(Messages.Panel[1], "");
-  EXPECT_FALSE(Gcode_Form.Text_Edited);
+  EXPECT_FALSE(GCode_Program.Typed_Waits);
   EXPECT_FALSE(Save_GCode(Folder.File("no/such/folder.gc")));
   EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("The program is not saved."));
   EXPECT_THAT(Read_Whole_File(Application.ErrorFile),
@@ -121,25 +126,61 @@ TEST_F(GCode_Test, File_Menu) {
   EXPECT_EQ(Recent.RecentFiles[1], path);
   EXPECT_EQ(ReadPointer("General", "GCode_Source_File_Name"), "part.ngc");
 
+  Menu_File_Save();  // it has a file
+  EXPECT_THAT(scripted.Save_Dialogs, testing::IsEmpty());
+  EXPECT_EQ(Read_Whole_File(path), "G1 X1\r\n");
   scripted.Save_Answers.push_back(Folder.File("copy"));
-  Menu_File_Save();
+  Menu_File_Save_As();
   EXPECT_EQ(scripted.Save_Dialogs[0].File_Name, "part.GC");
   EXPECT_EQ(scripted.Save_Dialogs[0].Directory, Folder.Path + "/");
   EXPECT_EQ(Read_Whole_File(Folder.File("copy.GC")), "G1 X1\r\n");
   EXPECT_EQ(Recent.RecentFiles[1], Folder.File("copy.GC"));
 
+  Type("G1 X1\nG1 X2\n");
+  Command_Update_Click();  // a compile saves nothing
   scripted.Answer_Box(Box_Answer::No);
   Menu_File_New();
-  EXPECT_EQ(GCodeLineCount(), 1);
+  EXPECT_EQ(GCodeLineCount(), 2);
   scripted.Answer_Box(Box_Answer::Yes);
   Menu_File_New();
   EXPECT_EQ(scripted.Boxes.back().Title, "New File");
+  Menu_File_New();  // nothing to lose: no question
+  EXPECT_EQ(scripted.Boxes.size(), 2U);
   EXPECT_EQ(GCodeLineCount(), 0);
   EXPECT_EQ(Main_Form.Caption, "Norvik 4  New_GCode_File.GC");
   EXPECT_EQ(Main_Form.Current_File, Folder.File("New_GCode_File.GC"));
   Menu_File_Open();  // cancelled
   Menu_File_Save();
   EXPECT_EQ(Main_Form.Caption, "Norvik 4  New_GCode_File.GC");
+}
+
+TEST_F(GCode_Test, Another_Program_Takes_The_Place_Of_An_Unsaved_One_Only_After_A_Question) {
+  const std::string other = Write_File("other.gc", "G1 X5\n");
+  const auto open = [&](Box_Answer answer) {
+    scripted.Answer_Box(answer);
+    LoadRecentFile(other);
+    scripted.Box_Answers.clear();
+    return GCode_Program.Text->Whole() == "G1 X5\n";
+  };
+  Type("G1 X1\n");
+  Command_Update_Click();
+  EXPECT_FALSE(May_Lose_Program());
+  EXPECT_FALSE(open(Box_Answer::Cancel));
+  EXPECT_FALSE(open(Box_Answer::Yes));  // and the dialog of the save is cancelled
+  EXPECT_EQ(scripted.Save_Dialogs.size(), 1U);
+  EXPECT_TRUE(open(Box_Answer::No));
+  EXPECT_TRUE(May_Lose_Program());
+  Type("G1 X6\n");
+  scripted.Answer_Box(Box_Answer::Yes);
+  EXPECT_TRUE(May_Lose_Program());
+  EXPECT_EQ(Read_Whole_File(other), "G1 X6\r\n");
+  // What an importer made is in no file.
+  ASSERT_TRUE(Open_GCode(Write_File("TEMP_NORVIK999.GC", "G1 X7\n")));
+  EXPECT_TRUE(GCode_Program.Unsaved);
+  EXPECT_FALSE(open(Box_Answer::Cancel));
+  scripted.Save_Answers.push_back(Folder.File("imported.gc"));
+  Menu_File_Save();
+  EXPECT_FALSE(GCode_Program.Unsaved);
 }
 
 TEST_F(GCode_Test, Files_Are_Opened_By_Extension) {
@@ -197,7 +238,7 @@ TEST_F(GCode_Test, Steps_Are_Held_To_The_Program) {
   Command_GStep_Click();
   EXPECT_EQ(Compile_Status.CurrentStep, 4);
   EXPECT_EQ(Gcode_Form.Label_CGStep.Caption, "G1 X3");
-  EXPECT_FALSE(Compile_Status.CompileRunning);
+  EXPECT_FALSE(Program_Is_Held());
   Machine.CNCMode = CNC_Running;
   Command_GStep_Click();
   Command_Update_Click();
@@ -235,14 +276,22 @@ TEST_F(GCode_Test, Play_Runs_Only_What_Was_Compiled_To_Its_End) {
   EXPECT_EQ(Played(), control_text::Program_Cut_Short);
   Application.Table_Folder = tables;
   Command_Update_Click();
+  EXPECT_EQ(Gcode_Form.Label_Table_Notice.Caption, "");
   Type("G1 X0.3\n");
-  Take_Typed_Text();  // an edit is told, and blocks nothing
+  EXPECT_EQ(Played(), control_text::Program_Not_Compiled);
+  EXPECT_THAT(Gcode_Form.Label_Table_Notice.Caption, HasSubstr("newer"));
+  Type("G1 X0.1\n\nG1 X0.2\n");  // the lines of before
   EXPECT_EQ(Played(), "runs");
-
-  CNC_Controls.Text_Goto.Text = "G1 X0.5 Y7";
-  Command_Goto_Click();
-  EXPECT_EQ(View.ProgramMax[2], 7);  // the plot shows the line
-  EXPECT_EQ(Played(), control_text::Program_Behind_Goto);
+  Type("G1 X0.3\n");
+  for (const auto& take :
+       std::initializer_list<std::function<void()>>{[&] { Save_GCode(Folder.File("saved.gc")); },
+                                                    [] { Print_Data(); }, [] { Begin_Check(); }}) {
+    Typed = "G1 X0.3\n" + Typed;
+    Text_GCode_Change();
+    take();
+    EXPECT_FALSE(GCode_Program.Typed_Waits);
+    EXPECT_EQ(Played(), control_text::Program_Not_Compiled);
+  }
   Command_Update_Click();
   EXPECT_EQ(Played(), "runs");
 
@@ -255,6 +304,121 @@ TEST_F(GCode_Test, Play_Runs_Only_What_Was_Compiled_To_Its_End) {
   scripted.Answer_Box(Box_Answer::Yes);
   Menu_File_New();
   EXPECT_EQ(Played(), control_text::No_Program);
+}
+
+// What a compile depended on is part of what its table stands for.
+TEST_F(GCode_Test, Play_Refuses_What_Was_Compiled_Of_Other_Settings_Tools_Or_Macros) {
+  MachineSetup.MacroFile[7] = Write_File("seven.gc", "G1 X0.1 F20\n");
+  Tools.Diameter[1] = 0.1;
+  Type("G0 X0 Y0 Z0\nM98 7\nG41\nG1 X0.3 F20\nG1 X0.6\nG40\nG0 Y0.2\n");
+  const auto compiled = [&] {
+    Command_Update_Click();
+    scripted.Answer_Box(Box_Answer::Ok);  // whatever the check says of it
+    const std::string played = Played();
+    scripted.Box_Answers.clear();
+    return played;
+  };
+  EXPECT_EQ(compiled(), "runs");
+  MachineSetup.Axis_Max_Feed_Rate[3] = 7;
+  EXPECT_THAT(Played(), HasSubstr("The setting Axis_Max_Feed_Rate_3 is not what it was"));
+  Main_Timer2();
+  EXPECT_THAT(Gcode_Form.Label_Table_Notice.Caption, HasSubstr("Axis_Max_Feed_Rate_3"));
+  EXPECT_EQ(compiled(), "runs");
+  Tools.Diameter[1] = 0.2;
+  EXPECT_THAT(Played(), HasSubstr("A tool of the tool file is not"));
+  EXPECT_EQ(compiled(), "runs");
+  Write_File("seven.gc", "G1 X0.1 F20\n");  // written again, the same
+  EXPECT_EQ(Played(), "runs");
+  Write_File("seven.gc", "G1 X0.2 F20\n");
+  EXPECT_THAT(Played(), HasSubstr("Macro 7 is not what it was"));
+  EXPECT_EQ(compiled(), "runs");
+  std::filesystem::remove(MachineSetup.MacroFile[7]);
+  EXPECT_THAT(Played(), HasSubstr("Macro 7 is not what it was"));
+  MachineSetup.JogKey_Device = 1;  // no pass reads it
+}
+
+TEST_F(GCode_Test, A_Paused_Run_Goes_On_With_A_Newer_Text_Only_When_The_Operator_Wants_It) {
+  Type("G1 X0.1 F20\nM0\nG1 X0.2\n");
+  Command_Update_Click();
+  EXPECT_EQ(Played(), "runs");
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  Type("G1 X0.1 F20\nM0\nG1 X0.9\n");
+  const std::size_t boxes = scripted.Boxes.size();
+  scripted.Answer_Box(Box_Answer::Cancel);
+  EXPECT_EQ(Played(), control_text::Run_Not_Continued);
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  EXPECT_EQ(scripted.Boxes.size(), boxes + 1);
+  scripted.Answer_Box(Box_Answer::Ok);
+  EXPECT_EQ(Played(), "runs");
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_NEAR(Machine.Position[1], 0.2, 1e-3);  // as compiled
+}
+
+TEST_F(GCode_Test, A_Goto_Gives_The_Table_Back) {
+  Type("G1 X0.1 Y2 F20\nG1 X0.2\n");
+  Command_Update_Click();
+  EXPECT_EQ(View.ProgramMax[2], 2);
+  std::vector<double> shown;
+  const auto show = Program_Wire_Host.Installed;
+  Program_Wire_Host.Installed = [&] {
+    show();
+    shown.push_back(View.ProgramMax[2]);
+  };
+  CNC_Controls.Text_Goto.Text = "G1 X0.05 Y0.7";
+  Command_Goto_Click();
+  Program_Wire_Host.Installed = show;
+  EXPECT_THAT(shown, ElementsAre(0.7, 2));  // the line, then the program again
+  EXPECT_EQ(Program_Wire.Count(), 2U);
+  EXPECT_EQ(Compile_Status.CurrentStep, 0);
+  EXPECT_EQ(Played(), "runs");
+  EXPECT_NEAR(Machine.Position[1], 0.2, 1e-3);
+}
+
+TEST_F(GCode_Test, A_Program_With_Losses_Is_Run_Once_The_Operator_Wants_It) {
+  struct {
+    const char *Text, *Says;
+  } const rows[] = {{"G0 X0.1\nG0Z0.25\nG0 X0.2\n", "Line 2: "},
+                    {"G0 X0.1\nREPEAT 2\nG0 X0.2\nG0 X0.1\nENDREPEAT\n", "(REPEAT)"}};
+  for (const auto& row : rows) {
+    Type(row.Text);
+    Command_Update_Click();
+    const std::size_t boxes = scripted.Boxes.size();
+    EXPECT_EQ(Played(), control_text::Run_Not_Begun) << row.Text;
+    ASSERT_EQ(scripted.Boxes.size(), boxes + 1);
+    EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr(row.Says));
+    scripted.Answer_Box(Box_Answer::Ok);
+    EXPECT_EQ(Played(), "runs");
+    Command_Update_Click();  // the same text
+    EXPECT_EQ(Played(), "runs");
+    EXPECT_EQ(scripted.Boxes.size(), boxes + 2);
+  }
+}
+
+TEST_F(GCode_Test, The_First_Travel_Of_A_Program_Starts_At_Zero_And_That_Of_A_Run_At_The_Machine) {
+  struct Surface : Plot_Surface {
+    void Set_Scale(const Plot_Scale&) override {}
+    void Clear(std::int32_t) override { Lines.clear(); }
+    void Draw_Lines(std::span<const Plot_Line> lines) override {
+      Lines.insert(Lines.end(), lines.begin(), lines.end());
+    }
+    void Draw_Text(double, double, std::string_view, std::int32_t) override {}
+    void Draw_Picture(double, double, const Plot_Image&) override {}
+    std::vector<Plot_Line> Lines;
+  } surface;
+  MachineSetup.Plot_Show_Grid = 0;
+  Plot_Host.Picture1 = &surface;
+  Type("G0 X3 Y2 Z0\n");
+  Command_Update_Click();
+  Type("G0 X0.2 Y0 Z0\n");
+  Command_Update_Click();
+  ASSERT_FALSE(surface.Lines.empty());
+  EXPECT_NEAR(surface.Lines.front().X1, Current_Projection().Project(0, 0, 0).X, 1e-6);
+  surface.Lines.clear();
+  Machine.Position[1] = 0.1;
+  EXPECT_EQ(Played(), "runs");
+  ASSERT_FALSE(surface.Lines.empty());
+  EXPECT_NEAR(surface.Lines.back().X1, Current_Projection().Project(0.1, 0, 0).X, 1e-6);
+  Plot_Host.Picture1 = nullptr;
 }
 
 TEST_F(GCode_Test, The_Estimate_Is_That_Of_The_Compiled_Program) {
@@ -304,11 +468,12 @@ TEST_F(GCode_Test, A_Text_Taken_In_A_Run_Leaves_The_Range_To_The_Next_Compile) {
 
 TEST_F(GCode_Test, A_Check_Waits_While_Something_Moves) {
   Type("G1 X1\n");
-  Controller.Panel_Busy = true;  // a jog
-  EXPECT_FALSE(Begin_Check());
+  {
+    const Operation_Scope jog(Operation::Jog);
+    EXPECT_FALSE(Begin_Check());
+  }
   EXPECT_EQ(Messages.Panel[1], "Can't check while CNC running");
-  EXPECT_TRUE(Gcode_Form.Text_Edited);
-  Controller.Panel_Busy = false;
+  EXPECT_TRUE(GCode_Program.Typed_Waits);
   Machine.CNCMode = CNC_Paused;
   EXPECT_TRUE(Begin_Check());
   EXPECT_EQ(GCodeLineCount(), 1);
@@ -316,10 +481,10 @@ TEST_F(GCode_Test, A_Check_Waits_While_Something_Moves) {
 
 TEST_F(GCode_Test, A_Compile_That_Fails_Leaves_The_Button_Free) {
   Type("G1 X1\n");
-  const auto refresh = Compile_Host.Refresh_Plot;
-  Compile_Host.Refresh_Plot = [](bool) { throw Fault(Fault_Number::Overflow, "too fast"); };
+  const auto show = Program_Wire_Host.Installed;
+  Program_Wire_Host.Installed = [] { throw Fault(Fault_Number::Overflow, "too fast"); };
   EXPECT_THROW(Command_Update_Click(), Fault);
-  Compile_Host.Refresh_Plot = refresh;
+  Program_Wire_Host.Installed = show;
   Command_Update_Click();
   EXPECT_EQ(scripted.Beeps, 0);
   EXPECT_EQ(Program_Wire.Count(), 1U);

@@ -2,8 +2,10 @@
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compile_host.h"
+#include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/wires/feed_pass.h"
+#include "core/operation.h"
 #include "line_fixture.h"
 
 namespace norvik {
@@ -22,6 +24,8 @@ class Compile_Test : public Line_Pass_Test {
   }
   ~Compile_Test() override {
     GCode_Program = {};
+    Program_Wire = {};
+    Program_Wire_Host = {};
     Compile_Host = {};
     Compile_Status = {};
   }
@@ -46,7 +50,7 @@ TEST_F(Compile_Test, Writes_both_tables_the_same_each_time_and_in_each_region) {
   ASSERT_TRUE(CompileProgram());
   EXPECT_EQ(File(LineArc_Table_Name), records);
   EXPECT_EQ(File(Wire_Table_Name), wires);
-  EXPECT_EQ(Compile_Tables.Program_Wire.Rows.size(), 37U);
+  EXPECT_EQ(Program_Wire.Count(), 37U);
   EXPECT_THAT(Logged(), ::testing::IsEmpty());
 }
 
@@ -54,11 +58,14 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
   std::vector<std::string> events;
   Compile_Host.Show_Progress = [&](const std::string& caption) { events.push_back(caption); };
   Compile_Host.Play_Sound_Slot = [&](int slot) { events.push_back(std::to_string(slot)); };
-  Compile_Host.Refresh_Plot = [&](bool whole) { events.emplace_back(whole ? "plot" : "part"); };
+  Program_Wire_Host.Installed = [&] {
+    EXPECT_FALSE(Compile_Busy());  // the plot yields, and a run may begin in that
+    events.emplace_back(Program_Wire.Origin().Whole ? "plot" : "part");
+  };
   Scripted.On_Yield = [&] {
     if (Scripted.Yields == 1) {
       EXPECT_EQ(Messages.Panel[1], "GCode Compile: Compiling Data...");
-      EXPECT_TRUE(Compile_Status.CompileRunning);
+      EXPECT_TRUE(Program_Is_Held());
     }
   };
   Take("G1 X1");
@@ -67,7 +74,7 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
   EXPECT_TRUE(GCode_Compile_All());
   EXPECT_EQ(events, (std::vector<std::string>{"GCode Compile Progress", "GCode Optimize Feed Rates",
                                               "6", "plot"}));
-  EXPECT_FALSE(Compile_Status.CompileRunning);
+  EXPECT_FALSE(Program_Is_Held());
   EXPECT_TRUE(Compile_Status.CompileDone);
   EXPECT_EQ(Messages.Panel[1], "");
   EXPECT_EQ(Machine.StartingStep, 0);
@@ -105,7 +112,7 @@ TEST_F(Compile_Test, A_block_has_its_own_wires_on_step_zero) {
   EXPECT_EQ(block.Rows[0].Step, 0);
   EXPECT_FALSE(block.Rows[0].Start[1]);
   EXPECT_EQ(block.Rows[0].End[2], Nullable(4));
-  EXPECT_EQ(Compile_Tables.Program_Wire.Rows.size(), 1U);
+  EXPECT_EQ(Program_Wire.Count(), 1U);
 }
 
 TEST_F(Compile_Test, Tables_that_cannot_be_written_leave_those_of_before) {
@@ -124,7 +131,7 @@ TEST_F(Compile_Test, Tables_that_cannot_be_written_leave_those_of_before) {
   EXPECT_EQ(File("kept.csv"), records);
   EXPECT_THAT(Messages.Status_Box, ::testing::HasSubstr("could not write its tables"));
   EXPECT_FALSE(Logged().empty());
-  EXPECT_FALSE(Compile_Status.CompileRunning);
+  EXPECT_FALSE(Program_Is_Held());
 }
 
 TEST_F(Compile_Test, A_second_compile_waits_for_the_first) {

@@ -2,6 +2,7 @@
 // that belongs to them, and the check finds nothing that would be lost, ignored or cut otherwise.
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/tables/program_wire.h"
 #include "core/tool_file.h"
 #include "line_fixture.h"
 
@@ -30,7 +31,7 @@ TEST_P(Samples, Compile_cleanly) {
   GCode_Program.Text =
       std::make_shared<const GCode_Text>(Read_Whole_File(folder + GetParam().Program));
   EXPECT_TRUE(CompileProgram());
-  EXPECT_GT(Compile_Tables.Program_Wire.Rows.size(), 20U);
+  EXPECT_GT(Program_Wire.Count(), 20U);
   EXPECT_THAT(Logged(), ::testing::IsEmpty());
   EXPECT_TRUE(Scripted.Boxes.empty());
   for (const Check_Finding& finding : Check_Program(GCode_Program.Text)) {

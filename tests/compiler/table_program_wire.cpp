@@ -50,7 +50,7 @@ TEST(Program_Wire_Table, Narrows_What_It_Takes) {
 
   // What cannot be taken leaves the table of before.
   table.Rows[1].IPM_E = 40'000;
-  EXPECT_THROW(Take_Program_Wire(std::move(table)), Fault);
+  EXPECT_THROW(Install_Table(std::move(table)), Fault);
   EXPECT_THROW(Load_Program_Wire(path), Fault);
   EXPECT_EQ(Program_Wire.Count(), std::size(rows));
 }
@@ -58,9 +58,9 @@ TEST(Program_Wire_Table, Narrows_What_It_Takes) {
 TEST(Program_Wire_Table, Stops_At_Its_Limit) {
   Table<Wire> table;
   for (std::size_t k = 0; k < Wire_Table_Limit + 5; ++k) table.Rows.push_back(Wire());
-  Take_Program_Wire(std::move(table));
+  Install_Table(std::move(table));
   EXPECT_EQ(Program_Wire.Count(), Wire_Table_Limit);
-  Take_Program_Wire({});
+  Install_Table({});
   EXPECT_EQ(Program_Wire.Count(), 0U);
 }
 
@@ -73,7 +73,7 @@ TEST(Program_Wire_Table, Finds_The_Wires_Of_A_Step) {
       const auto step = static_cast<std::int32_t>(random() % 8) - 1;
       steps.insert(steps.end(), 1 + random() % 4, step);
     }
-    Take_Program_Wire(Wires_Of(steps));
+    Install_Table(Wires_Of(steps));
     for (std::int32_t step = -2; step < 9; ++step) {
       std::vector<std::size_t> found, expected;
       for (auto k = Program_Wire.Next_Of_Step(step, 0); k;

@@ -26,6 +26,7 @@ void Control_Test::Reset_State() {
   Machine = {};
   MachineSetup = {};
   Messages = {};
+  Reset_Operations();
   Controller = {};
   CNC_Controls = {};
   CNC_Controls_Host = {};
@@ -78,6 +79,11 @@ void Control_Test::Set_Up_Machine() {
   Machine.EndingStep = 0;
 }
 
+void Control_Test::Tick() {
+  Watch_Machine();
+  CNC_Controls_Timer1();
+}
+
 void Control_Test::Wire_Output(int slot, std::int32_t port, int bit) {
   MachineSetup.Output_Port[slot] = port;
   MachineSetup.Parallel_Output_Bit[slot] = std::to_string(bit);
@@ -99,7 +105,7 @@ void Control_Test::Free_Axes() {
 void Control_Test::Watch_Delays() {
   Platform.Delay_Microseconds = [this, inner = Platform.Delay_Microseconds](std::int32_t us) {
     inner(us);
-    if (!Step_Engine.Active) return;
+    if (!Runs(Operation::Move)) return;
     ++Half_Steps;
     if (const auto found = Actions.find(Half_Steps); found != Actions.end()) found->second();
   };
@@ -143,7 +149,7 @@ void Control_Test::Load(const std::vector<Row>& rows) {
     table.Rows.push_back(wire);
     last = std::max(last, row.Step);
   }
-  Take_Program_Wire(std::move(table));
+  Install_Table(std::move(table));
   Machine.StartingStep = 1;
   Machine.EndingStep = last;
 }

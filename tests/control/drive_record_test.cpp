@@ -1,9 +1,9 @@
 // What the rooms above ask of a drive, shown by one with a queue of moves that writes down each
 // call.
-#include "control/home.h"
-#include "control/panel_jog.h"
-#include "control/safety.h"
-#include "control/waits.h"
+#include "control/manual/home.h"
+#include "control/manual/jog.h"
+#include "control/motion/waits.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 #include "drive/drive.h"
 

@@ -65,7 +65,7 @@ inline void Load_Program(const std::vector<Wire_Row>& rows) {
     table.Rows.push_back(Make_Wire(row)).Block_Text = texts->back();
   }
   table.Texts = texts;
-  Take_Program_Wire(std::move(table));
+  Install_Table(std::move(table));
 }
 
 inline void PrintTo(const Plot_Line& line, std::ostream* out) {

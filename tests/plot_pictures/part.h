@@ -53,7 +53,7 @@ inline void Load_Part() {
   part.Turn(3.5, 2.5, 1, 1, -1, 360);
   part.Travel(4.5, 2.5, 1);
   part.Travel(0, 0, 1);
-  Take_Program_Wire(part.Take());
+  Install_Table(part.Take());
 }
 
 inline void Use_Picture_Setup() {

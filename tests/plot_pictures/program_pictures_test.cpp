@@ -48,7 +48,7 @@ TEST_F(Program_Pictures, Neither_View_Nor_Lists_Of_The_Window_Change) {
 }
 
 TEST_F(Program_Pictures, Odd_Programs_And_Requests) {
-  Take_Program_Wire({});
+  Install_Table({});
   const Plot_Image table = Make_Program_Picture({0, 64, false});  // the grid alone
   EXPECT_NE(table.Pixels, Plot_Image(64, 64, Argb(Light_Background)).Pixels);
   MachineSetup.Plot_Show_Grid = 0;
@@ -56,7 +56,7 @@ TEST_F(Program_Pictures, Odd_Programs_And_Requests) {
             Plot_Image(64, 64, Argb(Light_Background)).Pixels);
   Part_Program dot;
   dot.Cut(3, 3, 0.5);
-  Take_Program_Wire(dot.Take());
+  Install_Table(dot.Take());
   Program_Wire.Rows()[0].Start = Program_Wire.Rows()[0].End;
   EXPECT_NE(Make_Program_Picture({6, 64, true}).Pixels,
             Plot_Image(64, 64, Argb(Dark_Background)).Pixels);
@@ -78,7 +78,7 @@ TEST_F(Program_Pictures, A_Fine_Grid_Stays_A_Grid) {
     SCOPED_TRACE(grid);
     MachineSetup.Axis_Table_Grid_Size = grid;
     for (const bool empty : {false, true}) {
-      empty ? Take_Program_Wire({}) : Load_Part();
+      empty ? Install_Table({}) : Load_Part();
       EXPECT_GT(on_the_ground(Make_Program_Picture({0, Stored_Size, false})), 0.7);
     }
   }

@@ -1,11 +1,14 @@
 #include "compiler/compile/compile.h"
 
 #include "compiler/compensation/compensation.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
+#include "compiler/text/compile_sources.h"
 #include "compiler/wires/feed_pass.h"
 #include "compiler/wires/wire_pass.h"
 #include "core/application.h"
@@ -83,14 +86,12 @@ class Record_File {
   bool Whole = false;  // nothing has failed so far
 };
 
-void Convert_To_Wires() {
-  Compile_Tables.Program_Wire =
-      NIST_ConvertLineArctoWire(std::exchange(Compile_Tables.Program_LineArc, {}));
+Table<Wire> Convert_To_Wires() {
+  return NIST_ConvertLineArctoWire(std::exchange(Compile_Tables.Program_LineArc, {}));
 }
 
 // The wire pass stops one wire behind the end of the executing table.
-void Note_Cut_Wires() {
-  const auto& wires = Compile_Tables.Program_Wire.Rows;
+void Note_Cut_Wires(const Record_List<Wire>& wires) {
   if (wires.size() <= Wire_Table_Limit) return;
   const Wire& first_left_out = wires[Wire_Table_Limit];
   Note_Loss_At(first_left_out.Step, Loss_Kind::Wires, first_left_out.Block_Text,
@@ -99,86 +100,114 @@ void Note_Cut_Wires() {
 }
 
 void Begin_Program() {
-  Compile_Status.CompileRunning = true;
   SetStatus(1, "GCode Compile: Compiling Data...", 5);
   DoEvents();
   Compile_Status.CompileDone = Compile_Status.Cut_Short = false;
   Compile_Status.CompileProgress = 0;
   Compile_Losses = {};
+  Present_Compile = Present_Sources();
   Compile_Host.Show_Progress("GCode Compile Progress");
   Set_Paths(Wire_Table_Name);
 }
 
 void End_Program() {
   Set_Panel(1, "");
-  Compile_Status.CompileRunning = false;
   Compile_Host.Play_Sound_Slot(6);
   Compile_Status.CompileDone = true;
 }
 
-// All passes. True when both files are complete.
-bool Run_Passes() {
+// All passes, up to the wires. True when both files are complete.
+bool Run_Passes(Table<Wire>& wires) {
   Record_File records;
   Line_Pass_Operations operations = Compile_Operations();
   operations.Before_Yield = [&] { records.Add_New(); };
-  Run_Line_Pass(GCode_Program.Text, std::move(operations));
-  if (Compiler.UsesCompensation) AddRadiusCompensation(Compile_Tables.Program_LineArc);
+  Run_Line_Pass(Present_Compile.Text, std::move(operations));
+  if (Compiler.UsesCompensation) {
+    Present_Compile.Tool_Diameters = Tools.Diameter;
+    AddRadiusCompensation(Compile_Tables.Program_LineArc);
+  }
   // The two tables belong together: where one cannot be written, both of before stand.
   if (!records.Complete()) return false;
-  Convert_To_Wires();
-  Note_Cut_Wires();
-  if (!NIST_Optimus_Rates(Compile_Tables.Program_Wire, Compile_Tables.Wire_Path)) {
+  wires = Convert_To_Wires();
+  Note_Cut_Wires(wires.Rows);
+  if (!NIST_Optimus_Rates(wires, Compile_Tables.Wire_Path)) {
     AddMessage("The compile could not write its wire table; the error log says why");
     return false;
   }
   return records.Finish();
 }
 
+// The wires become the executing table. Those that cannot be taken leave an empty one that is not
+// to be run. True when they were taken.
+bool Hand_Over(Table<Wire>&& wires, Table_Kind kind, bool whole) {
+  Table_Origin origin;
+  origin.Kind = kind;
+  origin.Whole = whole && !Compile_Status.Cut_Short;
+  origin.Sources = std::make_shared<const Compile_Sources>(std::move(Present_Compile));
+  origin.Losses = Compile_Losses;
+  const auto report = [](const Fault& fault) {
+    ErrorLogWrite("The wires cannot be taken: " + fault.Description);
+    AddMessage(fault.Description);
+  };
+  const bool taken =
+      Trap_With(report, [&] { Program_Wire.Install(std::move(wires), Table_Origin(origin)); });
+  if (!taken) {
+    origin.Whole = false;
+    Program_Wire.Install({}, std::move(origin));
+  }
+  Program_Wire_Host.Installed();
+  return taken;
+}
+
 }  // namespace
 
 bool CompileProgram() {
   if (Refused()) return false;
+  Table<Wire> wires;
   bool whole = false;
   {
-    const Compile_Section section;
+    const Compile_Section section(Operation::Compile);
     Begin_Program();
-    Trap("CompileProgram", [&] { whole = Run_Passes(); });
+    Trap("CompileProgram", [&] { whole = Run_Passes(wires); });
   }
   End_Program();
-  return whole;
+  return Hand_Over(std::move(wires), Table_Kind::Program, whole) && whole;
 }
 
-bool CompileBlock(std::string_view text) {
+bool CompileBlock(std::string_view text, const Start_Position& from) {
   if (Refused()) return false;
-  const Compile_Section section;
+  Table<Wire> wires;
+  bool whole = false;
+  std::optional<Compile_Section> section(std::in_place, Operation::Compile_Line);
   SetStatus(1, "GCode Compile: Compiling Block...", 5);
   DoEvents();
   Compile_Losses = {};
+  Present_Compile = {};
   Set_Paths(Block_Wire_Table_Name);
-  bool whole = false;
   Trap("CompileBlock", [&] {
     Record_File records;
-    Run_Block_Pass(std::string(text), Compile_Operations());
+    Run_Block_Pass(std::string(text), Compile_Operations(), from);
     Compiler.UsesCompensation = false;  // a block is not compensated
     if (!records.Complete()) return;
-    Convert_To_Wires();
-    whole = Trap_With(
-                Report_Unwritten,
-                [] { Write_Wire_Table(Compile_Tables.Wire_Path, Compile_Tables.Program_Wire); }) &&
-            records.Finish();
+    wires = Convert_To_Wires();
+    whole =
+        Trap_With(Report_Unwritten, [&] { Write_Wire_Table(Compile_Tables.Wire_Path, wires); }) &&
+        records.Finish();
   });
   Set_Panel(1, "");
-  return whole;
+  section.reset();
+  return whole && Hand_Over(std::move(wires), Table_Kind::Goto, whole);
 }
 
 bool GCode_Compile_All() {
   if (Refused()) return false;
   const bool whole = CompileProgram() && !Compile_Status.Cut_Short;
-  Compile_Host.Refresh_Plot(whole);
   if (GCode_Program.Range_Waits) Range_To_Whole_Program();
   Machine.StartingStep = 0;
   Compile_Status.CurrentStep = Machine.StartingStep;
   AddMessage("Compiling GCode");
+  if (Compile_Status.Cut_Short)
+    AddMessage("The compile was cut short: the plot shows a part. Compile again before a run.");
   return whole;
 }
 

@@ -14,7 +14,8 @@
 // otherwise than it was meant.
 #pragma once
 
-#include "compiler/interpreter/compile_section.h"
+#include "core/indexed.h"
+#include "core/nullable.h"
 
 #include <string>
 #include <string_view>
@@ -25,15 +26,19 @@ inline constexpr std::string_view LineArc_Table_Name = "NORVIK_Program_LineArc_D
                                   Wire_Table_Name = "NORVIK_Program_Wire_Data.csv",
                                   Block_Wire_Table_Name = "NORVIK_Block_Wire_Data.txt";
 
-// Compiles `GCode_Program` with all passes. True when both tables stand complete on disk. Beeps and
-// does nothing while another compile runs.
+// Compiles `GCode_Program` with all passes and installs the wires as the executing table, cut short
+// or not. True when both tables stand complete on disk. Beeps and does nothing while another
+// compile runs.
 bool CompileProgram();
 
-// Compiles one line for a Goto: no compensation, no feed pass, wires of step 0 into the block file.
-// True when that stands on disk.
-bool CompileBlock(std::string_view text);
+// Axes X, Y, Z, A and two unused; absent: unknown, so that words with G91 count from 0.
+using Start_Position = Indexed<Nullable, 1, 6>;
 
-// The command of the G-code window: the compile, the plot anew, the step pointers to the start.
+// Compiles one line for a Goto, from a position: no compensation, no feed pass, wires of step 0
+// into the block file. True when that stands on disk; the wires are then the executing table.
+bool CompileBlock(std::string_view text, const Start_Position& from = {});
+
+// The command of the G-code window: the compile, the step pointers to the start.
 // True when the program was compiled to its end: `CompileProgram` did it and neither ESC nor a
 // fault cut a pass short. Beeps and does nothing while another compile runs.
 bool GCode_Compile_All();

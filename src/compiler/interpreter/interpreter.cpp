@@ -98,6 +98,17 @@ void Reset_Outputs() {
   for (int output = 0; output <= 4; ++output) Compiler.Outputs[output] = Output_Unchanged;
 }
 
+// A record executes its dwell before its outputs, so that those of the dwell's block need a record
+// of their own in front of it.
+void Write_Outputs_First(Block& block) {
+  Act_On_User_Outputs(block);
+  bool any = block.Words[word::S].has_value();
+  for (int output = 0; output <= 4; ++output)
+    any = any || Compiler.Outputs[output] != Output_Unchanged;
+  Compiler.PauseNext = 0;
+  if (any) WriteControlRecord(block);
+}
+
 std::optional<std::int16_t> User_Code(const std::string& entry, std::string_view key) {
   if (entry.empty()) return std::nullopt;
   const auto number = Try_Number(entry);
@@ -161,6 +172,7 @@ void Coolant_Off(Block&, const Code&) {
 void Dwell(Block& block, const Code&) {
   const Nullable seconds = Compiler.Last[word::P];
   if (!seconds) throw Fault(Fault_Number::Type_Mismatch, "G4 needs a P word: the dwell in seconds");
+  if (MachineSetup.Outputs_Before_Dwell) Write_Outputs_First(block);
   Compiler.PauseNext = To_Single(*seconds);
   WriteControlRecord(block);
   Compiler.PauseNext = 0;

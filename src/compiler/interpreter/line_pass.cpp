@@ -5,6 +5,7 @@
 #include "compiler/state/compiler_state.h"
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
+#include "compiler/text/compile_sources.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -180,6 +181,7 @@ void Expand(std::int16_t macro) {
     return Lose_Macro(name + " calls itself; a macro never runs within itself");
   }
   const std::string path = MachineSetup.MacroFile[macro];
+  Add_Macro_Source(Present_Compile, macro);
   if (path.empty()) {
     Line_Pass.Operations.Show(macro, name + " has no file assigned");
     return Lose_Macro(name + " has no file; choose one in the macro list");
@@ -272,7 +274,8 @@ bool Run_Line_Pass(std::shared_ptr<const GCode_Text> program, Line_Pass_Operatio
   return true;
 }
 
-bool Run_Block_Pass(std::string text, Line_Pass_Operations operations) {
+bool Run_Block_Pass(std::string text, Line_Pass_Operations operations,
+                    const Indexed<Nullable, 1, 6>& from) {
   if (Line_Pass.Runs) return false;
   const Pass_End end;
   auto texts = std::make_shared<Compile_Texts>();
@@ -280,6 +283,7 @@ bool Run_Block_Pass(std::string text, Line_Pass_Operations operations) {
   const std::string_view line = texts->Block;
   Begin(std::move(texts), std::move(operations));
   Line_Pass.Program_Line = Line_Pass.Program_Lines = 1;
+  Compiler.CurrentPosition = from;
   Compiler.CurrentLineText = line;
   CompileLine(line);
   return true;

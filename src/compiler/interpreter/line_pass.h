@@ -50,8 +50,9 @@ Line_Pass_Operations Compile_Operations();
 // Nothing happens when a pass runs already: false.
 bool Run_Line_Pass(std::shared_ptr<const GCode_Text> program, Line_Pass_Operations operations);
 
-// The same for one line of its own, as line 0.
-bool Run_Block_Pass(std::string text, Line_Pass_Operations operations);
+// The same for one line of its own, as line 0, from a position.
+bool Run_Block_Pass(std::string text, Line_Pass_Operations operations,
+                    const Indexed<Nullable, 1, 6>& from = {});
 
 // True while one of the two runs.
 bool Line_Pass_Runs();

@@ -20,11 +20,10 @@ struct Compile_Host_Operations {
       [](std::int32_t, std::string_view) {};
   // Plays the sound of a slot of `Sound_Files`.
   std::function<void(int slot)> Play_Sound_Slot = [](int) {};
+  // Clears `GCode_Program.Typed_Waits` where what is typed is the text of the program again.
+  std::function<void()> Settle_Typed_Text = [] {};
   // Shows the motion analyzer and runs its check over the wire file.
   std::function<void()> Show_Motion_Analyzer = [] {};
-  // A full compile has finished: extents of the plot anew and a redraw. `whole` false: the compile
-  // was cut short or failed, and what it left may be looked at but not run.
-  std::function<void(bool whole)> Refresh_Plot = [](bool) {};
 };
 extern Compile_Host_Operations Compile_Host;
 

@@ -131,25 +131,23 @@ inline Nullable& Last_Word(word::Name name) {
   }
 }
 
-// The tables as the last compile left them in memory, and the files that hold the same.
+// The records as the line pass leaves them, and the files of both tables. The wires go to the
+// executing table (program_wire.h).
 struct Compile_Tables_State {
   std::string LineArc_Path, Wire_Path;
   Table<LineArc> Program_LineArc;
-  Table<Wire> Program_Wire;
 };
 extern Compile_Tables_State Compile_Tables;
 
-// What other rooms ask about the compile.
+// What other rooms ask about the compile. Whether one runs stands in the ledger (core/operation.h).
 //
 // | flag           | set by             | read by                     | cleared by         |
 // |----------------|--------------------|-----------------------------|--------------------|
-// | CompileRunning | CompileProgram     | whoever may start a compile | CompileProgram     |
 // | CompileDone    | end of the compile | window of the progress bar, | start of a compile |
 // |                |                    | estimate                    |                    |
 // | Cut_Short      | a pass that ESC or | end of the compile          | start of a compile |
 // |                | a fault ended      |                             |                    |
 struct Compile_Status_State {
-  bool CompileRunning = false;
   bool CompileDone = false;
   bool Cut_Short = false;
   float CompileProgress = 0;     // percent

@@ -9,6 +9,7 @@
 namespace norvik {
 
 Program_Wire_State Program_Wire;
+Program_Wire_Host_Operations Program_Wire_Host;
 
 namespace {
 
@@ -25,24 +26,6 @@ void Narrow(Wire& wire) {
 
 }  // namespace
 
-std::vector<Program_Wire_State::Run> Program_Wire_State::Index_Of(const Record_List<Wire>& rows) {
-  std::vector<Run> runs;
-  for (std::uint32_t k = 0; k < rows.size(); ++k) {
-    if (runs.empty() || runs.back().Step != rows[k].Step) {
-      runs.push_back({rows[k].Step, k, 1});
-    } else {
-      ++runs.back().Count;
-    }
-  }
-  const auto by_step = [](const Run& a, const Run& b) {
-    return a.Step != b.Step ? a.Step < b.Step : a.First < b.First;
-  };
-  if (!std::is_sorted(runs.begin(), runs.end(), by_step)) {
-    std::sort(runs.begin(), runs.end(), by_step);
-  }
-  return runs;
-}
-
 std::optional<std::size_t> Program_Wire_State::Next_Of_Step(std::int32_t step,
                                                             std::size_t from) const {
   // The first run of the step that reaches beyond `from`.
@@ -53,22 +36,88 @@ std::optional<std::size_t> Program_Wire_State::Next_Of_Step(std::int32_t step,
   return std::max<std::size_t>(from, run->First);
 }
 
-void Program_Wire_State::Take(Table<Wire>&& wires) {
-  Table<Wire> taken = std::move(wires);
-  taken.Rows.Cut_To(Wire_Table_Limit);
-  for (Wire& wire : taken.Rows) Narrow(wire);
-  std::vector<Run> runs = Index_Of(taken.Rows);
-  Wires = std::move(taken);
-  Runs = std::move(runs);
-  Of_Goto = false;
+std::optional<std::int32_t> Program_Wire_State::First_Scattered_Step() const {
+  const auto same_step = [](const Run& a, const Run& b) { return a.Step == b.Step; };
+  const auto found = std::adjacent_find(Runs.begin(), Runs.end(), same_step);
+  return found == Runs.end() ? std::nullopt : std::optional(found->Step);
 }
 
-void Take_Program_Wire(Table<Wire>&& wires) {
-  Program_Wire.Take(std::move(wires));
+void Program_Wire_State::Install(Table<Wire>&& wires, Table_Origin&& origin) {
+  Table<Wire> taken = std::move(wires);
+  taken.Rows.Cut_To(Wire_Table_Limit);
+  // Narrowed and indexed in one walk over what may be 200 MB.
+  std::vector<Run> runs;
+  std::uint32_t k = 0;
+  bool sorted = true;
+  for (Wire& wire : taken.Rows) {
+    Narrow(wire);
+    if (runs.empty() || runs.back().Step != wire.Step) {
+      sorted = sorted && (runs.empty() || runs.back().Step < wire.Step);
+      runs.push_back({wire.Step, k, 0});
+    }
+    ++runs.back().Count;
+    ++k;
+  }
+  if (!sorted) {
+    std::sort(runs.begin(), runs.end(), [](const Run& a, const Run& b) {
+      return a.Step != b.Step ? a.Step < b.Step : a.First < b.First;
+    });
+  }
+  if (origin.Kind != Table_Kind::Goto) {
+    Aside.reset();
+  } else if (!Aside) {
+    Aside = Set_Aside{std::move(Wires), std::move(Runs), std::move(From)};
+  }
+  Wires = std::move(taken);
+  Runs = std::move(runs);
+  From = std::move(origin);
+}
+
+bool Program_Wire_State::Put_Back() {
+  if (!Aside) return false;
+  Wires = std::move(Aside->Wires);
+  Runs = std::move(Aside->Runs);
+  From = std::move(Aside->From);
+  Aside.reset();
+  return true;
+}
+
+void Install_Table(Table<Wire>&& wires, Table_Origin origin) {
+  Program_Wire.Install(std::move(wires), std::move(origin));
+  Program_Wire_Host.Installed();
+}
+
+void Put_Back_Table() {
+  if (Program_Wire.Put_Back()) Program_Wire_Host.Installed();
 }
 
 void Load_Program_Wire(const std::string& path) {
-  Program_Wire.Take(Read_Wire_Table(path, Wire_Table_Limit));
+  Install_Table(Read_Wire_Table(path, Wire_Table_Limit), {.Kind = Table_Kind::Motion_File});
+}
+
+namespace {
+
+Table_Judgement Judge(const Table_Origin& origin) {
+  if (origin.Kind == Table_Kind::Goto) return {Table_Standing::Of_Goto, {}};
+  if (origin.Kind == Table_Kind::Motion_File) return {};
+  if (origin.Kind == Table_Kind::None) return {Table_Standing::Other_Text, {}};
+  if (origin.Sources && (GCode_Program.Typed_Waits || !Is_Of_Present_Text(*origin.Sources)))
+    return {Table_Standing::Other_Text, {}};
+  if (!origin.Whole) return {Table_Standing::Cut_Short, {}};
+  if (!origin.Sources) return {};
+  std::string changed = Changed_Source(*origin.Sources);
+  if (changed.empty()) return {};
+  return {Table_Standing::Other_Sources, std::move(changed)};
+}
+
+}  // namespace
+
+Table_Judgement Judge_Table() {
+  return Judge(Program_Wire.Origin());
+}
+
+Table_Judgement Judge_Program_Table() {
+  return Judge(Program_Wire.Program_Origin());
 }
 
 }  // namespace norvik

@@ -42,6 +42,10 @@ class GCode_Text {
 
 struct GCode_Program_State {
   std::shared_ptr<const GCode_Text> Text = std::make_shared<const GCode_Text>();
+  // The window's text holds what `Text` does not have yet.
+  bool Typed_Waits = false;
+  // The text, or what is typed, is in no file.
+  bool Unsaved = false;
   // A text was taken while a run was going on, whose step range stands; the next compile brings the
   // range to the text.
   bool Range_Waits = false;

@@ -11,8 +11,6 @@ namespace norvik {
 
 namespace {
 
-constexpr std::int32_t Records_Per_Yield = 500;
-
 class Line_Writer {
  public:
   Line_Writer(GCode_File& file, const Line_GCode_Rules& rules) : File(file), Rules(rules) {}
@@ -29,7 +27,7 @@ class Line_Writer {
   Last_End Last;
   std::int16_t Last_Pen = -9999;
   bool Pen_Changed = false;
-  bool Feed_Pending = false;  // the plunge feed is in force; the next cut takes its own
+  bool Feed_Pending = false;  // the last line set the plunge feed; the next cut sets its own again
   Nullable Cut_Depth;
 };
 
@@ -38,9 +36,10 @@ double Line_Writer::Layer_Depth(const ImportLine& line) const {
   return Decimal_Of(MachineSetup.Axis_Tool_Height[deep ? 2 : 1]);
 }
 
-// Several tests here go by the DXF settings; so do the programs that users have. A record without a
-// depth that begins a contour counts as one that starts at the normal cut depth, so a new pen
-// without a depth of its own gets its pause there.
+// HPGL and pictures share this writer, and some of its conditions read settings of the DXF import.
+// That is kept, because the programs that users have were made so. With `DXF_Ingore_Depth` off a
+// record without a depth that begins a contour gets the normal cut depth. It then counts as a
+// record with a depth, and so a pause for a new pen can be written for it.
 void Line_Writer::Start_Contour(ImportLine& line) {
   const double normal_depth = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
   if (Rules.Passes < 2) Cut_Depth = Layer_Depth(line);
@@ -112,19 +111,9 @@ void Line_Writer::Print(ImportLine& line) {
 
 bool Write_Line_GCode(const std::string& line_file, const Line_GCode_Rules& rules) {
   return Write_Program(rules.Kind, rules.Fault_Name, rules.Travel, [&](GCode_File& file) {
-    Import_Faults faults(rules.Fault_Name);
-    Line_File_Reader reader(line_file, Line_Form::Thirteen);
     Line_Writer writer(file, rules);
-    Yield_Counter yields(Records_Per_Yield);
-    ImportLine line;
-    bool more = true;
-    while (more && !Application.EscFlag) {
-      yields.Round();
-      faults.Try([&] {
-        more = reader.Read(line);
-        if (more) writer.Print(line);
-      });
-    }
+    For_Each_Line(line_file, Line_Form::Thirteen, rules.Fault_Name,
+                  [&](ImportLine& line) { writer.Print(line); });
   });
 }
 

@@ -108,7 +108,8 @@ Box_Answer Show_Box(const std::string& title, const std::string& text, Box_Butto
   Desktop.Before_Box();
   QMessageBox::StandardButtons wanted = QMessageBox::Ok;
   if (buttons == Box_Buttons::Yes_No) wanted = QMessageBox::Yes | QMessageBox::No;
-  if (buttons == Box_Buttons::Yes_No_Cancel) {
+  const bool careful = buttons == Box_Buttons::Yes_No_Cancel_Careful;
+  if (buttons == Box_Buttons::Yes_No_Cancel || careful) {
     wanted = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
   }
   if (buttons == Box_Buttons::Ok_Cancel) wanted = QMessageBox::Ok | QMessageBox::Cancel;
@@ -116,6 +117,9 @@ Box_Answer Show_Box(const std::string& title, const std::string& text, Box_Butto
                   QString::fromStdString(title.empty() ? "Norvik" : title),
                   QString::fromStdString(text), wanted, QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
+  // Enter pressed by habit does the less.
+  if (buttons == Box_Buttons::Ok_Cancel) box.setDefaultButton(QMessageBox::Cancel);
+  if (buttons == Box_Buttons::Yes_No || careful) box.setDefaultButton(QMessageBox::No);
   switch (box.exec()) {
     case QMessageBox::Yes:
       return Box_Answer::Yes;

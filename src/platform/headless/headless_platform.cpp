@@ -166,10 +166,6 @@ void Install_Timers() {
 
 }  // namespace
 
-int Interrupts_Seen() {
-  return Interrupts;
-}
-
 void Install_Headless_Platform() {
   Platform = {};
   Headless = {};

@@ -1,13 +1,13 @@
 #include "ui/machine/controls_window.h"
 
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/displays.h"
-#include "control/estimate.h"
-#include "control/goto.h"
-#include "control/home.h"
-#include "control/jog_guard.h"
-#include "control/safety.h"
+#include "control/manual/home.h"
+#include "control/manual/jog_guard.h"
+#include "control/panel/panel.h"
+#include "control/run/cnc_controller.h"
+#include "control/run/estimate.h"
+#include "control/run/goto.h"
+#include "control/safety/safety.h"
+#include "control/state/cnc_controls_form.h"
 #include "core/messages.h"
 #include "drive/drive.h"
 #include "ui/machine/axis_rows.h"
@@ -171,9 +171,14 @@ QWidget* Controls_Window::Build_Status() {
   status->setFont(Bold_Font(1.5));
   Binding.Label(status, "Label_CNC_Status", CNC_Controls.Label_CNC_Status);
   grid->addWidget(status, 0, 0);
+  auto* activity = new QLabel;
+  Binding.Label(activity, "Label_CNC_Activity", CNC_Controls.Label_CNC_Activity);
   auto* step = new QLabel;
   Binding.Label(step, "Label_CNC_Step", CNC_Controls.Label_CNC_Step);
-  grid->addWidget(step, 1, 0);
+  auto* second_line = new QHBoxLayout;
+  second_line->addWidget(step);
+  second_line->addWidget(activity, 1);
+  grid->addLayout(second_line, 1, 0);
   auto* timer = new QLabel;
   Binding.Label(timer, "Label_Run_Timer", CNC_Controls.Label_Run_Timer);
   grid->addWidget(timer, 2, 0);
@@ -195,6 +200,11 @@ QWidget* Controls_Window::Build_Status() {
   safety->setForegroundRole(QPalette::Link);
   Binding.Label(safety, "Label_Home_Safety", CNC_Controls.Label_Home_Safety);
   grid->addWidget(safety, 4, 0, 1, 2);
+  auto* notice = new QLabel;
+  notice->setWordWrap(true);
+  Binding.Label(notice, "Label_Panel_Notice", Gcode_Form.Label_Table_Notice);
+  Binding.Also([notice] { notice->setVisible(!notice->text().isEmpty()); });
+  grid->addWidget(notice, 5, 0, 1, 2);
   return area;
 }
 

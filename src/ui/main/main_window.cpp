@@ -12,11 +12,12 @@
 #include "app/shutdown.h"
 #include "app/startup.h"
 #include "compiler/state/compile_host.h"
-#include "control/cnc_controller.h"
-#include "control/controller_state.h"
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
+#include "control/motion/motion.h"
+#include "control/state/cnc_controls_form.h"
 #include "core/application.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/recent_files.h"
 #include "core/window_memory.h"
 #include "import/pipeline/pipeline.h"
@@ -62,8 +63,10 @@ const std::vector<Menu_Row>& Menu_Rows() {
   static const std::vector<Menu_Row> rows = {
       {"&File", "Menu_File_New", "&New", QKeySequence::New, "Begin a new program", Menu_File_New},
       {"&File", "Menu_File_Open", "&Open...", QKeySequence::Open, "Open a program", Menu_File_Open},
-      {"&File", "Menu_File_Save", "&Save as...", QKeySequence::Save, "Save the program",
+      {"&File", "Menu_File_Save", "&Save", QKeySequence::Save, "Save the program into its file",
        Menu_File_Save},
+      {"&File", "Menu_File_Save_As", "Save &as...", QKeySequence::SaveAs,
+       "Save the program into another file", Menu_File_Save_As},
       {"&File", "Menu_File_Print", "&Print...", QKeySequence::Print, "Print the program",
        Print_Data},
       {"&Import", "Menu_Import_DXF", "&DXF...", {}, "Make a program of a drawing", Menu_Import_DXF},
@@ -511,17 +514,7 @@ void Main_Frame::closeEvent(QCloseEvent* event) {
     SetStatus(1, "The machine is moving. Press Stop first, then close the program.", 5);
     return;
   }
-  if (Gcode_Form.Text_Edited) {
-    const Box_Answer answer =
-        Platform.Message_Box("Norvik", "The program has changes that are not saved. Save them?",
-                             Box_Buttons::Yes_No_Cancel);
-    if (answer == Box_Answer::Cancel) return;
-    if (answer == Box_Answer::Yes) {
-      Menu_File_Save();
-      if (Gcode_Form.Text_Edited) return;  // the save was cancelled or failed
-    }
-  }
-  Unload_Main();
+  if (May_Lose_Program()) Unload_Main();
 }
 
 void Main_Frame::dragEnterEvent(QDragEnterEvent* event) {

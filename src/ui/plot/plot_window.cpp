@@ -1,5 +1,6 @@
 #include "ui/plot/plot_window.h"
 
+#include "app/gcode_form.h"
 #include "plot/nist_plot.h"
 #include "plot/plot_form.h"
 #include "plot/plot_host.h"
@@ -97,6 +98,11 @@ Plot_Window::Plot_Window(QWidget* parent) : QWidget(parent) {
   Frame_3D = Build_Viewpoint_Frame();
   Frame_Turn = Build_Turn_Frame();
 
+  Notice = new QLabel(this);
+  Notice->setObjectName("Label_Plot_Notice");
+  Notice->setMargin(Text_Height() / 4);
+  Set_Face(*Notice, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
+  Notice->hide();
   Plot_Host.Picture1 = &Picture1->Surface();
   Plot_Host.Picture_ZAxis = &Picture_ZAxis->Surface();
   Plot_Host.Frame_Changed = Plot_Host.Shapes_Changed = [this] {
@@ -184,7 +190,15 @@ QWidget* Plot_Window::Build_Turn_Frame() {
   return frame;
 }
 
+// Over the upper edge of the picture.
+void Plot_Window::Show_Notice() {
+  Notice->setText(QString::fromStdString(Gcode_Form.Label_Table_Notice.Caption));
+  Notice->setVisible(!Notice->text().isEmpty());
+  Notice->setGeometry(QRect(Picture1->pos(), Notice->sizeHint().boundedTo(Picture1->size())));
+}
+
 void Plot_Window::Show_Form() {
+  Show_Notice();
   Zoom_In->setChecked(Plot_Form.Command_ZoomIn);
   Zoom_Win->setChecked(Plot_Form.Command_Zoom_Win);
   Pan->setChecked(Plot_Form.Command_Zoom_Pan);
@@ -233,6 +247,7 @@ void Plot_Window::Place_Surfaces() {
 void Plot_Window::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   Place_Surfaces();
+  Show_Notice();
   NIST_RePlot();
 }
 

@@ -1,10 +1,11 @@
 #include "ui/program/gcode_window.h"
 
 #include "app/gcode_form.h"
+#include "app/program_findings.h"
 #include "compiler/check/program_check.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "core/operation.h"
 #include "ui/program/gcode_editor.h"
 #include "ui/widgets/theme.h"
 
@@ -23,9 +24,6 @@ namespace {
 
 // A list of thousands of the same finding helps nobody: so many are shown.
 constexpr int Most_Findings = 500;
-// Above so many lines the check waits for its button.
-constexpr int Check_At_Once = 200'000;
-
 constexpr int Refresh_Ms = 250;
 
 struct Tool_Row {
@@ -51,6 +49,11 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(4, 4, 4, 4);
   rows->addWidget(Build_Tools());
+  auto* notice = new QLabel;
+  notice->setWordWrap(true);
+  Binding.Label(notice, "Label_Table_Notice", Gcode_Form.Label_Table_Notice);
+  Binding.Also([notice] { notice->setVisible(!notice->text().isEmpty()); });
+  rows->addWidget(notice);
   rows->addWidget(Build_Find());
   auto* split = new QSplitter(Qt::Vertical);
   split->addWidget(Text_GCode);
@@ -85,10 +88,12 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
     Text_GCode->viewport()->update();
   };
   Gcode_Host.GCode_HighlightWords = [this](std::int32_t line) { Text_GCode->Show_Line(line); };
+  Gcode_Host.Show_Findings = [this] { Show_Findings(); };
   Gcode_Host.Select_Text = [this](const std::string& text) {
     Text_GCode->Show_First(QString::fromStdString(text));
   };
   Gcode_Host.Show_Program();
+  if (Program_Findings.Text == GCode_Program.Text) Show_Findings();
   Display_Gcode_Steps();
   Display_Parameters();
   Show_Form();
@@ -116,15 +121,10 @@ QWidget* GCode_Window::Build_Tools() {
     return button;
   };
   for (const Tool_Row& tool : Text_Tools) {
-    connect(add(tool.Name, tool.Caption, tool.Tip), &QPushButton::clicked, this,
-            [this, clicked = tool.Clicked] {
-              clicked();
-              const bool compiled = clicked == Command_Update_Click && !Anything_Moves();
-              if (compiled && GCodeLineCount() <= Check_At_Once) Check_Now();
-            });
+    connect(add(tool.Name, tool.Caption, tool.Tip), &QPushButton::clicked, this, tool.Clicked);
   }
   connect(add("Command_Check", "Check", "List what the compiler ignores or would misread"),
-          &QPushButton::clicked, this, [this] {
+          &QPushButton::clicked, this, [] {
             if (Begin_Check()) Check_Now();
           });
   connect(add("Command_Find", "Find", "Find a text (Ctrl+F)"), &QPushButton::clicked, this,
@@ -235,8 +235,8 @@ void GCode_Window::Find_Next() {
   Find_Answer->setText(found ? QString() : "Not found");
 }
 
-void GCode_Window::Check_Now() {
-  const std::vector<Check_Finding> found = Check_Program(GCode_Program.Text);
+void GCode_Window::Show_Findings() {
+  const std::vector<Check_Finding>& found = Program_Findings.List;
   std::map<int, GCode_Editor::Mark> marks;
   Findings->clear();
   int shown = 0;

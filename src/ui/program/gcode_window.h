@@ -34,7 +34,7 @@ class GCode_Window : public QWidget {
   void Find_Next();
   void Show_Form();
   // Looks at the compiled program and shows what was found.
-  void Check_Now();
+  void Show_Findings();
 
   Form_Binding Binding;
   Timer_Id Timer = 0;

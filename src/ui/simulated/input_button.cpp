@@ -1,6 +1,6 @@
 #include "ui/simulated/input_button.h"
 
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
 #include "ui/widgets/theme.h"
 
 #include <QActionGroup>
