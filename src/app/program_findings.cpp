@@ -1,10 +1,12 @@
 #include "app/program_findings.h"
 
 #include "app/gcode_form.h"
+#include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "platform/platform.h"
 
@@ -66,6 +68,7 @@ bool Is_Agreed() {
 }  // namespace
 
 void Check_Now() {
+  if (Compile_Busy()) return;  // in a yield of a compile or of another check
   const auto text = GCode_Program.Text;
   const auto sources = Program_Wire.Program_Origin().Sources;
   std::vector<Check_Finding> found = Check_Program(text);
@@ -89,6 +92,8 @@ bool May_Begin_Run() {
   const auto& sources = Program_Wire.Origin().Sources;
   if (Program_Findings.Text != GCode_Program.Text || Program_Findings.Sources != sources)
     Check_Now();
+  if (Program_Findings.Text != GCode_Program.Text || Program_Findings.Sources != sources)
+    return false;  // another check runs, or a yield has brought another program
   const std::string reasons = Reasons_Not_To_Run();
   if (reasons.empty()) return true;
   const Box_Answer answer = Platform.Message_Box(

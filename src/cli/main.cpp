@@ -66,7 +66,7 @@ int main(int argument_count, char** arguments) {
   environment.Machine_Is_Real = [] { return !Port_Is_Simulated() && Port_Refusal().empty(); };
   Drive_Session_Host.Machine_Is_Real = environment.Machine_Is_Real;
   environment.Travel_Of = [](int axis) {
-    const Axis_Settings& settings = Simulated_Machine.Axes[axis].Settings;
+    const Simulated_Axis_Settings& settings = Simulated_Machine.Axes[axis].Settings;
     return Axis_Travel{settings.Travel_Low, settings.Travel_High};
   };
   environment.Open_Table_Ends = Open_Table_Ends;

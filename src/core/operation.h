@@ -73,6 +73,8 @@ struct Operation_Host_Operations {
   // A press of ESC from before belongs to nothing that begins now. The companion replaces it: there
   // an interrupt belongs to the whole command.
   std::function<void()> Forget_Presses;
+  // True when the last press of ESC went to an open box, menu or find bar, which it closes.
+  std::function<bool()> Escape_Taken = [] { return false; };
   Operation_Host_Operations();
 };
 extern Operation_Host_Operations Operation_Host;

@@ -78,10 +78,10 @@ void Report_Too_Large(std::size_t count) {
 }
 
 void Build_Table_Pictures() {
+  Plot_Z_Strip();
   if (!Grid_Shown()) return;
   Trap("Plot_Grid_Error",
        [] { Build_Grid(Current_Palette(), MachineSetup.Axis_Table_Grid_Size, Plot.GridLines); });
-  if (Plot_Host.Picture_ZAxis) Draw_Z_Strip(*Plot_Host.Picture_ZAxis, Current_Palette());
 }
 
 // --- Painting --------------------------------------------------------------------------------
@@ -184,6 +184,15 @@ void Plot_Redraw(bool rebuild) {
 
 void NIST_RePlot() {
   Paint(false);
+}
+
+void Plot_Z_Strip() {
+  if (!Plot_Host.Picture_ZAxis) return;
+  if (Grid_Shown()) {
+    Draw_Z_Strip(*Plot_Host.Picture_ZAxis, Current_Palette());
+  } else {
+    Plot_Host.Picture_ZAxis->Clear(Current_Palette()[plot_role::Background]);
+  }
 }
 
 void Plot_Draw_Wire(const Wire& wire, std::int32_t displayMode, std::int32_t lineMode) {

@@ -59,6 +59,8 @@ void NIST_Plot(bool rebuild);
 void Plot_Redraw(bool rebuild);
 // Paints the lists as they are.
 void NIST_RePlot();
+// Draws the Z strip for the size that it has; empty while the grid is off.
+void Plot_Z_Strip();
 // Draws the wires of one step; with a `displayMode` above 65534 as a highlight, in the ink of the
 // background and five times as wide.
 void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode);

@@ -71,6 +71,10 @@ TEST_F(Drive_Session_Test, A_Closed_Switch_Is_Told_Once_The_Windows_Are_There) {
   Activate_Main();
   EXPECT_THAT(scripted.Boxes, Caution());
   EXPECT_TRUE(Drive_Status.Home_Safety_Off);
+  // No panel is open; the session itself sees that every switch has been off.
+  Close_Switch(false);
+  scripted.Run_For(0.3);
+  EXPECT_FALSE(Drive_Status.Home_Safety_Off);
 }
 
 TEST_F(Drive_Session_Test, A_Port_In_Other_Hands_Ends_The_Start_And_Touches_Nothing) {

@@ -61,6 +61,7 @@ struct Import_Menu_Test : App_Test {
 TEST_F(Import_Menu_Test, Each_Entry_Asks_Remembers_And_Opens_The_Program) {
   for (const Menu_Case& menu : Menu_Cases) {
     SCOPED_TRACE(menu.File);
+    GCode_Program.Unsaved = false;  // as after a save: nothing is asked
     const std::string path = Write_File(menu.File, menu.Text);
     scripted.Pointers.clear();
     menu.Menu();  // cancelled
@@ -96,6 +97,7 @@ TEST_F(Import_Menu_Test, Any_Extension_Goes_To_The_Chosen_Importer_And_A_Missing
   Menu_Import_HPGL();
   const auto lines = GCodeLineCount();
   EXPECT_GT(lines, 5);
+  GCode_Program.Unsaved = false;
   scripted.Open_Answers.push_back(Folder.File("gone.dxf"));
   const int beeps = scripted.Beeps;
   Menu_Import_DXF();
@@ -166,6 +168,11 @@ TEST_F(Import_Menu_Test, Layers_Called_Off_Leave_The_Old_Program) {
   scripted.Open_Answers.push_back(Write_File("part.dxf", Menu_Cases[0].Text));
   Menu_Import_DXF();
   const std::string before = std::string(GCode_Line(2));
+  scripted.Open_Answers.push_back(Two_Layers());
+  Menu_Import_Gerber();  // what the import made is in no file; the operator thinks better of it
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("not saved"));
+  EXPECT_EQ(GCode_Line(2), before);
+  GCode_Program.Unsaved = false;
   Import_Host.Select_Gerber_Layers = GerberLayerSelection_Command_Cancel_Click;
   scripted.Open_Answers.push_back(Two_Layers());
   Menu_Import_Gerber();
@@ -198,6 +205,7 @@ TEST_F(Import_Menu_Test, The_End_Of_The_Program_Ends_An_Import) {
 
 TEST_F(Import_Menu_Test, Recent_Files_Of_Every_Kind_Are_Imported) {
   for (const Menu_Case& menu : Menu_Cases) {
+    GCode_Program.Unsaved = false;
     LoadRecentFile(Write_File(menu.File, menu.Text));
     EXPECT_THAT(Messages_Shown(), Contains(menu.Message + Folder.File(menu.File)));
     EXPECT_EQ(Main_Form.Caption, "Norvik 4  " + std::string(menu.File));
@@ -205,6 +213,7 @@ TEST_F(Import_Menu_Test, Recent_Files_Of_Every_Kind_Are_Imported) {
   for (const char* name : {"a.JPG", "a.bmp", "a.Gif"}) {
     const std::string path = Write_File(name, "x");
     scripted.Pictures[path] = {1, 1, {0, 0, 0}};
+    GCode_Program.Unsaved = false;
     LoadRecentFile(path);
     EXPECT_THAT(Messages_Shown(), Contains("Importing Bitmap File " + path));
   }

@@ -1,6 +1,7 @@
 // The compile as a whole: files, passes, refusals, and what the operator is told.
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
@@ -99,6 +100,43 @@ TEST_F(Compile_Test, Compensation_runs_only_where_it_was_asked_for) {
   Take("G0 X0 Y0\nG42\nG1 X5\nG1 Y5\nG40\nG0 X0");
   CompileProgram();
   EXPECT_NE(File(LineArc_Table_Name).find("-0.25"), std::string::npos);
+}
+
+TEST_F(Compile_Test, Outputs_come_before_the_dwell_of_their_block_only_as_corrected) {
+  const auto rows = [](bool corrected) {
+    MachineSetup.Outputs_Before_Dwell = corrected;
+    Take("G0 X0\nM3 S1000 G4 P2\nG4 P1\n");
+    EXPECT_TRUE(CompileProgram());
+    std::vector<std::pair<std::int16_t, float>> found;  // spindle and dwell
+    for (const Wire& wire : Program_Wire.Rows()) found.emplace_back(wire.Out[0], wire.Dwell);
+    return found;
+  };
+  using ::testing::ElementsAre;
+  using ::testing::Pair;
+  EXPECT_THAT(rows(false), ElementsAre(Pair(1, 0), Pair(2, 2), Pair(1, 0), Pair(1, 1)));
+  EXPECT_THAT(rows(true), ElementsAre(Pair(1, 0), Pair(2, 0), Pair(1, 2), Pair(1, 0), Pair(1, 1)));
+}
+
+TEST_F(Compile_Test, Moves_in_front_of_a_stop_end_slowly_only_as_corrected) {
+  MachineSetup.Axis_Ramp_Start = 5;
+  MachineSetup.Axis_Ramp_Rate = 15;
+  const auto ends = [](bool corrected) {
+    MachineSetup.Slow_Before_Stops = corrected;
+    Take("F30\nG1 X5\nG4 P1\nG1 X10\nG1 X15\nM0\nG1 X20\nM66\nG1 X25\nG1 X30\nG1 X35\n");
+    EXPECT_TRUE(CompileProgram());
+    std::vector<float> found;
+    for (const Wire& wire : Program_Wire.Rows())
+      if (wire.Motion == 1) found.push_back(wire.IPM_E);
+    return found;
+  };
+  const std::vector<float> off = ends(false), on = ends(true);
+  ASSERT_EQ(off.size(), 7U);
+  ASSERT_EQ(on.size(), 7U);
+  for (const std::size_t stop : {0U, 2U, 3U}) {
+    EXPECT_EQ(off[stop], 30) << stop;
+    EXPECT_EQ(on[stop], 5) << stop;
+  }
+  for (const std::size_t other : {1U, 4U, 5U, 6U}) EXPECT_EQ(on[other], off[other]) << other;
 }
 
 TEST_F(Compile_Test, A_block_has_its_own_wires_on_step_zero) {

@@ -2,6 +2,11 @@
 
 namespace norvik {
 
+void Tick() {
+  Watch_Machine();
+  CNC_Controls_Timer1();
+}
+
 Control_Test::Control_Test() {
   Folder =
       std::filesystem::temp_directory_path() / ("norvik_control_" + std::to_string(::getpid()));
@@ -77,11 +82,6 @@ void Control_Test::Set_Up_Machine() {
   setup.Sound_Files.Fill("Disabled");
   for (int slot = 0; slot <= 7; ++slot) setup.Sound_Files[slot] = std::to_string(slot);
   Machine.EndingStep = 0;
-}
-
-void Control_Test::Tick() {
-  Watch_Machine();
-  CNC_Controls_Timer1();
 }
 
 void Control_Test::Wire_Output(int slot, std::int32_t port, int bit) {

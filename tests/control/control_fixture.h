@@ -12,6 +12,7 @@
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
+#include "control/manual/jog.h"
 #include "control/manual/jog_key.h"
 #include "control/manual/joystick_jog.h"
 #include "control/manual/knob.h"
@@ -56,6 +57,9 @@ namespace norvik {
 inline constexpr std::int32_t Step_Port = 888, Input_Port_Address = 889, Enable_Port = 890,
                               Output_Port_Address = 1000, Aux_Port = 1001;
 
+// What comes due every quarter second: the watch of the machine and the panel's timer.
+void Tick();
+
 class Control_Test : public ::testing::Test {
  protected:
   Control_Test();
@@ -66,8 +70,6 @@ class Control_Test : public ::testing::Test {
   static void Set_Up_Machine();
   static void Wire_Output(int slot, std::int32_t port, int bit);
   static void Wire_Input(int slot, std::int32_t port, int bit);
-  // What comes due every quarter second: the watch of the machine and the panel's timer.
-  static void Tick();
   // Axes without ends and switches.
   static void Free_Axes();
 

@@ -36,6 +36,27 @@ TEST_F(Goto_Test, A_line_moves_from_where_the_machine_stands_and_replaces_the_pr
   Expect_Position_True();
 }
 
+TEST_F(Goto_Test, G91_counts_from_zero_after_a_question_or_from_the_position_as_corrected) {
+  Go("G1 X0.5");
+  scripted.Answer_Box(Box_Answer::Cancel);
+  Go("G91 G1 X0.2");
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("ends at X0.2."));
+  EXPECT_EQ(Messages.Panel[1], control_text::Goto_Not_Done);
+  EXPECT_NEAR(Machine.Position[1], 0.5, 1e-9);
+  scripted.Answer_Box(Box_Answer::Ok);
+  Go("G91 G1 X0.2");
+  EXPECT_NEAR(Machine.Position[1], 0.2, 1e-9);
+
+  MachineSetup.Goto_From_Position = true;
+  const std::size_t boxes = scripted.Boxes.size();
+  Go("G91 G1 X0.2 Y0.1");
+  EXPECT_NEAR(Machine.Position[1], 0.4, 1e-9);
+  EXPECT_NEAR(Machine.Position[2], 0.1, 1e-9);
+  Go("G1 X0.1 (G91)");
+  EXPECT_NEAR(Machine.Position[1], 0.1, 1e-9);
+  EXPECT_EQ(scripted.Boxes.size(), boxes);
+}
+
 TEST_F(Goto_Test, With_ramps_the_first_wire_is_ramped) {
   MachineSetup.Axis_Ramping = true;
   MachineSetup.Axis_Ramp_Start = 10.75F;

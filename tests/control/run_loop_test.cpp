@@ -124,6 +124,30 @@ TEST_F(Run_Loop_Test, A_second_line_says_what_the_machine_does_and_Stop_works_fo
   EXPECT_THAT(seen, ElementsAre("homing Z up", "homing X, Y and A across"));
 }
 
+TEST_F(Run_Loop_Test, An_ESC_that_closes_a_box_leaves_a_paused_run_but_stops_what_moves) {
+  Load({{1, 1}, {2, 2}});
+  Command_CNC_Step_Click();
+  Command_CNC_Pause_Click();
+  Operation_Host.Escape_Taken = [] { return true; };
+  Application.EscFlag = true;
+  CNC_Controls_Esc();
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  EXPECT_FALSE(Application.EscFlag);
+  In_Yield_After(100, [] {
+    Application.EscFlag = true;
+    CNC_Controls_Esc();
+  });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_LT(Machine.Position[1], 2);
+
+  Command_CNC_Step_Click();
+  Operation_Host.Escape_Taken = [] { return false; };
+  Command_CNC_Pause_Click();
+  CNC_Controls_Esc();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+}
+
 TEST_F(Run_Loop_Test, Step_runs_exactly_one_step_from_wherever_it_is_entered) {
   Load({{1, 0.1}, {2, 0.2}, {3, 0.3}});
   Command_CNC_Step_Click();

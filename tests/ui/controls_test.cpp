@@ -1,5 +1,6 @@
 // The panel, the jog window and the port display: what ticks, what a hand moves, what ends it.
 #include "control/manual/knob.h"
+#include "control/panel/panel.h"
 #include "core/operation.h"
 #include "ui_fixture.h"
 
@@ -113,7 +114,7 @@ TEST_F(Controls_Test, The_Step_Distance_Is_Offered_In_The_Unit_And_Its_Caret_Sta
 TEST_F(Controls_Test, A_Close_In_Mid_Move_Asks_Nothing_And_Is_Refused) {
   Open("part.gc", "G1 X0.2 F15\nG1 Y0.1\n");
   Click("Command_Update");
-  GCode_Program.Typed_Waits = true;
+  GCode_Program.Unsaved = true;
   In_Yield_When([] { return Runs(Operation::Move) && True_Position(1) > 0.1; },
                 [&] {
                   EXPECT_FALSE(Window->close());
@@ -123,7 +124,7 @@ TEST_F(Controls_Test, A_Close_In_Mid_Move_Asks_Nothing_And_Is_Refused) {
   EXPECT_TRUE(scripted.Boxes.empty());
   EXPECT_FALSE(scripted.Process_Ended);
   EXPECT_NEAR(True_Position(2), 0.1, 1e-3) << "the run went on to its end";
-  GCode_Program.Typed_Waits = false;
+  GCode_Program.Unsaved = false;
   Window->close();
   EXPECT_TRUE(scripted.Process_Ended);
 }

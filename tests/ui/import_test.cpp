@@ -52,6 +52,7 @@ struct Import_Test : Ui_Test {
     if (twice) QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, place);
   }
   void Import(const QString& entry, const std::string& path) {
+    GCode_Program.Unsaved = false;  // nothing is asked about the program of before
     scripted.Open_Answers.push_back(path);
     Choose(entry);
   }

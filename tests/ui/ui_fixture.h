@@ -176,6 +176,7 @@ struct Ui_Test : testing::Test {
     return Folder.File(name);
   }
   void Open(const std::string& name, const std::string& text) {
+    GCode_Program.Unsaved = false;  // nothing is asked about the program of before
     scripted.Open_Answers.push_back(Write_Program(name, text));
     Choose("Menu_File_Open");
   }

@@ -13,6 +13,10 @@
 
 #include "compiler/text/macros.h"
 #include "compiler/text/program_text.h"
+#include "core/indexed.h"
+#include "core/nullable.h"
+#include "core/indexed.h"
+#include "core/nullable.h"
 
 #include <cstdint>
 #include <functional>

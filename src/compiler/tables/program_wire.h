@@ -44,8 +44,8 @@ struct Table_Origin {
   Table_Kind Kind = Table_Kind::Program;
   bool Whole = true;  // false: the compile was cut short by ESC or failed; to look at, not to run
   // Absent: nothing is known that could change.
-  std::shared_ptr<const Compile_Sources> Sources;
-  Compile_Losses_State Losses;
+  std::shared_ptr<const Compile_Sources> Sources = {};
+  Compile_Losses_State Losses = {};
 };
 
 // How the table stands to the program as it is now.
@@ -92,7 +92,7 @@ class Program_Wire_State {
 
   Table<Wire> Wires;
   std::vector<Run> Runs;
-  Table_Origin From{.Kind = Table_Kind::None};
+  Table_Origin From{.Kind = Table_Kind::None, .Sources = {}, .Losses = {}};
   std::optional<Set_Aside> Aside;
 };
 extern Program_Wire_State Program_Wire;

@@ -106,7 +106,8 @@ std::string Changed_Source(const Compile_Sources& sources) {
   for (std::size_t n = 0; n < sources.Settings.size(); ++n) {
     const Setting& setting = Settings()[n];
     if (Setup_Text(*setting.Row, setting.Index) != sources.Settings[n])
-      return "The setting " + Setup_Key_Name(*setting.Row, setting.Index);
+      return "The setting \"" + Setting_Label(*setting.Row, setting.Index) + "\" (" +
+             Setting_Key(*setting.Row, setting.Index) + ")";
   }
   if (sources.Tool_Diameters && *sources.Tool_Diameters != Tools.Diameter)
     return "A tool of the tool file";

@@ -22,6 +22,7 @@
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <array>
 #include <optional>
 #include <string>
 
@@ -100,7 +101,7 @@ Axis_Targets Targets_Of(const Indexed<std::string, 1, 4>& texts) {
 
 // A seek, back-off or tap: it may end at the switch. Absent when the sequence must be left.
 std::optional<Move_End> Seek(int axis, double target, float run, const char* phase) {
-  Tell_Detail(std::string(1, Axis_Letters[axis]) + ": " + phase);
+  Tell_Detail(std::string(1, Axis_Letter(axis)) + ": " + phase);
   const Move_End end = Move_To(Only(axis, target), {Edge_Speed, run});
   if (!Arrived(end) && end != Move_End::Limit) return std::nullopt;
   constexpr double settle = 0.1;  // seconds

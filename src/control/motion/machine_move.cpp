@@ -1,5 +1,6 @@
 #include "control/motion/machine_move.h"
 
+#include "control/motion/motion.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"

@@ -11,6 +11,7 @@
 #include "control/motion/waits.h"
 #include "control/panel/panel.h"
 #include "control/run/cnc_controller.h"
+#include "control/safety/safety.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
@@ -33,11 +34,13 @@ namespace {
 
 constexpr int Panel_Interval_ms = 250;
 
-// The panel's timer for as long as the run lasts.
+// The panel's timer for as long as the run lasts, and the watch of switches and E-stop: a simulated
+// run has no session of the drive that would keep it.
 class Panel_Timer {
  public:
   explicit Panel_Timer(const Run_Options& options)
       : Id(Platform.Start_Timer(Panel_Interval_ms, [&options] {
+          Watch_Machine();
           CNC_Controls_Timer1();
           options.Progress(Machine.Run_Step, Machine.EndingStep);
         })) {}

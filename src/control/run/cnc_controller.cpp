@@ -323,6 +323,11 @@ void Command_CNC_Stop_Click() {
 }
 
 void CNC_Controls_Esc() {
+  // A run that is paused stays so behind a box; what moves is stopped whatever else ESC closes.
+  if (!Anything_Moves() && Operation_Host.Escape_Taken()) {
+    Application.EscFlag = false;
+    return;
+  }
   if (Machine.CNCMode != CNC_Stopped || Anything_Moves()) CNC_Stop();
 }
 

@@ -20,6 +20,8 @@
 // when the drive comes back.
 #pragma once
 
+#include <string>
+
 namespace norvik {
 
 // --- Operations of the panel ---------------------------------------------------------------------
@@ -41,7 +43,8 @@ void Command_CNC_Step_Click();
 void Command_CNC_Pause_Click();
 void Command_CNC_Stop_Click();
 
-// ESC was seen by the main window's timer: stops the run; sequences and waits see `EscFlag`.
+// ESC was seen by the main window's timer: stops the run; sequences and waits see `EscFlag`. An ESC
+// that closes a box leaves a paused run paused.
 void CNC_Controls_Esc();
 
 // Why the executing table is not to be run now, in the operator's words; empty: it may.

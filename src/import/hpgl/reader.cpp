@@ -48,13 +48,13 @@ constexpr std::array<Mnemonic, 7> Mnemonics{{
     {"SP", Mode::Select_Pen, {}},
 }};
 
-// Commands that set the plotter up: their numbers are pen widths, scales, sizes of letters and the
-// like, never places of the pen.
+// Commands that set the plotter up by pairs of numbers: scales, corners, sizes of letters and the
+// like, never places of the pen. All other commands that are not known leave their numbers to the
+// mode in force.
 bool Sets_Up(std::string_view letters) {
-  constexpr std::array<std::string_view, 34> commands{
-      "LT", "SI", "IP", "SC", "IN", "DF", "RO", "IW", "VS", "FS", "AS", "SL",
-      "DR", "DI", "SR", "SS", "SA", "CS", "CA", "ES", "LO", "DT", "PT", "PW",
-      "WU", "FT", "UL", "TL", "PS", "IR", "SM", "PM", "AC", "CT"};
+  constexpr std::array<std::string_view, 29> commands{
+      "LT", "SI", "IP", "SC", "RO", "IW", "SL", "DR", "DI", "SR", "SS", "SA", "CS", "CA", "ES",
+      "LO", "DT", "PT", "PW", "WU", "FT", "UL", "TL", "PS", "IR", "SM", "PM", "AC", "CT"};
   return std::find(commands.begin(), commands.end(), letters) != commands.end();
 }
 

@@ -166,6 +166,10 @@ void Install_Timers() {
 
 }  // namespace
 
+int Interrupts_Seen() {
+  return Interrupts;
+}
+
 void Install_Headless_Platform() {
   Platform = {};
   Headless = {};

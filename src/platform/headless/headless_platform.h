@@ -28,4 +28,7 @@ void Install_Headless_Platform();
 // leaves outputs and motors as they are.
 void Guard_Driven_Machine();
 
+// How often the operator asked to stop since the installation.
+int Interrupts_Seen();
+
 }  // namespace norvik

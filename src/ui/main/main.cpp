@@ -10,6 +10,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/version.h"
 #include "drive/drive_host.h"
 #include "platform/desktop/desktop_platform.h"
@@ -130,6 +131,7 @@ int main(int argument_count, char** arguments) {
   Apply_Theme(application);
 
   Install_Desktop_Platform(Jog_Guard_Window_Lost);
+  Operation_Host.Escape_Taken = Escape_Went_To_A_Box;
   Install_Linux_Clock();
   Install_Linux_Priority();
   Install_Instance_Lock();
