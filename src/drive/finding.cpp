@@ -1,5 +1,6 @@
 #include "drive/finding.h"
 
+#include "core/axes.h"
 #include "core/format.h"
 
 #include <cmath>
@@ -11,7 +12,7 @@ std::string Setup_Number(double value) {
 }
 
 std::string Axis_Name(int axis) {
-  return std::string(1, " XYZA"[axis]);
+  return std::string(1, Axis_Letter(axis));
 }
 
 std::string Axis_Key(const char* family, int axis) {

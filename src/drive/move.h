@@ -1,13 +1,12 @@
 // move.h: one straight move, as every drive takes it, and how it ended.
 #pragma once
 
+#include "core/axes.h"
 #include "core/indexed.h"
 
 #include <cstdint>
 
 namespace norvik {
-
-inline constexpr int Axis_Count = 4;
 
 // What a move is asked to do. Speeds in units of the setup per minute ("IPM").
 struct Step_Request {

@@ -114,7 +114,7 @@ std::optional<Move_End> Seek(int axis, double target, float run, const char* pha
 bool Met_Switch(int axis, Move_End end) {
   if (end == Move_End::Limit) return true;
   const std::string text =
-      std::string("The ") + Axis_Letters[axis] + std::string(control_text::Switch_Not_Met);
+      std::string("The ") + Axis_Letter(axis) + std::string(control_text::Switch_Not_Met);
   AddMessage(text);
   if (!MachineSetup.Home_Needs_Switch) return true;
   Controller.Stop_Text = text + std::string(control_text::No_Position_Set);

@@ -168,7 +168,7 @@ std::string Ended_By_Limit() {
     const auto negative = Drive_Status.Free_Negative[axis];
     if (!negative) continue;
     const bool turned = axis == 3 && MachineSetup.Display_Z_Coordinate_Invert;
-    sides += (sides.empty() ? "" : ", ") + std::string(1, " XYZA"[axis]) +
+    sides += (sides.empty() ? "" : ", ") + std::string(1, Axis_Letter(axis)) +
              (*negative != turned ? "-" : "+");
   }
   if (sides.empty()) return std::string(control_text::Ended_By_Limit);
