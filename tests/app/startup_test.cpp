@@ -2,6 +2,7 @@
 #include "app/app_fixture.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
+#include "control/run/cnc_controller.h"
 
 #include <cstdlib>
 #include <filesystem>

@@ -177,7 +177,9 @@ TEST_F(Run_Command_Test, Signals_In_A_Move_End_It_At_Once) {
     const auto status = process.Status(3);
     ASSERT_TRUE(status) << process.Output;
     EXPECT_EQ(*status, Interrupted_By_Operator);
-    if (row.Times == 1) EXPECT_THAT(process.Output, HasSubstr("Ended early: Stopped by ESC."));
+    if (row.Times == 1) {
+      EXPECT_THAT(process.Output, HasSubstr("Ended early: Stopped by ESC."));
+    }
     Expect_Switched_Off();
     const double x = Kept_X();
     EXPECT_GT(x, 1.45);

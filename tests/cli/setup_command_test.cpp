@@ -138,7 +138,9 @@ TEST_F(Setup_Command_Test, Interrupted_Commands_Leave_The_Earlier_Result) {
     EXPECT_EQ(Call(words, environment), Interrupted_By_Operator);
     EXPECT_EQ(Read_Whole_File(result), "earlier");
     EXPECT_EQ(Read_Whole_File(table), "earlier");
-    if (words[0] != "run") EXPECT_EQ(Printed, "");
+    if (words[0] != "run") {
+      EXPECT_EQ(Printed, "");
+    }
   }
 }
 

@@ -84,7 +84,7 @@ INSTANTIATE_TEST_SUITE_P(Samples, Start_Up_Test,
                          testing::Values(Sample{"contour.gc", "inch.ini"},
                                          Sample{"pocket.gc", "inch.ini"},
                                          Sample{"engraving.gc", "metric.ini"}),
-                         [](const auto& info) { return FileNameStem(info.param.Program); });
+                         [](const auto& sample) { return FileNameStem(sample.param.Program); });
 
 }  // namespace
 }  // namespace norvik

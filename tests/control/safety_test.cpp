@@ -191,7 +191,9 @@ TEST_F(Safety_Test, With_its_key_the_EStop_input_takes_the_outputs_off_and_keeps
     CNC_Controls.Check_Outputs[3].Value = true;
     Toggle_Outputs(3);
     EXPECT_EQ(Drive_Status.Output_Commanded[4], !key);
-    if (key) EXPECT_EQ(Messages.Panel[1], control_text::Outputs_Wait_For_Input);
+    if (key) {
+      EXPECT_EQ(Messages.Panel[1], control_text::Outputs_Wait_For_Input);
+    }
   }
 }
 

@@ -1,6 +1,6 @@
 // What no window may do beside a moving machine, and what stays in reach whatever is closed.
-#include "core/operation.h"
 #include "core/error_log.h"
+#include "core/operation.h"
 #include "ui/widgets/theme.h"
 #include "ui_fixture.h"
 
@@ -78,8 +78,12 @@ TEST_F(Calm_Test, Nothing_That_A_Mouse_Does_To_A_Widget_Waits_In_A_Loop) {
       box->hidePopup();
     }
     // A button's own menu is waited for.
-    if (auto* button = qobject_cast<QPushButton*>(widget)) EXPECT_EQ(button->menu(), nullptr);
-    if (auto* button = qobject_cast<QToolButton*>(widget)) EXPECT_EQ(button->menu(), nullptr);
+    if (auto* button = qobject_cast<QPushButton*>(widget)) {
+      EXPECT_EQ(button->menu(), nullptr);
+    }
+    if (auto* button = qobject_cast<QToolButton*>(widget)) {
+      EXPECT_EQ(button->menu(), nullptr);
+    }
     if (auto* line = qobject_cast<QLineEdit*>(widget)) {
       line->selectAll();
       EXPECT_FALSE(Waits_In_A_Loop([&] { Drag_Across(*line, line->rect().center() / 2); }))

@@ -22,8 +22,6 @@ struct Run_Pause {
 };
 
 struct Run_Options {
-  // The program is compiled, nothing has moved yet. Words when it must not be run.
-  std::function<std::string()> Compiled = [] { return std::string(); };
   // Trace of the moves. Absent: the usual file in the folder of the tables; empty: none.
   std::optional<std::string> Trace_File;
   // Absent goes on. Otherwise the run ends for this reason; empty: what stopped it says itself, or
@@ -34,6 +32,8 @@ struct Run_Options {
   // About four times in a second of the clock.
   std::function<void(std::int32_t step, std::int32_t last_step)> Progress = [](std::int32_t,
                                                                                std::int32_t) {};
+  // The program is compiled, nothing has moved yet. Words when it must not be run.
+  std::function<std::string()> Compiled = [] { return std::string(); };
 };
 
 struct Run_Summary {

@@ -1,5 +1,6 @@
 #include "ui/machine/controls_window.h"
 
+#include "app/gcode_form.h"
 #include "control/displays/displays.h"
 #include "control/manual/home.h"
 #include "control/manual/jog_guard.h"

@@ -1,10 +1,11 @@
 #include "ui/main/safety_bar.h"
 
 #include "control/run/cnc_controller.h"
+#include "control/safety/safety.h"
 #include "control/state/cnc_controls_form.h"
 #include "control/state/controller_state.h"
-#include "control/safety/safety.h"
 #include "core/application.h"
+#include "core/operation.h"
 #include "ui/widgets/theme.h"
 
 #include <QHBoxLayout>

@@ -3,6 +3,7 @@
 #include "app/gcode_form.h"
 #include "control/state/controller_state.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "plot/nist_plot.h"
 #include "plot/plot_form.h"
 #include "plot/plot_host.h"
