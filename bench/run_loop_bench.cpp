@@ -45,6 +45,7 @@ void Start_Machine() {
   Step_Engine = {};
   Timing = {};
   Pins = {};
+  Drive_Status = {};
   Move_Trace = {};
   Move_Trace.Path = "";
   Restore_Factory_Setup();

@@ -69,6 +69,7 @@ void Start_Machine() {
   Step_Engine = {};
   Timing = {};
   Pins = {};
+  Drive_Status = {};
   Restore_Factory_Setup();
   Wire_All_Pins();
   MachineSetup.Axis_SPI.Fill(1000);

@@ -17,7 +17,8 @@
 #include "core/application.h"
 #include "core/event_sounds.h"
 #include "core/setup.h"
-#include "parallel/timing.h"
+#include "drive/drive.h"
+#include "drive/priority.h"
 #include "plot/cursor.h"
 #include "plot/nist_plot.h"
 #include "plot/plot_host.h"
@@ -69,6 +70,7 @@ void Connect_App() {
   Compile_Host.Settle_Typed_Text = Settle_Typed_Text;
   Program_Wire_Host.Installed = Show_New_Table;
   Plot_Host.Select_Program_Text = [](const std::string& text) { Gcode_Host.Select_Text(text); };
+  Plot_Host.Motion_Active = [] { return Drive().Moves_Queued() > 0; };
   Run_Plot_Host.Draw_Segment = [](std::size_t, const Wire& wire) { Draw_Run_Segment(wire); };
   Run_Plot_Host.Mark_Rate_Error = [] { Plot_Mark_At_Cursor("X"); };
   Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;

@@ -10,18 +10,13 @@
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
 #include "parallel/port_setup.h"
-#include "parallel/step_engine.h"
 #include "platform/platform.h"
 
 namespace norvik {
 
 namespace {
-
-bool On_Parallel_Port() {
-  return MachineSetup.Parallel_Port_Type == 1;
-}
 
 void Told_Saved(bool saved, const char* text) {
   constexpr const char* lost =
@@ -57,7 +52,7 @@ void Table_Setup_Apply_Click() {
   // is.
   if (saved) LoadMachineSetup();
   // The yields let a press through that began something.
-  if (On_Parallel_Port() && !Anything_Moves()) Idle_All_Outputs();
+  if (!Anything_Moves()) Drive().Idle();
   Display_Jog_Tables();
   JogKey_Host.Form_Changed();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
@@ -70,7 +65,7 @@ void Menu_Machine_Diagnostics() {
     SetStatus(1, control_text::Not_While_Moving, 5);
     return;
   }
-  Show_Diagnostics();
+  Platform.Message_Box("Diagnostics", Drive().Diagnostics(), Box_Buttons::Ok);
 }
 
 }  // namespace norvik

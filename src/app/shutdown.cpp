@@ -9,7 +9,7 @@
 #include "compiler/state/compiler_state.h"
 #include "core/application.h"
 #include "core/operation.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 namespace norvik {
@@ -59,7 +59,7 @@ void bye() {
   if (Application.ShutdownFlag) return;
   // Without a session, as in a second instance, nothing was taken in hand and nothing is written.
   const bool has_session = Drive_Session.Open;
-  if (has_session) All_Outputs_Off();
+  if (has_session) Drive().All_Off();
   Application.ShutdownFlag = true;
   Application.Closing_Program = true;
   if (Runs(Operation::Import)) Application.EscFlag = true;

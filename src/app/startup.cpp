@@ -19,6 +19,7 @@
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "core/tool_file.h"
+#include "drive/drive.h"
 #include "plot/view.h"
 
 #include <filesystem>
@@ -34,10 +35,6 @@ constexpr int Joystick_Device = 0;
 constexpr const char* No_Pointer_Text =
     "Norvik.ini could not be found.  Use the Setup menus to initialize all parameters before using "
     "Norvik 4";
-
-bool On_Serial_Board() {
-  return MachineSetup.Parallel_Port_Type > 1;
-}
 
 void Read_Pointer_File() {
   Main_Window.Pointer_File_Was_There = FileExists(Pointer_File());
@@ -65,7 +62,7 @@ void Load_Desktop_Machine() {
 
 void Restore_Positions() {
   Load_Axis_Positions();
-  if (On_Serial_Board()) Main_Host.Send_Positions();
+  Drive().Set_Position();
 }
 
 void Start_Timers() {
@@ -83,7 +80,6 @@ bool Open_Drive() {
       [] { Main_Host.Open_Port(); });
   if (!opened) return false;
   Begin_Drive_Session();
-  if (On_Serial_Board()) Main_Host.Open_Serial_Link();
   return true;
 }
 

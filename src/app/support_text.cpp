@@ -6,6 +6,7 @@
 #include "core/format.h"
 #include "core/setup.h"
 #include "core/version.h"
+#include "drive/drive.h"
 
 namespace norvik {
 
@@ -27,6 +28,7 @@ std::string Support_Text() {
       {"Working folder", Application.AppDirectory},
       {"Tables and traces", Application.Table_Folder},
       {"Error log", Application.ErrorFile},
+      {"Drive", std::string(Drive().Name) + ", " + Drive().Health()},
       {"Longest wait of a button while the machine moves", Yield_Text()},
   };
   std::string text = Main_Form.Port_Text + "\n";

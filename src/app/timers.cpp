@@ -11,7 +11,7 @@
 #include "core/operation.h"
 #include "core/setup.h"
 #include "core/waiting.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
 #include "plot/nist_plot.h"
 
 #include <utility>
@@ -47,7 +47,7 @@ void Main_Timer1() {
   CheckEsc();
   if (Application.EscFlag) CNC_Controls_Esc();
   Look_At_Function_Keys();
-  if (MachineSetup.Parallel_Port_Type == 1) Motor_Timer_Tick();
+  Drive().Tick();
 }
 
 void Main_Timer2() {

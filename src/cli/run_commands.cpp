@@ -15,7 +15,7 @@
 #include "core/format.h"
 #include "core/paths.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
 #include "parallel/ports.h"
 #include "platform/platform.h"
 
@@ -137,17 +137,15 @@ class Machine_In_Hand {
     if (positions_confirmed) Position_Memory.Doubt.clear();
   }
   ~Machine_In_Hand() {
-    Platform.Stop_Timer(Motors);
+    Platform.Stop_Timer(Ticks);
     End_Drive_Session();
   }
   Machine_In_Hand(const Machine_In_Hand&) = delete;
   Machine_In_Hand& operator=(const Machine_In_Hand&) = delete;
 
  private:
-  static constexpr int Motor_Interval_ms = 100;
-  Timer_Id Motors = Platform.Start_Timer(Motor_Interval_ms, [] {
-    if (MachineSetup.Parallel_Port_Type == 1) Motor_Timer_Tick();
-  });
+  static constexpr int Tick_Interval_ms = 100;
+  Timer_Id Ticks = Platform.Start_Timer(Tick_Interval_ms, [] { Drive().Tick(); });
 };
 
 Run_Summary Run_On_Machine(const Run_Options& options, bool positions_confirmed) {

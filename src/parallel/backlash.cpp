@@ -2,9 +2,9 @@
 
 #include "core/application.h"
 #include "core/setup.h"
-#include "parallel/drive_host.h"
+#include "drive/drive_host.h"
+#include "drive/stops.h"
 #include "parallel/pin_map.h"
-#include "parallel/stops.h"
 #include "parallel/timing.h"
 
 #include <algorithm>
@@ -25,7 +25,7 @@ std::int64_t Toggles_Needed(int axis, bool negative) {
 // ESC, the E-stop, a closing program, or Stop pressed in a yield (the run mode has fallen to
 // stopped).
 std::optional<Move_End> Stop_Met(std::int16_t mode_before) {
-  if (EStop_Met()) return Move_End::EStop;
+  if (EStop_Met(EStop_Input_On)) return Move_End::EStop;
   if (Escape_Met()) return Move_End::Escape;
   if (Application.Closing_Program) return Move_End::Stopped;
   if (mode_before != CNC_Stopped && Machine.CNCMode == CNC_Stopped) return Move_End::Stopped;

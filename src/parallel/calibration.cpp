@@ -5,10 +5,11 @@
 #include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
-#include "parallel/drive_host.h"
+#include "drive/drive_host.h"
+#include "drive/drive_status.h"
+#include "drive/stops.h"
 #include "parallel/pin_map.h"
 #include "parallel/step_engine.h"
-#include "parallel/stops.h"
 #include "parallel/timing.h"
 #include "platform/platform.h"
 
@@ -57,7 +58,7 @@ Calibration_End Run_Calibration(double feed) {
     if (Application.Closing_Program || pressed || Escape_Met()) return Calibration_End::Cancelled;
     Toggle_Step(Dummy_Axis, false, false, false);
     const double live = Panel_Feed();
-    Delay_Half_Step(1, live * Timing.Feed_Override);
+    Delay_Half_Step(1, live * Drive_Status.Feed_Override);
     if (!second) continue;
     const auto ratio = Feed_Monitor(1, live);
     if (ratio && *ratio >= 0.99f && *ratio <= 1.01f) --good_left;

@@ -4,6 +4,7 @@
 #include "core/axes.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive_status.h"
 #include "parallel/ports.h"
 
 #include <string>
@@ -59,7 +60,7 @@ std::uint8_t With_Bit(std::uint8_t value, std::uint8_t mask, bool high) {
 
 void Set_Pin(const Pin& pin, bool high) {
   if (pin.Mask == 0) return;
-  PPSetPort(pin.Port, With_Bit(PPGetPort(pin.Port), pin.Mask, high), true);
+  PPSetPort(pin.Port, With_Bit(Output_Byte(pin.Port), pin.Mask, high), true);
 }
 
 // Brings a function to a logic state through its invert flag.
@@ -77,7 +78,7 @@ void Count_Step(int axis, bool negative) {
   }
   const double delta = (1 / scale) * (negative ? -1 : 1);
   Machine.Position[axis] += delta;
-  Pins.Home_Distance[axis] = static_cast<float>(Pins.Home_Distance[axis] + delta);
+  Drive_Status.Home_Distance[axis] = static_cast<float>(Drive_Status.Home_Distance[axis] + delta);
 }
 
 }  // namespace
@@ -110,12 +111,13 @@ bool Read_Input(int slot) {
 
 void Read_Limits() {
   for (int axis = 1; axis <= Axis_Count; ++axis) {
-    Pins.Limit_State[axis] = Read_Input(Limit_Input(axis));
-    if (Pins.Limit_State[axis]) Pins.Home_Distance[axis] = 0;
+    Drive_Status.Limit_State[axis] = Read_Input(Limit_Input(axis));
+    if (Drive_Status.Limit_State[axis]) Drive_Status.Home_Distance[axis] = 0;
   }
   for (int n = 1; n <= 4; ++n) {
     const Pin pin = Output_Pin(Output_Slot(n));
-    Pins.Output_State[n] = pin.Mask != 0 && ((PPGetPort(pin.Port) & pin.Mask) != 0) != pin.Invert;
+    Drive_Status.Output_State[n] =
+        pin.Mask != 0 && ((Output_Byte(pin.Port) & pin.Mask) != 0) != pin.Invert;
   }
 }
 
@@ -129,11 +131,11 @@ void Motor_Disable(int axis) {
   Set_Function(Enable_Slot(axis), false);
 }
 void Output_On(int n) {
-  Pins.Output_Commanded[n] = Output_Bit(Output_Slot(n)).has_value();
+  Drive_Status.Output_Commanded[n] = Output_Bit(Output_Slot(n)).has_value();
   Set_Function(Output_Slot(n), true);
 }
 void Output_Off(int n) {
-  Pins.Output_Commanded[n] = false;
+  Drive_Status.Output_Commanded[n] = false;
   Set_Function(Output_Slot(n), false);
 }
 
@@ -155,16 +157,16 @@ void Toggle_Step(int axis, bool negative, bool enabled, bool is_backlash) {
   if (enabled) Pins.Motor_Enable_Timer[axis] = MachineSetup.Parallel_MotorEnable_Time;
   const Pin pin = Output_Pin(Step_Slot(axis));
   if (pin.Mask == 0) return;
-  const std::uint8_t value = PPGetPort(pin.Port);
+  const std::uint8_t value = Output_Byte(pin.Port);
   std::int16_t& level = Pins.Step_Bit[axis];
   level = level == 0 ? 1 : 0;
   const double position = Machine.Position[axis];
-  const float home_distance = Pins.Home_Distance[axis];
+  const float home_distance = Drive_Status.Home_Distance[axis];
   if (level != 0 && enabled && !is_backlash) Count_Step(axis, negative);
   if (PPSetPort(pin.Port, With_Bit(value, pin.Mask, level != 0), enabled)) return;
   // The pin did not move: no step was made.
   Machine.Position[axis] = position;
-  Pins.Home_Distance[axis] = home_distance;
+  Drive_Status.Home_Distance[axis] = home_distance;
 }
 
 }  // namespace norvik

@@ -21,6 +21,8 @@
 
 #include "core/axes.h"
 #include "core/indexed.h"
+#include "drive/drive_status.h"
+#include "drive/move.h"
 
 #include <cstdint>
 #include <optional>
@@ -47,25 +49,8 @@ constexpr int Limit_Input(int axis) {
   return axis;
 }
 
-// Levels, switches and motors as the drive knows them.
+// Levels of the step pins, and the motors.
 struct Pin_State {
-  // --- Set by Read_Limits ----------------------------------------------------------------------
-  Indexed<bool, 1, 4> Limit_State;   // home and limit switch of each axis is on
-  Indexed<bool, 1, 4> Output_State;  // outputs 1..4 as read back: spindle CW, CCW, mist, flood
-
-  // --- Set by Output_On and Output_Off ---------------------------------------------------------
-  // What outputs 1..5 were last told; an output without a pin stays off. Some ports do not read
-  // back what was written.
-  Indexed<bool, 1, 5> Output_Commanded;
-
-  // --- Set by Read_Limits and by the steps -----------------------------------------------------
-  // Units of the setup moved since the switch was last seen on.
-  Indexed<float, 1, 6> Home_Distance;
-
-  // --- Set by the control room -----------------------------------------------------------------
-  // A switch was on at the start: no direction is known to be safe, the limit guard blocks nothing.
-  bool Home_Safety_Off = false;
-
   // --- Step pins -------------------------------------------------------------------------------
   // The truth about the level of each step pin. Some ports do not read back what was written, and a
   // step edge taken from a stale bit would be a lost or a doubled step.
@@ -92,8 +77,11 @@ std::string Input_Role(int slot);   // slot 0..5
 
 // State of an input 0..5 after its invert flag: an input that is not inverted is active low.
 bool Read_Input(int slot);
-// Refreshes `Pins.Limit_State` and `Pins.Output_State`. The home distance of an axis whose switch
-// is on becomes 0.
+inline bool EStop_Input_On() {
+  return Read_Input(EStop_Input);
+}
+// Refreshes `Drive_Status.Limit_State` and `Drive_Status.Output_State`. The home distance of an
+// axis whose switch is on becomes 0.
 void Read_Limits();
 
 // Axes 1..4. The direction pin is high for the negative direction, low when inverted.
@@ -112,9 +100,9 @@ void Idle_All_Outputs();
 void All_Outputs_Off();
 
 // One half step of one axis: toggles the step pin by the bit memory. The rising edge is the step
-// and counts in `Machine.Position` and `Home_Distance`, unless the axis is blocked (`enabled`
-// false: the byte goes to the dummy address), the edge only takes up backlash, or the port did not
-// take the write. Raises a division fault when the scale of the axis is 0.
+// and counts in `Machine.Position` and `Drive_Status.Home_Distance`, unless the axis is blocked
+// (`enabled` false: the byte goes to the dummy address), the edge only takes up backlash, or the
+// port did not take the write. Raises a division fault when the scale of the axis is 0.
 void Toggle_Step(int axis, bool negative, bool enabled, bool is_backlash);
 
 // Motor enable supervision, from the panel's timer: with option 0 motors of resting axes are off,

@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "parallel/connector.h"
 #include "parallel/pin_map.h"
 #include "parallel/port_display.h"
@@ -216,7 +217,7 @@ bool Save_Parallel_Info() {
   MachineSetup.Parallel_MCode_Low[0] = Trim(Port_Setup.Text_MCode_Low);
   MachineSetup.Parallel_Port_Type = Port_Setup.Option_Port_Type;
   const bool saved = SaveMachineSetup();
-  if (MachineSetup.Parallel_Port_Type == 1) Idle_All_Outputs();
+  Drive().Idle();
   return saved;
 }
 

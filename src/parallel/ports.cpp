@@ -24,6 +24,10 @@ namespace {
 
 constexpr std::int32_t Highest_Port = 65535;
 
+// The byte written last to each address, with the mark; 0: none.
+constexpr std::uint16_t Is_Written = 0x100;
+std::array<std::uint16_t, Highest_Port + 1> Written{};
+
 bool Accessible(std::int32_t port) {
   const std::int16_t way = MachineSetup.Parallel_IODLL;
   return port >= Lowest_Port && port <= Highest_Port && (way == 1 || way == 2);
@@ -69,10 +73,26 @@ bool PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept {
   const bool written = Trap_With(
       [](const Fault& fault) { Note_Failure(Port_Failures.Writes, "PPSetPort_Error", fault); },
       [&] { Platform.Port_Write(static_cast<std::uint16_t>(target), value); });
+  if (written && real) Written[static_cast<std::size_t>(port)] = Is_Written | value;
   if (written && Port_Recorder.Active) {
     Trap("Port_Recorder_Error", [&] { Record(port, value, real); });
   }
   return written;
+}
+
+std::uint8_t Output_Byte(std::int32_t port) noexcept {
+  const std::uint8_t read = PPGetPort(port);
+  return MachineSetup.Port_Shadow ? Written_Byte(port).value_or(read) : read;
+}
+
+void Forget_Written_Bytes() {
+  Written.fill(0);
+}
+
+std::optional<std::uint8_t> Written_Byte(std::int32_t port) {
+  if (!Accessible(port)) return std::nullopt;
+  const std::uint16_t entry = Written[static_cast<std::size_t>(port)];
+  return entry == 0 ? std::nullopt : std::optional(static_cast<std::uint8_t>(entry & 0xFF));
 }
 
 void Start_Port_Recorder(std::function<void(const std::vector<Port_Write_Record>&)> take_block) {

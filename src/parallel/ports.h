@@ -17,6 +17,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -39,6 +40,15 @@ std::uint8_t PPGetPort(std::int32_t port) noexcept;
 // the write costs the same and no pin moves. Nothing happens where PPGetPort would not read. False
 // when the write failed, so that the pins are as they were. Raises nothing.
 bool PPSetPort(std::int32_t port, std::uint8_t value, bool real) noexcept;
+
+// The byte of an output register, to change a bit of it: what the port reads back, or, with the
+// setting `Port_Shadow`, what was written to it last. The port is read either way, so that the step
+// pulses keep their timing.
+std::uint8_t Output_Byte(std::int32_t port) noexcept;
+// Absent: nothing was written to it yet.
+std::optional<std::uint8_t> Written_Byte(std::int32_t port);
+// Forgets what was written: another machine stands behind the ports.
+void Forget_Written_Bytes();
 
 struct Port_Failure {
   std::int64_t Count = 0;  // since the program started

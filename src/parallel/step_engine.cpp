@@ -6,10 +6,12 @@
 #include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive_host.h"
+#include "drive/drive_status.h"
+#include "drive/move_plan.h"
+#include "drive/stops.h"
 #include "parallel/backlash.h"
-#include "parallel/drive_host.h"
 #include "parallel/pin_map.h"
-#include "parallel/stops.h"
 #include "parallel/timing.h"
 #include "platform/platform.h"
 
@@ -19,7 +21,6 @@
 namespace norvik {
 
 Step_Engine_State Step_Engine;
-Drive_Host_Operations Drive_Host;
 
 namespace {
 
@@ -32,8 +33,8 @@ void Switch_Outputs(const Step_Request& request) {
   }
 }
 
-// A move with a scale that cannot be timed or counted is refused before a pin moves. The scale of X
-// times every move.
+// Steps of an axis without a usable scale could not be counted, and every half step is timed by the
+// scale of X, whichever axis moves. Such a move is refused before a pin moves.
 void Check_Scales(const Step_Request& request) {
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const double scale = MachineSetup.Axis_SPI[axis];
@@ -50,19 +51,6 @@ void Check_Scales(const Step_Request& request) {
   }
 }
 
-// The cruise ceiling: an axis that would exceed its own limit holds the whole move to the number of
-// that limit (the limit itself, not scaled to the move).
-double Axis_Limited_Run(const Step_Request& request) {
-  double limit = request.Run;
-  for (int axis = 1; axis <= Axis_Count; ++axis) {
-    const double axis_ipm =
-        static_cast<double>(request.Steps[axis]) / Step_Engine.MaxSteps * request.Run;
-    const double axis_max = MachineSetup.Axis_Max_Feed_Rate[axis];
-    if (axis_max < limit && axis_ipm > axis_max) limit = axis_max;
-  }
-  return limit;
-}
-
 void Set_Step_Distribution(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   for (int axis = 1; axis <= Axis_Count; ++axis) {
@@ -73,37 +61,33 @@ void Set_Step_Distribution(const Step_Request& request) {
   e.Accumulator.Fill(0);
 }
 
-void Set_Speeds(const Step_Request& request) {
+// The speeds that the move runs with, in the words of the diagnostics.
+void Take_Speeds(const Move_Plan& plan) {
   Step_Engine_State& e = Step_Engine;
-  const bool ramping = MachineSetup.Axis_Ramping;
-  e.RampInc = MachineSetup.Axis_Ramp_Rate / 100.0;
-  if (ramping && e.RampInc <= 0) {
+  e.Rn_Limit = e.IPM_Rn = plan.Cruise;
+  e.IPM_St = plan.Start;
+  e.IPM_En = plan.End;
+  e.IPM_Low = plan.Low;
+  e.RampInc = plan.Increment;
+  e.RampUp_Val = plan.Ramp_Up;
+  e.RampDN_Val = plan.Ramp_Down;
+  e.Current_IPM = std::min(e.IPM_St, e.Rn_Limit);
+}
+
+Move_Plan Plan_Of(const Step_Request& request) {
+  const Move_Rules rules = Rules_Of_Setup();
+  if (rules.Ramping && Ramp_Increment(rules.Ramp_Rate) <= 0) {
     throw Fault(Fault_Number::Division_By_Zero,
                 "Axis_Ramp_Rate is " + std::to_string(MachineSetup.Axis_Ramp_Rate) +
                     ": choose a ramp rate of 1 to 15, or switch ramping off");
   }
-  const double cruise = std::min(request.Run, e.Rn_Limit);
-  e.IPM_St = ramping ? request.Start : cruise;
-  e.IPM_Rn = cruise;
-  e.IPM_En = ramping ? request.End : cruise;
-  e.Current_IPM = std::min(e.IPM_St, e.Rn_Limit);
+  Indexed<double, 1, 4> steps;
+  for (int axis = 1; axis <= Axis_Count; ++axis) steps[axis] = request.Steps[axis];
+  return Plan_Move(rules, steps, request.Start, request.Run, request.End);
 }
 
-// Iterations of the ramps, drawn in the header. Ramps that do not fit are cut by rule.
-void Set_Ramps() {
-  Step_Engine_State& e = Step_Engine;
-  const double iterations = 2.0 * e.MaxSteps;
-  const auto ramp = [&](double difference) {
-    return difference == 0 ? 0.0 : difference / e.RampInc;
-  };
-  e.RampUp_Val = To_Single(ramp(e.IPM_Rn - e.IPM_St));
-  if (e.RampUp_Val > iterations) e.RampUp_Val = To_Single(e.MaxSteps);
-  const double down = ramp(e.IPM_Rn - e.IPM_En);
-  e.RampDN_Val = To_Single(iterations - down);
-  if (e.RampDN_Val < static_cast<double>(e.MaxSteps) - e.RampUp_Val) e.RampDN_Val = e.RampUp_Val;
-}
-
-// Directions of all axes first, so that they are settled before the first step edge.
+// All directions before all enables: drivers want a direction to rest for some microseconds before
+// the first step.
 void Begin_Stepping(const Step_Request& request) {
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     if (Step_Engine.Moving[axis]) Set_Direction(axis, request.Negative[axis]);
@@ -116,22 +100,28 @@ void Begin_Stepping(const Step_Request& request) {
   Step_Engine.Stepping_Began = true;
 }
 
-// What the move reads from the request and the setup; moves no pin.
-void Plan_Move(const Step_Request& request) {
+// All that a move has to know before its first step. A request that is refused here has moved no
+// pin.
+void Prepare_Move(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   Check_Scales(request);
-  e.Rn_Limit = Axis_Limited_Run(request);
   Set_Step_Distribution(request);
-  Set_Speeds(request);
-  Set_Ramps();
+  Take_Speeds(Plan_Of(request));
   e.Iteration = 0;
   e.Phase = false;
 }
 
 // --- One iteration -------------------------------------------------------------------------------
 
-// Blocks the moving axes whose switch is on and that travel the way they went when it was last off,
-// and notes the free direction of the others. False: an axis is blocked, the move ends.
+// An axis that meets its switch may only go back. No setting says on which side the switch is, so
+// the guard goes by what it saw: `Safe_Dir` holds the direction against the one in which the axis
+// was going when its switch was last off. With the switch on, the axis may move that way only.
+// False: an axis is blocked, the move ends.
+//
+// A switch that bounces while the axis backs off it reads off for a moment. Taken for the end of
+// the switch, that would turn the free direction round: the retreat is refused, and the way through
+// the switch is free. With `Limit_Filter_Steps` the switch counts as left only after the axis
+// itself has made so many half steps with the switch off.
 bool Limit_Guard(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   if (MachineSetup.LimitSwitchDisable == 1) return true;
@@ -139,19 +129,26 @@ bool Limit_Guard(const Step_Request& request) {
   bool free = true;
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const bool towards = e.Safe_Dir[axis] != request.Negative[axis];
-    const bool blocked =
-        !Pins.Home_Safety_Off && e.Moving[axis] && towards && Pins.Limit_State[axis];
+    const bool blocked = !Drive_Status.Home_Safety_Off && e.Moving[axis] && towards &&
+                         Drive_Status.Limit_State[axis];
     if (!blocked) continue;
     e.Axis_Enabled[axis] = free = false;
+    Drive_Status.Free_Negative[axis] = e.Safe_Dir[axis];
     if (!Machine.Jog_Stop_Request) Drive_Host.Stop_Run();
   }
   for (int axis = 1; axis <= Axis_Count; ++axis) {
-    if (!Pins.Limit_State[axis]) e.Safe_Dir[axis] = !request.Negative[axis];
+    if (Drive_Status.Limit_State[axis]) {
+      e.Off_Toggles[axis] = 0;
+    } else if (e.Off_Toggles[axis] >= MachineSetup.Limit_Filter_Steps) {
+      e.Safe_Dir[axis] = !request.Negative[axis];
+    }
   }
   return free;
 }
 
-// Adds 1 / StepSkip of a toggle to each axis, in units of 1 / MaxSteps so that nothing is lost.
+// An axis with half as many steps as the longest toggles in every second iteration. Each iteration
+// adds the steps of the axis to its sum, and a toggle is due when the sum reaches MaxSteps: whole
+// numbers, so that no rounding adds up over a long move.
 void Toggle_Due_Axes(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   for (int axis = 1; axis <= Axis_Count; ++axis) {
@@ -160,6 +157,7 @@ void Toggle_Due_Axes(const Step_Request& request) {
     if (sum < e.MaxSteps) continue;
     sum -= e.MaxSteps;
     Toggle_Step(axis, request.Negative[axis], e.Axis_Enabled[axis], false);
+    ++e.Off_Toggles[axis];
   }
 }
 
@@ -186,10 +184,10 @@ std::optional<Move_End> Half_Step(const Step_Request& request) {
     Machine.Jog_Stop_Request = true;
     return Move_End::Released;
   }
-  if (EStop_Met()) return Move_End::EStop;
+  if (EStop_Met(EStop_Input_On)) return Move_End::EStop;
   if (Application.Closing_Program) return Move_End::Stopped;
   Toggle_Due_Axes(request);
-  Delay_Half_Step(1, e.Current_IPM * Timing.Feed_Override);
+  Delay_Half_Step(1, e.Current_IPM * Drive_Status.Feed_Override);
   ++e.Iteration;
   Ramp_Speed();
   if (e.Phase) {
@@ -219,7 +217,8 @@ void Check_End_Rate() {
   ErrorLogWrite("Step Rate Error!");
 }
 
-// Also after a failure: motors and marks are put right before anything that might fail again.
+// Runs after a failure too, so each part that may fail is trapped for itself, and motors and marks
+// are put right before the rest.
 void Finish_Move(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   Trap("Step_Engine_Move_Error", [&] { Feed_Monitor(1, e.Current_IPM); });
@@ -244,14 +243,14 @@ void Finish_Move(const Step_Request& request) {
 Move_End Run_Move(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   e.Request = request;
-  e.IPM_Low = std::min({99999.0, request.Start, request.Run, request.End});
   Switch_Outputs(request);
   Timing.Settle_Count = 0;
+  Drive_Status.Free_Negative.Fill(std::nullopt);
   e.Moving.Fill(false);
   e.Stepping_Began = false;
   e.MaxSteps = *std::max_element(request.Steps.begin(), request.Steps.end());
   if (e.MaxSteps == 0) return Move_End::No_Steps;
-  Plan_Move(request);
+  Prepare_Move(request);
   const auto cut_short = Take_Up_Backlash(request);
   if (cut_short) return *cut_short;
   Begin_Stepping(request);
@@ -276,6 +275,7 @@ Move_End Step_Engine_Move(const Step_Request& request) noexcept {
 
 void Forget_Driven_Machine() {
   Pins = {};
+  Drive_Status = {};
   Step_Engine = {};
   Step_Engine.Stored_Time_Constant = MachineSetup.Parallel_Time_Constant;
   Step_Engine.Stored_In = Application.MachineFile;
@@ -299,10 +299,6 @@ std::string Diagnostics_Text() {
   line("IPM_Rn", Shortest_Text(e.IPM_Rn));
   line("IPM_En", Shortest_Text(e.IPM_En));
   return text;
-}
-
-void Show_Diagnostics() {
-  Platform.Message_Box("Diagnostics", Diagnostics_Text(), Box_Buttons::Ok);
 }
 
 }  // namespace norvik

@@ -33,25 +33,13 @@
 #pragma once
 
 #include "core/indexed.h"
+#include "drive/move.h"
 
 #include <cstdint>
 #include <optional>
 #include <string>
 
 namespace norvik {
-
-// What a move is asked to do. Speeds in IPM.
-struct Step_Request {
-  Indexed<std::int32_t, 1, 4> Steps;                 // not negative; 0: the axis does not move
-  Indexed<bool, 1, 4> Negative;                      // direction, also given for resting axes
-  double Start = 0, Run = 0, End = 0;                // IPM at the start, cruising, at the end
-  bool No_Rate_Check = false;                        // the move may end early at any speed (jogs)
-  Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};  // outputs 1..5: 0 off, 2 on, else unchanged
-};
-
-// Why a move ended. Only `Done` means that every step was made; the position counts edges and is
-// right in every case.
-enum class Move_End { Done, No_Steps, Limit, Released, EStop, Escape, Stopped, Failed };
 
 // What the engine keeps between moves, and the numbers of the last move for the diagnostics.
 struct Step_Engine_State {
@@ -60,6 +48,10 @@ struct Step_Engine_State {
   // --- Kept between moves ----------------------------------------------------------------------
   Indexed<bool, 1, 4> Last_Dir;  // direction of the last move of each axis, for backlash
   Indexed<bool, 1, 4> Safe_Dir;  // the direction not travelled when the switch was last off
+  // Toggles of the axis since its switch was last seen on; a switch never seen on was left long
+  // ago.
+  static constexpr std::int64_t Long_Ago = std::int64_t{1} << 40;
+  Indexed<std::int64_t, 1, 4> Off_Toggles{{Long_Ago, Long_Ago, Long_Ago, Long_Ago}};
   // Toggles that a take-up cut short still owes against Last_Dir; absent: none was cut short.
   Indexed<std::optional<std::int64_t>, 1, 4> Take_Up_Left;
   // Value of `Parallel_Time_Constant` that the machine file holds; absent: not known.
@@ -99,8 +91,7 @@ Move_End Step_Engine_Move(const Step_Request& request) noexcept;
 // constant that was loaded. Touches no pin. Only while nothing moves.
 void Forget_Driven_Machine();
 
-// The numbers of the last move, one to a line, and the box titled "Diagnostics" that shows them.
+// The numbers of the last move, one to a line.
 std::string Diagnostics_Text();
-void Show_Diagnostics();
 
 }  // namespace norvik

@@ -6,7 +6,8 @@
 #include "core/numbers.h"
 #include "core/operation.h"
 #include "core/setup.h"
-#include "parallel/drive_host.h"
+#include "drive/drive_host.h"
+#include "drive/drive_status.h"
 #include "parallel/timing.h"
 
 #include <algorithm>
@@ -68,7 +69,7 @@ void System_Timing_Cancel_Click() {
 
 void System_Timing_Timer1() {
   System_Timing.Text_TimeConstant = std::to_string(MachineSetup.Parallel_Time_Constant);
-  System_Timing.Label_Actual_FeedRate = Format_Number(Timing.Actual_IPM, "###.00");
+  System_Timing.Label_Actual_FeedRate = Format_Number(Drive_Status.Actual_IPM, "###.00");
   System_Timing.Label_FeedRate_Error =
       Format_Number(1 - static_cast<double>(Timing.Feed_Ratio), "#####.000");
 }

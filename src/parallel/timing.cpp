@@ -2,17 +2,17 @@
 
 #include "core/application.h"
 #include "core/fault.h"
-#include "core/messages.h"
 #include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive_status.h"
+#include "drive/move_plan.h"
 #include "parallel/step_engine.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
-#include <set>
 
 namespace norvik {
 
@@ -20,25 +20,23 @@ Timing_State Timing;
 
 namespace {
 
-constexpr double Slowest_IPM = 0.001, Fastest_IPM = 2000;
 constexpr double Shortest_Delay = 1, Longest_Delay = 2'000'000;  // microseconds
 constexpr double Override_Step = 0.0005;
 constexpr std::int64_t Measure_Interval = 1'000'000'000, Yield_Interval = 250'000'000;  // ns
 
-// Microseconds of a half step.
-double Half_Period(int axis, double ipm) {
+// Microseconds of a half step at the scale of an axis.
+double Half_Period_Of(int axis, double ipm) {
   const double scale = MachineSetup.Axis_SPI[axis];
-  const double rate = scale * std::clamp(ipm, Slowest_IPM, Fastest_IPM) / 60;
-  if (rate == 0) {
+  if (scale == 0) {
     throw Fault(Fault_Number::Division_By_Zero,
                 "Axis_SPI_" + std::to_string(axis) + " is 0: set the steps per unit of the axis");
   }
-  return 1'000'000 * (1 / rate) / 2;
+  return Half_Period(scale, ipm);
 }
 
 void Slew_Override() {
-  float& now = Timing.Feed_Override;
-  const float target = Timing.Feed_Override_Target;
+  float& now = Drive_Status.Feed_Override;
+  const float target = Drive_Status.Feed_Override_Target;
   if (target > now) now = static_cast<float>(now + Override_Step);
   if (target < now) now = static_cast<float>(now - Override_Step);
 }
@@ -60,9 +58,9 @@ float Measured_IPM(int axis) {
 
 // The actual speed over the commanded one in thousandths, cut; absent without a commanded speed.
 std::optional<float> New_Ratio(double ipm) {
-  const double commanded = ipm * Timing.Feed_Override;
+  const double commanded = ipm * Drive_Status.Feed_Override;
   if (commanded == 0) return std::nullopt;
-  const double ratio = std::trunc(1000 * Timing.Actual_IPM / commanded) / 1000;
+  const double ratio = std::trunc(1000 * Drive_Status.Actual_IPM / commanded) / 1000;
   const double largest = std::numeric_limits<float>::max();
   return static_cast<float>(std::clamp(ratio, -largest, largest));
 }
@@ -78,7 +76,7 @@ void Tune_Time_Constant(double ratio) {
 }
 
 std::optional<float> Measure(int axis, double ipm) {
-  Timing.Actual_IPM = Measured_IPM(axis);
+  Drive_Status.Actual_IPM = Measured_IPM(axis);
   Timing.Monitor_Count = 0;
   std::optional<float> ratio;
   if (Timing.Settle_Count > 2 && (Timing.FeedRate_Autotune || Runs(Operation::Calibration))) {
@@ -104,7 +102,7 @@ void Yield_When_Due(std::int64_t now) {
 void Delay_Half_Step(int axis, double ipm) {
   std::int32_t& constant = MachineSetup.Parallel_Time_Constant;
   constant = std::clamp(constant, 0, Time_Constant_Max);
-  const double half = Half_Period(axis, ipm);
+  const double half = Half_Period_Of(axis, ipm);
   const double wait = std::clamp(std::trunc(half - constant), Shortest_Delay, Longest_Delay);
   const std::int32_t microseconds = To_Int32(wait);
   if (Platform.Delay_In_Period) {
@@ -134,14 +132,6 @@ void Store_Time_Constant() {
   WriteSetup("General", "Parallel_Time_Constant", std::to_string(constant));
   e.Stored_Time_Constant = constant;
   e.Stored_In = Application.MachineFile;
-}
-
-void Set_Application_Priority(int level) {
-  static std::set<std::string> told;
-  const std::string refusal = Platform.Set_Priority(level);
-  if (refusal.empty() || !told.insert(refusal).second) return;
-  SetStatus(1, refusal, 10);
-  AddMessage(refusal);
 }
 
 }  // namespace norvik

@@ -26,12 +26,8 @@ struct Timing_State {
   // --- Set by the panel ------------------------------------------------------------------------
   bool FeedRate_Autotune = false;  // Check_FeedRate_Autotune
 
-  // --- Speed override, 1 = 100 percent. The override follows its target half step by half step.
-  float Feed_Override = 1, Feed_Override_Target = 1;
-
   // --- Measured --------------------------------------------------------------------------------
-  float Actual_IPM = 0;            // once a second
-  float Feed_Ratio = 0;            // Actual_IPM / commanded speed, cut to thousandths
+  float Feed_Ratio = 0;            // actual over commanded speed, cut to thousandths
   std::int32_t Monitor_Count = 0;  // full steps since the last measurement
   std::int16_t Settle_Count = 0;   // measurements since the move began
   // Start of the running measurement and time of the last yield, ns; absent before the first.
@@ -49,6 +45,11 @@ void Delay_Half_Step(int axis, double ipm);
 // yield: positions, flags and setup may have changed afterwards.
 std::optional<float> Feed_Monitor(int axis, double ipm);
 
+// The state of Check_FeedRate_Autotune.
+inline bool FeedRate_Autotune() {
+  return Timing.FeedRate_Autotune;
+}
+
 // What a calibration came to.
 enum class Calibration_End { Found, Not_Settled, Cancelled };
 // Runs the Y axis as a dummy (not enabled, no pin moves) at the live feed until ten readings were
@@ -60,10 +61,6 @@ std::string Calibration_Text(Calibration_End end);
 
 // Writes the time constant to section "General" of the machine file.
 void Store_Time_Constant();
-
-// Applies `MachineSetup.Application_Priority`: 0 normal, 1 high, 2 real time. A refused right is
-// said once for each level in the message list and status panel 1.
-void Set_Application_Priority(int level);
 
 // --- Controls of the panel -----------------------------------------------------------------------
 // Command_TC_Adjust: index 0 raises the time constant by one, 1 lowers it, within its bounds.

@@ -45,8 +45,7 @@ bool Stop_Asked() {
 // Shows the time of a dwell in the growing picture. Yields; ESC and a closing program end it.
 void Wait_Out_Dwell(double seconds) {
   constexpr int standing_yields = 10'000;
-  if (MachineSetup.Parallel_Port_Type > 1)
-    while (Plot_Host.Motion_Active() && !Stop_Asked()) DoEvents();
+  while (Plot_Host.Motion_Active() && !Stop_Asked()) DoEvents();
   const std::int64_t start = Platform.Monotonic_Clock();
   std::int64_t now = start;
   // A clock that stands still ends the wait.

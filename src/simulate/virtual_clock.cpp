@@ -135,6 +135,51 @@ void Remove_Virtual_Clock() {
   Virtual_Clock = {};
 }
 
+// The operations are replaced once and ask each time whether the clock is a virtual one. A change
+// of the factor arrives in a yield, within a call of one of them, and must not put another in its
+// place.
+void Offer_Time_Factors() {
+  Virtual_Clock = {};
+  Virtual_Clock.Below = Platform;
+  Platform.Monotonic_Clock = [] {
+    Virtual_Clock_State& clock = Virtual_Clock;
+    return clock.Installed ? clock.Now : clock.Below.Monotonic_Clock() + clock.Ahead;
+  };
+  Platform.Day_Clock = [] {
+    return Virtual_Clock.Installed ? Day_Clock() : Virtual_Clock.Below.Day_Clock();
+  };
+  Platform.Delay_Microseconds = [](std::int32_t microseconds) {
+    if (Virtual_Clock.Installed) return Delay(microseconds);
+    Virtual_Clock.Below.Delay_Microseconds(microseconds);
+  };
+  Platform.Delay_In_Period = [](std::int32_t microseconds, std::int64_t period_ns) {
+    if (Virtual_Clock.Installed) return Delay_In_Period(microseconds, period_ns);
+    if (Virtual_Clock.Below.Delay_In_Period)
+      return Virtual_Clock.Below.Delay_In_Period(microseconds, period_ns);
+    Virtual_Clock.Below.Delay_Microseconds(microseconds);
+  };
+  Platform.Do_Events = [] {
+    if (Virtual_Clock.Installed) return Yield();
+    Virtual_Clock.Below.Do_Events();
+  };
+}
+
+void Set_Time_Factor(double factor) {
+  Virtual_Clock_State& clock = Virtual_Clock;
+  const std::int64_t now = Platform.Monotonic_Clock();
+  if (factor == 1) {
+    clock.Ahead = now - clock.Below.Monotonic_Clock();
+    clock.Installed = false;
+    return;
+  }
+  if (!clock.Installed) clock.Day_Start = clock.Below.Day_Clock() - static_cast<double>(now) / 1e9;
+  clock.Now = now;
+  clock.Installed = true;
+  clock.Speed_Factor = factor;
+  clock.Pace_Factor = 0;  // held to the real clock from here
+  clock.Pace_Due = now;
+}
+
 void Advance_Virtual_Clock(std::int64_t ns) {
   Virtual_Clock.Now += ns;
   if (Virtual_Clock.Speed_Factor > 0 && Virtual_Clock.Now >= Virtual_Clock.Pace_Due) Pace();

@@ -44,6 +44,7 @@ struct Virtual_Clock_State {
   std::int64_t Pace_Due = 0, Pace_Start = 0, Pace_Real_Start = 0;  // ns
   double Pace_Factor = 0;
   Platform_Operations Below;  // what was installed before
+  std::int64_t Ahead = 0;     // of the real clock while time factors are offered, ns
 };
 extern Virtual_Clock_State Virtual_Clock;
 
@@ -52,6 +53,13 @@ extern Virtual_Clock_State Virtual_Clock;
 void Install_Virtual_Clock();
 // Puts back what was installed before.
 void Remove_Virtual_Clock();
+
+// For an operator who watches: from here on `Set_Time_Factor` lets time run faster. Once, before
+// anything moves; changes nothing by itself. Timers stay with the environment below, in real time.
+void Offer_Time_Factors();
+// Virtual seconds in a real second; 1: the real clock again. At any moment, within a move too: the
+// clock goes on from where it is and never goes back.
+void Set_Time_Factor(double factor);
 
 // Moves the clock. Runs no timer.
 void Advance_Virtual_Clock(std::int64_t ns);

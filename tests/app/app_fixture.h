@@ -59,6 +59,7 @@ struct App_Test : testing::Test {
     Session_Mark = {};
     Position_Memory = {};
     Pins = {};
+    Drive_Status = {};
     Step_Engine = {};
     Timing = {};
     Connect_App();

@@ -7,6 +7,7 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "core/fault.h"
+#include "drive/drive_status.h"
 
 namespace norvik {
 namespace {
@@ -61,17 +62,19 @@ TEST_F(Drive_Session_Test, A_Start_Brings_Pins_And_Settings_To_The_Machine) {
 TEST_F(Drive_Session_Test, A_Closed_Switch_Is_Told_Once_The_Windows_Are_There) {
   Close_Switch(true);
   std::string seen;
-  Main_Host.Place_Main = [&](const Window_Place&) { seen = Pins.Home_Safety_Off ? "set" : "not"; };
+  Main_Host.Place_Main = [&](const Window_Place&) {
+    seen = Drive_Status.Home_Safety_Off ? "set" : "not";
+  };
   Load_Main();
   EXPECT_EQ(seen, "set");
   EXPECT_THAT(scripted.Boxes, IsEmpty());
   Activate_Main();
   EXPECT_THAT(scripted.Boxes, Caution());
-  EXPECT_TRUE(Pins.Home_Safety_Off);
+  EXPECT_TRUE(Drive_Status.Home_Safety_Off);
   // No panel is open; the session itself sees that every switch has been off.
   Close_Switch(false);
   scripted.Run_For(0.3);
-  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_FALSE(Drive_Status.Home_Safety_Off);
 }
 
 TEST_F(Drive_Session_Test, A_Port_In_Other_Hands_Ends_The_Start_And_Touches_Nothing) {
@@ -109,13 +112,13 @@ TEST_F(Drive_Session_Test, Another_Setup_Forgets_The_Machine_Before) {
   Step_Engine.Take_Up_Left[2] = 5;
   Step_Engine.Axis_Enabled[1] = false;
   Pins.Motor_Enable_Timer[1] = 30;
-  Pins.Limit_State[1] = true;
+  Drive_Status.Limit_State[1] = true;
   Controller.Return_Pos[1] = 9;
   Controller.Estimated_Process_Time = 7;
   CNC_Controls.Command_AutoRetool[1].Enabled = true;
   Load_Setup("router.ini");
   EXPECT_EQ(scripted.Ports[888], 0x19);  // off by the old map; bit 5, the new spindle, off as well
-  EXPECT_FALSE(Step_Engine.Last_Dir[1] || Step_Engine.Safe_Dir[1] || Pins.Limit_State[1]);
+  EXPECT_FALSE(Step_Engine.Last_Dir[1] || Step_Engine.Safe_Dir[1] || Drive_Status.Limit_State[1]);
   EXPECT_FALSE(Step_Engine.Take_Up_Left[2]);
   EXPECT_TRUE(Step_Engine.Axis_Enabled[1]);
   EXPECT_EQ(Pins.Motor_Enable_Timer[1], 0);
@@ -129,14 +132,14 @@ TEST_F(Drive_Session_Test, Another_Setup_Forgets_The_Machine_Before) {
 
   Close_Switch(true);  // the router has none on that pin, the mill has
   Load_Setup("router.ini");
-  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_FALSE(Drive_Status.Home_Safety_Off);
   Load_Setup("mill.ini");
-  EXPECT_TRUE(Pins.Home_Safety_Off);
+  EXPECT_TRUE(Drive_Status.Home_Safety_Off);
   EXPECT_THAT(scripted.Boxes, Caution());
 
   scripted.Answer_Box(Box_Answer::Yes);  // nothing is wired after a reset
   Command_Parameter_Reset_Click();
-  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_FALSE(Drive_Status.Home_Safety_Off);
   EXPECT_EQ(scripted.Ports[888] & 0x09, 0x09);
 }
 

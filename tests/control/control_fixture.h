@@ -32,7 +32,7 @@
 #include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
-#include "parallel/drive_host.h"
+#include "drive/drive_host.h"
 #include "parallel/pin_map.h"
 #include "parallel/ports.h"
 #include "parallel/step_engine.h"

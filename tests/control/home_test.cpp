@@ -4,6 +4,7 @@
 #include "control/manual/panel_edits.h"
 #include "control/safety/safety.h"
 #include "control_fixture.h"
+#include "drive/drive_status.h"
 
 namespace norvik {
 namespace {
@@ -81,7 +82,26 @@ TEST_F(Home_Test, A_move_that_does_not_arrive_ends_the_sequence) {
     EXPECT_THAT(Messages.MessageLog, Not(Contains(HasSubstr("Error"))));
     Expect_Position_True();
   }
-  EXPECT_EQ(Messages.Panel[1], control_text::Ended_By_Limit);
+  EXPECT_THAT(Messages.Panel[1], HasSubstr(control_text::Limit_Ended));
+}
+
+TEST_F(Home_Test, A_switch_that_is_not_met_is_told_and_sets_a_position_only_as_told) {
+  for (const bool needed : {false, true}) {
+    Messages = {};
+    Set_Up_Validation(0);
+    Simulated_Machine.Inputs[3].Fault = Input_Fault::Stuck_Off;
+    Input_Changed(3);
+    MachineSetup.Home_Needs_Switch = needed;
+    Command_Home_Click();
+    EXPECT_THAT(Messages.MessageLog, Contains(HasSubstr("The Z switch was not met")));
+    EXPECT_EQ(Messages.Panel[1] == "Homing Completed!", !needed) << Messages.Panel[1];
+    if (needed) {
+      EXPECT_NEAR(Machine.Position[3], 20, 1e-9);  // the end of the way, where it believes to be
+      EXPECT_EQ(Machine.Position[1], 0) << "X may not search before Z is known";
+    } else {
+      EXPECT_NEAR(Machine.Position[1], 1, 1e-9);
+    }
+  }
 }
 
 TEST_F(Home_Test, ReTool_and_back) {
@@ -210,7 +230,7 @@ TEST_F(Home_Test, Validation_without_switches_is_refused_in_a_box) {
   MachineSetup.LimitSwitchDisable = 1;
   Command_Home_Click();
   MachineSetup.LimitSwitchDisable = 0;
-  Pins.Home_Safety_Off = true;
+  Drive_Status.Home_Safety_Off = true;
   Command_Home_Click();
   ASSERT_EQ(scripted.Boxes.size(), 2U);
   EXPECT_EQ(scripted.Boxes[0].Title, "Homing Aborted");

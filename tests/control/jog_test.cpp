@@ -333,6 +333,46 @@ TEST_F(Joystick_Test, A_deflection_jogs_until_the_stick_is_back) {
   Expect_Position_True();
 }
 
+// Between two ticks the set of directions is never seen empty.
+TEST_F(Joystick_Test, A_stick_thrown_to_its_other_side_turns_the_axis_round) {
+  scripted.Run_For(0.1);
+  Stick(X(60000));
+  double thrown_at = 0, furthest = 0;
+  scripted.On_Yield = [&] {
+    furthest = std::max(furthest, At(1));
+    if (thrown_at == 0 && At(1) > 1) {
+      thrown_at = At(1);
+      Stick(X(0));
+    }
+    if (thrown_at > 0 && At(1) < 0.5) Stick({});
+  };
+  scripted.Run_For(3);
+  EXPECT_GT(thrown_at, 1);
+  EXPECT_LT(furthest, thrown_at + 0.7);  // two ticks late at most
+  EXPECT_LT(At(1), 0.5);
+  EXPECT_GT(At(1), -0.3);
+  Expect_Position_True();
+}
+
+TEST_F(Joystick_Test, A_stick_let_go_while_a_button_is_held_stops_its_axis_alone) {
+  MachineSetup.JoyJog_KeyValue[1] = "1";  // Z up
+  scripted.Run_For(0.1);
+  Joystick_State both = Buttons(1);
+  both.Axis_X = 60000;
+  Stick(both);
+  bool let_go = false;
+  scripted.On_Yield = [&] {
+    if (At(1) > 1 && !std::exchange(let_go, true)) Stick(Buttons(1));
+    if (std::abs(At(3)) > 3) Stick({});
+  };
+  scripted.Run_For(5);
+  EXPECT_TRUE(let_go);
+  EXPECT_LT(At(1), 1.7);
+  EXPECT_GT(std::abs(At(3)), 3);
+  EXPECT_LT(std::abs(At(3)), 3.7);
+  Expect_Position_True();
+}
+
 TEST_F(Joystick_Test, Small_deflections_and_a_stick_held_from_the_start_move_nothing) {
   Stick(X(60000));
   scripted.Run_For(1);

@@ -4,6 +4,7 @@
 #include "control/panel/run_program.h"
 #include "control/run/goto.h"
 #include "control_fixture.h"
+#include "drive/drive_status.h"
 
 namespace norvik {
 namespace {
@@ -211,12 +212,12 @@ TEST_F(Run_Loop_Test, The_measured_feed_of_a_machine_at_rest_is_0) {
     float measured = 0;
     const std::int64_t begin = Half_Steps;
     scripted.On_Yield = [&] {
-      measured = std::max(measured, Timing.Actual_IPM);
+      measured = std::max(measured, Drive_Status.Actual_IPM);
       if (Half_Steps > begin + 2000) Release_Jog();
     };
     move();
     EXPECT_GT(measured, 0);
-    EXPECT_EQ(Timing.Actual_IPM, 0);
+    EXPECT_EQ(Drive_Status.Actual_IPM, 0);
   }
 }
 

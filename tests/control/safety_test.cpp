@@ -2,6 +2,7 @@
 #include "control/safety/safety.h"
 
 #include "control_fixture.h"
+#include "drive/drive_status.h"
 
 namespace norvik {
 namespace {
@@ -86,7 +87,7 @@ TEST_F(Safety_Test, The_watch_trips_the_EStop_for_X_Y_Z_in_a_run_only) {
       EXPECT_THAT(Messages.MessageLog[0], HasSubstr("a limit switch tripped"));
     }
     Force_Input(row.Switch, Input_Force::Automatic);
-    Pins.Limit_State = {};
+    Drive_Status.Limit_State = {};
   }
 }
 
@@ -107,7 +108,7 @@ TEST_F(Safety_Test, The_panels_timer_stops_a_paused_run_at_the_EStop_input) {
 TEST_F(Safety_Test, A_switch_closed_at_the_start_blocks_nothing_until_all_are_off) {
   Force_Input(1, Input_Force::On);
   Home_Safety_Check();
-  EXPECT_TRUE(Pins.Home_Safety_Off);
+  EXPECT_TRUE(Drive_Status.Home_Safety_Off);
   ASSERT_EQ(scripted.Boxes.size(), 1U);
   EXPECT_EQ(scripted.Boxes[0].Title, "Caution");
   EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("which direction to needs to be halted"));
@@ -119,7 +120,7 @@ TEST_F(Safety_Test, A_switch_closed_at_the_start_blocks_nothing_until_all_are_of
 
   Force_Input(1, Input_Force::Automatic);
   Tick();
-  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_FALSE(Drive_Status.Home_Safety_Off);
   EXPECT_EQ(CNC_Controls.Label_Home_Safety.Caption, "");
 }
 
@@ -127,7 +128,7 @@ TEST_F(Safety_Test, The_check_at_start_is_quiet_without_switches_or_with_unread_
   Home_Safety_Check();
   MachineSetup.Input_Port[2] = 1;  // never read: counts as on
   Home_Safety_Check();
-  EXPECT_FALSE(Pins.Home_Safety_Off);
+  EXPECT_FALSE(Drive_Status.Home_Safety_Off);
   EXPECT_TRUE(scripted.Boxes.empty());
 }
 
@@ -181,15 +182,15 @@ TEST_F(Safety_Test, With_its_key_the_EStop_input_takes_the_outputs_off_and_keeps
     Force_Input(EStop_Input, Input_Force::Automatic);
     CNC_Controls.Check_Outputs[2].Value = true;
     Toggle_Outputs(2);
-    ASSERT_TRUE(Pins.Output_Commanded[3]);
+    ASSERT_TRUE(Drive_Status.Output_Commanded[3]);
     Force_Input(EStop_Input, Input_Force::On);
     Tick();  // at rest
-    EXPECT_EQ(Pins.Output_Commanded[3], !key);
+    EXPECT_EQ(Drive_Status.Output_Commanded[3], !key);
     EXPECT_EQ(CNC_Controls.Check_Outputs[2].Value, !key);
 
     CNC_Controls.Check_Outputs[3].Value = true;
     Toggle_Outputs(3);
-    EXPECT_EQ(Pins.Output_Commanded[4], !key);
+    EXPECT_EQ(Drive_Status.Output_Commanded[4], !key);
     if (key) {
       EXPECT_EQ(Messages.Panel[1], control_text::Outputs_Wait_For_Input);
     }
@@ -204,7 +205,7 @@ TEST_F(Safety_Test, The_EStop_input_takes_the_outputs_off_when_it_ends_a_move) {
   At_Half_Step(50, [] { Force_Input(EStop_Input, Input_Force::On); });
   Command_CNC_Play_Click();
   EXPECT_LT(Machine.Position[1], 0.5);
-  EXPECT_FALSE(Pins.Output_Commanded[1]);
+  EXPECT_FALSE(Drive_Status.Output_Commanded[1]);
 }
 
 TEST_F(Safety_Test, Without_limit_switches_the_spindle_label_still_follows_the_read_back) {
@@ -214,7 +215,7 @@ TEST_F(Safety_Test, Without_limit_switches_the_spindle_label_still_follows_the_r
   Toggle_Outputs(0);
   Tick();
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle On");
-  EXPECT_FALSE(Pins.Limit_State[2]);
+  EXPECT_FALSE(Drive_Status.Limit_State[2]);
   PPSetPort(Output_Port_Address, 0, true);
   Tick();
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
@@ -301,7 +302,7 @@ TEST_F(Safety_Test, The_knob_maps_its_ends_to_the_limits) {
   Knob_Process();  // the parallel port stays at 100 percent
   EXPECT_EQ(Knob.Knob_Position, 100);
   EXPECT_EQ(CNC_Controls.Label_Feed_Overide.Caption, "100%");
-  EXPECT_EQ(Timing.Feed_Override_Target, 1);
+  EXPECT_EQ(Drive_Status.Feed_Override_Target, 1);
   MachineSetup.Parallel_Port_Type = 2;
   Knob_Process();
   EXPECT_EQ(CNC_Controls.Label_Feed_Overide.Caption, "200%");

@@ -12,7 +12,7 @@
 
 #include "core/application.h"
 #include "core/setup.h"
-#include "parallel/drive_host.h"
+#include "drive/drive_host.h"
 #include "parallel/pin_map.h"
 #include "parallel/ports.h"
 #include "parallel/step_engine.h"
@@ -45,6 +45,7 @@ inline void Set_Standard_Machine() {
   Application = {};
   Machine = {};
   Pins = {};
+  Drive_Status = {};
   Timing = {};
   Step_Engine = {};
   Drive_Host = {};

@@ -3,6 +3,7 @@
 
 #include "core/messages.h"
 #include "core/paths.h"
+#include "drive/drive_status.h"
 #include "parallel/drive_test.h"
 #include "parallel/port_display.h"
 #include "support/temporary_folder.h"
@@ -133,11 +134,11 @@ TEST_F(Pin_Map_Test, Inputs_And_Read_Back) {
   MachineSetup.Parallel_Input_Bit_Invert[4] = true;
   MachineSetup.Parallel_Output_Bit_Invert[14] = true;
   MachineSetup.Parallel_Output_Bit[16] = "99";
-  Pins.Home_Distance = {{5, 6, 7, 8, 9, 10}};
+  Drive_Status.Home_Distance = {{5, 6, 7, 8, 9, 10}};
   Read_Limits();
-  EXPECT_EQ(Pins.Limit_State.Items, (std::array<bool, 4>{true, false, false, false}));
-  EXPECT_EQ(Pins.Output_State.Items, (std::array<bool, 4>{true, true, true, false}));
-  EXPECT_EQ(Pins.Home_Distance.Items, (std::array<float, 6>{0, 6, 7, 8, 9, 10}));
+  EXPECT_EQ(Drive_Status.Limit_State.Items, (std::array<bool, 4>{true, false, false, false}));
+  EXPECT_EQ(Drive_Status.Output_State.Items, (std::array<bool, 4>{true, true, true, false}));
+  EXPECT_EQ(Drive_Status.Home_Distance.Items, (std::array<float, 6>{0, 6, 7, 8, 9, 10}));
   EXPECT_TRUE(Read_Input(EStop_Input));
   EXPECT_FALSE(Read_Input(Auxiliary_Input));
   MachineSetup.Parallel_Input_Bit[EStop_Input] = "99";
@@ -163,7 +164,7 @@ TEST_F(Pin_Map_Test, Step_Level_Comes_From_The_Memory) {
   for (int i = 0; i < 4; ++i) Toggle_Step(1, true, true, false);
   EXPECT_EQ(Writes(888), "0=1 0=0 0=1 0=0 ");
   EXPECT_DOUBLE_EQ(Machine.Position[1], -0.002);
-  EXPECT_FLOAT_EQ(Pins.Home_Distance[1], -0.002f);
+  EXPECT_FLOAT_EQ(Drive_Status.Home_Distance[1], -0.002f);
 }
 
 TEST_F(Pin_Map_Test, Blocked_And_Backlash_Toggles_Do_Not_Count) {

@@ -3,6 +3,7 @@
 
 #include "core/paths.h"
 #include "parallel/drive_test.h"
+#include "parallel/parallel_drive.h"
 #include "support/temporary_folder.h"
 
 namespace norvik {
@@ -108,6 +109,7 @@ TEST_F(Port_Setup_Test, Save_Keeps_What_Was_Set) {
   Port_Setup.Text_MCode_High = " 62 ";
   Option_LPT_Setup_Type_Click(Pin_Setup_Page);
   scripted.Ports[888] = 0;
+  Drive_Choice.Of_Setup = []() -> const Drive_Operations& { return Parallel_Drive; };
   Save_Parallel_Info();
   EXPECT_EQ(scripted.Ports[888], 1);
   EXPECT_EQ(MachineSetup.Parallel_Output_Bit[5], "99");

@@ -2,6 +2,7 @@
 #include "parallel/step_engine.h"
 
 #include "core/operation.h"
+#include "drive/drive_status.h"
 #include "parallel/drive_test.h"
 
 namespace norvik {
@@ -285,7 +286,7 @@ TEST_F(Step_Engine_Test, Switch_Blocks_The_Way_It_Was_Met_And_Frees_The_Other) {
   EXPECT_NEAR(Machine.Position[1], 0.003, 1e-12);
   EXPECT_FALSE(Step_Engine.Axis_Enabled[1]);
   EXPECT_EQ(Stops, 0);
-  EXPECT_EQ(Pins.Home_Distance[1], 0);
+  EXPECT_EQ(Drive_Status.Home_Distance[1], 0);
   EXPECT_EQ(Step_Engine_Move(there), Move_End::Limit);
   EXPECT_NEAR(Machine.Position[1], 0.003, 1e-12);
   EXPECT_EQ(Step_Engine_Move(Move(0, 5, 0, 0)), Move_End::Done) << "X does not move";
@@ -302,9 +303,9 @@ TEST_F(Step_Engine_Test, Guard_Can_Be_Off) {
   scripted.Ports[889] = 255 - X_Switch - Y_Switch;
   Step_Engine.Safe_Dir.Fill(true);
   EXPECT_EQ(Step_Engine_Move(Move(2, 0, 0, 0)), Move_End::Limit);
-  Pins.Home_Safety_Off = true;
+  Drive_Status.Home_Safety_Off = true;
   EXPECT_EQ(Step_Engine_Move(Move(2, 0, 0, 0)), Move_End::Done);
-  Pins.Home_Safety_Off = false;
+  Drive_Status.Home_Safety_Off = false;
   MachineSetup.LimitSwitchDisable = 1;
   EXPECT_EQ(Step_Engine_Move(Move(2, 0, 0, 0)), Move_End::Done);
 }
@@ -352,7 +353,7 @@ TEST_F(Step_Engine_Test, A_Port_That_Fails_In_A_Move) {
   EXPECT_EQ(Step_Engine_Move(Move(9, 4, 0, 0)), Move_End::Done);
   const std::string whole = std::exchange(Accesses, "");
   Machine.Position.Fill(0);
-  Pins.Home_Distance.Fill(0);
+  Drive_Status.Home_Distance.Fill(0);
   scripted.On_Port_Write = [&, arrives = scripted.On_Port_Write, count = 0](
                                std::uint16_t port, std::uint8_t value) mutable {
     if (++count < 12) return arrives(port, value);
@@ -364,7 +365,7 @@ TEST_F(Step_Engine_Test, A_Port_That_Fails_In_A_Move) {
   // Two directions and two enables, then X up, down, up (Y up), down, up, down.
   EXPECT_NEAR(Machine.Position[1], 0.003, 1e-12);
   EXPECT_NEAR(Machine.Position[2], 0.001, 1e-12);
-  EXPECT_NEAR(Pins.Home_Distance[1], 0.003, 1e-7);
+  EXPECT_NEAR(Drive_Status.Home_Distance[1], 0.003, 1e-7);
   EXPECT_EQ(Port_Failures.Writes.Count, std::count(whole.begin(), whole.end(), 'W') - 11);
 }
 
@@ -419,10 +420,7 @@ TEST_F(Step_Engine_Test, No_Move_Inside_A_Move) {
 
 TEST_F(Step_Engine_Test, Diagnostics_Name_The_Numbers_Of_The_Move) {
   Step_Engine_Move(Move(100, 50, 0, 0, 300));
-  Show_Diagnostics();
-  ASSERT_EQ(scripted.Boxes.size(), 1u);
-  EXPECT_EQ(scripted.Boxes[0].Title, "Diagnostics");
-  EXPECT_EQ(scripted.Boxes[0].Text,
+  EXPECT_EQ(Diagnostics_Text(),
             "MaxSteps=100\r\nXSteps=100\r\nYSteps=50\r\nZSteps=0\r\nASteps=0\r\nStepSkip(1)=1\r\n"
             "StepSkip(2)=2\r\nStepSkip(3)=201\r\nStepSkip(4)=201\r\nRampUp_Val=0\r\n"
             "RampDN_Val=200\r\nIPM_St=300\r\nIPM_Rn=300\r\nIPM_En=300");

@@ -4,6 +4,8 @@
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/paths.h"
+#include "drive/drive_status.h"
+#include "drive/priority.h"
 #include "parallel/drive_test.h"
 #include "parallel/system_timing.h"
 #include "support/temporary_folder.h"
@@ -72,12 +74,12 @@ TEST_F(Timing_Test, A_Back_End_That_Keeps_Periods_Gets_The_Whole_Half_Step) {
 
 // 2000 half steps for each 100 percent, either way.
 TEST_F(Timing_Test, Override_Follows_Its_Target_Slowly) {
-  Timing.Feed_Override_Target = 2;
+  Drive_Status.Feed_Override_Target = 2;
   for (int i = 0; i < 1000; ++i) Delay_Half_Step(1, 600);
-  EXPECT_NEAR(Timing.Feed_Override, 1.5, 0.001);
-  Timing.Feed_Override_Target = 0.5;
+  EXPECT_NEAR(Drive_Status.Feed_Override, 1.5, 0.001);
+  Drive_Status.Feed_Override_Target = 0.5;
   for (int i = 0; i < 2100; ++i) Delay_Half_Step(1, 600);
-  EXPECT_NEAR(Timing.Feed_Override, 0.5, 0.001);
+  EXPECT_NEAR(Drive_Status.Feed_Override, 0.5, 0.001);
 }
 
 struct Ratio_Row {
@@ -93,7 +95,7 @@ TEST_F(Timing_Test, Autotune_Moves_The_Constant_By_The_Ratio) {
     Timing.Settle_Count = 3;
     Measure(row.Steps);
     EXPECT_EQ(MachineSetup.Parallel_Time_Constant, 100 + row.Change) << row.Steps;
-    EXPECT_NEAR(Timing.Actual_IPM, row.Steps * 0.06, 1e-4);
+    EXPECT_NEAR(Drive_Status.Actual_IPM, row.Steps * 0.06, 1e-4);
   }
   // A commanded speed of nothing has no ratio.
   MachineSetup.Parallel_Time_Constant = 100;
@@ -196,7 +198,7 @@ TEST_F(Calibration_Test, Finds_The_Work_Of_The_Loop) {
   MachineSetup.Parallel_Time_Constant = 50;
   EXPECT_EQ(Find_Time_Constant(), Calibration_End::Found);
   EXPECT_NEAR(MachineSetup.Parallel_Time_Constant, 20, 1);
-  EXPECT_NEAR(Timing.Actual_IPM, 60, 0.6);
+  EXPECT_NEAR(Drive_Status.Actual_IPM, 60, 0.6);
   EXPECT_EQ(Pins.Step_Bit[2], 1) << "the dummy axis is where it was";
   EXPECT_EQ(Machine.Position[2], 0);
   EXPECT_FALSE(Runs(Operation::Calibration));

@@ -86,6 +86,37 @@ TEST_F(Virtual_Clock_Test, Waits_In_A_Period) {
   }
 }
 
+// In a run: the factor changes in a yield, between two waits.
+TEST(Time_Factor, A_Change_Never_Turns_The_Clock_Back) {
+  Scripted_Platform scripted;
+  scripted.Now = 7'000'000'000;
+  int timer = 0;
+  Platform.Start_Timer(100, [&] { ++timer; });
+  Offer_Time_Factors();
+  EXPECT_EQ(Platform.Monotonic_Clock(), 7'000'000'000);
+  std::vector<double> factors = {50, 2, 1, 1, 10, 1};
+  scripted.On_Yield = [&] {
+    if (factors.empty()) return;
+    Set_Time_Factor(factors.front());
+    factors.erase(factors.begin());
+  };
+  double day = Platform.Day_Clock();
+  for (int round = 0; round < 8; ++round) {
+    const std::int64_t before = Platform.Monotonic_Clock();
+    DoEvents();
+    EXPECT_LT(Platform.Monotonic_Clock() - before, 10'000'000) << round;
+    Platform.Delay_In_Period(250, 300'000);
+    EXPECT_GE(Platform.Monotonic_Clock() - before, 250'000) << round;
+    EXPECT_GE(Platform.Day_Clock(), day - 0.2);
+    day = Platform.Day_Clock();
+  }
+  EXPECT_FALSE(Virtual_Clock.Installed);
+  EXPECT_EQ(timer, 0) << "timers stay in real time";
+  scripted.Run_For(0.15);
+  EXPECT_EQ(timer, 1);
+  Virtual_Clock = {};
+}
+
 TEST_F(Virtual_Clock_Test, Everything_Is_Put_Back) {
   Remove_Virtual_Clock();
   const std::int64_t before = scripted.Now;

@@ -3,12 +3,12 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "core/application.h"
 #include "core/format.h"
 #include "core/operation.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "parallel/timing.h"
 #include "platform/platform.h"
 
@@ -50,14 +50,14 @@ void Display_Feeds() {
   form.Label_FeedRate_Cut.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Cut, "#0.00");
   form.Label_FeedRate_Travel.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Travel, "#0.00");
   form.Label_FeedRate_Jogging.Caption = Format_Number(MachineSetup.Axis_Feed_Rate_Jogging, "#0.00");
-  form.Label_Actual_IPM.Caption = Format_Number(Timing.Actual_IPM, "##.0");
+  form.Label_Actual_IPM.Caption = Format_Number(Drive_Status.Actual_IPM, "##.0");
   form.Label_Time_Constant.Caption = std::to_string(MachineSetup.Parallel_Time_Constant);
   form.Command_Get_Time_Constant.Caption = Runs(Operation::Calibration) ? "Cancel" : "Find";
 }
 
 void Display_Home_Safety() {
   CNC_Controls.Label_Home_Safety.Caption =
-      Pins.Home_Safety_Off ? control_text::Home_Safety_Off : std::string_view();
+      Drive_Status.Home_Safety_Off ? control_text::Home_Safety_Off : std::string_view();
 }
 
 void Blink_Retool() {
@@ -74,7 +74,7 @@ double Move_Seconds_Left() {
     const double way = std::abs(Controller.Move_Target[axis] - Machine.Position[axis]);
     steps = std::max(steps, way * MachineSetup.Axis_SPI[axis]);
   }
-  const double feed = double{Controller.Live_Feed} * Timing.Feed_Override;
+  const double feed = double{Controller.Live_Feed} * Drive_Status.Feed_Override;
   const double steps_a_second = feed * MachineSetup.Axis_SPI[1] / 60;
   return steps_a_second > 0 ? steps / steps_a_second : 0;
 }
@@ -151,7 +151,7 @@ void Fill_CNC_Axis() {
 }
 
 void Fill_IO() {
-  const bool spindle = Pins.Output_State[1] || Pins.Output_State[2];
+  const bool spindle = Drive_Status.Output_State[1] || Drive_Status.Output_State[2];
   CNC_Controls.Label_Spindle_State.Caption =
       spindle ? control_text::Spindle_On : control_text::Spindle_Off;
   const bool tripped = Machine.EStop_Flag || Drive().EStop_Input_On();
@@ -159,9 +159,10 @@ void Fill_IO() {
       tripped ? control_text::EStop_Tripped : control_text::EStop_Cleared;
   CNC_Controls.Label_EStop_State.Color = Red_When(tripped);
   // What was told, not what is read back: a port that reads back nothing would untick the boxes.
-  for (int n = 1; n <= 5; ++n) CNC_Controls.Check_Outputs[n - 1].Value = Pins.Output_Commanded[n];
+  for (int n = 1; n <= 5; ++n)
+    CNC_Controls.Check_Outputs[n - 1].Value = Drive_Status.Output_Commanded[n];
   for (int axis = 1; axis <= 4; ++axis)
-    CNC_Controls.Command_Limit1[axis].Color = Red_When(Pins.Limit_State[axis]);
+    CNC_Controls.Command_Limit1[axis].Color = Red_When(Drive_Status.Limit_State[axis]);
   Latch_Limits();
 }
 
@@ -215,7 +216,8 @@ void Display_Panel() {
 
 void Latch_Limits() {
   for (int axis = 1; axis <= 4; ++axis)
-    if (Pins.Limit_State[axis]) CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
+    if (Drive_Status.Limit_State[axis])
+      CNC_Controls.Command_Lim_Latch[axis].Color = Control_Color::Red;
 }
 
 void Command_Lim_Latch_Click(int axis) {

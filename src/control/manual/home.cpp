@@ -17,11 +17,13 @@
 #include "core/operation.h"
 #include "core/scope.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
 
 #include <algorithm>
 #include <array>
+#include <optional>
 #include <string>
 
 namespace norvik {
@@ -74,7 +76,7 @@ Axis_Targets Across(const Axis_Targets& position) {
 // A move that has to arrive for the sequence to go on.
 bool Reach(const Axis_Targets& target, Speeds speeds) {
   const Move_End end = Move_To(target, speeds);
-  if (end == Move_End::Limit) Controller.Stop_Text = control_text::Ended_By_Limit;
+  if (end == Move_End::Limit) Controller.Stop_Text = Ended_By_Limit();
   return Arrived(end) && Look_At_Stops();
 }
 
@@ -97,13 +99,26 @@ Axis_Targets Targets_Of(const Indexed<std::string, 1, 4>& texts) {
 
 // --- Validation of one axis ----------------------------------------------------------------------
 
-// A seek, back-off or tap: it may end at the switch. False when the sequence must be left.
-bool Seek(int axis, double target, float run, const char* phase) {
+// A seek, back-off or tap: it may end at the switch. Absent when the sequence must be left.
+std::optional<Move_End> Seek(int axis, double target, float run, const char* phase) {
   Tell_Detail(std::string(1, Axis_Letter(axis)) + ": " + phase);
   const Move_End end = Move_To(Only(axis, target), {Edge_Speed, run});
-  if (!Arrived(end) && end != Move_End::Limit) return false;
+  if (!Arrived(end) && end != Move_End::Limit) return std::nullopt;
   constexpr double settle = 0.1;  // seconds
-  return Look_At_Stops() && Wait_Seconds(settle);
+  if (!Look_At_Stops() || !Wait_Seconds(settle) || !Drive().Wait_Empty()) return std::nullopt;
+  return end;
+}
+
+// A seek and a tap have to end at the switch; one that ran to its end set out from anywhere. It is
+// said either way. False when the sequence must be left.
+bool Met_Switch(int axis, Move_End end) {
+  if (end == Move_End::Limit) return true;
+  const std::string text =
+      std::string("The ") + Axis_Letter(axis) + std::string(control_text::Switch_Not_Met);
+  AddMessage(text);
+  if (!MachineSetup.Home_Needs_Switch) return true;
+  Controller.Stop_Text = text + std::string(control_text::No_Position_Set);
+  return false;
 }
 
 bool Validate_Axis(int axis) {
@@ -111,7 +126,8 @@ bool Validate_Axis(int axis) {
     return true;
   const double path = RegionalNumber(MachineSetup.Axis_HomePath[axis]);
   const double home = RegionalNumber(MachineSetup.Axis_HomeTarget[axis]);
-  if (!Seek(axis, path, Home_IPM(0), "seek")) return false;
+  const auto seek = Seek(axis, path, Home_IPM(0), "seek");
+  if (!seek || !Met_Switch(axis, *seek)) return false;
 
   const double sign = home >= path ? 1 : -1;
   const double backed_off = Machine.Position[axis] + Backoff_Distance * sign;
@@ -120,7 +136,8 @@ bool Validate_Axis(int axis) {
 
   // Far beyond the switch on the seek side, on the usual scales.
   const double beyond = 2 * Backoff_Distance * MachineSetup.Axis_SPI[axis] * sign * -1;
-  if (!Seek(axis, beyond, Home_IPM(1), "tap")) return false;
+  const auto tap = Seek(axis, beyond, Home_IPM(1), "tap");
+  if (!tap || !Met_Switch(axis, *tap)) return false;
 
   const double error = home - Machine.Position[axis];
   AddMessage(std::string("The ") + Axis_Letter(axis) + " Axis Position Error was " +
@@ -138,7 +155,7 @@ bool All_Have_A_Home_Path() {
 }
 
 void Home_Validated() {
-  if (Pins.Home_Safety_Off || MachineSetup.LimitSwitchDisable != 0) {
+  if (Drive_Status.Home_Safety_Off || MachineSetup.LimitSwitchDisable != 0) {
     Platform.Message_Box(std::string(control_text::Homing_Aborted_Title),
                          std::string(control_text::Homing_Aborted), Box_Buttons::Ok);
     return;
@@ -197,12 +214,15 @@ void Home_Move() {
        [] { MachineSetup.Validate_Home_Position ? Home_Validated() : Home_Plain(); });
   if (const std::string_view reason = End_Reason(); !reason.empty()) AddMessage(reason);
   AddMessage(control_text::Homing_Done);
-  SetStatus(1, control_text::Homing_Done_Panel, 1000);
+  const bool in_vain = MachineSetup.Home_Needs_Switch && !Controller.Stop_Text.empty();
+  SetStatus(1, in_vain ? std::string_view(Controller.Stop_Text) : control_text::Homing_Done_Panel,
+            1000);
 }
 
 void Set_Axis_Position(int axis, double value) {
   Machine.Position[axis] = value;
   Machine.Theoretical_Pos[axis] = value;
+  Drive().Set_Position();
   ResetRetoolDisplay();
   Keep_Given_Positions();
 }

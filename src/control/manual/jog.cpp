@@ -10,6 +10,7 @@
 #include "core/rounding.h"
 #include "core/scope.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 
 namespace norvik {
 
@@ -81,7 +82,7 @@ void Run_Jog(const Step_Request& request, bool held) {
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
     const Move_End end = Drive_Move(request, std::nullopt, 0);
-    if (end == Move_End::Limit) SetStatus(1, control_text::Ended_By_Limit, 5);
+    if (end == Move_End::Limit) SetStatus(1, Ended_By_Limit(), 5);
     if (end == Move_End::EStop || end == Move_End::Escape || end == Move_End::Failed)
       Announce_End();
   }
@@ -91,7 +92,7 @@ void Run_Jog(const Step_Request& request, bool held) {
 }
 
 void Release_Jog() {
-  if (Controller.Jog_Held) Machine.Jog_Stop_Request = false;
+  if (Controller.Jog_Held) Drive().Release_Jog();
 }
 
 }  // namespace norvik

@@ -12,7 +12,7 @@
 
 #include "control/state/form_controls.h"
 #include "core/indexed.h"
-#include "parallel/step_engine.h"
+#include "drive/move.h"
 
 #include <cstdint>
 #include <functional>

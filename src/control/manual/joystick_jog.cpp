@@ -153,7 +153,17 @@ void Start_Joystick_Jog(std::uint32_t wanted) {
   for (const Sense& sense : Senses)
     if (wanted & sense.Bit) ways.push_back(sense.Way);
   const Value_In_Scope jogging(Joystick_Jog.Jogging, true);
+  const Value_In_Scope jogged(Joystick_Jog.Jogged, wanted);
   Start_Key_Jog(ways);
+}
+
+// True when a jog runs and was ended because other directions are wanted than it moves. The next
+// tick finds them new.
+bool End_Changed_Jog(std::uint32_t wanted) {
+  if (!Joystick_Jog.Jogging || wanted == Joystick_Jog.Jogged) return false;
+  Joystick_Jog.Wanted = 0;
+  End_Key_Jog();
+  return true;
 }
 
 void Lose_Joystick() {
@@ -187,8 +197,10 @@ std::vector<std::string> Joystick_Lines(const Joystick_State& state) {
 
 void Reset_Joystick() {
   const bool jogging = Joystick_Jog.Jogging;
+  const std::uint32_t jogged = Joystick_Jog.Jogged;
   Joystick_Jog = {};
   Joystick_Jog.Jogging = jogging;
+  Joystick_Jog.Jogged = jogged;
   Joystick_Jog.Knob_Value = Knob.Knob_Position;
 }
 
@@ -204,6 +216,7 @@ void JogKey_Timer1() {
   if (!By_Joystick()) return;
   Serve_Edge_Buttons(state->Buttons);
   Follow_Override(*state);
+  if (End_Changed_Jog(wanted)) return;
   Joystick_Jog.Joy_Change = wanted != Joystick_Jog.Wanted;
   Joystick_Jog.Wanted = wanted;
   if (!JogKey_Host.Has_Focus()) {
@@ -221,9 +234,7 @@ void JogKey_Timer2() {
     Lose_Joystick();
     return;
   }
-  if (Wanted_Set(*state, true) != 0) return;
-  Joystick_Jog.Wanted = 0;
-  End_Key_Jog();
+  End_Changed_Jog(Wanted_Set(*state, true));
 }
 
 }  // namespace norvik

@@ -11,6 +11,9 @@
 //   spread = an eighth of the larger of the span seen and half the full range
 //   centre = where the stick rested when it was first seen, the middle when that was far off
 //
+// A jog moves the directions that it began with. Any other set of directions, a stick thrown to its
+// other side or let go while a button is held, ends it as a release does before the next begins.
+//
 // A jog starts only after the stick has once been seen at rest while the window has the focus: one
 // that is held over while the window opens, or that answers again after it was lost, moves nothing,
 // and no stick moves anything from behind another window.
@@ -40,6 +43,7 @@ struct Joystick_Jog_State {
   bool Joy_Change = false;                         // the wanted directions have changed
   bool Jogging = false;                            // a jog of the joystick runs
   std::uint32_t Wanted = 0;                        // bits: X-, X+, Y-, Y+, Z up, Z down, A, A
+  std::uint32_t Jogged = 0;                        // what the running jog moves; the same bits
   std::uint32_t Buttons = 0;                       // of the tick before
   std::int16_t Knob_Value = 50;                    // 0..100
 };
@@ -54,7 +58,8 @@ void Reset_Joystick();
 // `Timer1` of the window, every 10 ms: readings, feed and divisor buttons, override, start of a
 // jog.
 void JogKey_Timer1();
-// `Timer2` of the window, every 250 ms: ends a jog whose directions are given up.
+// `Timer2` of the window, every 250 ms: ends a jog whose directions are given up or changed. What
+// is wanted then is begun by the next tick of `Timer1`.
 void JogKey_Timer2();
 
 }  // namespace norvik

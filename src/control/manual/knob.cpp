@@ -4,6 +4,7 @@
 #include "core/format.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 
 #include <algorithm>
 #include <cmath>
@@ -27,9 +28,9 @@ double Knob_Override(int position) {
 
 void Knob_Process() {
   Knob.Knob_Position = std::clamp<std::int16_t>(Knob.Knob_Position, 0, 100);
-  const bool serial = MachineSetup.Parallel_Port_Type > 1;
-  const double value = serial ? Knob_Override(Knob.Knob_Position) : Full_Scale;
+  const double value = Drive().Overrides_Feed ? Knob_Override(Knob.Knob_Position) : Full_Scale;
   Knob.Override = To_Int32(Whole_Part(value));
+  Drive().Set_Override(Knob.Override);
   const double percent = std::round(value / Full_Scale * 100 * 100) / 100;
   CNC_Controls.Label_Feed_Overide.Caption = Shortest_Text(percent) + "%";
   CNC_Controls_Host.Form_Changed();

@@ -15,6 +15,7 @@
 #include "core/rounding.h"
 #include "core/scope.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 #include <algorithm>

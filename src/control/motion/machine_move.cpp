@@ -3,7 +3,6 @@
 #include "control/motion/motion.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -12,7 +11,8 @@
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 
 #include <cmath>
 #include <cstdio>
@@ -120,11 +120,10 @@ void Note_End(Move_End end) {
         Drive().Missing.empty() ? control_text::Ended_By_Failure : Drive().Missing;
 }
 
-// A parallel drive makes the steps of such an axis in silence: they move and count nothing.
+// A drive makes the steps of such an axis in silence: they move and count nothing.
 void Tell_Missing_Step_Pins(const Step_Request& request) {
-  if (MachineSetup.Parallel_Port_Type != 1) return;
   for (int axis = 1; axis <= 4; ++axis) {
-    if (request.Steps[axis] <= 0 || Output_Bit(Step_Slot(axis))) continue;
+    if (request.Steps[axis] <= 0 || Drive().Can_Step(axis)) continue;
     if (std::exchange(Controller.No_Step_Pin_Told[axis], true)) continue;
     const std::string text = " XYZA"[axis] + std::string(control_text::Has_No_Step_Pin);
     AddMessage(text);
@@ -161,6 +160,20 @@ Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t s
   if (end == Move_End::EStop && !Machine.EStop_Flag) Switch_Outputs_Off_By_EStop();
   Note_End(end);
   return end;
+}
+
+std::string Ended_By_Limit() {
+  std::string sides;
+  for (int axis = 1; axis <= 4; ++axis) {
+    const auto negative = Drive_Status.Free_Negative[axis];
+    if (!negative) continue;
+    const bool turned = axis == 3 && MachineSetup.Display_Z_Coordinate_Invert;
+    sides += (sides.empty() ? "" : ", ") + std::string(1, Axis_Letter(axis)) +
+             (*negative != turned ? "-" : "+");
+  }
+  if (sides.empty()) return std::string(control_text::Ended_By_Limit);
+  return std::string(control_text::Limit_Ended) + sides +
+         std::string(control_text::Jog_The_Free_Way);
 }
 
 void Resynchronise_Position() {

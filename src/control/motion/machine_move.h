@@ -12,7 +12,7 @@
 
 #include "core/indexed.h"
 #include "core/nullable.h"
-#include "parallel/step_engine.h"
+#include "drive/move.h"
 
 #include <cstdint>
 #include <optional>
@@ -48,6 +48,10 @@ Move_End Drive_Move(const Step_Request& request, Nullable s_word, std::int32_t s
 constexpr bool Arrived(Move_End end) {
   return end == Move_End::Done || end == Move_End::No_Steps;
 }
+
+// What a limit switch that has just ended a move means, with the sides that are free, as the jog
+// buttons name them.
+std::string Ended_By_Limit();
 
 // `Theoretical_Pos` of the four axes takes the live position.
 void Resynchronise_Position();

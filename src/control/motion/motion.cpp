@@ -6,12 +6,12 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"
-#include "parallel/timing.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
 
 namespace norvik {
@@ -25,7 +25,7 @@ void Settle_Stopped() {
   Controller.Run_Started = false;
   Controller.Run_Row.reset();
   Controller.Repeat_Step.reset();
-  Timing.Actual_IPM = 0;
+  Drive_Status.Actual_IPM = 0;
 }
 
 void Switch_Outputs_Off_By_EStop() {
@@ -39,6 +39,7 @@ void CNC_Stop() {
   Run_Plot_Host.Draw_Cursor();
   Controller.Stop_Request = true;
   Machine.CNCMode = CNC_Stopped;
+  Drive().Stop();
   CNCMode_Display();
   Settle_Stopped();
 }
@@ -51,7 +52,7 @@ Motion_Scope::Motion_Scope(Operation what) {
 Motion_Scope::~Motion_Scope() {
   Entry.reset();
   CNCMode_Display();
-  Timing.Actual_IPM = 0;
+  Drive_Status.Actual_IPM = 0;
 }
 
 bool Begin_Operation(Operation wanted) {

@@ -3,9 +3,10 @@
 #include "control/motion/motion.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "core/application.h"
 #include "core/waiting.h"
+#include "drive/drive.h"
+#include "drive/drive_host.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -47,7 +48,7 @@ Interruption Interrupted() {
 }
 
 bool Look_At_Stops() {
-  CheckEsc();
+  if (CheckEsc() || Drive_Host.Escape_Held()) Application.EscFlag = true;
   if (!Controller.Stop_Request && Drive().EStop_Input_On()) {
     Controller.Stop_Text = control_text::Ended_By_EStop_Input;
     CNC_Stop();
@@ -67,7 +68,7 @@ bool Dwell_Wait(double seconds, std::int32_t) {
 }
 
 bool Wait_For_Aux_Input() {
-  return Wait_Until(Forever_ns, [] { return !Drive().Aux_Input_High(); }) &&
+  return Drive().Wait_Empty() && Wait_Until(Forever_ns, [] { return !Drive().Aux_Input_High(); }) &&
          Wait_Until(Forever_ns, [] { return Drive().Aux_Input_High(); });
 }
 

@@ -2,17 +2,19 @@
 
 #include "control/manual/jog_guard.h"
 #include "control/motion/motion.h"
+#include "control/panel/drive_choice.h"
 #include "control/state/cnc_controls_form.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "control/state/run_plot_host.h"
 #include "core/operation.h"
 #include "core/rounding.h"
-#include "parallel/drive_host.h"
+#include "drive/drive.h"
+#include "drive/drive_host.h"
 
 namespace norvik {
 
 void Connect_Control() {
+  Choose_Drive_By_Setup();
   Drive_Host.Stop_Run = [] { CNC_Stop(); };
   Drive_Host.Live_Feed = [] { return std::optional<double>(Controller.Live_Feed); };
   Drive_Host.Set_Live_Feed = [](double ipm) { Controller.Live_Feed = To_Single(ipm); };

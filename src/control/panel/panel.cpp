@@ -31,7 +31,7 @@ void Load_CNC_Controls() {
   Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
   Load_FeedRate_Autotune();
-  CNC_Controls.Check_FeedRate_Autotune.Value = Timing.FeedRate_Autotune;
+  CNC_Controls.Check_FeedRate_Autotune.Value = FeedRate_Autotune();
   Load_Jog_Controls();
   Load_Goto_Controls();
   Load_Z_Levels();

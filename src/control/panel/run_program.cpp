@@ -23,7 +23,7 @@
 #include "core/scope.h"
 #include "core/setup.h"
 #include "core/waiting.h"
-#include "parallel/ports.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -131,14 +131,10 @@ Run_Summary Sum_Up() {
   return summary;
 }
 
-std::int64_t Failed_Accesses() {
-  return Port_Failures.Reads.Count + Port_Failures.Writes.Count;
-}
-
 // A port that fails stops nothing, but a run on it is not a finished one.
 Run_Summary Sum_Up_Run(std::int64_t failed_before) {
   Run_Summary summary = Sum_Up();
-  const std::int64_t failed = Failed_Accesses() - failed_before;
+  const std::int64_t failed = Drive().Failures() - failed_before;
   if (failed == 0) return summary;
   summary.Finished = false;
   summary.Ended_By += (summary.Ended_By.empty() ? "" : " ") +
@@ -161,7 +157,7 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
   const Panel_Timer timer(options);
   Machine.StartingStep = std::max(Machine.StartingStep, 1);
   Controller.Steps_Executed = 0;
-  const std::int64_t failed_before = Failed_Accesses();
+  const std::int64_t failed_before = Drive().Failures();
   if (!Begin_Operation(Operation::Run)) return Failed(Messages.Panel[1]);
   if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) return Failed(why_not);
   do {

@@ -14,7 +14,6 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "control/state/run_consent.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
@@ -24,7 +23,8 @@
 #include "core/operation.h"
 #include "core/scope.h"
 #include "core/setup.h"
-#include "parallel/timing.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -61,7 +61,7 @@ void Serve_Retool_Request() {
 bool May_Run() {
   if (Machine.EStop_Flag || Application.Closing_Program) return false;
   if (Controller.Retool_Request) Serve_Retool_Request();
-  if (Machine.CNCMode == CNC_Paused) Timing.Actual_IPM = 0;
+  if (Machine.CNCMode == CNC_Paused) Drive_Status.Actual_IPM = 0;
   return Machine.CNCMode > CNC_Paused && !Application.Closing_Program;
 }
 
@@ -113,12 +113,14 @@ void Begin_Run_If_At_Start() {
 
 // A wire asked for a pause, or the operator did.
 void Announce_Pause() {
+  Drive().Wait_Empty();
   CNC_Pause();
   SetStatus(1, control_text::Paused_For_Retooling, 5);
   Play_Event_Sound(sound::Pause);
 }
 
 void End_Run() {
+  Drive().Wait_Empty();
   Machine.CNCMode = CNC_Stopped;
   CNCMode_Display();
   SetStatus(1,
@@ -231,6 +233,7 @@ bool Prepare_Run(Operation wanted) {
 void Run_In_Mode(std::int16_t mode) {
   const Motion_Scope run(mode == CNC_Stepped ? Operation::Step : Operation::Run);
   Machine.CNCMode = mode;
+  Drive().Hold(false);
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
   NIST_CNC_Controller();
@@ -259,6 +262,7 @@ void NIST_CNC_Controller() {
 
 void CNC_Pause() {
   Machine.CNCMode = CNC_Paused;
+  Drive().Hold(true);
   CNCMode_Display();
   NIST_CNC_Controller();
 }

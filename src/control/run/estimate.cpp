@@ -8,7 +8,6 @@
 #include "control/motion/motion.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
@@ -17,6 +16,8 @@
 #include "core/rounding.h"
 #include "core/scope.h"
 #include "core/setup.h"
+#include "drive/drive.h"
+#include "drive/move_plan.h"
 
 #include <algorithm>
 #include <cmath>
@@ -42,19 +43,8 @@ Way Way_Of(const Wire& wire, Indexed<double, 1, 4>& from) {
   return way;
 }
 
-// Cruise ceiling: the limit of the first axis that would run too fast.
-double Cruise_Limit(const Way& way, double run) {
-  double limit = run;
-  for (int axis = 1; axis <= 4; ++axis) {
-    const double highest = MachineSetup.Axis_Max_Feed_Rate[axis];
-    const double axis_ipm = way.Steps[axis] / way.MaxSteps * run;
-    if (highest < limit && axis_ipm > highest) limit = highest;
-  }
-  return limit;
-}
-
 double Half_Step_Seconds(double ipm) {
-  return 60 / (MachineSetup.Axis_SPI[1] * std::clamp(ipm, 0.001, 2000.0)) / 2;
+  return Half_Period(MachineSetup.Axis_SPI[1], ipm) / 1e6;
 }
 
 // Half steps whose speed changes by `change` each, from `ipm` on; `ipm` is left at the end.
@@ -68,22 +58,20 @@ double Ramp_Seconds(double count, double& ipm, double change, double low, double
 }
 
 double Move_Seconds(const Way& way, const Wire& wire) {
-  const double total = 2 * way.MaxSteps;
-  const double cruise = Cruise_Limit(way, wire.IPM_R);
-  const double change = MachineSetup.Axis_Ramp_Rate / 100.0;
-  if (!MachineSetup.Axis_Ramping || !(change > 0)) return total * Half_Step_Seconds(cruise);
-  const double low = std::min({99999.0, double{wire.IPM_S}, double{cruise}, double{wire.IPM_E}});
-  double up = std::max(0.0, (cruise - wire.IPM_S) / change);
-  if (up > total) up = way.MaxSteps;
-  double down = total - std::max(0.0, (cruise - wire.IPM_E) / change);
-  if (down < way.MaxSteps - up) down = up;
+  const Move_Plan plan = Plan_Move(Rules_Of_Setup(), way.Steps, wire.IPM_S, wire.IPM_R, wire.IPM_E);
+  const double total = 2 * plan.Major;
+  if (!(plan.Increment > 0)) return total * Half_Step_Seconds(plan.Cruise);
+  const double up = std::clamp<double>(plan.Ramp_Up, 0, total);
+  const double down = std::clamp<double>(plan.Ramp_Down, 0, total);
+  const double low = std::min(plan.Low, plan.Cruise);
   // Where the ramps overlap, one takes what the other gives.
-  const double rise = std::floor(std::max(0.0, std::min(up, down)));
+  const double rise = std::floor(std::min(up, down));
   const double hold = std::floor(std::max(up, down)) - rise;
-  double ipm = std::min(double{wire.IPM_S}, cruise);
-  const double rising = Ramp_Seconds(rise, ipm, change, low, cruise);
+  double ipm = std::min(plan.Start, plan.Cruise);
+  const double rising = Ramp_Seconds(rise, ipm, plan.Increment, low, plan.Cruise);
   const double holding = hold * Half_Step_Seconds(ipm);
-  return rising + holding + Ramp_Seconds(total - rise - hold, ipm, -change, low, cruise);
+  return rising + holding +
+         Ramp_Seconds(total - rise - hold, ipm, -plan.Increment, low, plan.Cruise);
 }
 
 // Why the wire file is not that of the program, in the operator's words; empty: it is.

@@ -70,7 +70,7 @@ Move_Order Order_Of(const Wire& wire, std::int32_t step) {
 // What a move that did not arrive means for the operation around it.
 void End_By(Move_End end) {
   if (end == Move_End::Limit && Controller.Stop_Text.empty())
-    Controller.Stop_Text = control_text::Ended_By_Limit;
+    Controller.Stop_Text = Ended_By_Limit();
   CNC_Stop();
 }
 

@@ -5,19 +5,14 @@
 // where one exists. It changes nothing.
 #pragma once
 
-#include <string>
+#include "drive/finding.h"
+
 #include <vector>
 
 namespace norvik {
 
-struct Machine_Finding {
-  std::string Text;
-  std::string Key;  // of the machine file; empty: no setting changes it
-  bool operator==(const Machine_Finding&) const = default;
-};
-
-// Looks at `MachineSetup`; an empty list when nothing was found. Only a setup for the parallel port
-// is looked at for its pins and its timing.
+// Looks at `MachineSetup`; an empty list when nothing was found. What the
+// chosen drive adds of pins and timing stands behind what holds for every drive.
 std::vector<Machine_Finding> Machine_Check();
 
 }  // namespace norvik

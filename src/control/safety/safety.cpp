@@ -5,7 +5,6 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
-#include "control/state/drive.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/error_log.h"
@@ -13,8 +12,8 @@
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/setup.h"
-#include "parallel/pin_map.h"
-#include "parallel/ports.h"
+#include "drive/drive.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -34,6 +33,7 @@ void Show_EStop_Button() {
 // What every trip does once the flag is set.
 void Trip() {
   CNC_Stop();
+  Drive().EStop(true);
   Machine.CNCMode = CNC_Stopped;
   Switch_Outputs_Off_By_EStop();
   Show_EStop_Button();
@@ -41,31 +41,26 @@ void Trip() {
 }
 
 void Clear() {
+  Drive().EStop(false);
   Controller.Stop_Request = false;
   Show_EStop_Button();
-}
-
-// A switch that is wired to a port that nothing answers on.
-bool Unread(int axis) {
-  const std::int32_t port = MachineSetup.Input_Port[Limit_Input(axis)];
-  return Input_Bit(Limit_Input(axis)) && (port < Lowest_Port || port > 65535);
 }
 
 // The switches, unless they are switched off: the panel's copy of them then stays as it was, and
 // only the outputs are read back.
 void Read_Inputs() {
-  const auto limits = Pins.Limit_State;
-  const auto distances = Pins.Home_Distance;
+  const auto limits = Drive_Status.Limit_State;
+  const auto distances = Drive_Status.Home_Distance;
   Drive().Read_Switches();
   if (MachineSetup.LimitSwitchDisable != 1) return;
-  Pins.Limit_State = limits;
-  Pins.Home_Distance = distances;
+  Drive_Status.Limit_State = limits;
+  Drive_Status.Home_Distance = distances;
 }
 
 // Once every switch is off, a switch met later tells which direction is safe.
 void Lift_Home_Safety() {
-  if (std::ranges::none_of(Pins.Limit_State, [](bool on) { return on; }))
-    Pins.Home_Safety_Off = false;
+  if (std::ranges::none_of(Drive_Status.Limit_State, [](bool on) { return on; }))
+    Drive_Status.Home_Safety_Off = false;
 }
 
 }  // namespace
@@ -96,21 +91,19 @@ void EStop_Engage() {
 void Engage_EStop_State() {
   Machine.EStop_Flag = true;
   Machine.CNCMode = CNC_Stopped;
+  Drive().EStop(true);
   Show_EStop_Button();
   Play_Event_Sound(sound::E_Stop);
 }
 
 void Look_At_Home_Switches() {
-  Pins.Home_Safety_Off = false;
+  Drive_Status.Home_Safety_Off = false;
   Drive().Read_Switches();
-  for (int axis = 1; axis <= 4; ++axis)
-    if (Unread(axis)) return;
-  const bool met = std::ranges::any_of(Pins.Limit_State, [](bool on) { return on; });
-  Pins.Home_Safety_Off = met && MachineSetup.Parallel_Port_Type == 1;  // a board guards itself
+  Drive_Status.Home_Safety_Off = Drive().Starts_On_A_Switch();
 }
 
 void Tell_Home_Safety() {
-  if (!Pins.Home_Safety_Off) return;
+  if (!Drive_Status.Home_Safety_Off) return;
   Platform.Message_Box(std::string(control_text::Home_Safety_Title),
                        std::string(control_text::Home_Safety_Box), Box_Buttons::Ok);
 }
@@ -152,7 +145,8 @@ void Toggle_Outputs(int index) {
 }
 
 void Watch_EStop_Input() {
-  const bool output_on = std::ranges::any_of(Pins.Output_Commanded, [](bool on) { return on; });
+  const bool output_on =
+      std::ranges::any_of(Drive_Status.Output_Commanded, [](bool on) { return on; });
   if (output_on && MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On())
     Switch_Outputs_Off_By_EStop();
   const bool stops_already = Machine.CNCMode == CNC_Stopped &&  //
@@ -166,7 +160,8 @@ void Watch_EStop_Input() {
 void Watch_Limits_In_Run() {
   if (MachineSetup.LimitDisableinRunMode != 1 || MachineSetup.LimitSwitchDisable == 1) return;
   if (Machine.CNCMode != CNC_Stepped && Machine.CNCMode != CNC_Running) return;
-  if (!Pins.Limit_State[1] && !Pins.Limit_State[2] && !Pins.Limit_State[3]) return;
+  if (!Drive_Status.Limit_State[1] && !Drive_Status.Limit_State[2] && !Drive_Status.Limit_State[3])
+    return;
   Machine.EStop_Flag = false;
   Command_EStop_Click();
   ErrorLogWrite(control_text::Watch_Tripped);

@@ -58,6 +58,14 @@ inline constexpr std::string_view Homing_Aborted =
 // --- Why something ended or did not start -------------------------------------------------------
 inline constexpr std::string_view Ended_By_Limit =
     "Stopped: a limit switch ended the move. Jog away from the switch, then start again.";
+// Behind it the free sides, "X+, Z-", and the rest of the sentence.
+inline constexpr std::string_view Limit_Ended = "Stopped: a limit switch ended the move. Free: ";
+inline constexpr std::string_view Jog_The_Free_Way = ". Jog that way, then start again.";
+// Behind "The X".
+inline constexpr std::string_view Switch_Not_Met =
+    " switch was not met: the search ran to its end. Look at the wiring of the switch and at the "
+    "home path.";
+inline constexpr std::string_view No_Position_Set = " No position was set; home again.";
 inline constexpr std::string_view Ended_By_EStop_Input =
     "Stopped: the E-stop input is on. Release the E-stop, then start again.";
 inline constexpr std::string_view Ended_By_EStop = "Stopped by the E-stop.";

@@ -12,7 +12,7 @@
 #include "control/state/cnc_controls_form.h"
 #include "core/application.h"
 #include "core/messages.h"
-#include "core/setup.h"
+#include "drive/drive.h"
 #include "ui/machine/axis_rows.h"
 #include "ui/machine/jog_pad.h"
 #include "ui/machine/knob_widget.h"
@@ -87,7 +87,7 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
   left->itemAt(0)->widget()->layout()->addWidget(Build_Jog_Pad(Binding));
   left->addWidget(Build_Sequences());
   QWidget* timing = Build_Timing(Binding);
-  Binding.Also([timing] { timing->setVisible(MachineSetup.Parallel_Port_Type == 1); });
+  Binding.Also([timing] { timing->setVisible(Drive().Times_Half_Steps); });
   left->addWidget(timing);
   left->addStretch(1);
   auto* right = new QVBoxLayout;

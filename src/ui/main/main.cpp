@@ -9,12 +9,16 @@
 #include "control/manual/jog_guard.h"
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/messages.h"
 #include "core/operation.h"
 #include "core/version.h"
+#include "drive/drive_host.h"
 #include "platform/desktop/desktop_platform.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/sdl/sdl_platform.h"
+#include "platform/x11/escape_key.h"
 #include "plot/picture/picture_files.h"
+#include "simulate/virtual_clock.h"
 #include "ui/main/main_window.h"
 #include "ui/main/second_start.h"
 #include "ui/simulated/simulated_window.h"
@@ -79,6 +83,22 @@ QStringList Files_Of_Call() {
   return files;
 }
 
+// ESC from the key itself where the window system tells, so that it stops the machine while another
+// program has the focus too. Where it does not tell, the operator has to know.
+void Hear_Escape() {
+  const bool wayland =
+      QGuiApplication::platformName() != "xcb" || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
+  const std::string why_not = wayland ? "the window system tells no program of the keys of another"
+                                      : norvik::Install_Escape_Key();
+  norvik::Drive_Host.Escape_Held = norvik::Escape_Key_Held;
+  if (why_not.empty()) return;
+  norvik::AddMessage(
+      "ESC stops the machine only while a window of Norvik has the focus, and up to a quarter of a "
+      "second late: " +
+      why_not + ". Log in to an X11 session to have it heard at once.");
+  norvik::SetStatus(2, "ESC: heard with the focus only", -1);
+}
+
 constexpr const char* Usage =
     "Usage: norvik [FILE]\n"
     "CNC control with windows. FILE, a program, drawing or picture, is opened in the window; a "
@@ -140,7 +160,9 @@ int main(int argument_count, char** arguments) {
   Load_Main();
   // An end that was asked for before the event loop runs would not be heard in it.
   if (Application.ShutdownFlag) return 0;
+  Hear_Escape();
   if (Port_Is_Simulated()) {
+    Offer_Time_Factors();
     window.Add_Tool_Window("Simulated_Machine", "&Simulated machine",
                            [] { return new Simulated_Window; });
     window.Set_Banner("SIMULATED MACHINE - no motion takes place");

@@ -43,12 +43,8 @@ QWidget* Speed_Of_Time() {
   factor->setToolTip("Faster than real time moves the simulated machine only");
   static constexpr double factors[] = {1, 2, 5, 10, 50};
   for (const double value : factors) factor->addItem(QString("Time x %1").arg(value), value);
-  QObject::connect(factor, &QComboBox::activated, factor, [factor] {
-    const double value = factor->currentData().toDouble();
-    if (value == 1) return Remove_Virtual_Clock();
-    if (!Virtual_Clock.Installed) Install_Virtual_Clock();
-    Virtual_Clock.Speed_Factor = value;
-  });
+  QObject::connect(factor, &QComboBox::activated, factor,
+                   [factor] { Set_Time_Factor(factor->currentData().toDouble()); });
   return factor;
 }
 

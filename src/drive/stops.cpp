@@ -1,8 +1,5 @@
-#include "parallel/stops.h"
+#include "drive/stops.h"
 
-#include "core/application.h"
-#include "parallel/drive_host.h"
-#include "parallel/pin_map.h"
 #include "platform/platform.h"
 
 namespace norvik {
@@ -16,19 +13,13 @@ Stop_State Stops;
 
 }  // namespace
 
-bool EStop_Met() {
-  if (!Machine.EStop_Flag && !Read_Input(EStop_Input)) return false;
-  Drive_Host.Stop_Run();
-  return true;
-}
-
 void Begin_Watching_Stops() {
   Stops.Old_Escape = Application.EscFlag;
 }
 
 bool Escape_Met() {
   if (!Application.EscFlag) Stops.Old_Escape = false;
-  const bool down = Platform.Key_Down(key::Escape);
+  const bool down = Platform.Key_Down(key::Escape) || Drive_Host.Escape_Held();
   if (!down && (!Application.EscFlag || Stops.Old_Escape)) return false;
   Application.EscFlag = true;
   Drive_Host.Stop_Run();

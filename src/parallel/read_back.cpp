@@ -1,0 +1,73 @@
+#include "parallel/read_back.h"
+
+#include "core/error_log.h"
+#include "core/messages.h"
+#include "core/setup.h"
+#include "parallel/pin_map.h"
+#include "parallel/port_display.h"
+#include "parallel/ports.h"
+
+#include <map>
+#include <string>
+
+namespace norvik {
+
+Read_Back_State Read_Back;
+
+namespace {
+
+struct Output_Port {
+  std::uint8_t Used = 0, Direction = 0;  // bits of outputs, of direction pins
+};
+
+std::map<std::int32_t, Output_Port> Output_Ports() {
+  std::map<std::int32_t, Output_Port> ports;
+  for (int slot = 1; slot <= Output_Slot(5); ++slot) {
+    const auto bit = Output_Bit(slot);
+    if (!bit) continue;
+    const auto mask = static_cast<std::uint8_t>(1u << *bit);
+    Output_Port& port = ports[MachineSetup.Output_Port[slot]];
+    port.Used |= mask;
+    if (slot <= 3 * Axis_Count && slot % 3 == 2) port.Direction |= mask;
+  }
+  return ports;
+}
+
+bool Reads_Back(std::int32_t address, const Output_Port& port) {
+  const std::uint8_t before = Written_Byte(address).value_or(PPGetPort(address));
+  const auto answers = [&](std::uint8_t value) {
+    return ((PPGetPort(address) ^ value) & port.Used) == 0;
+  };
+  if (port.Direction == 0) return !Written_Byte(address) || answers(before);
+  const auto turned = static_cast<std::uint8_t>(before ^ port.Direction);
+  if (!PPSetPort(address, turned, true)) return true;  // a failure of its own, which was said
+  const bool turned_read = answers(turned);
+  PPSetPort(address, before, true);
+  return answers(before) && turned_read;
+}
+
+void Say(std::int32_t port) {
+  const std::string text = "Port " + Port_Text(port) +
+                           " does not read back what is written to it: an axis may run the wrong "
+                           "way, outputs may change "
+                           "by themselves. Set Port_Shadow in section Corrections of the machine "
+                           "file to True, then start "
+                           "Norvik again.";
+  ErrorLogWrite(text);
+  AddMessage(text);
+  SetStatus(1, text, 10);
+}
+
+}  // namespace
+
+void Look_For_Deaf_Ports() {
+  Read_Back = {};
+  for (const auto& [address, port] : Output_Ports()) {
+    const bool reachable = address >= Lowest_Port && address <= 65535;
+    if (!reachable || Reads_Back(address, port)) continue;
+    Read_Back.Deaf_Ports.push_back(address);
+    if (!MachineSetup.Port_Shadow) Say(address);
+  }
+}
+
+}  // namespace norvik
