@@ -53,11 +53,9 @@ endfunction()
 
 # The tests of one room: every .cpp of tests/<name>/ in one program.
 #
-#   Norvik_Room_Tests(compiler NEIGHBOURS compiler platform_scripted SLOW "^Generated_Programs")
-#
-# SLOW: a pattern of the tests that take a second or more (tests/labels.cmake).
+#   Norvik_Room_Tests(compiler NEIGHBOURS compiler platform_scripted)
 function(Norvik_Room_Tests name)
-  cmake_parse_arguments(ROOM "" "SLOW" "NEIGHBOURS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "" "NEIGHBOURS;LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
   if(NOT sources)
     return()
@@ -75,10 +73,7 @@ function(Norvik_Room_Tests name)
     TEST_LIST room_tests PROPERTIES TIMEOUT 300)
   # What ctest reads after the names of the tests are known.
   set(labels ${CMAKE_CURRENT_BINARY_DIR}/labels_${name}.cmake)
-  if(NOT ROOM_SLOW)
-    set(ROOM_SLOW "^$")
-  endif()
   file(CONFIGURE OUTPUT ${labels} CONTENT
-    "set(room ${name})\nset(room_slow [[${ROOM_SLOW}]])\ninclude(${CMAKE_CURRENT_SOURCE_DIR}/labels.cmake)\n")
+    "set(room ${name})\ninclude(${CMAKE_CURRENT_SOURCE_DIR}/labels.cmake)\n")
   set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${labels})
 endfunction()

@@ -18,8 +18,6 @@ from pathlib import Path
 
 SOURCE = Path(__file__).resolve().parent.parent / "src"
 MOST_FILES_IN_A_CIRCLE = 3
-# Circles that are larger still, by room; they may come apart, not grow.
-KNOWN_CIRCLES = {"control": 12}
 
 
 def rooms_in_order(folder):
@@ -105,7 +103,7 @@ def main():
             for group in circles(within[room]):
                 line = f"{room}: {', '.join(group)} include each other"
                 print(f"circle in {line}")
-                if len(group) > KNOWN_CIRCLES.get(room, MOST_FILES_IN_A_CIRCLE):
+                if len(group) > MOST_FILES_IN_A_CIRCLE:
                     faults.append(f"a circle of {len(group)} files in {line}")
     for fault in faults:
         print(f"FAULT: {fault}", file=sys.stderr)

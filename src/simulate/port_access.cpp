@@ -44,7 +44,7 @@ void Output_Pin_Changed(int slot, bool high, std::int64_t time) {
 void Several_Pins_Changed(const Port_Register& wired, std::uint8_t changed, std::int64_t time) {
   for (const bool steps : {false, true}) {
     for (std::size_t bit = 0; bit < 8; ++bit) {
-      const int slot = wired.Output_Slot[bit];
+      const auto slot = wired.Output_Slot[bit];
       const bool is_step = slot <= 12 && (slot - 1) % 3 == 0;
       if ((changed >> bit & 1) == 0 || is_step != steps) continue;
       Output_Pin_Changed(slot, (wired.Latch >> bit & 1) != 0, time);

@@ -11,7 +11,7 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-NAME = re.compile(r"^[\w./-]+\.(?:h|cpp|md|sh|py|cmake|ini|gc)$")
+NAME = re.compile(r"^[\w./-]+\.(?:h|cpp|md|sh|py|cmake|gc)$")
 
 
 def anchors(path):

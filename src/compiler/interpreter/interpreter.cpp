@@ -300,12 +300,12 @@ void ExecuteBlock(Block& block) {
 }
 
 void ReadBlock(std::string_view text) {
-  Block& block = Interpreter.Now;
   const auto report = [&](const Fault& fault) {
     ErrorLogWrite("NIST_Block_Interpretor_Error: " + Log_Text(text));
     Note_Loss(Loss_Kind::Line, text, fault.Description);
   };
   Trap_With(report, [&] {
+    Block& block = Interpreter.Now;
     Compiler.BlockText = text;
     Read_Words(text, block);
     ExecuteBlock(block);

@@ -15,8 +15,6 @@
 #include "compiler/text/program_text.h"
 #include "core/indexed.h"
 #include "core/nullable.h"
-#include "core/indexed.h"
-#include "core/nullable.h"
 
 #include <cstdint>
 #include <functional>

@@ -169,8 +169,8 @@ double Feed_Planner::Fastest_Feed(const Wire& wire) const {
   // A second guard with the same aim, kept because the speeds of existing programs depend on it. It
   // compares 60 x feed / scale, which is no speed, with a speed: with the usual thousands of steps
   // per unit the left side is tiny and nothing happens. With fewer than some 60 steps per unit it
-  // acts, and as it sets the limit instead of lowering it, it may allow more than the loop above. The
-  // drive holds every axis to its limit once more when the move runs.
+  // acts, and as it sets the limit instead of lowering it, it may allow more than the loop above.
+  // The drive holds every axis to its limit once more when the move runs.
   for (int k = 1; k <= 4; ++k) {
     if (!(Current.Of[k] >= 1)) continue;
     if (!(60 * wire.IPM_D / Limits.SPI[k] > Limits.Max_Feed[k])) continue;
