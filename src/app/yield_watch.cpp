@@ -12,12 +12,14 @@ namespace norvik {
 namespace {
 
 struct Yield_Watch_State {
-  std::int64_t Last_Yield = 0;  // when it was over, nanoseconds
-  std::int64_t Longest = 0;     // nanoseconds
+  std::int64_t Last_Yield = 0;  // when the last yield ended, nanoseconds of the monotonic clock
+  std::int64_t Longest = 0;     // longest time between two yields of a motion, nanoseconds
 };
 Yield_Watch_State Yield_Watch;
 
-// What lies between two motions is no gap: then the window system's own loop serves the buttons.
+// Called right before each yield: how long ago was the last one? Time in which nothing moved does
+// not count, because the window system's own loop then serves the buttons. So a gap begins with the
+// last yield or with the operation that moves, whichever is later.
 void Note_Gap() {
   if (!Anything_Moves()) return;
   const std::int64_t since = std::max(Yield_Watch.Last_Yield, Controller.Operation_Began);

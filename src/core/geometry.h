@@ -1,7 +1,11 @@
 // geometry.h: directions, lengths and angles of motion.
 //
-// Angles are in radians and count from +X towards +Y unless a name says otherwise. The two short
-// values of pi are different and each stays with its own helpers: chord counts depend on them.
+// Angles are in radians and count from +X towards +Y unless a comment says otherwise.
+//
+// There are two values of pi, both a little too large. An arc is cut into chords by dividing its
+// sweep by a step and taking the whole part, so a change in the tenth digit can add or drop a
+// chord. Programs that were proven with these values must keep their chords, so each helper keeps
+// the value that it has always had.
 #pragma once
 
 #include "core/nullable.h"

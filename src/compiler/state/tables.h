@@ -2,9 +2,10 @@
 //
 //   G-code text --line pass--> LineArc --wire pass--> Wire --feed pass--> speeds set
 //
-// Both tables are files that users and other tools read ("NORVIK_Program_LineArc_Data.csv",
-// "NORVIK_Program_Wire_Data.csv"), and they hold exactly what each pass produced; the passes hand
-// the same records over in memory.
+// The line pass writes down what each line of the program asks for; the wire pass cuts that into
+// straight moves; the feed pass gives the moves their speeds. The passes hand their records over in
+// memory. Beside that, both tables are written to files that users and other tools read,
+// "NORVIK_Program_LineArc_Data.csv" and "NORVIK_Program_Wire_Data.csv", with the same records.
 //
 // Units: lengths in units of the setup, speeds in units per minute, times in seconds. Axis tables
 // are indexed from 1: X, Y, Z, A, B, C; an axis that was never mentioned is absent.
@@ -24,15 +25,16 @@ namespace norvik {
 
 enum class Record_Type : std::uint8_t { Control = 0, Line = 1, Arc = 2, Other = 255 };
 
-// Output commands of a record.
-namespace output_command {  // beside the drive's operations Output_On and Output_Off
+// What a record does to an output. In a namespace of its own because the drive has operations of
+// the same names.
+namespace output_command {
 inline constexpr std::int16_t Output_Off = 0, Output_Unchanged = 1, Output_On = 2;
 }
 using namespace output_command;
 
-// One motion or command as programmed. The text points into storage that the table's owner keeps.
-// The fields stand by size, which keeps a row at 208 bytes; their order in the file is that of the
-// field list (compiler/tables/fields.h).
+// One motion or command as the program asks for it. `SourceText` points into storage that the table
+// keeps (`Table::Texts`). The fields are sorted by size, which keeps a record at 208 bytes; their
+// order in the file is that of the field list (compiler/tables/fields.h).
 struct LineArc {
   std::int32_t LineNumber = 0;  // line of the program or of the macro; 0 in a block compile
   Record_Type RecordType = Record_Type::Control;

@@ -17,7 +17,8 @@ namespace norvik {
 
 namespace {
 
-// The texts of a table. Neighbours often share theirs: the chords of an arc, the records of a line.
+// Keeps the texts of a table. A text equal to the one before is kept once: the chords of an arc and
+// the records of a line all carry the text of their line.
 class Text_Store {
  public:
   std::string_view Keep(std::string_view text) {
@@ -42,7 +43,7 @@ class Text_Store {
   std::string_view Last;
 };
 
-// Where the bytes come from. `Fill` appends what follows and is false at the end.
+// Where the bytes come from. `Fill` appends the next portion; false when there is none.
 class Byte_Source {
  public:
   virtual ~Byte_Source() = default;
@@ -84,15 +85,16 @@ bool Is_Line_End(char c) {
   return c == '\r' || c == '\n';
 }
 
-// One value as it stands in the file, without what separates it from the next.
+// One value in the spelling of the file, without the comma or line end behind it.
 struct Raw_Value {
   std::string_view Text;
   bool Quoted = false;
   bool Doubled_Quotes = false;  // each pair in the text stands for one
 };
 
-// Cuts the bytes into values. A cut that meets the end of the bytes at hand while there are more
-// answers false, and the record is taken again from its start.
+// Cuts the bytes into values. The bytes come in portions, so a value may go on in the next one. A
+// cut that runs into the end of the portion returns false; the caller then gets more bytes and
+// reads the whole record again from its start.
 class Value_Cutter {
  public:
   void Set(const char* first, const char* last, bool all) {
@@ -118,8 +120,9 @@ class Value_Cutter {
   }
   bool Ended() const { return At == Last; }
 
-  // The short way: a value in the very form of the writer, taken at one go. False leaves everything
-  // as it was for `Cut`. So much room is asked for that no look ahead within it needs a check.
+  // The fast way, for a value spelled exactly as this program's own writer spells it. Returns false
+  // and changes no place for any other spelling; `Cut` then reads it. It asks for 64 bytes to be at
+  // hand, more than any such number takes, and so needs no check for the end on the way.
   template <class Field>
   bool Quick(Field& field, Text_Store& texts) {
     constexpr std::ptrdiff_t room = 64;
@@ -133,7 +136,7 @@ class Value_Cutter {
   }
 
  private:
-  // True when a value that ends at `at` is complete; then it is used up.
+  // True when a comma or line end follows at `at`, so that the value is complete; steps over it.
   bool Quick_End(const char* at) {
     if (Last - at < 2) return false;
     if (*at == ',') {
@@ -399,7 +402,7 @@ class Table_Reader {
   Table<Record> Result;
 };
 
-// Bytes at hand, handed over at once.
+// Bytes that are in memory already; the first `Fill` appends them all.
 class Memory_Source : public Byte_Source {
  public:
   explicit Memory_Source(std::string_view bytes) : Rest(bytes) {}

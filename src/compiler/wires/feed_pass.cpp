@@ -61,10 +61,10 @@ namespace {
 struct Wire_Steps {
   Indexed<double, 1, 4> Of;  // steps of each axis, whole
   double Major = 0;          // the largest of them
-  double Major_SPI = 0;      // scale of its axis; the last one where several are largest
+  double Major_SPI = 0;      // steps per unit of that axis; of the last such axis where several tie
 };
 
-// The setup as the pass takes it, once.
+// What the pass needs of the setup, read once at its start.
 struct Feed_Limits {
   Indexed<double, 1, 4> SPI, Max_Feed;
   double Ramp_Start = MachineSetup.Axis_Ramp_Start;
@@ -135,7 +135,8 @@ Wire_Steps Feed_Planner::Steps_Of(const Wire& wire) const {
   return steps;
 }
 
-// The pass visits records of any kind; a command has no steps and so ends it.
+// Going back meets commands too, not only moves. A command has no steps, so it fits, and the way
+// back ends there.
 Wire_Steps Feed_Planner::Steps_In_Backward_Pass(const Wire& wire) const {
   return wire.Motion == 1 ? Steps_Of(wire) : Wire_Steps{};
 }
@@ -165,7 +166,11 @@ double Feed_Planner::Fastest_Feed(const Wire& wire) const {
     const double limit = Limits.Max_Feed[k] * Current.Major / Current.Of[k];
     if (fastest > limit) fastest = limit;
   }
-  // Only fires on machines with a small step scale, and then even upwards.
+  // A second guard with the same aim, kept because the speeds of existing programs depend on it. It
+  // compares 60 x feed / scale, which is no speed, with a speed: with the usual thousands of steps
+  // per unit the left side is tiny and nothing happens. With fewer than some 60 steps per unit it
+  // acts, and as it sets the limit instead of lowering it, it may allow more than the loop above. The
+  // drive holds every axis to its limit once more when the move runs.
   for (int k = 1; k <= 4; ++k) {
     if (!(Current.Of[k] >= 1)) continue;
     if (!(60 * wire.IPM_D / Limits.SPI[k] > Limits.Max_Feed[k])) continue;
@@ -175,7 +180,11 @@ double Feed_Planner::Fastest_Feed(const Wire& wire) const {
   return fastest;
 }
 
-// Full feed through a straight joint, falling with its angle to the ramp start.
+// The speed through the joint of two wires. Straight on, nothing forbids the full feed. At a corner
+// the axes change their speeds within one step, with no ramp, and the sharper the corner the more
+// they change. The one jump that every axis is known to survive is the start of a ramp. So the
+// speed falls in proportion to the angle, from the full feed at 0 degrees to the ramp's start speed
+// at the angle of the setup, and stays there for sharper corners.
 double Feed_Planner::Corner_Speed(const Wire& wire, const Wire& next) const {
   const auto at = [](const Nullable& coordinate) { return coordinate.value_or(0); };
   const double angle =
@@ -187,7 +196,10 @@ double Feed_Planner::Corner_Speed(const Wire& wire, const Wire& next) const {
          (wire.IPM_D - Limits.Ramp_Start) * (1 - Divided(angle, Limits.CV_Angle));
 }
 
-// Limit for a joint at which an axis that is not the major one would have to change speed at once.
+// The corner speed looks at the direction in X, Y and Z; an axis that does little of the move can
+// still have to change its own speed a lot at a joint. Where the change is above 1 unit per minute
+// and the faster of its two speeds above the ramps' start, the joint is slowed until that speed is
+// the ramps' start.
 double Feed_Planner::SecondaryVelocity(const Wire& wire, const Wire& next) const {
   double result = wire.IPM_E;
   if (Current.Major == 0 || Upcoming.Major == 0) return result;
@@ -203,7 +215,9 @@ double Feed_Planner::SecondaryVelocity(const Wire& wire, const Wire& next) const
   return result;
 }
 
-// A cruise speed that the wire's steps suffice to reach and to leave.
+// A wire too short to reach its cruise speed and to brake again gets a lower one: the speed that is
+// reached in 75 percent of the steps that its ends leave for speeding up. Where even that does not
+// fit, it runs at the higher of the speeds at its ends.
 void Feed_Planner::Fit_Cruise(Wire& wire, double fastest) const {
   const Ramp ramp = Ramp_Of(Current);
   if (RampFits(ramp, Current.Major, wire.IPM_S, wire.IPM_R, wire.IPM_E)) return;
@@ -236,8 +250,9 @@ void Feed_Planner::GetMotionAngleVelocity(std::size_t i) {
   }
 }
 
-// Lowers the start of a wire that cannot brake in time, and goes back along the chain until a wire
-// fits.
+// A wire that cannot brake to the speed at its end within its own steps has to start slower, so the
+// wire before it has to end slower, and so on. This goes back along the chain until a wire fits as
+// it is.
 void Feed_Planner::Backward_Pass(std::size_t i, double fastest) {
   Wire& wire = Wires[i];
   const Ramp ramp = Ramp_Of(Current);
@@ -272,7 +287,7 @@ bool Feed_Planner::Ease_Before(Wire& wire, double next_start) const {
   return false;
 }
 
-// A failed wire keeps what it had got.
+// A wire whose planning fails keeps the speeds that it had got until then.
 void Feed_Planner::Plan_One(std::size_t i) {
   const auto plan = [&] { GetMotionAngleVelocity(i); };
   const bool done = Faults < Faults_Written_Out ? Trap("GetMotionAngleVelocity_Error # ", plan)
@@ -357,7 +372,8 @@ void Open_Progress() {
   for (int yields = 0; yields < 4; ++yields) DoEvents();
 }
 
-// The records that the pass takes: up to the limit, and up to the first once ESC was pressed.
+// Drops the records that the pass does not plan: those beyond the limit of the table, and all but
+// the first where ESC was pressed.
 void Take_Records(Table<Wire>& wires) {
   wires.Rows.Cut_To(Wire_Table_Limit);
   if (!wires.Rows.empty() && Cut_By_Esc()) wires.Rows.Cut_To(1);

@@ -1,19 +1,20 @@
 // gcode.h: depth passes and G-code of a DXF drawing.
 //
-// Without `DXF_Ingore_Depth` every row is written once with its own depths. With it the depths come
-// from the multi-depth table: the row of a group's layer gives Start, End and Passes, and the whole
-// group is written once for each pass, the first at Start - step and the last at End, with
-// step = (Start - End) / Passes. A layer that the table does not name takes the row found last.
+// With `DXF_Ingore_Depth` off every entity is written once, at the Z of the drawing. With it on the
+// depths come from the table of layers in the setup: Start, End and Passes. All entities of a layer
+// are written once for each pass, each pass lower by (Start - End) / Passes, so that the last one
+// is at End. A layer that the table does not name takes the row that was used last, at first row 0.
 #pragma once
 
 #include <string>
 
 namespace norvik {
 
-// Writes `DXF_Entity` to the ten-field line file `line_file`, import offsets added. ESC ends it.
+// Writes the entities of the drawing (`DXF_Entity`) to `line_file`, ten fields a line, with the
+// offsets of the setup added. ESC ends it early.
 void DXF_Add_Passes(const std::string& line_file);
 
-// Reads `line_file` and prints the working G-code file. True when the program is complete.
+// Makes the G-code program out of `line_file`. True when it is complete.
 bool DXF_Write_GCode(const std::string& line_file);
 
 }  // namespace norvik

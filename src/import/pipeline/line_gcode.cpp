@@ -29,7 +29,7 @@ class Line_Writer {
   Last_End Last;
   std::int16_t Last_Pen = -9999;
   bool Pen_Changed = false;
-  bool Feed_Pending = false;  // the plunge feed is in force; the next cut takes its own
+  bool Feed_Pending = false;  // the last line set the plunge feed; the next cut sets its own again
   Nullable Cut_Depth;
 };
 
@@ -38,9 +38,10 @@ double Line_Writer::Layer_Depth(const ImportLine& line) const {
   return Decimal_Of(MachineSetup.Axis_Tool_Height[deep ? 2 : 1]);
 }
 
-// Several tests here go by the DXF settings; so do the programs that users have. A record without a
-// depth that begins a contour counts as one that starts at the normal cut depth, so a new pen
-// without a depth of its own gets its pause there.
+// HPGL and pictures share this writer, and some of its conditions read settings of the DXF import.
+// That is kept, because the programs that users have were made so. With `DXF_Ingore_Depth` off a
+// record without a depth that begins a contour gets the normal cut depth. It then counts as a
+// record with a depth, and so a pause for a new pen can be written for it.
 void Line_Writer::Start_Contour(ImportLine& line) {
   const double normal_depth = Decimal_Of(MachineSetup.Axis_Tool_Height[1]);
   if (Rules.Passes < 2) Cut_Depth = Layer_Depth(line);

@@ -1,21 +1,26 @@
-// record_walk.h: the rows of a path sort by place, and the search for the row to take next.
+// record_walk.h: finds the row that a path sort takes next, faster than by looking at every row.
 //
-// The path sorts look through the rest of their table for rows nearer than the best so far, and
-// each one found changes places with the row in the slot. Which row is found next, and so the order
-// of the whole table, depends on the places and not only on the distances. A plain scan measures
-// every row for every slot. The walk finds the same rows in the same order:
+// A path sort goes through its table slot by slot. For each slot it looks at all places behind it,
+// in order, for the row nearest to where the tool is. Whenever a row is nearer than the best one so
+// far, it changes places with the row in the slot and becomes the best. Because of these exchanges
+// the order of the result depends on where rows lie in the table, not only on distances, so a
+// search that just returned the nearest row would give another program. This class gives exactly
+// the rows that looking at every row would give, in the same order, in two ways that it changes
+// between:
 //
-//   - It scans with a first look in singles, thirty-two places at a time; coordinates lie by place.
-//     Only where the first look cannot tell, the exact distances decide.
-//   - When a long stretch brought nothing it asks the tree for everything within the best distance.
-//     A short answer, sorted by place, holds all rows that can still be found. A long answer means
-//     that the scan will find one soon: it goes on with a larger allowance.
+//   - Scan: thirty-two places at a time, with distances in single precision. Where these are too
+//     close to decide, the exact distances do.
+//   - Tree: when the scan has found nothing for a long stretch, it asks a tree of points for every
+//     row within the best distance. If there are few, only those can still be found; they are
+//     looked at in the order of their places, and the rest of the table is skipped. If there are
+//     many, the scan is likely to find one soon and goes on for a longer stretch before it asks
+//     again.
 //
-// Rows found later than the answer mostly lie within smaller distances, so one answer serves the
-// rest of the walk; where the best distance grows again, the scan goes on.
+// Finding a row usually makes the best distance smaller, so what the tree gave stays valid. Where
+// the distance grows (a row may be entered at its far end only), the scan goes on.
 //
-// Row r has the ends 2r and 2r+1, its sides 0 and 1, and starts at one of them. An end that is
-// switched off is never found; a table of single points leaves its second ends off.
+// Row r has two ends, numbered 2r and 2r + 1, and is cut starting from one of them. An end that is
+// switched off is never found; tables of single points have all second ends off.
 #pragma once
 
 #include "import/pipeline/point_tree.h"
@@ -31,7 +36,7 @@ class Record_Walk {
   enum class Finds { Nearer, Not_Farther };
   explicit Record_Walk(Finds rule) : Rule(rule) {}
 
-  // From now on a row found with a live end at the point itself ends the search.
+  // From now on a row that begins or ends exactly where the tool is ends the search at once.
   void End_At_Meeting() { Ends_At_Meeting = true; }
 
   // Two ends for each row, all off; row r stands at place r and starts at its side 0.
@@ -55,14 +60,15 @@ class Record_Walk {
   void Switch(std::int32_t end, bool on);
   void Exchange(std::int32_t place, std::int32_t other);
 
-  // Looks at the places from `from` on, in order, for rows with an end nearer to (x, y) than
-  // `best`, or not farther, as the walk was made for. Each one found changes places with the row in
-  // `slot`, is turned to start at its nearer live end, and gives the new best point: its start; but
-  // where only its second end is live, its other end.
+  // Looks at the places from `from` on for rows nearer to `from_point` than `best` (or as near, by
+  // the rule given to the constructor). Each row found changes places with the row in `slot` and is
+  // turned so that it starts at its nearer end. The new best point is that start; where only its
+  // second end is switched on, it is the other end.
   void Find(Point_Tree::Point from_point, std::int32_t slot, std::int32_t from,
             Point_Tree::Point best);
 
-  // A row found, where it stood and the rough squares of its ends.
+  // A row that was found: its place at that moment, and the squared distances of its ends in single
+  // precision.
   struct Found_Row {
     std::int32_t Row = 0, Place = 0;
     float Squares[2] = {};
@@ -81,15 +87,16 @@ class Record_Walk {
  private:
   static constexpr std::int32_t Block = 32;
   static constexpr std::int32_t First_Allowance = 1024, Growth = 4;
-  // Margins far wider than what rounding and underflow can hide in a rough square.
+  // Factors and a least value that allow for more than single precision can get wrong.
   static constexpr float Less = 1 - 1e-5F, More = 1 + 1e-5F, Smallest = 1e-36F;
 
-  // Thirty-two places. Ends that are off, and those of places behind the last row, are infinite.
+  // Thirty-two places. Ends that are switched off, and those of places behind the last row, lie at
+  // infinity, so that no comparison finds them.
   struct Place_Block {
     float X[2][Block], Y[2][Block];  // by side of the row
     std::int32_t Start[Block];       // the end at which the row starts
   };
-  // What stands at a place, while it is carried to the next one.
+  // A row taken out of its place.
   struct Row_State {
     std::int32_t Start = 0;
     float X[2] = {}, Y[2] = {};
@@ -118,7 +125,7 @@ class Record_Walk {
 
   // The search in progress.
   Point_Tree::Point Centre;
-  Row_State Carried;        // the row found last; it goes to the slot, or to the place of the next
+  Row_State Carried;  // the row found last, on its way to the slot (or to where the next one was)
   float Low = 0, High = 0;  // rough squares below are nearer than the best, above are farther
   double Root = -1;         // exact distance of the best; -1: that of Carried, not computed yet
   double Found_Root = -1;   // that of the row that has just passed, where it was computed
