@@ -8,7 +8,7 @@
 #include "import/picture/import.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 
 #include <chrono>
 #include <cmath>

@@ -4,10 +4,10 @@
 #   Norvik_Room(compiler_wires FOLDER compiler/wires NEIGHBOURS compiler_arcs INSIDE compiler_tables)
 #
 # Headers are included by room and name ("core/fault.h"). Each room publishes an include folder of
-# its own that holds nothing but a link to the room, so that the include of a room that is not a
-# declared neighbour (or a neighbour's neighbour) does not build. A folder with rooms in it is no
-# room and is not published, so that one of them cannot reach another through it. Neighbours named
-# under INSIDE are for the sources of the room alone: whoever includes the room does not see them.
+# its own that holds nothing but links to its own headers, so that the include of a room that is not
+# a declared neighbour (or a neighbour's neighbour) does not build. Rooms in a room's folder are rooms
+# of their own. Neighbours named under INSIDE are for the sources of the room alone: whoever includes
+# the room does not see them.
 function(Norvik_Room name)
   cmake_parse_arguments(ROOM "" "FOLDER" "NEIGHBOURS;INSIDE;LIBRARIES" ${ARGN})
   if(NOT ROOM_FOLDER)
@@ -25,9 +25,12 @@ function(Norvik_Room name)
   endif()
 
   set(published ${CMAKE_BINARY_DIR}/rooms/${name})
-  get_filename_component(parent ${published}/${ROOM_FOLDER} DIRECTORY)
-  file(MAKE_DIRECTORY ${parent})
-  file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR} ${published}/${ROOM_FOLDER} SYMBOLIC)
+  file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *.h)
+  file(REMOVE_RECURSE ${published})
+  file(MAKE_DIRECTORY ${published}/${ROOM_FOLDER})
+  foreach(header ${headers})
+    file(CREATE_LINK ${CMAKE_CURRENT_SOURCE_DIR}/${header} ${published}/${ROOM_FOLDER}/${header} SYMBOLIC)
+  endforeach()
   target_include_directories(${target} ${scope} ${published})
 
   list(TRANSFORM ROOM_NEIGHBOURS PREPEND norvik_)
@@ -50,9 +53,11 @@ endfunction()
 
 # The tests of one room: every .cpp of tests/<name>/ in one program.
 #
-#   Norvik_Room_Tests(compiler NEIGHBOURS compiler platform_scripted)
+#   Norvik_Room_Tests(compiler NEIGHBOURS compiler platform_scripted SLOW "^Generated_Programs")
+#
+# SLOW: a pattern of the tests that take a second or more (tests/labels.cmake).
 function(Norvik_Room_Tests name)
-  cmake_parse_arguments(ROOM "" "" "NEIGHBOURS;LIBRARIES" ${ARGN})
+  cmake_parse_arguments(ROOM "" "SLOW" "NEIGHBOURS;LIBRARIES" ${ARGN})
   file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/${name}/*.cpp)
   if(NOT sources)
     return()
@@ -67,5 +72,13 @@ function(Norvik_Room_Tests name)
   target_link_libraries(${target} PRIVATE
     ${ROOM_NEIGHBOURS} norvik_flags GTest::gmock_main ${ROOM_LIBRARIES})
   gtest_discover_tests(${target} NO_PRETTY_VALUES DISCOVERY_MODE PRE_TEST DISCOVERY_TIMEOUT 60
-    PROPERTIES TIMEOUT 300)
+    TEST_LIST room_tests PROPERTIES TIMEOUT 300)
+  # What ctest reads after the names of the tests are known.
+  set(labels ${CMAKE_CURRENT_BINARY_DIR}/labels_${name}.cmake)
+  if(NOT ROOM_SLOW)
+    set(ROOM_SLOW "^$")
+  endif()
+  file(CONFIGURE OUTPUT ${labels} CONTENT
+    "set(room ${name})\nset(room_slow [[${ROOM_SLOW}]])\ninclude(${CMAKE_CURRENT_SOURCE_DIR}/labels.cmake)\n")
+  set_property(DIRECTORY APPEND PROPERTY TEST_INCLUDE_FILES ${labels})
 endfunction()

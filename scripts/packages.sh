@@ -4,13 +4,13 @@
 
 # What a build and the tests need.
 build_packages=(
-  build-essential cmake ninja-build ccache pkg-config
+  build-essential cmake ninja-build ccache pkg-config python3
   libcli11-dev libgtest-dev libgmock-dev
   qt6-base-dev libgl-dev libvulkan-dev libsdl2-dev
   xvfb xauth xdotool imagemagick fonts-dejavu-core
 )
 # What the slower checks and the benchmarks need on top.
-check_packages=(clang libclang-rt-14-dev libbenchmark-dev python3)
+check_packages=(clang libclang-rt-14-dev libbenchmark-dev)
 
 # Installs those of the named packages that are missing and says which.
 install_missing() {

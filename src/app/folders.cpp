@@ -2,14 +2,18 @@
 
 #include "core/application.h"
 #include "core/error_log.h"
+#include "core/fault.h"
 #include "core/paths.h"
 #include "core/setup.h"
 
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 
 #include <langinfo.h>
 #include <locale.h>
+#include <unistd.h>
 
 namespace norvik {
 
@@ -22,6 +26,21 @@ std::string Environment_Folder(const char* name, const std::string& otherwise) {
   // A relative path would depend on where the program was started.
   if (value == nullptr || !fs::path(value).is_absolute()) return otherwise;
   return value;
+}
+
+// Nothing of a program that cannot keep its positions and its setup may begin.
+void Need_Folder(const std::string& folder) {
+  const auto refuse = [&](const char* what, const std::string& reason) {
+    throw Fault(Fault_Number::Path_Access,
+                "The folder " + folder + ", in which Norvik keeps its files, cannot be " + what +
+                    ": " + reason +
+                    ". Give this user the right to it, make room on its disk, or name another one "
+                    "with HOME, XDG_DATA_HOME or XDG_CONFIG_HOME (norvik-cli: --home).");
+  };
+  std::error_code failure;
+  fs::create_directories(folder, failure);
+  if (!fs::is_directory(folder)) refuse("made", failure.message());
+  if (::access(folder.c_str(), W_OK | X_OK) != 0) refuse("written", std::strerror(errno));
 }
 
 bool Make_Folder(const std::string& folder) {
@@ -66,28 +85,25 @@ void Read_Machine_Name() {
   }
 }
 
-bool Use_Folders(const Folder_Set& folders) {
-  if (!Make_Folder(folders.Working) || !Make_Folder(folders.Pointer)) return false;
+void Use_Folders(const Folder_Set& folders) {
+  Need_Folder(folders.Working);
+  Need_Folder(folders.Pointer);
   Set_Working_Files(folders.Working);
   Application.Pointer_Folder = folders.Pointer;
   Set_Table_Folder();
   Read_Machine_Name();
-  return true;
 }
 
-bool Enter_Desktop_Folders() {
+void Enter_Desktop_Folders() {
   const Folder_Set folders = Usual_Folders();
-  if (!Use_Folders(folders)) return false;
-  std::error_code failure;
-  fs::current_path(folders.Working, failure);
-  return !failure;
+  Use_Folders(folders);
+  fs::current_path(folders.Working);
 }
 
-bool Set_Companion_Folders(const std::string& home) {
+void Set_Companion_Folders(const std::string& home) {
   if (home.empty()) return Use_Folders(Usual_Folders());
-  std::error_code failure;
-  const std::string folder = fs::absolute(home, failure).string();
-  return !failure && Use_Folders({folder, folder});
+  const std::string folder = fs::absolute(home).string();
+  Use_Folders({folder, folder});
 }
 
 char Regional_Decimal_Sign() {

@@ -25,14 +25,14 @@ struct Folder_Set {
 Folder_Set Usual_Folders();
 
 // Makes both folders where they are missing and fills every path of `Application` that hangs under
-// them, the machine file as the pointer file names it included. False, with the reason in the error
-// log's panel, when one of them cannot be made.
-bool Use_Folders(const Folder_Set& folders);
+// them, the machine file as the pointer file names it included. Raises a fault, with words for the
+// operator, when one of them cannot be made or written.
+void Use_Folders(const Folder_Set& folders);
 // The same, and makes the working folder the current one.
-bool Enter_Desktop_Folders();
+void Enter_Desktop_Folders();
 // The folders of the companion: everything under `home`, or where the desktop has it when `home` is
 // empty.
-bool Set_Companion_Folders(const std::string& home);
+void Set_Companion_Folders(const std::string& home);
 
 // `MachineFile` as the pointer file names it, or the default one.
 void Read_Machine_Name();

@@ -10,6 +10,14 @@ Forms_State Forms;
 
 namespace {
 
+// True when the machine file says of one of the three whether it was open: a layout that holds
+// then, even one with the plot alone. A file without a layout shows all three; a newcomer would
+// stand before an empty frame otherwise.
+bool Has_Layout() {
+  return Form_Was_Open(Form_Id::CNC_Controls) || Form_Was_Open(Form_Id::Plot) ||
+         Form_Was_Open(Form_Id::GCode);
+}
+
 void Show_If(Form_Id form, bool otherwise) {
   if (Form_Was_Open(form).value_or(otherwise)) Main_Host.Show_Form(form);
 }
@@ -29,6 +37,8 @@ void UnLoad_Forms() {
   Forms.GCode_Was_Open = Main_Host.View_Of(Form_Id::GCode).Visible;
   Forms.CNC_Controls_Was_Open = Main_Host.View_Of(Form_Id::CNC_Controls).Visible;
   Forms.Simulated_Machine_Was_Open = Main_Host.View_Of(Form_Id::Simulated_Machine).Visible;
+  Forms.JogKey_Was_Open = Main_Host.View_Of(Form_Id::JogKey).Visible;
+  Forms.Port_IO_Was_Open = Main_Host.View_Of(Form_Id::Port_IO).Visible;
   for (const Form_Id form : {Form_Id::Plot, Form_Id::GCode, Form_Id::CNC_Controls, Form_Id::JogKey,
                              Form_Id::Port_IO, Form_Id::Simulated_Machine}) {
     Main_Host.Unload_Form(form);
@@ -42,12 +52,18 @@ void ReLoad_Forms() {
   Show_If(Form_Id::Plot, Forms.Plot_Was_Open);
   Show_If(Form_Id::GCode, Forms.GCode_Was_Open);
   Show_If(Form_Id::Simulated_Machine, Forms.Simulated_Machine_Was_Open);
+  Show_If(Form_Id::Port_IO, Forms.Port_IO_Was_Open);
+  Show_If(Form_Id::JogKey, Forms.JogKey_Was_Open);
 }
 
 void Show_Open_Forms() {
-  Show_If(Form_Id::CNC_Controls, false);
-  Show_If(Form_Id::Plot, false);
-  Show_If(Form_Id::GCode, false);
+  const bool first_time = !Has_Layout();
+  // The last one has the focus: never the window whose keys move the machine.
+  Show_If(Form_Id::Port_IO, false);
+  Show_If(Form_Id::JogKey, false);
+  Show_If(Form_Id::CNC_Controls, first_time);
+  Show_If(Form_Id::Plot, first_time);
+  Show_If(Form_Id::GCode, first_time);
 }
 
 }  // namespace norvik

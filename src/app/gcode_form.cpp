@@ -5,15 +5,15 @@
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/controller_state.h"
-#include "control/scope.h"
+#include "control/motion/motion.h"
+#include "control/state/cnc_controls_form.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/numbers.h"
+#include "core/operation.h"
+#include "core/scope.h"
 #include "core/setup.h"
 #include "platform/platform.h"
 #include "plot/nist_plot.h"
@@ -175,7 +175,7 @@ std::int32_t Text_Line_Of_Step(std::int32_t step) {
 
 void Command_Update_Click() {
   static bool in_handler = false;
-  if (in_handler || Compile_Status.CompileRunning) {
+  if (in_handler || Program_Is_Held()) {
     Platform.Beep();
     return;
   }
@@ -195,16 +195,15 @@ bool Begin_Check() {
 }
 
 void Command_GStep_Click() {
-  if (Machine.CNCMode != CNC_Stopped || Compile_Status.CompileRunning) {
+  if (Machine.CNCMode != CNC_Stopped || Program_Is_Held()) {
     Platform.Beep();
     return;
   }
-  Compile_Status.CompileRunning = true;  // keeps other compile actions out
+  const Operation_Scope edit(Operation::Edit);  // keeps other compile actions out
   Current_Step() = std::max(Current_Step(), Machine.StartingStep);
   Plot_Highlight_Step(Current_Step());
   if (Current_Step() < GCodeLineCount()) ++Current_Step();
   Display_Gcode_Steps();
-  Compile_Status.CompileRunning = false;
 }
 
 void Command_GCode_Reset_Click() {

@@ -10,7 +10,7 @@
 // copied with every change of a label.
 #pragma once
 
-#include "control/form_controls.h"
+#include "control/state/form_controls.h"
 #include "core/indexed.h"
 
 #include <cstdint>

@@ -3,9 +3,10 @@
 #include "app/bitmap_form.h"
 #include "app/gcode_file.h"
 #include "app/main_form.h"
-#include "control/cnc_controller.h"
+#include "control/motion/motion.h"
 #include "core/application.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/recent_files.h"
 #include "core/remembered_files.h"
 #include "import/dxf/import.h"
@@ -40,28 +41,23 @@ constexpr std::array<Importer_Row, Import_Kinds.size()> Importers{{
 
 constexpr int Second_Entry = 2;
 
-bool Running = false;
-
 const Importer_Row& Row_Of(Import_Kind kind) {
   return Importers.at(static_cast<std::size_t>(kind));
 }
 
 // An import in progress: keeps others out and shows the busy pointer.
 struct Import_Under_Way {
-  Import_Under_Way() {
-    Running = true;
-    Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
-  }
-  ~Import_Under_Way() {
-    Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
-    Running = false;
-  }
+  Import_Under_Way() { Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy); }
+  ~Import_Under_Way() { Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal); }
   Import_Under_Way(const Import_Under_Way&) = delete;
   Import_Under_Way& operator=(const Import_Under_Way&) = delete;
+
+ private:
+  Operation_Scope Entry{Operation::Import};
 };
 
 bool Nothing_Is_Imported() {
-  if (!Running) return true;
+  if (Obstacle_To(Operation::Import) != Obstacle::Import) return true;
   Platform.Beep();
   SetStatus(1, "Can't import another file now: wait for the import, or press ESC to end it", 5);
   return false;
@@ -100,10 +96,6 @@ bool Import_File(Import_Kind kind, const std::string& path) {
   if (!Nothing_Is_Imported()) return false;
   const Import_Under_Way under_way;
   return Row_Of(kind).Import(path);
-}
-
-bool Import_Is_Running() {
-  return Running;
 }
 
 void Import_Chosen_File(Import_Kind kind, const std::string& path) {

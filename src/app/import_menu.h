@@ -23,7 +23,6 @@ std::optional<Import_Kind> Import_Kind_Of(Opened_Kind kind);
 // Runs the importer of a kind under the busy pointer, whatever the file's extension. False, after a
 // beep, when the file does not exist or another import runs.
 bool Import_File(Import_Kind kind, const std::string& path);
-bool Import_Is_Running();
 
 // Stores folder and name, puts the file to the recent ones and into the caption, then imports it.
 // What the menu does once it knows the file.

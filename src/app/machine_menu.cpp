@@ -3,8 +3,8 @@
 #include "app/drive_session.h"
 #include "app/forms.h"
 #include "app/main_form.h"
-#include "control/cnc_controller.h"
-#include "control/safety.h"
+#include "control/motion/motion.h"
+#include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/messages.h"
 #include "core/paths.h"
@@ -70,7 +70,7 @@ void Menu_Machine_Load_Machine_Setup() {
   ReLoad_Forms();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Zoom_Table();
-  Tell_Home_Safety();
+  Tell_Session_Start();
 }
 
 void Save_Cut_Depths() {
@@ -98,7 +98,7 @@ void Command_Parameter_Reset_Click() {
   Begin_Drive_Session();
   Show_Open_Forms();
   Platform.Message_Box("Parameter Restore", Reset_Done, Box_Buttons::Ok);
-  Tell_Home_Safety();
+  Tell_Session_Start();
 }
 
 }  // namespace norvik

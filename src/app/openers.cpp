@@ -2,7 +2,7 @@
 
 #include "app/gcode_file.h"
 #include "app/main_form.h"
-#include "control/cnc_controller.h"
+#include "control/motion/motion.h"
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/numbers.h"
@@ -84,14 +84,6 @@ void Register_Opener(Opened_Kind kind, Opener opener) {
 std::optional<Opener> Opener_Of(Opened_Kind kind) {
   const Opener& opener = Openers.Openers.at(static_cast<std::size_t>(kind));
   return opener ? std::optional(opener) : std::nullopt;
-}
-
-std::vector<Opened_Kind> Offered_Kinds() {
-  std::vector<Opened_Kind> kinds;
-  for (const Kind_Row& row : Kinds) {
-    if (Opener_Of(row.Kind)) kinds.push_back(row.Kind);
-  }
-  return kinds;
 }
 
 void LoadRecentFile(const std::string& path) {

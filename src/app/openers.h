@@ -25,7 +25,6 @@ std::string_view Kind_Name(Opened_Kind kind);
 void Register_Opener(Opened_Kind kind, Opener opener);
 // Absent when the kind is not offered.
 std::optional<Opener> Opener_Of(Opened_Kind kind);
-std::vector<Opened_Kind> Offered_Kinds();
 
 // Opens a file of any offered kind and puts it to the front of the recent files; panel 3 says how
 // long it took. The body of the ten entries of the file menu. Refused unless the machine stands.

@@ -2,10 +2,11 @@
 
 #include "app/gcode_form.h"
 #include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
 #include "core/application.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "platform/platform.h"
 

@@ -1,14 +1,14 @@
 #include "app/setup_apply.h"
 
 #include "app/drive_session.h"
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/control_texts.h"
-#include "control/controller_state.h"
-#include "control/jog_key.h"
-#include "control/safety.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/jog_key.h"
+#include "control/manual/table_setup_keys.h"
+#include "control/motion/motion.h"
+#include "control/safety/safety.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
 #include "parallel/port_setup.h"
@@ -44,7 +44,7 @@ void Port_Setup_Apply_Click() {
   CNC_Controls_Host.Form_Changed();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Told_Saved(saved, "The port setup is saved. Outputs and motors are off.");
-  Tell_Home_Safety();
+  Tell_Session_Start();
 }
 
 void Table_Setup_Apply_Click() {

@@ -7,8 +7,8 @@
 #include "app/startup.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
-#include "control/controller_state.h"
 #include "core/application.h"
+#include "core/operation.h"
 #include "parallel/pin_map.h"
 #include "platform/platform.h"
 
@@ -21,7 +21,7 @@ constexpr std::int64_t Longest_Wait_ns = 200'000'000;
 
 // True when nobody is left who would have to see the flags: no run, move or compile, and no input.
 bool Nothing_Runs() {
-  return !Anything_Moves() && Machine.CNCMode == CNC_Stopped && !Compile_Status.CompileRunning &&
+  return !Anything_Moves() && Machine.CNCMode == CNC_Stopped && !Program_Is_Held() &&
          !Platform.Input_Pending();
 }
 
@@ -62,7 +62,7 @@ void bye() {
   if (has_session) All_Outputs_Off();
   Application.ShutdownFlag = true;
   Application.Closing_Program = true;
-  if (Import_Is_Running()) Application.EscFlag = true;
+  if (Runs(Operation::Import)) Application.EscFlag = true;
   Let_Loops_End();
   End_Drive_Session();
   DoEvents();

@@ -7,7 +7,7 @@
 #include "app/shutdown.h"
 #include "app/timers.h"
 #include "compiler/state/compiler_state.h"
-#include "control/safety.h"
+#include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/error_log.h"
@@ -45,19 +45,22 @@ void Read_Pointer_File() {
   Read_Machine_Name();
 }
 
-void Read_Machine_File() {
-  Application.SelfTestValue = GetInt(ReadSetup("General", "INI_Save_Test"), Sentinel::Zero, 999);
-  ReadPointer("test", "test1234");  // a touch of the file, without effect
-  LoadMachineSetup();
-  if (MachineSetup.ErrorFile_AutoClear) Reset_Error_Log();
-}
-
 void Read_Tools() {
   const std::string folder = Join_Path(Application.AppDirectory, "Tools");
   std::error_code ignored;
   std::filesystem::create_directory(folder, ignored);
   MachineSetup.Tool_Directory = folder;
   Read_Tool_File(MachineSetup.Tool_File_Name);
+}
+
+// The setup of the desktop, which keeps one error log over all its starts.
+void Load_Desktop_Machine() {
+  Application.SelfTestValue = GetInt(ReadSetup("General", "INI_Save_Test"), Sentinel::Zero, 999);
+  ReadPointer("test", "test1234");  // a touch of the file, without effect
+  Load_Machine([] {
+    if (MachineSetup.ErrorFile_AutoClear) Reset_Error_Log();
+    return !Application.ShutdownFlag;  // asked to end while a box of the load was open
+  });
 }
 
 void Restore_Positions() {
@@ -86,6 +89,15 @@ bool Open_Drive() {
 
 }  // namespace
 
+bool Load_Machine(const std::function<bool()>& loaded) {
+  const bool readable = LoadMachineSetup();
+  if (!loaded()) return readable;
+  Read_Tools();
+  Compiler.TravelFeed = MachineSetup.Axis_Feed_Rate_Travel;
+  Compiler.CutFeed = MachineSetup.Axis_Feed_Rate_Cut;
+  return readable;
+}
+
 void Load_Main() {
   if (Platform.Other_Instance_Runs()) {
     Platform.Message_Box("Norvik 4",
@@ -97,14 +109,11 @@ void Load_Main() {
   }
   Application.DecimalSeparator = Regional_Decimal_Sign();
   Read_Pointer_File();
-  Read_Machine_File();
-  if (Application.ShutdownFlag) return;  // asked to end while a box of the load was open
-  Read_Tools();
+  Load_Desktop_Machine();
+  if (Application.ShutdownFlag) return;
   Restore_Positions();
   Start_Timers();
   Read_Recent_Files();
-  Compiler.TravelFeed = MachineSetup.Axis_Feed_Rate_Travel;
-  Compiler.CutFeed = MachineSetup.Axis_Feed_Rate_Cut;
   if (!Open_Drive()) return bye();
   Main_Host.Place_Main(Read_Form_Place(Form_Id::Main));
   Show_Open_Forms();
@@ -121,7 +130,7 @@ void Activate_Main() {
     ErrorLogWrite("New Norvik.ini Created");
   }
   Zoom_Table();
-  Tell_Home_Safety();
+  Tell_Session_Start();
 }
 
 }  // namespace norvik

@@ -1,7 +1,12 @@
 // startup.h: the start of the program, in its fixed order.
+//
+// What a program means depends on machine file, tool file and feeds; desktop and companion read
+// them by one and the same `Load_Machine`, so that both make the same tables of it.
 #pragma once
 
 #include "platform/platform.h"
+
+#include <functional>
 
 namespace norvik {
 
@@ -12,6 +17,11 @@ struct Main_Window_State {
   bool Was_Activated = false;
 };
 extern Main_Window_State Main_Window;
+
+// The machine file, then `loaded`, then the tool file that the setup names and the feeds that a
+// compile starts from. `loaded` may change the setup; with false it ends the load there. False when
+// the machine file could not be read, which was told then. Raises nothing.
+bool Load_Machine(const std::function<bool()>& loaded);
 
 // Load of the main window. The folders are set (`Enter_Desktop_Folders`) and the back ends chosen.
 // A second instance ends itself, and so does a start whose port another program drives, after

@@ -1,7 +1,6 @@
 #include "app/yield_watch.h"
 
-#include "control/cnc_controller.h"
-#include "control/controller_state.h"
+#include "core/operation.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -22,7 +21,7 @@ Yield_Watch_State Yield_Watch;
 // last yield or with the operation that moves, whichever is later.
 void Note_Gap() {
   if (!Anything_Moves()) return;
-  const std::int64_t since = std::max(Yield_Watch.Last_Yield, Controller.Operation_Began);
+  const std::int64_t since = std::max(Yield_Watch.Last_Yield, Present_Operation()->Since);
   Yield_Watch.Longest = std::max(Yield_Watch.Longest, Platform.Monotonic_Clock() - since);
 }
 

@@ -1,10 +1,14 @@
 #include "cli/companion.h"
 
 #include "app/folders.h"
+#include "app/startup.h"
+#include "compiler/state/compile_losses.h"
+#include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "core/setup_keys.h"
@@ -12,8 +16,15 @@
 #include "core/waiting.h"
 #include "platform/platform.h"
 
+#include <array>
+#include <cerrno>
+#include <chrono>
+#include <cstdlib>
+#include <filesystem>
 #include <iostream>
+#include <optional>
 
+#include <poll.h>
 #include <unistd.h>
 
 namespace norvik {
@@ -47,38 +58,139 @@ bool Apply_Setting(const std::string& setting) {
   return true;
 }
 
+// What the load could not use, and what a file that never was saved whole lacks.
+void Name_Unusable_Values() {
+  for (const std::string& finding : Setup_Store.Findings) {
+    Complain(Application.MachineFile + ": " + finding);
+  }
+  if (FileExists(Application.MachineFile) && !Saved_Whole()) {
+    Complain(Application.MachineFile +
+             " was never saved whole; the keys that it lacks have their factory values.");
+  }
+}
+
+constexpr std::string_view Staging_Name = ".norvik-";
+
+// What calls that were killed have left; a call that runs is never as old as a day.
+void Collect_Old_Staging(const std::string& folder) {
+  namespace fs = std::filesystem;
+  std::error_code failure;
+  const auto oldest = fs::file_time_type::clock::now() - std::chrono::hours(24);
+  for (const auto& entry : fs::directory_iterator(folder, failure)) {
+    if (!entry.path().filename().string().starts_with(Staging_Name)) continue;
+    const auto changed = entry.last_write_time(failure);
+    if (!failure && changed < oldest) fs::remove_all(entry.path(), failure);
+  }
+}
+
+// Ends early when the operator asks to stop.
+std::string Read_Standard_Input() {
+  std::string text;
+  std::array<char, 65'536> bytes{};
+  pollfd input{STDIN_FILENO, POLLIN, 0};
+  for (;;) {
+    if (::poll(&input, 1, -1) < 0) break;  // a signal; what follows sees it
+    const ssize_t count = ::read(STDIN_FILENO, bytes.data(), bytes.size());
+    if (count < 0) throw File_Fault("standard input", "Cannot read", errno);
+    if (count == 0) break;
+    text.append(bytes.data(), static_cast<std::size_t>(count));
+  }
+  return text;
+}
+
 }  // namespace
 
-bool Companion::Start() const {
-  if (!Set_Companion_Folders(Options.Home)) {
-    Complain("The folder " + Options.Home + " cannot be made. Name a folder that may be written.");
-    return false;
+int Companion::Start() const {
+  Setup_Store.Leaves_Files = Setup_Store.Without_Windows = true;
+  try {
+    Set_Companion_Folders(Options.Home);
+  } catch (const std::exception& failure) {
+    Complain(failure.what());
+    return Wrong_Usage;
   }
   Application.DecimalSeparator = Options.Decimal_Comma ? ',' : '.';
   if (!Options.Machine.empty()) {
-    if (!FileExists(Options.Machine)) {
+    if (!std::filesystem::exists(Options.Machine)) {
       Complain("The machine file " + Options.Machine + " does not exist.");
-      return false;
+      return Wrong_Usage;
     }
     Application.MachineFile = Options.Machine;
   }
-  LoadMachineSetup();
-  for (const std::string& setting : Options.Settings) {
-    if (!Apply_Setting(setting)) return false;
-  }
+  bool settings_fit = true;
+  const bool readable = Load_Machine([&] {
+    for (const std::string& setting : Options.Settings) {
+      settings_fit = settings_fit && Apply_Setting(setting);
+    }
+    return settings_fit;
+  });
+  if (!readable) return Failed;
+  Name_Unusable_Values();
+  if (!settings_fit) return Wrong_Usage;
   Show_Progress_On_Terminal();
   Platform.Start_Timer(Escape_Poll_ms, [] { CheckEsc(); });
+  Operation_Host.Forget_Presses = [] {};  // Ctrl-C ends the whole command, whatever it begins next
+  return Done;
+}
+
+bool Companion::Was_Interrupted() const {
+  if (!Environment.Asked_To_Stop()) return false;
+  if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
+  Complain("interrupted; what an earlier call has left stands as it was.");
   return true;
 }
 
 bool Load_Program(const std::string& path) {
   try {
-    SaveChanges(Read_Whole_File(path));
+    SaveChanges(path == "-" ? Read_Standard_Input() : Read_Whole_File(path));
     return true;
   } catch (const std::exception& failure) {
     Complain(failure.what());
     return false;
   }
+}
+
+Staged_Tables::Staged_Tables() : Folder(Application.Table_Folder) {
+  Collect_Old_Staging(Folder);
+  Staging = Join_Path(Folder, std::string(Staging_Name) + "XXXXXX");
+  if (::mkdtemp(Staging.data()) == nullptr) throw File_Fault(Folder, "Cannot write", errno);
+  Application.Table_Folder = Staging;
+}
+
+Staged_Tables::~Staged_Tables() {
+  Application.Table_Folder = Folder;
+  std::error_code ignored;
+  std::filesystem::remove_all(Staging, ignored);
+}
+
+void Staged_Tables::Put_In_Place() {
+  Application.Table_Folder = Folder;
+  for (std::string* path : {&Compile_Tables.LineArc_Path, &Compile_Tables.Wire_Path}) {
+    const std::string place = Join_Path(Folder, PathFileName(*path));
+    if (::rename(path->c_str(), place.c_str()) != 0) throw File_Fault(place, "Cannot write", errno);
+    *path = place;
+  }
+}
+
+void Print_Losses() {
+  if (!Compile_Losses.Any()) return;
+  for (const Compile_Loss& loss : Compile_Losses.List) std::cout << Text_Of(loss) << '\n';
+  std::cout << "Left out: " << Summary_Of(Compile_Losses) << '\n';
+}
+
+int Compile_Whole(const Companion& companion, const std::function<bool()>& compile) {
+  try {
+    Staged_Tables tables;
+    const bool whole = compile();
+    if (companion.Was_Interrupted()) return Interrupted_By_Operator;
+    if (whole) {
+      tables.Put_In_Place();
+      return Done;
+    }
+    Complain("The tables were not written; the earlier ones stand.");
+  } catch (const Fault& fault) {
+    Complain(fault.Description);
+  }
+  return Failed;
 }
 
 void Complain(const std::string& text) {
@@ -99,7 +211,8 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Companion_Options& options = companion.Options;
   app.add_option("--home", options.Home, "Folder for setup, tables and scratch files")
       ->type_name("DIR");
-  app.add_option("--machine", options.Machine, "Machine file to use")->type_name("FILE");
+  app.add_option("--machine", options.Machine, "Machine file to use; it is only read")
+      ->type_name("FILE");
   app.add_option("--set", options.Settings, "A setting for this call only")
       ->type_name("SECTION.KEY=VALUE")
       ->allow_extra_args(false);
@@ -114,9 +227,14 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? Done : Wrong_Usage;
   }
-  if (!companion.Start()) return Wrong_Usage;
-  const int status = companion.Command();
+  int status = companion.Start();
+  if (status == Done) status = companion.Command();
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
+  std::cout.flush();
+  if (!std::cout && status == Done) {
+    Complain("Standard output cannot be written: closed, or its disk is full.");
+    status = Failed;
+  }
   return status;
 }
 

@@ -2,7 +2,10 @@
 //
 // The companion is for scripts, tests and machines without a display. It owns no logic: a command
 // reads its options, calls the rooms and prints. Results go to standard output, progress and
-// messages to standard error. Exit status: 0 done, 1 the work failed, 2 wrong usage.
+// messages to standard error. Exit status: 0 done, 1 the work failed, 2 wrong usage, 130 ended by
+// Ctrl-C or a request to terminate; the result of an earlier call then stands as it was.
+//
+// Machine file and pointer file are only read, unless the command is one that changes them.
 #pragma once
 
 #include "plot/plot_image.h"
@@ -15,7 +18,7 @@
 
 namespace norvik {
 
-enum Exit_Status { Done = 0, Failed = 1, Wrong_Usage = 2 };
+enum Exit_Status { Done = 0, Failed = 1, Wrong_Usage = 2, Interrupted_By_Operator = 130 };
 
 // Options in front of the command.
 struct Companion_Options {
@@ -25,8 +28,15 @@ struct Companion_Options {
   bool Decimal_Comma = false;
 };
 
+// From one end of an axis to the other.
+struct Axis_Travel {
+  double Low = 0, High = 0;
+};
+
 // What main wires in: back ends that the commands may not see.
 struct Companion_Environment {
+  // The operator asked to stop, by Ctrl-C, a request to terminate or a terminal that hung up.
+  std::function<bool()> Asked_To_Stop = [] { return false; };
   // The simulated machine takes the place of the port.
   std::function<void()> Use_Simulated_Machine = [] {};
   // Direct access where the process may use it and the setup asks for it, the simulated machine
@@ -36,6 +46,11 @@ struct Companion_Environment {
   // Why that port cannot be used, with what to do; empty when it can.
   std::function<std::string()> Port_Refusal = [] { return std::string(); };
   std::function<void()> Use_Virtual_Clock = [] {};
+  // Steps move a real machine, as the port was chosen.
+  std::function<bool()> Machine_Is_Real = [] { return false; };
+  // The travel of an axis of the simulated machine, units, and a table without ends.
+  std::function<Axis_Travel(int axis)> Travel_Of = [](int) { return Axis_Travel(); };
+  std::function<void()> Open_Table_Ends = [] {};
   // What the simulated machine noticed; empty on real ports.
   std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };
   // Texts in pictures need the toolkit's application object; no display.
@@ -50,13 +65,40 @@ struct Companion {
   Companion_Environment Environment;
   std::function<int()> Command;  // set by the chosen command
 
-  // Folders, region, setup and settings of this call. False when one of them is wrong; the reason
-  // is printed.
-  bool Start() const;
+  // Folders, region, setup and settings of this call. `Done`, or the exit status; the reason is
+  // printed.
+  int Start() const;
+  // Ends a command of which the operator wanted the end: says so and answers true.
+  bool Was_Interrupted() const;
 };
 
-// Reads a program into the line table. False, with the reason printed, when it cannot be read.
+// Reads a program into the line table; "-" is standard input. False, with the reason printed, when
+// it cannot be read.
 bool Load_Program(const std::string& path);
+
+// The tables of a compile in a folder of their own beside the earlier ones, until they are whole.
+// Without `Put_In_Place` the earlier tables stand as they were.
+class Staged_Tables {
+ public:
+  // Raises a file fault when the folder of the tables cannot be written.
+  Staged_Tables();
+  ~Staged_Tables();
+  Staged_Tables(const Staged_Tables&) = delete;
+  Staged_Tables& operator=(const Staged_Tables&) = delete;
+
+  // The tables take their place. Raises a file fault.
+  void Put_In_Place();
+
+ private:
+  std::string Folder, Staging;
+};
+
+// What the compile left out, by line, on standard output; nothing when it left out nothing.
+void Print_Losses();
+
+// Runs `compile` with staged tables and puts them in place when it is true and nobody asked to
+// stop. `Done`, or the exit status; the reason is printed.
+int Compile_Whole(const Companion& companion, const std::function<bool()>& compile);
 
 // Prints "norvik-cli: text" on standard error.
 void Complain(const std::string& text);

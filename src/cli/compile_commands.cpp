@@ -2,6 +2,7 @@
 #include "cli/companion.h"
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
@@ -20,7 +21,7 @@ namespace {
 
 struct Compile_Options {
   std::string Program, Tables;
-  bool Block = false;
+  bool Block = false, Accept_Losses = false;
 };
 
 // What this compile added to the error log, its first lines on standard error.
@@ -44,7 +45,7 @@ std::size_t Log_Size() {
   return missing ? 0 : static_cast<std::size_t>(size);
 }
 
-int Compile(const Compile_Options& options) {
+int Compile(const Companion& companion, const Compile_Options& options) {
   if (!options.Tables.empty()) {
     std::error_code failure;
     std::filesystem::create_directories(options.Tables, failure);
@@ -57,19 +58,20 @@ int Compile(const Compile_Options& options) {
   }
   if (!Load_Program(options.Program)) return Failed;
   const std::size_t log_start = Log_Size();
-  const bool complete =
-      options.Block ? CompileBlock(GCodeLineCount() > 0 ? GCode_Line(1) : std::string_view())
-                    : CompileProgram();
-  Print_Faults(log_start);
-  if (!complete) {
-    Complain("The tables were not written; the earlier ones stand.");
-    return Failed;
-  }
+  const int status = Compile_Whole(companion, [&] {
+    const bool complete =
+        options.Block ? CompileBlock(GCodeLineCount() > 0 ? GCode_Line(1) : std::string_view())
+                      : CompileProgram();
+    Print_Faults(log_start);
+    return complete;
+  });
+  if (status != Done) return status;
   std::cout << "Lines    " << GCodeLineCount() << '\n'
             << "Wires    " << Program_Wire.Count() << '\n'
             << "Table    " << Compile_Tables.LineArc_Path << '\n'
             << "Table    " << Compile_Tables.Wire_Path << '\n';
-  return Done;
+  Print_Losses();
+  return Compile_Losses.Any() && !options.Accept_Losses ? Failed : Done;
 }
 
 struct Check_Options {
@@ -88,9 +90,10 @@ void Print_Finding(const std::string& file, const Check_Finding& finding) {
 }
 
 // Nothing that changes the job: 0. Otherwise 1, so that a script may stop there.
-int Check(const Check_Options& options) {
+int Check(const Companion& companion, const Check_Options& options) {
   if (!Load_Program(options.Program)) return Failed;
   const auto findings = Check_Program(GCode_Program.Text);
+  if (companion.Was_Interrupted()) return Interrupted_By_Operator;
   std::map<Check_Kind, int> counts;
   bool serious = false;
   for (const Check_Finding& finding : findings) {
@@ -113,19 +116,28 @@ int Check(const Check_Options& options) {
 void Add_Compile_Commands(CLI::App& app, Companion& companion) {
   const auto compile = std::make_shared<Compile_Options>();
   CLI::App* command = app.add_subcommand("compile", "Compile a program into both tables");
-  command->add_option("program", compile->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", compile->Program, "G-code file; - is standard input")
+      ->required()
+      ->type_name("PROGRAM");
   command->add_flag("--block", compile->Block, "Only the first line, as a Goto does");
+  command->add_flag("--accept-losses", compile->Accept_Losses,
+                    "Exit status 0 also when lines, macros or wires are left out");
   command->add_option("--tables", compile->Tables, "Folder for the tables and the error log")
       ->type_name("DIR");
-  command->callback(
-      [&companion, compile] { companion.Command = [compile] { return Compile(*compile); }; });
+  command->callback([&companion, compile] {
+    companion.Command = [&companion, compile] { return Compile(companion, *compile); };
+  });
 
   const auto check = std::make_shared<Check_Options>();
   command = app.add_subcommand("check", "List what the compiler ignores or would misread, by line");
-  command->add_option("program", check->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", check->Program, "G-code file; - is standard input")
+      ->required()
+      ->type_name("PROGRAM");
   command->add_flag_callback(
       "--all", [check] { check->Most = 0; }, "Print every finding, however many of a kind");
-  command->callback([&companion, check] { companion.Command = [check] { return Check(*check); }; });
+  command->callback([&companion, check] {
+    companion.Command = [&companion, check] { return Check(companion, *check); };
+  });
 }
 
 }  // namespace norvik

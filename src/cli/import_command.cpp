@@ -71,6 +71,7 @@ void Complain_Of_Layers(const std::string& file, const std::vector<std::string>&
 
 // One call of the command: what it asked for and what has become of it.
 struct Import_Call {
+  const Companion& Program_Call;
   const Import_Options& Options;
   std::vector<std::string> Unknown_Layers;
   bool Written = false;
@@ -88,9 +89,14 @@ struct Import_Call {
   // The importers open the program that they made; here it is copied to where it was asked for.
   void Take_Program(const std::string& path) {
     Unknown_Layers = Select_Layers(Options.Layers);
-    if (Unknown_Layers.empty()) {
+    if (Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop() && !Nothing_Arrived()) {
       try {
-        Replace_File(Options.Program, Read_Whole_File(path));
+        const std::string program = Read_Whole_File(path);
+        if (Options.Program == "-") {
+          std::cout << program;
+        } else {
+          Replace_File(Options.Program, program);
+        }
         Written = true;
       } catch (const Fault& fault) {
         Complain(fault.Description);
@@ -101,7 +107,7 @@ struct Import_Call {
   }
 };
 
-int Import(const Import_Options& options) {
+int Import(const Companion& companion, const Import_Options& options) {
   const auto kind = Kind_Of(options);
   if (!kind) {
     Complain(
@@ -114,17 +120,18 @@ int Import(const Import_Options& options) {
     Complain("--layers selects layers of Gerber files only.");
     return Wrong_Usage;
   }
-  Import_Call call{options, {}, false};
+  Import_Call call{companion, options, {}, false};
   Import_Host.Select_Gerber_Layers = [&] { call.Answer_Layers(); };
   Import_Host.Open_GCode = [&](const std::string& path) { call.Take_Program(path); };
   Import_Host.Show_Report = [&](const std::vector<std::string>& lines) {
-    if (!call.Unknown_Layers.empty()) return;
+    if (!call.Unknown_Layers.empty() || companion.Environment.Asked_To_Stop()) return;
     for (const std::string& line : lines) std::cerr << line << '\n';
   };
   if (!Import_File(*kind, options.File)) {
     Complain(options.File + ": nothing was imported; there is no such file.");
     return Wrong_Usage;
   }
+  if (!call.Written && companion.Was_Interrupted()) return Interrupted_By_Operator;
   if (!call.Unknown_Layers.empty()) {
     Complain_Of_Layers(options.File, call.Unknown_Layers);
     return Wrong_Usage;
@@ -145,7 +152,7 @@ void Add_Import_Command(CLI::App& app, Companion& companion) {
   CLI::App* command = app.add_subcommand(
       "import", "Make a program of a DXF, HPGL, Excellon or Gerber file or of a picture");
   command->add_option("file", import->File, "File to import")->required()->type_name("FILE");
-  command->add_option("-o,--output", import->Program, "Program to write")
+  command->add_option("-o,--output", import->Program, "Program to write; - is standard output")
       ->required()
       ->type_name("PROGRAM");
   command->add_option("--as", import->As, "What kind of file it is, whatever its name ends in")
@@ -154,8 +161,9 @@ void Add_Import_Command(CLI::App& app, Companion& companion) {
       ->type_name("NAME,NAME")
       ->delimiter(',')
       ->allow_extra_args(false);
-  command->callback(
-      [&companion, import] { companion.Command = [import] { return Import(*import); }; });
+  command->callback([&companion, import] {
+    companion.Command = [&companion, import] { return Import(companion, *import); };
+  });
 }
 
 }  // namespace norvik

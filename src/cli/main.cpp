@@ -13,17 +13,35 @@
 #include "simulate/virtual_clock.h"
 #include "wiring/port_choice.h"
 
+#include <csignal>
 #include <cstdlib>
+
+#include <fcntl.h>
+#include <unistd.h>
 #ifdef NORVIK_PICTURES
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 
 #include <QGuiApplication>
 #include <sys/stat.h>
-#include <unistd.h>
 #endif
+
+namespace {
+
+// A standard stream that the caller has closed must not become the first file that is opened: what
+// is printed would stand in it.
+void Keep_Standard_Streams() {
+  int file = 0;
+  do {
+    file = ::open("/dev/null", O_RDONLY);
+  } while (file >= 0 && file <= STDERR_FILENO);
+  ::close(file);
+}
+
+}  // namespace
 
 int main(int argument_count, char** arguments) {
   using namespace norvik;
+  Keep_Standard_Streams();
   Install_Headless_Platform();
   Headless.On_End = [] {  // the second Ctrl-C
     End_Drive_Session();
@@ -31,10 +49,12 @@ int main(int argument_count, char** arguments) {
     Platform.Set_Priority(0);  // of the session's group, which outlives the process
     std::_Exit(130);
   };
+  std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write
   Install_Linux_Clock();
   Install_Linux_Priority();
 
   Companion_Environment environment;
+  environment.Asked_To_Stop = [] { return Interrupts_Seen() > 0; };
   environment.Use_Simulated_Machine = Use_Simulated_Machine;
   environment.Use_Port = [] {
     const std::string words = Choose_Port();
@@ -43,6 +63,13 @@ int main(int argument_count, char** arguments) {
   };
   environment.Port_Refusal = Port_Refusal;
   environment.Use_Virtual_Clock = Install_Virtual_Clock;
+  environment.Machine_Is_Real = [] { return !Port_Is_Simulated() && Port_Refusal().empty(); };
+  Drive_Session_Host.Machine_Is_Real = environment.Machine_Is_Real;
+  environment.Travel_Of = [](int axis) {
+    const Simulated_Axis_Settings& settings = Simulated_Machine.Axes[axis].Settings;
+    return Axis_Travel{settings.Travel_Low, settings.Travel_High};
+  };
+  environment.Open_Table_Ends = Open_Table_Ends;
   environment.Findings = [] {
     return Port_Is_Simulated() ? Findings_Text() : std::vector<std::string>();
   };

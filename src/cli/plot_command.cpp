@@ -22,14 +22,17 @@ struct Plot_Options {
 
 int Plot_Program(const Companion& companion, const Plot_Options& options) {
   if (!Load_Program(options.Program)) return Failed;
-  if (!CompileProgram()) return Failed;
+  const int status = Compile_Whole(companion, [] { return CompileProgram(); });
+  if (status != Done) return status;
   companion.Environment.Start_Fonts();
   Picture_Request request;
   request.View = Find_Preset(options.View).value();
   request.Size = options.Size;
   request.Dark = options.Dark;
   try {
-    companion.Environment.Write_Picture(options.Picture, Make_Program_Picture(request));
+    const Plot_Image picture = Make_Program_Picture(request);
+    if (companion.Was_Interrupted()) return Interrupted_By_Operator;
+    companion.Environment.Write_Picture(options.Picture, picture);
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;

@@ -1,12 +1,14 @@
 // The commands `run` and `estimate`.
 #include "app/drive_session.h"
 #include "cli/companion.h"
-#include "control/connect.h"
-#include "control/displays.h"
-#include "control/machine_move.h"
-#include "control/run_program.h"
-#include "control/safety.h"
-#include "control/waits.h"
+#include "compiler/state/compile_losses.h"
+#include "compiler/tables/program_wire.h"
+#include "control/displays/displays.h"
+#include "control/motion/machine_move.h"
+#include "control/motion/waits.h"
+#include "control/panel/connect.h"
+#include "control/panel/run_program.h"
+#include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/fault.h"
@@ -17,6 +19,7 @@
 #include "parallel/ports.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <iostream>
@@ -35,6 +38,7 @@ struct Run_Command_Options {
   std::string Program, Trace, Ports;
   std::string Clock = "real";
   bool No_Pause = false;
+  bool Save_Positions = false, Confirm_Positions = false, Accept_Losses = false;
 };
 
 void Print_Progress(std::int32_t step, std::int32_t last_step) {
@@ -93,10 +97,20 @@ std::optional<std::string> Ask_At_Pause(const Run_Pause& pause) {
 
 // --- The two kinds of a run ----------------------------------------------------------------------
 
+// Positions are kept in the machine file of the working folder; in one that was named for this call
+// only when that was asked for, and never those of a simulated machine.
+void Choose_What_Is_Kept(const Companion& companion, const Run_Command_Options& options) {
+  const bool named = !companion.Options.Machine.empty();
+  const bool real = companion.Environment.Machine_Is_Real();
+  Setup_Store.Leaves_Files = named && !(options.Save_Positions && real);
+  if (options.Save_Positions && named && !real) {
+    Complain("--save-positions: the machine is simulated, so its positions are not stored.");
+  }
+}
+
 // A virtual clock can only drive the simulated machine: real motors need real time. It works on
 // what the machine file says and leaves it as it is.
 void Use_Simulation(const Companion_Environment& environment) {
-  Setup_Store.Simulating = true;
   environment.Use_Simulated_Machine();
   environment.Use_Virtual_Clock();
 }
@@ -117,9 +131,10 @@ bool Use_Machine(const Companion_Environment& environment) {
 // The machine in hand from here to the end of the scope, whatever ends it.
 class Machine_In_Hand {
  public:
-  Machine_In_Hand() {
+  explicit Machine_In_Hand(bool positions_confirmed) {
     Begin_Drive_Session();
     Tell_Home_Safety();
+    if (positions_confirmed) Position_Memory.Doubt.clear();
   }
   ~Machine_In_Hand() {
     Platform.Stop_Timer(Motors);
@@ -135,17 +150,38 @@ class Machine_In_Hand {
   });
 };
 
-Run_Summary Run_On_Machine(const Run_Options& options) {
+Run_Summary Run_On_Machine(const Run_Options& options, bool positions_confirmed) {
   Run_Summary summary;
   summary.Ended_By = "The run failed. The error log says why.";
   Trap("Run_Error", [&] {
-    const Machine_In_Hand machine;
+    const Machine_In_Hand machine(positions_confirmed);
     summary = Run_Program(options);
+    if (!Position_Memory.Doubt.empty()) summary.Ended_By += " --confirm-positions does so.";
   });
   return summary;
 }
 
 // --- Commands ------------------------------------------------------------------------------------
+
+// Behind the compile of a run: the tables take their place, and a program that lost something on
+// the way does not move real motors unless the operator accepted that. The reason when it must not
+// run.
+std::string Put_Compiled_Program_In_Place(const Companion& companion, Staged_Tables& tables,
+                                          const Run_Command_Options& options) {
+  try {
+    tables.Put_In_Place();
+  } catch (const Fault& fault) {
+    return fault.Description;
+  }
+  const bool refused = Compile_Losses.Any() && !options.Accept_Losses;
+  if (!refused || !companion.Environment.Machine_Is_Real()) return {};
+  return "the compile left something out (" + Summary_Of(Compile_Losses) +
+         "), so nothing has moved. Correct the program, or run it with --accept-losses.";
+}
+
+Exit_Status Status_Of_Early_End(const Companion& companion) {
+  return companion.Environment.Asked_To_Stop() ? Interrupted_By_Operator : Failed;
+}
 
 int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
@@ -154,19 +190,25 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
     Use_Simulation(companion.Environment);
   } else if (!Use_Machine(companion.Environment)) {
     return Failed;
+  } else {
+    Choose_What_Is_Kept(companion, options);
   }
   Connect_Control();
   Run_Options run;
   if (!options.Trace.empty()) run.Trace_File = options.Trace;
   run.Progress = Print_Progress;
   if (!virtual_clock && !options.No_Pause) run.At_Pause = Ask_At_Pause;
+  std::optional<Staged_Tables> tables;
+  run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, options); };
   try {
+    tables.emplace();
     if (!options.Ports.empty()) Record_Ports_To_File(options.Ports);
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;
   }
-  const Run_Summary summary = virtual_clock ? Run_Program(run) : Run_On_Machine(run);
+  const Run_Summary summary =
+      virtual_clock ? Run_Program(run) : Run_On_Machine(run, options.Confirm_Positions);
   Stop_Port_Recorder();
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   std::cout << Summary_Text(summary);
@@ -177,23 +219,73 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   for (const std::string& finding : companion.Environment.Findings()) {
     std::cout << "Noticed  " << finding << '\n';
   }
-  return summary.Finished ? Done : Failed;
+  Print_Losses();
+  if (!summary.Finished) return Status_Of_Early_End(companion);
+  return Compile_Losses.Any() && !options.Accept_Losses ? Failed : Done;
+}
+
+std::string Length_Text(double length) {
+  return Format_Number_Point(length, "0.####");
+}
+
+// Where the path of the program leaves an axis: the first line that does, and the farthest point.
+std::string Words_About_Axis(int axis, const Axis_Travel& travel) {
+  std::optional<std::int32_t> first_line;
+  std::int32_t farthest_line = 0;
+  double farthest = 0, beyond = 0;
+  for (const Wire& wire : Program_Wire.Rows()) {
+    if (!wire.End[axis]) continue;
+    const double position = *wire.End[axis];
+    const double out = std::max(position - travel.High, travel.Low - position);
+    if (!(out > 0)) continue;
+    if (!first_line) first_line = wire.Step;
+    if (out <= beyond) continue;
+    beyond = out;
+    farthest = position;
+    farthest_line = wire.Step;
+  }
+  if (!first_line) return {};
+  const bool metric = MachineSetup.UnitsofMeasurement == 1;
+  std::string words = std::string(1, " XYZA"[axis]) + " leaves the table at line " +
+                      std::to_string(*first_line) + ": ";
+  if (farthest_line != *first_line) words += "farthest at line " + std::to_string(farthest_line);
+  if (farthest_line != *first_line) words += ", ";
+  return words + Length_Text(farthest) + " is " + Length_Text(beyond) + (metric ? " mm" : " inch") +
+         " beyond its end at " + Length_Text(farthest > travel.High ? travel.High : travel.Low);
+}
+
+void Name_What_Leaves_The_Table(const Companion_Environment& environment) {
+  for (int axis = 1; axis <= 4; ++axis) {
+    const std::string words = Words_About_Axis(axis, environment.Travel_Of(axis));
+    if (!words.empty()) Complain(words);
+  }
 }
 
 int Estimate(const Companion& companion, const std::string& program) {
   if (!Load_Program(program)) return Failed;
   Use_Simulation(companion.Environment);
+  companion.Environment.Open_Table_Ends();
   Connect_Control();
   Run_Options run;
   run.Trace_File = "";
   run.Progress = Print_Progress;
-  const Run_Summary summary = Run_Program(run);
-  if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
-  if (!summary.Finished) {
-    Complain(summary.Ended_By);
+  std::optional<Staged_Tables> tables;
+  run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, {}); };
+  try {
+    tables.emplace();
+  } catch (const Fault& fault) {
+    Complain(fault.Description);
     return Failed;
   }
+  const Run_Summary summary = Run_Program(run);
+  if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
+  if (Compile_Losses.Any()) Complain("left out: " + Summary_Of(Compile_Losses));
+  if (!summary.Finished) {
+    Complain(summary.Ended_By);
+    return Status_Of_Early_End(companion);
+  }
   std::cout << Convert_Process_Time(summary.Machine_Run_Time) << '\n';
+  Name_What_Leaves_The_Table(companion.Environment);
   return Done;
 }
 
@@ -211,6 +303,13 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
                    "File for every write to a port; *.vcd: the pins for a wave viewer")
       ->type_name("FILE");
   command->add_flag("--no-pause", run->No_Pause, "Go on at program pauses without asking");
+  command->add_flag("--save-positions", run->Save_Positions,
+                    "Store the positions also in a machine file given by --machine");
+  command->add_flag(
+      "--confirm-positions", run->Confirm_Positions,
+      "The stored positions are those of the machine, although it did not end orderly");
+  command->add_flag("--accept-losses", run->Accept_Losses,
+                    "Run although the compile left out lines, macros or wires");
   command->callback([&companion, run] {
     companion.Command = [&companion, run] { return Run(companion, *run); };
   });

@@ -1,8 +1,10 @@
 // The command `setup`.
 #include "cli/companion.h"
-#include "control/machine_check.h"
+#include "control/safety/machine_check.h"
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/paths.h"
+#include "core/profile_file.h"
 #include "core/setup.h"
 #include "core/setup_keys.h"
 #include "core/setup_table.h"
@@ -40,10 +42,60 @@ int Show(bool reference) {
   return Done;
 }
 
-int Save() {
-  SaveMachineSetup();
+// What a stored value of the key would not do; empty for the others.
+std::string Why_Not_Stored(const Setup_Row& row) {
+  if (row.Key != "Tool_Directory") return {};
+  return "every start takes the folder Tools of the working folder, so a stored value would have "
+         "no "
+         "effect. Tool_File_Name names the tool file, by a path of its own.";
+}
+
+// Runs `store` on the machine file as it stands, without the settings of this call. A file that is
+// missing is made whole first.
+int Store(const std::function<void()>& store) {
+  Setup_Store.Leaves_Files = false;
+  if (!FileExists(Application.MachineFile)) {
+    Restore_Factory_Setup();
+    if (!SaveMachineSetup()) return Failed;
+  }
+  try {
+    store();
+  } catch (const Fault& fault) {
+    Complain(fault.Description + ". Nothing is stored.");
+    return Failed;
+  }
   std::cerr << "Saved " << Application.MachineFile << '\n';
   return Done;
+}
+
+void Write_Key(const Setup_Row& row, int index, const std::string& text) {
+  Write_Profile(Application.MachineFile, row.Section, Setting_Key(row, index), text);
+}
+
+int Store_Key(const Setup_Key& key) {
+  const std::string why_not = Why_Not_Stored(*key.Row);
+  if (!why_not.empty()) {
+    Complain(Setup_Full_Name(key) + " is not stored: " + why_not);
+    return Failed;
+  }
+  const std::string text = Setup_Text(*key.Row, key.Index);
+  return Store([&] { Write_Key(*key.Row, key.Index, text); });
+}
+
+// Those too that a save leaves to the windows that change them.
+int Reset_All() {
+  return Store([] {
+    Restore_Factory_Setup();
+    Profile_Session file(Application.MachineFile, Profile_Use::Writing);
+    if (!SaveMachineSetup()) throw Fault(Fault_Number::Path_Access, "The file cannot be written");
+    for (const Setup_Row& row : Setup_Rows()) {
+      if (row.Save != Save_Place::Nowhere) continue;
+      for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
+        Write_Key(row, index, Setup_Text(row, index));
+      }
+    }
+    file.Commit();
+  });
 }
 
 int Check_Machine() {
@@ -53,8 +105,10 @@ int Check_Machine() {
     if (!finding.Key.empty()) std::cout << " [" << finding.Key << ']';
     std::cout << '\n';
   }
-  std::cout << findings.size() << (findings.size() == 1 ? " finding" : " findings") << '\n';
-  return findings.empty() ? Done : Failed;
+  for (const std::string& finding : Setup_Store.Findings) std::cout << finding << '\n';
+  const auto count = findings.size() + Setup_Store.Findings.size();
+  std::cout << count << (count == 1 ? " finding" : " findings") << '\n';
+  return count == 0 ? Done : Failed;
 }
 
 }  // namespace
@@ -89,7 +143,7 @@ void Add_Setup_Command(CLI::App& app, Companion& companion) {
     companion.Command = [name, value] {
       return With_Key(*name, [value](const Setup_Key& key) -> int {
         Change_Setup_Key(key, *value);
-        return Save();
+        return Store_Key(key);
       });
     };
   });
@@ -98,13 +152,10 @@ void Add_Setup_Command(CLI::App& app, Companion& companion) {
   reset->add_option("key", *name, "SECTION.KEY; without it every key");
   reset->callback([&companion, name] {
     companion.Command = [name]() -> int {
-      if (name->empty()) {
-        Restore_Factory_Setup();
-        return Save();
-      }
+      if (name->empty()) return Reset_All();
       return With_Key(*name, [](const Setup_Key& key) -> int {
         Reset_Setup_Key(key);
-        return Save();
+        return Store_Key(key);
       });
     };
   });

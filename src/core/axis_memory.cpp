@@ -11,6 +11,7 @@
 namespace norvik {
 
 Axis_Memory_Host_Operations Axis_Memory_Host;
+Position_Memory_State Position_Memory;
 
 namespace {
 
@@ -34,14 +35,17 @@ double Read_Position(const std::string& key) {
 
 }  // namespace
 
-void Save_Axis_Positions() {
-  Write_Setup_Together([] {
+bool Save_Axis_Positions() {
+  const bool written = Write_Setup_Together([] {
     for (int axis = 1; axis <= Last_Axis; ++axis) {
       const std::string number = std::to_string(axis);
       WriteSetup(Section, "Axis_Cur_Pos_" + number, Position_Text(Machine.Position[axis]));
       WriteSetup(Section, "Axis_Mach_Pos_" + number, Position_Text(Machine.Absolute_Pos[axis]));
     }
   });
+  if (!written || Setup_Store.Leaves_Files) return false;
+  Axis_Memory_Host.Positions_Stored();
+  return true;
 }
 
 void Keep_Given_Positions() {

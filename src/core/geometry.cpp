@@ -58,17 +58,6 @@ double Motion_Angle(double length, double x0, double y0, double x1, double y1) {
   return angle;
 }
 
-double Arc_Angle(double r, double x0, double y0, double x1, double y1) {
-  constexpr double largest_sine = 0.9999999;
-  if (r == 0) return 0;
-  const double quarter = 2 * std::atan(1.0);
-  double v = std::abs(x0 - x1) / r;
-  if (v >= 1) v = largest_sine;
-  const double above_x = std::atan(-v / std::sqrt(1 - v * v)) + quarter;  // from the X axis
-  if (x0 >= x1) return y0 >= y1 ? quarter - above_x : quarter + above_x;
-  return y0 < y1 ? 3 * quarter - above_x : 3 * quarter + above_x;
-}
-
 double Arc_Length_Radians(double angle, double r) {
   double length = 0;
   Trap("Arc_Length_Radians_Error", [&] {

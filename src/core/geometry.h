@@ -22,11 +22,6 @@ double NormalizeAngle(double angle);
 // below a full turn the turn is taken off. An error is logged and gives 0.
 double Motion_Angle(double length, double x0, double y0, double x1, double y1);
 
-// Bearing of the vector from (x1, y1) to (x0, y0), as `Motion_Angle` takes it: from +Y, clockwise,
-// in 0..2*pi. `r` is the vector's length; 0 where it is 0. Along X the sine is held a little below
-// 1, so that the bearing is off by 0.00045.
-double Arc_Angle(double r, double x0, double y0, double x1, double y1);
-
 // Length of an arc; an angle of 0 counts as 360. A result not above 0 counts as 0.
 double Arc_Length_Radians(double angle, double r);
 

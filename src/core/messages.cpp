@@ -44,13 +44,6 @@ void Add_New_Message(std::string_view text) {
   if (std::find(first, first + looked_at, text) == first + looked_at) AddMessage(text);
 }
 
-void Clear_Messages() {
-  Messages.MessageLog.fill({});
-  Messages.Status_Box.clear();
-  Messages.LastMessage.clear();
-  Messages_Host.List_Changed();
-}
-
 void Age_Status_Panels() {
   for (int panel = 1; panel <= Messages.Status_Timeout.last; ++panel) {
     std::int16_t& left = Messages.Status_Timeout[panel];

@@ -38,7 +38,6 @@ void Set_Panel(int panel, std::string_view text);
 void AddMessage(std::string_view text);
 // The same, unless the text equals one of the five newest.
 void Add_New_Message(std::string_view text);
-void Clear_Messages();
 
 // One second has passed: counts the timeouts down and clears panel 1 or 3 when its reaches 0.
 void Age_Status_Panels();

@@ -7,6 +7,8 @@
 // the texts printed last.
 #pragma once
 
+#include "core/powers_of_ten.h"
+
 #include <array>
 #include <bit>
 #include <charconv>
@@ -64,15 +66,6 @@ class Recent_Texts {
   std::array<Cell, 1U << Cell_Count_Log> Cells{};
 };
 
-namespace number_text {
-
-// Powers of ten, all exact in a double, the first eleven in a single too.
-inline constexpr double Powers_Of_Ten[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                           1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
-                                           1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
-
-}  // namespace number_text
-
 // Reads a sign and digits with at most one point from `at` on, as far as they go, and returns where
 // they end. Returns `at` where no such number stands or where the quotient of two exact numbers
 // would not be the nearest value. What follows the number must be readable up to the first
@@ -105,7 +98,7 @@ const char* Parse_Plain_Number(const char* at, Number& value) {
   }
   auto magnitude = static_cast<Number>(digits);
   if constexpr (real) {
-    if (decimals != 0) magnitude /= static_cast<Number>(number_text::Powers_Of_Ten[decimals]);
+    if (decimals != 0) magnitude /= static_cast<Number>(Powers_Of_Ten[decimals]);
   }
   value = negative ? -magnitude : magnitude;
   return at;

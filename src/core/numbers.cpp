@@ -264,10 +264,6 @@ std::int16_t TrueToMinusOne(bool value) {
   return value ? -1 : 0;
 }
 
-std::int16_t TrueToOne(bool value) {
-  return value ? 1 : 0;
-}
-
 bool ToBoolean(std::string_view value) {
   const std::string word = Upper(Trim(value));
   if (word == "TRUE") return true;

@@ -38,6 +38,7 @@ double RegionalNumber(std::string_view text);    // nine decimals at most; the e
 std::string RegionalFormat(std::string_view text);
 std::optional<std::string> NumbersOnly(
     std::string_view text);  // digits, "," and "."; absent: empty
+// The four that follow wait for the functions on a program's text.
 std::string ToPointDecimal(std::string_view text);
 std::string ToCommaDecimal(std::string_view text);
 // The number behind the first `letter` (any case), seven decimals at most; absent when the letter
@@ -46,7 +47,6 @@ std::optional<double> WordValue(char letter, std::string_view text);
 // The same as text, empty when missing; a comma ends it.
 std::string WordText(char letter, std::string_view text);
 std::int16_t TrueToMinusOne(bool value);
-std::int16_t TrueToOne(bool value);
 bool ToBoolean(std::string_view value);  // -1, 1, any other number but 0, "True"; else false
 bool IsNumeric(std::string_view value);
 std::string FormatElapsed(double seconds);  // "00:00:00.000"

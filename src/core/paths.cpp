@@ -62,6 +62,8 @@ Fault File_Fault(const std::string& path, const char* what, int reason) {
     case EDQUOT:
     case EFBIG:
       return said(Fault_Number::Disk_Full, "the disk is full; make room and try again");
+    case ENXIO:
+      return said(Fault_Number::Path_Access, "nobody reads from this pipe; start its reader first");
     case ENAMETOOLONG:
       return said(Fault_Number::Path_Access, "the name is too long");
     default:

@@ -1,6 +1,7 @@
 #include "core/profile_file.h"
 
 #include "core/fault.h"
+#include "core/folder_lock.h"
 #include "core/paths.h"
 
 #include <algorithm>
@@ -190,6 +191,7 @@ struct Open_Profile {
   std::unique_ptr<Profile_Text> Text;
   int Users = 0;
   int Writers = 0;
+  std::unique_ptr<Folder_Lock> Lock;  // while there are writers
 };
 
 struct Profile_State {
@@ -214,16 +216,22 @@ std::unique_ptr<Profile_Text> Parse_File(const std::string& path) {
 
 Profile_Session::Profile_Session(const std::string& path, Profile_Use use) : Path(path), Use(use) {
   Open_Profile* profile = Open_At(path);
+  const bool first_writer =
+      use == Profile_Use::Writing && (profile == nullptr || profile->Writers == 0);
+  auto lock = first_writer ? std::make_unique<Folder_Lock>(path) : nullptr;
   if (profile == nullptr) {
-    profile = &Profiles.Open.emplace_back(Open_Profile{path, Parse_File(path)});
+    profile = &Profiles.Open.emplace_back(Open_Profile{path, Parse_File(path), 0, 0, nullptr});
+  } else if (first_writer) {
+    profile->Text = Parse_File(path);
   }
   ++profile->Users;
   if (use == Profile_Use::Writing) ++profile->Writers;
+  if (first_writer) profile->Lock = std::move(lock);
 }
 
 Profile_Session::~Profile_Session() {
   Open_Profile* profile = Open_At(Path);
-  if (Use == Profile_Use::Writing) --profile->Writers;
+  if (Use == Profile_Use::Writing && --profile->Writers == 0) profile->Lock.reset();
   if (--profile->Users > 0) return;
   Profiles.Open.remove_if([this](const Open_Profile& other) { return other.Path == Path; });
 }
@@ -233,20 +241,27 @@ void Profile_Session::Commit() {
   if (profile.Writers == 1 && profile.Text->Changed()) Replace_File(Path, profile.Text->Bytes());
 }
 
-std::string Read_Profile(const std::string& path, std::string_view section, std::string_view key) {
+std::optional<std::string> Find_Profile(const std::string& path, std::string_view section,
+                                        std::string_view key) {
   const Open_Profile* profile = Open_At(path);
-  if (profile != nullptr) return Cut(profile->Text->Find(section, key).value_or(""));
-  return Cut(Parse_File(path)->Find(section, key).value_or(""));
+  auto value = (profile != nullptr ? *profile->Text : *Parse_File(path)).Find(section, key);
+  if (value) value = Cut(std::move(*value));
+  return value;
+}
+
+std::string Read_Profile(const std::string& path, std::string_view section, std::string_view key) {
+  return Find_Profile(path, section, key).value_or("");
 }
 
 void Write_Profile(const std::string& path, std::string_view section, std::string_view key,
                    std::string_view value) {
   Open_Profile* profile = Open_At(path);
-  const auto own = profile == nullptr ? Parse_File(path) : nullptr;
-  Profile_Text& text = profile == nullptr ? *own : *profile->Text;
-  text.Set(section, key, value);
-  const bool collected = profile != nullptr && profile->Writers > 0;
-  if (!collected && text.Changed()) Replace_File(path, text.Bytes());
+  if (profile != nullptr && profile->Writers > 0) return profile->Text->Set(section, key, value);
+  const Folder_Lock lock(path);
+  auto text = Parse_File(path);
+  text->Set(section, key, value);
+  if (text->Changed()) Replace_File(path, text->Bytes());
+  if (profile != nullptr) profile->Text = std::move(text);
 }
 
 }  // namespace norvik

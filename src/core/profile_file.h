@@ -70,7 +70,9 @@ class Profile_Text {
 
 // While one of these stands, reads of its file come from one parse of it. With `Writing`, writes
 // are collected as well and reach the disk together, whole or not at all, with Commit; without
-// Commit they are dropped. Raises a file fault when the file exists and cannot be read.
+// Commit they are dropped. From the parse to the end of the writing other programs wait with their
+// writes (core/folder_lock.h), so nothing of theirs is taken back. Raises a file fault when the
+// file exists and cannot be read, or when another program keeps it locked.
 enum class Profile_Use { Reading, Writing };
 class Profile_Session {
  public:
@@ -90,7 +92,11 @@ class Profile_Session {
 // One value: empty when the file, the section or the key is missing. Raises a file fault when the
 // file exists and cannot be read.
 std::string Read_Profile(const std::string& path, std::string_view section, std::string_view key);
-// Writes one value; the file is replaced whole or stays as it was. Raises a file fault.
+// The same, but absent when there is no such key.
+std::optional<std::string> Find_Profile(const std::string& path, std::string_view section,
+                                        std::string_view key);
+// Writes one value into the file as it stands now; the file is replaced whole or stays as it was.
+// Raises a file fault.
 void Write_Profile(const std::string& path, std::string_view section, std::string_view key,
                    std::string_view value);
 

@@ -51,7 +51,9 @@ Replacement_File::Replacement_File(const std::string& path) : Target(Behind_Link
   if (exists && S_ISDIR(old.st_mode)) throw File_Fault(Target, Cannot_Write, EISDIR);
   if (exists && ::access(Target.c_str(), W_OK) != 0) throw File_Fault(Target, Cannot_Write, errno);
   if (exists && !S_ISREG(old.st_mode)) {
-    File = ::open(Target.c_str(), O_WRONLY | O_CLOEXEC);
+    // Without waiting for a reader of a pipe; from here on it may wait for it.
+    File = ::open(Target.c_str(), O_WRONLY | O_CLOEXEC | O_NONBLOCK);
+    if (File >= 0) ::fcntl(File, F_SETFL, 0);
   } else {
     Rights = exists ? old.st_mode & 07777 : Usual_Rights();
     Neighbour = Target + ".XXXXXX";

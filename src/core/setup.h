@@ -192,9 +192,11 @@ extern Machine_Setup MachineSetup;
 struct Setup_Store_State {
   bool SetupLoading = false;       // a load runs; windows leave their controls alone
   bool RestoringDefaults = false;  // every key reads as empty
-  // A simulation works with the parameters and must not change the machine: writes to the machine
-  // file succeed and reach nothing.
-  bool Simulating = false;
+  // A call that was not asked to change the setup, as of the companion or of a simulation: writes
+  // to machine file and pointer file succeed and reach nothing, and a machine file of another
+  // system or in part is read with defaults for what it lacks, without being repaired.
+  bool Leaves_Files = false;
+  bool Without_Windows = false;  // there is no event queue that a load would serve first
   // Values of the last load that were no value of their key's type: "[Axis] Axis_SPI_1=abc ...".
   std::vector<std::string> Findings;
 };
@@ -213,11 +215,15 @@ extern Setup_Host_Operations Setup_Host;
 
 // Reads every key from `Application.MachineFile` in the order of the load. A missing file gives
 // every key its default; one that cannot be read does so too, with a message. A file without the
-// mark of a good save is repaired: the operator is warned and the whole setup is written.
-void LoadMachineSetup();
-// Writes every key in the order of the save, the file whole or not at all. True when it was
-// written; otherwise the operator has been told why.
+// mark of a good save is repaired: the operator is warned and the whole setup is written. False
+// when a file that is there could not be read.
+bool LoadMachineSetup();
+// Writes every key in the order of the save, the file whole or not at all. A key that another
+// program has changed since the load, and this one not, keeps what the other wrote. True when it
+// was written; otherwise the operator has been told why.
 bool SaveMachineSetup();
+// Whether the file of the last load carried the mark of a good save, or was saved since.
+bool Saved_Whole();
 // Every field to its default, as the factory reset and a missing file give it; touches no file.
 void Restore_Factory_Setup();
 // The machine file in the working folder where the pointer file names none.

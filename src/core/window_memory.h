@@ -15,6 +15,9 @@
 
 namespace norvik {
 
+// The entries carry the names of the windows, as some records of other rooms do.
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wshadow"
 enum class Form_Id {
   Main,
   GCode,
@@ -27,6 +30,7 @@ enum class Form_Id {
   Gerber_Layer_Choice,
   Bitmap_Choice
 };
+#pragma GCC diagnostic pop
 inline constexpr std::size_t Form_Count = 10;
 // Those of the layout: the main window and what stands inside it. The others are dialogs; each
 // remembers its place on its own.

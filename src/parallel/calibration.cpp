@@ -2,6 +2,7 @@
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/numbers.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "parallel/drive_host.h"
@@ -67,13 +68,12 @@ Calibration_End Run_Calibration(double feed) {
 
 // A calibration holds the drive as a move does, so that no handler in a yield can start one.
 Calibration_End Guarded_Calibration(double feed) {
-  Step_Engine.Active = true;
+  const Operation_Scope move(Operation::Move);
   // The passes toggle the memory of the Y pin while the pin itself rests.
   const std::int16_t step_bit = Pins.Step_Bit[Dummy_Axis];
   Calibration_End end = Calibration_End::Cancelled;
   Trap("Find_Time_Constant_Error", [&] { end = Run_Calibration(feed); });
   Pins.Step_Bit[Dummy_Axis] = step_bit;
-  Step_Engine.Active = false;
   return end;
 }
 
@@ -85,17 +85,16 @@ void Set_Time_Constant(double value) {
 }  // namespace
 
 Calibration_End Find_Time_Constant() {
-  if (Step_Engine.Active) return Calibration_End::Cancelled;
+  if (Runs(Operation::Move)) return Calibration_End::Cancelled;
+  const Operation_Scope calibration(Operation::Calibration);
   const double feed = Panel_Feed();
   Application.EscFlag = false;
   Begin_Watching_Stops();
   Timing.Settle_Count = 0;
-  Timing.Tune_Active = true;
   Timing.Feed_Ratio = 9999;
   const Calibration_End end = Guarded_Calibration(feed);
   if (end != Calibration_End::Cancelled) Drive_Host.Set_Live_Feed(feed);
   Drive_Host.Set_Panel_Interval(250);
-  Timing.Tune_Active = false;
   return end;
 }
 

@@ -1,6 +1,7 @@
 #include "parallel/pin_map.h"
 
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "parallel/ports.h"
@@ -29,8 +30,6 @@ std::optional<int> Bit_In(const std::string& text) {
 }
 
 namespace {
-
-constexpr char Axis_Letters[] = "XYZA";
 
 // One function's place; `Mask` 0: not used.
 struct Pin {
@@ -93,13 +92,13 @@ std::optional<int> Input_Bit(int slot) {
 std::string Output_Role(int slot) {
   if (slot >= Output_Slot(1)) return "output " + std::to_string(slot - Output_Slot(1) + 1);
   constexpr const char* functions[] = {"step", "direction", "enable"};
-  return std::string(1, Axis_Letters[(slot - 1) / 3]) + " " + functions[(slot - 1) % 3];
+  return std::string(1, Axis_Letter((slot - 1) / 3 + 1)) + " " + functions[(slot - 1) % 3];
 }
 
 std::string Input_Role(int slot) {
   if (slot == EStop_Input) return "E-stop input";
   if (slot == Auxiliary_Input) return "auxiliary input";
-  return std::string(1, Axis_Letters[slot - 1]) + " switch";
+  return std::string(1, Axis_Letter(slot)) + " switch";
 }
 
 bool Read_Input(int slot) {

@@ -19,6 +19,7 @@
 // register do not disturb one another.
 #pragma once
 
+#include "core/axes.h"
 #include "core/indexed.h"
 
 #include <cstdint>
@@ -26,8 +27,6 @@
 #include <string>
 
 namespace norvik {
-
-inline constexpr int Axis_Count = 4;
 
 // Output slots of an axis 1..4 and of an output 1..5.
 constexpr int Step_Slot(int axis) {

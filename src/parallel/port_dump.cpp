@@ -1,5 +1,6 @@
 #include "parallel/port_dump.h"
 
+#include "core/axes.h"
 #include "core/setup.h"
 #include "parallel/pin_map.h"
 
@@ -24,7 +25,8 @@ std::string Plain_Name(const std::string& words, const std::string& otherwise) {
 
 std::string Slot_Name(int slot) {
   static constexpr const char* roles[] = {"_step", "_direction", "_enable"};
-  if (slot <= 3 * Axis_Count) return "XYZA"[(slot - 1) / 3] + std::string(roles[(slot - 1) % 3]);
+  if (slot <= 3 * Axis_Count)
+    return Axis_Letter((slot - 1) / 3 + 1) + std::string(roles[(slot - 1) % 3]);
   const int n = slot - Output_Slot(0);
   return Plain_Name(MachineSetup.Output_Names[n], "output_" + std::to_string(n));
 }

@@ -3,6 +3,7 @@
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/format.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "parallel/backlash.h"
@@ -260,17 +261,16 @@ Move_End Run_Move(const Step_Request& request) {
 }  // namespace
 
 Move_End Step_Engine_Move(const Step_Request& request) noexcept {
-  if (Step_Engine.Active) {
+  if (Runs(Operation::Move)) {
     Trap("Step_Engine_Move_Error",
          [] { throw Fault(Fault_Number::Invalid_Call, "A move cannot begin inside another one"); });
     return Move_End::Failed;
   }
-  Step_Engine.Active = true;
+  const Operation_Scope move(Operation::Move);
   Begin_Watching_Stops();
   Move_End end = Move_End::Failed;
   Trap("Step_Engine_Move_Error", [&] { end = Run_Move(request); });
   if (end != Move_End::No_Steps) Finish_Move(request);
-  Step_Engine.Active = false;
   return end;
 }
 

@@ -55,7 +55,6 @@ enum class Move_End { Done, No_Steps, Limit, Released, EStop, Escape, Stopped, F
 
 // What the engine keeps between moves, and the numbers of the last move for the diagnostics.
 struct Step_Engine_State {
-  bool Active = false;          // a move runs; another one is refused
   bool Stepping_Began = false;  // the last move came as far as its step loop
 
   // --- Kept between moves ----------------------------------------------------------------------

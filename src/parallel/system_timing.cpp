@@ -4,6 +4,7 @@
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/numbers.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/drive_host.h"
 #include "parallel/timing.h"
@@ -37,7 +38,7 @@ void System_Timing_Form_Load() {
 }
 
 void System_Timing_Start_Click() {
-  if (Timing.Tune_Active) return;
+  if (Runs(Operation::Calibration)) return;
   System_Timing.Old_Time_Constant = MachineSetup.Parallel_Time_Constant;
   System_Timing.Command_Start = "Start";
   System_Timing.Command_Cancel = "Cancel";
@@ -57,7 +58,7 @@ void System_Timing_Start_Click() {
 }
 
 void System_Timing_Cancel_Click() {
-  if (Timing.Tune_Active) {
+  if (Runs(Operation::Calibration)) {
     Application.EscFlag = true;
     return;
   }

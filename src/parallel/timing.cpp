@@ -3,6 +3,7 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "parallel/step_engine.h"
@@ -80,7 +81,7 @@ std::optional<float> Measure(int axis, double ipm) {
   Timing.Actual_IPM = Measured_IPM(axis);
   Timing.Monitor_Count = 0;
   std::optional<float> ratio;
-  if (Timing.Settle_Count > 2 && (Timing.FeedRate_Autotune || Timing.Tune_Active)) {
+  if (Timing.Settle_Count > 2 && (Timing.FeedRate_Autotune || Runs(Operation::Calibration))) {
     ratio = New_Ratio(ipm);
     if (ratio) {
       Timing.Feed_Ratio = *ratio;

@@ -34,7 +34,6 @@ struct Timing_State {
   float Feed_Ratio = 0;            // Actual_IPM / commanded speed, cut to thousandths
   std::int32_t Monitor_Count = 0;  // full steps since the last measurement
   std::int16_t Settle_Count = 0;   // measurements since the move began
-  bool Tune_Active = false;        // a calibration runs
   // Start of the running measurement and time of the last yield, ns; absent before the first.
   std::optional<std::int64_t> Measure_Time, Yield_Time;
 };

@@ -14,7 +14,6 @@ namespace norvik {
 
 namespace {
 
-constexpr float Spare_Value = 1.25F;
 constexpr float Absent_End = std::numeric_limits<float>::quiet_NaN();
 // A wire starts on the deep level when its Z is nearer than this, in units of the setup.
 constexpr double Deep_Level_Tolerance = 0.01;
@@ -35,7 +34,6 @@ void Display_List::Clear() {
   Width.clear();
   NodeMark.clear();
   NodeColor.clear();
-  SpareFlag.clear();
   Leading_Absent = {};
   Has_Nodes = false;
   Too_Large = 0;
@@ -47,7 +45,6 @@ void Display_List::Reserve(std::size_t count) {
   Width.reserve(count);
   NodeMark.reserve(count);
   NodeColor.reserve(count);
-  SpareFlag.reserve(count);
 }
 
 void Display_List::Append(const Line_Ends& ends, std::int32_t color, std::int16_t width) {
@@ -67,7 +64,6 @@ void Display_List::Append(const Line_Ends& ends, std::int32_t color, std::int16_
   Width.push_back(width);
   NodeMark.push_back(false);
   NodeColor.push_back(color);
-  SpareFlag.push_back(Spare_Value);
 }
 
 void Display_List::Mark_Node(std::int32_t color) {

@@ -45,7 +45,6 @@ struct Display_List {
   std::vector<std::int16_t> Width;  // pixels, at least 1
   std::vector<bool> NodeMark;       // draw a circle around the end
   std::vector<std::int32_t> NodeColor;
-  std::vector<float> SpareFlag;
 
   // --- Set when the list is closed -----------------------------------------------------------
   std::array<std::size_t, line_end::Count> Leading_Absent{};

@@ -61,8 +61,4 @@ Measurement Plot_Measure(double x1, double y1, double x2, double y2, bool highli
   return result;
 }
 
-void GCode_Find_Step(std::int32_t step) {
-  Plot_Host.Select_Program_Text("N" + std::to_string(step));
-}
-
 }  // namespace norvik

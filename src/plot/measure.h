@@ -28,7 +28,4 @@ struct Measurement {
 // the element crossed.
 Measurement Plot_Measure(double x1, double y1, double x2, double y2, bool highlight);
 
-// Selects the line of a step in the G-code window: the text "N" and the step.
-void GCode_Find_Step(std::int32_t step);
-
 }  // namespace norvik

@@ -79,10 +79,10 @@ void Report_Too_Large(std::size_t count) {
 }
 
 void Build_Table_Pictures() {
+  Plot_Z_Strip();
   if (!Grid_Shown()) return;
   Trap("Plot_Grid_Error",
        [] { Build_Grid(Current_Palette(), MachineSetup.Axis_Table_Grid_Size, Plot.GridLines); });
-  if (Plot_Host.Picture_ZAxis) Draw_Z_Strip(*Plot_Host.Picture_ZAxis, Current_Palette());
 }
 
 // --- Painting --------------------------------------------------------------------------------
@@ -187,6 +187,15 @@ void NIST_RePlot() {
   Paint(false);
 }
 
+void Plot_Z_Strip() {
+  if (!Plot_Host.Picture_ZAxis) return;
+  if (Grid_Shown()) {
+    Draw_Z_Strip(*Plot_Host.Picture_ZAxis, Current_Palette());
+  } else {
+    Plot_Host.Picture_ZAxis->Clear(Current_Palette()[plot_role::Background]);
+  }
+}
+
 void Plot_Draw_Wire(const Wire& wire, std::int32_t displayMode, std::int32_t lineMode) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_Plot_Block_Error", [&] {
@@ -242,25 +251,6 @@ void Plot_Highlight_Step(std::int32_t step) {
   if (View.PlotBusy) return;
   NIST_RePlot();
   NIST_Plot_Block(step, Highlight_On, 0);
-}
-
-void DrawLine3D(Nullable x1, Nullable y1, Nullable z1, Nullable x2, Nullable y2, Nullable z2,
-                std::int32_t color, std::int16_t width) {
-  if (!Plot_Host.Picture1) return;
-  Trap("DrawLine3D_Error", [&] {
-    Line_Painter painter = Window_Painter();
-    painter.Draw({x1, y1, z1, x2, y2, z2}, color, width);
-    painter.Flush();
-  });
-}
-
-void DrawNodeCircle(double x, double y, double z, double, double, double, std::int32_t color) {
-  if (!Plot_Host.Picture1) return;
-  Trap("DrawNodeCircle_Error", [&] {
-    Line_Painter painter = Window_Painter();
-    painter.Draw_Node_Circle(x, y, z, color);
-    painter.Flush();
-  });
 }
 
 }  // namespace norvik

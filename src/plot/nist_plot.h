@@ -59,6 +59,8 @@ void NIST_Plot(bool rebuild);
 void Plot_Redraw(bool rebuild);
 // Paints the lists as they are.
 void NIST_RePlot();
+// Draws the Z strip for the size that it has; empty while the grid is off.
+void Plot_Z_Strip();
 // Draws the wires of one step; with a `displayMode` above 65534 as a highlight, in the ink of the
 // background and five times as wide.
 void NIST_Plot_Block(std::int32_t stepIndex, std::int32_t displayMode, std::int32_t lineMode);
@@ -72,13 +74,5 @@ void Plot_Refresh();
 void Plot_New_Program();
 // Marks a step of the program: paints the lists and the step's highlight.
 void Plot_Highlight_Step(std::int32_t step);
-
-// Drawing primitives on the open window, in units of the program. An absent coordinate stands for
-// the last value at its place.
-void DrawLine3D(Nullable x1, Nullable y1, Nullable z1, Nullable x2, Nullable y2, Nullable z2,
-                std::int32_t color, std::int16_t width);
-// A circle around (x, y, z), drawn at the end of a line; (x2, y2, z2) is the line's other end.
-void DrawNodeCircle(double x, double y, double z, double x2, double y2, double z2,
-                    std::int32_t color);
 
 }  // namespace norvik

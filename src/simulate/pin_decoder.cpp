@@ -1,4 +1,5 @@
 // The machine's own reader of the pin tables, and what it finds wrong with them.
+#include "core/axes.h"
 #include "core/setup.h"
 #include "simulate/port_space.h"
 
@@ -35,8 +36,8 @@ Wired_Pin Wire(std::int32_t port, const std::string& bit_text, bool invert) {
 std::string Output_Name(int slot) {
   static constexpr std::array<const char*, 3> roles{"step", "direction", "enable"};
   if (slot > 12) return "output " + std::to_string(slot - 12);
-  const auto axis = static_cast<std::size_t>((slot - 1) / 3);
-  return std::string(1, "XYZA"[axis]) + " " + roles[static_cast<std::size_t>((slot - 1) % 3)];
+  const int axis = (slot + 2) / 3;
+  return std::string(1, Axis_Letter(axis)) + " " + roles[static_cast<std::size_t>((slot - 1) % 3)];
 }
 
 std::string Input_Name(int slot) {

@@ -178,6 +178,8 @@ void Install_Simulated_Machine();
 // Decodes the pin map anew when the setup has changed; called by the machine itself when an
 // unknown address is written, and by panels.
 void Follow_Setup();
+// Neither end stops nor limit switches any more: every program comes to its end, wherever it goes.
+void Open_Table_Ends();
 // After a change of Settings or Zones in the record.
 void Settings_Changed(int axis);
 // After a change of wiring, fault, force, bounce or noise of an input 0..5.

@@ -8,12 +8,14 @@
 #include "app/gcode_form.h"
 #include "app/main_form.h"
 #include "app/program_findings.h"
+#include "app/session_mark.h"
 #include "app/startup.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axis_memory.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/recent_files.h"
@@ -53,6 +55,9 @@ struct App_Test : testing::Test {
     Gcode_Host = {};
     Forms = {};
     Drive_Session = {};
+    Drive_Session_Host = {};
+    Session_Mark = {};
+    Position_Memory = {};
     Pins = {};
     Step_Engine = {};
     Timing = {};

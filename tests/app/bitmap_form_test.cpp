@@ -3,6 +3,7 @@
 
 #include "app/app_fixture.h"
 #include "app/import_menu.h"
+#include "core/operation.h"
 
 #include <filesystem>
 
@@ -94,7 +95,7 @@ TEST_F(Bitmap_Form_Test, Open_And_Double_Click_Close_First_And_Import) {
   std::string order;
   Bitmap_Host.Close = [&] {
     order += "close ";
-    EXPECT_FALSE(Import_Is_Running());
+    EXPECT_FALSE(Runs(Operation::Import));
     Bitmap_Import_Form_Unload();
   };
   Import_Host.Open_GCode = [&](const std::string&) { order += "program "; };

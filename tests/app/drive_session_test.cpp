@@ -4,8 +4,8 @@
 #include "app/app_fixture.h"
 #include "app/machine_menu.h"
 #include "app/shutdown.h"
-#include "control/cnc_controls_form.h"
-#include "control/control_texts.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "core/fault.h"
 
 namespace norvik {
@@ -68,6 +68,10 @@ TEST_F(Drive_Session_Test, A_Closed_Switch_Is_Told_Once_The_Windows_Are_There) {
   Activate_Main();
   EXPECT_THAT(scripted.Boxes, Caution());
   EXPECT_TRUE(Pins.Home_Safety_Off);
+  // No panel is open; the session itself sees that every switch has been off.
+  Close_Switch(false);
+  scripted.Run_For(0.3);
+  EXPECT_FALSE(Pins.Home_Safety_Off);
 }
 
 TEST_F(Drive_Session_Test, A_Port_In_Other_Hands_Ends_The_Start_And_Touches_Nothing) {

@@ -6,12 +6,13 @@
 #include "app/timers.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/program_wire.h"
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/control_texts.h"
-#include "control/estimate.h"
-#include "control/goto.h"
+#include "control/run/cnc_controller.h"
+#include "control/run/estimate.h"
+#include "control/run/goto.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "core/fault.h"
+#include "core/operation.h"
 #include "plot/plot_host.h"
 #include "plot/projection.h"
 #include "plot/view.h"
@@ -237,7 +238,7 @@ TEST_F(GCode_Test, Steps_Are_Held_To_The_Program) {
   Command_GStep_Click();
   EXPECT_EQ(Compile_Status.CurrentStep, 4);
   EXPECT_EQ(Gcode_Form.Label_CGStep.Caption, "G1 X3");
-  EXPECT_FALSE(Compile_Status.CompileRunning);
+  EXPECT_FALSE(Program_Is_Held());
   Machine.CNCMode = CNC_Running;
   Command_GStep_Click();
   Command_Update_Click();
@@ -466,11 +467,12 @@ TEST_F(GCode_Test, A_Text_Taken_In_A_Run_Leaves_The_Range_To_The_Next_Compile) {
 
 TEST_F(GCode_Test, A_Check_Waits_While_Something_Moves) {
   Type("G1 X1\n");
-  Controller.Panel_Busy = true;  // a jog
-  EXPECT_FALSE(Begin_Check());
+  {
+    const Operation_Scope jog(Operation::Jog);
+    EXPECT_FALSE(Begin_Check());
+  }
   EXPECT_EQ(Messages.Panel[1], "Can't check while CNC running");
   EXPECT_TRUE(GCode_Program.Typed_Waits);
-  Controller.Panel_Busy = false;
   Machine.CNCMode = CNC_Paused;
   EXPECT_TRUE(Begin_Check());
   EXPECT_EQ(GCodeLineCount(), 1);

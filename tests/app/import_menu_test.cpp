@@ -5,6 +5,7 @@
 #include "app/app_fixture.h"
 #include "app/bitmap_form.h"
 #include "app/shutdown.h"
+#include "core/operation.h"
 #include "import/gerber/layers.h"
 #include "import/pipeline/report.h"
 
@@ -149,7 +150,7 @@ TEST_F(Import_Menu_Test, A_Second_Import_Waits_For_The_First) {
   EXPECT_TRUE(Import_File(Import_Kind::DXF, path));
   EXPECT_FALSE(second);
   EXPECT_THAT(Messages.MessageLog[0], HasSubstr("part.dxf"));
-  EXPECT_FALSE(Import_Is_Running());
+  EXPECT_FALSE(Runs(Operation::Import));
 }
 
 TEST_F(Import_Menu_Test, Esc_Leaves_A_Program_With_Its_End_And_Says_So) {

@@ -2,7 +2,7 @@
 #include "app/app_fixture.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
-#include "control/cnc_controller.h"
+#include "control/run/cnc_controller.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -25,7 +25,7 @@ TEST_F(Startup_Test, First_Start_Leaves_A_Full_Machine_File) {
   EXPECT_EQ(MachineSetup.Tool_Directory, Folder.File("work/Tools"));
   EXPECT_EQ(Messages.LastMessage, "Starting Norvik");
   EXPECT_EQ(Messages.Panel[4], "Default_Machine");
-  EXPECT_EQ(scripted.Running_Timers(), 2);
+  EXPECT_EQ(scripted.Running_Timers(), 3);  // two of the window, and the watch of the machine
   EXPECT_THAT(Trace, ElementsAre("place Main", "joystick 0"));
 
   Activate_Main();
@@ -148,6 +148,96 @@ TEST_F(Startup_Test, Bye_Waits_For_A_Running_Loop) {
   EXPECT_LT(Platform.Monotonic_Clock() - begin, 500'000'000);
 }
 
+// --- The mark of a session with a real machine ---------------------------------------------------
+
+struct Session_Test : Startup_Test {
+  Session_Test() {
+    Drive_Session_Host.Machine_Is_Real = [] { return true; };
+    Replace_File(Application.MachineFile,
+                 "[General]\nINI_Save_Test=123\n[Axis Position]\nAxis_Cur_Pos_1=1.5\n");
+  }
+  // A start of the program, as a process of its own.
+  void Start() {
+    Application.ShutdownFlag = Application.Closing_Program = false;
+    Main_Window = {};
+    Drive_Session = {};
+    Session_Mark = {};
+    Position_Memory = {};
+    scripted.Boxes.clear();
+    Load_Main();
+    Activate_Main();
+  }
+  bool Asked() const {
+    return !scripted.Boxes.empty() &&
+           scripted.Boxes.back().Text.find("Are the positions shown") != std::string::npos;
+  }
+  // Whether Play gets as far as looking for a program.
+  bool Play_Is_Refused() {
+    Command_CNC_Play_Click();
+    return Messages.Panel[1].starts_with("Play is refused until the positions");
+  }
+};
+
+TEST_F(Session_Test, An_Orderly_End_Leaves_No_Doubt) {
+  Start();
+  EXPECT_FALSE(Asked());
+  bye();
+  Start();
+  EXPECT_FALSE(Asked());
+  EXPECT_FALSE(Play_Is_Refused());
+}
+
+TEST_F(Session_Test, After_A_Crash_Play_Waits_For_The_Operators_Word) {
+  WritePointer("Machine", "Name", Application.MachineFile);
+  Start();
+  bye();
+  scripted.Calendar = {2024, 5, 7, 8, 9, 10};
+  Start();  // ends here, without `bye`
+  scripted.Calendar.Hour = 12;
+  Start();
+  ASSERT_TRUE(Asked());
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("begun 2024-05-07 08:09:10"));
+  EXPECT_THAT(scripted.Boxes.back().Text,
+              HasSubstr("positions shown are from 2024-05-06 10:20:30"));
+  EXPECT_TRUE(Play_Is_Refused());
+  bye();  // an orderly end does not make them true
+
+  scripted.Answer_Box(Box_Answer::Yes);
+  Start();
+  EXPECT_TRUE(Asked());
+  EXPECT_FALSE(Play_Is_Refused());
+  bye();
+  Start();
+  EXPECT_FALSE(Asked());
+}
+
+TEST_F(Session_Test, Positions_Given_In_The_Session_Are_Newer) {
+  Start();
+  scripted.Calendar.Minute = 50;
+  Keep_Given_Positions();
+  Start();
+  ASSERT_TRUE(Asked());
+  EXPECT_THAT(scripted.Boxes.back().Text,
+              HasSubstr("positions shown are from 2024-05-06 10:50:30"));
+}
+
+TEST_F(Session_Test, Positions_That_Were_Not_Stored_Are_Doubted) {
+  Start();
+  Setup_Store.Leaves_Files = true;
+  bye();
+  Setup_Store.Leaves_Files = false;
+  Start();
+  EXPECT_TRUE(Asked());
+}
+
+TEST_F(Session_Test, A_Simulated_Machine_Leaves_No_Mark) {
+  Drive_Session_Host.Machine_Is_Real = [] { return false; };
+  Start();
+  Start();
+  EXPECT_FALSE(Asked());
+  EXPECT_FALSE(FileExists(Folder.File("work/Session.ini")));
+}
+
 TEST_F(Startup_Test, Timers_Watch_Keys_And_Panels) {
   Load_Main();
   Trace.clear();
@@ -171,7 +261,7 @@ TEST_F(Startup_Test, Timers_Watch_Keys_And_Panels) {
   EXPECT_EQ(Messages.Panel[3], "");
   Application.ShutdownFlag = true;
   scripted.Run_For(1.1);
-  EXPECT_EQ(scripted.Running_Timers(), 0);
+  EXPECT_EQ(scripted.Running_Timers(), 1);  // the watch ends with the session
   EXPECT_EQ(Main_Window.Timer1, 0);
 }
 
@@ -185,18 +275,18 @@ TEST_F(Startup_Test, Folders_Follow_The_Environment) {
   ::unsetenv("XDG_CONFIG_HOME");
   EXPECT_EQ(Usual_Folders().Working, "/home/op/.local/share/norvik");
 
-  ASSERT_TRUE(Set_Companion_Folders(Folder.File("home")));
+  Set_Companion_Folders(Folder.File("home"));
   EXPECT_EQ(Application.Temporary_GCode, Folder.File("home/TEMP_NORVIK999.GC"));
   EXPECT_EQ(Application.Pointer_Folder, Folder.File("home"));
   EXPECT_EQ(Application.Table_Folder, Folder.File("home"));
   WritePointer("Platform", "Table_Directory", "tables");
-  ASSERT_TRUE(Set_Companion_Folders(Folder.File("home")));
+  Set_Companion_Folders(Folder.File("home"));
   EXPECT_EQ(Application.Table_Folder, Folder.File("home/tables"));
   WritePointer("Platform", "Table_Directory", "/proc/no/tables");  // cannot be: tables are not lost
-  ASSERT_TRUE(Set_Companion_Folders(Folder.File("home")));
+  Set_Companion_Folders(Folder.File("home"));
   EXPECT_EQ(Application.Table_Folder, Folder.File("home"));
   Write_File("file", "");
-  EXPECT_FALSE(Set_Companion_Folders(Folder.File("file/under")));
+  EXPECT_THROW(Set_Companion_Folders(Folder.File("file/under")), Fault);
 }
 
 }  // namespace

@@ -115,7 +115,7 @@ struct Run_Command_Test : testing::Test {
     setup += "[Axis Position]\nAxis_Cur_Pos_1=1.5\n";
     std::filesystem::create_directory(Folder.File("home"));
     Replace_File(Machine_File, setup);
-    Replace_File(Folder.File("home/Norvik.Ini"), "[Platform]\nPort_Access=Simulated\n");
+    Replace_File(Folder.File("home/Norvik.Ini"), Pointer);
     Replace_File(Program,
                  "G0 X1.45\nM3\nM0\n"  // step 3: a pause
                  "G1 X15 F3\n"         // step 4: minutes of a move
@@ -124,8 +124,7 @@ struct Run_Command_Test : testing::Test {
   }
 
   std::vector<std::string> Words(const std::string& program, std::vector<std::string> more = {}) {
-    std::vector<std::string> words{"--home", Folder.File("home"), "--machine", Machine_File,
-                                   "run",    "--ports",           Ports,       program};
+    std::vector<std::string> words{"--home", Folder.File("home"), "run", "--ports", Ports, program};
     words.insert(words.end(), more.begin(), more.end());
     return words;
   }
@@ -149,14 +148,16 @@ struct Run_Command_Test : testing::Test {
     return std::stod(text.substr(text.find(key) + key.size()));
   }
   void Expect_Ended_Early(Companion_Process& process, const std::string& why) {
-    EXPECT_EQ(process.Status(), Failed) << process.Output;
+    const bool by_signal = why == "Stopped by ESC.";
+    EXPECT_EQ(process.Status(), by_signal ? Interrupted_By_Operator : Failed) << process.Output;
     EXPECT_THAT(process.Output, HasSubstr("Ended early: " + why));
     Expect_Switched_Off();
   }
 
   Temporary_Folder Folder;
   std::string Machine_File = Folder.File("home/mill.ini"), Program = Folder.File("part.gc"),
-              Dwelling = Folder.File("dwell.gc"), Ports = Folder.File("ports.csv");
+              Dwelling = Folder.File("dwell.gc"), Ports = Folder.File("ports.csv"),
+              Pointer = "[Machine]\nName=" + Machine_File + "\n[Platform]\nPort_Access=Simulated\n";
 };
 
 // --- The ways to end -----------------------------------------------------------------------------
@@ -174,8 +175,8 @@ TEST_F(Run_Command_Test, Signals_In_A_Move_End_It_At_Once) {
     // ended the run. None of them may cut the end short.
     const auto status = process.Status(3);
     ASSERT_TRUE(status) << process.Output;
-    if (*status == Failed || row.Times == 1) {
-      EXPECT_EQ(*status, Failed);
+    EXPECT_EQ(*status, Interrupted_By_Operator);
+    if (row.Times == 1) {
       EXPECT_THAT(process.Output, HasSubstr("Ended early: Stopped by ESC."));
     }
     Expect_Switched_Off();
@@ -242,8 +243,7 @@ TEST_F(Run_Command_Test, Without_A_Terminal_A_Pause_Ends_The_Run) {
 // The simulated axis stands on its switch; the run goes on as the desktop's would.
 TEST_F(Run_Command_Test, A_Closed_Switch_At_The_Start_Is_Told) {
   Replace_File(Folder.File("home/Norvik.Ini"),
-               "[Platform]\nPort_Access=Simulated\n[Simulated Machine]\nSwitch_Low_From_1=1\n"
-               "Switch_Low_To_1=2\n");
+               Pointer + "[Simulated Machine]\nSwitch_Low_From_1=1\nSwitch_Low_To_1=2\n");
   Replace_File(Dwelling, "M3\nM5\n");
   Companion_Process process(Words(Dwelling), true);
   EXPECT_EQ(process.Status(10), Done);
@@ -277,6 +277,63 @@ TEST_F(Run_Command_Test, A_Real_Run_Keeps_Positions_And_No_Setting_Of_The_Call) 
   EXPECT_NEAR(Kept_X(), 1.6, 1e-6);
   EXPECT_THAT(Read_Whole_File(Machine_File), HasSubstr("Parallel_Time_Constant=1\n\n"));
   Expect_Switched_Off();
+}
+
+TEST_F(Run_Command_Test, A_Machine_File_Of_The_Call_Is_Only_Read) {
+  const std::string before = Read_Whole_File(Machine_File);
+  Replace_File(Program, "G0 X1.6\n");
+  for (const bool asked : {false, true}) {
+    std::vector<std::string> words = Words(Program);
+    words.insert(words.begin(), {"--machine", Machine_File});
+    if (asked) words.push_back("--save-positions");
+    Companion_Process process(words, true);
+    EXPECT_EQ(process.Status(20), Done) << process.Output;
+    EXPECT_EQ(process.Output.find("so its positions are not stored") != std::string::npos, asked);
+    EXPECT_EQ(Read_Whole_File(Machine_File), before);  // the machine is simulated
+  }
+}
+
+// --- What a program loses ------------------------------------------------------------------------
+
+TEST_F(Run_Command_Test, Losses_Are_Summed_Up) {
+  Replace_File(Program, "G0 X1.6\nM98 P77\nG1 X1.7 F10\n");
+  for (const bool accepted : {false, true}) {
+    std::vector<std::string> words = Words(Program, {"--clock", "virtual"});
+    if (accepted) words.push_back("--accept-losses");
+    Companion_Process process(words, true);
+    EXPECT_EQ(process.Status(60), accepted ? Done : Failed) << process.Output;
+    EXPECT_THAT(process.Output, HasSubstr("line 2: "));
+    EXPECT_THAT(process.Output, HasSubstr("Left out: 1 macro missing"));
+  }
+}
+
+TEST_F(Run_Command_Test, An_Estimate_Names_What_Leaves_The_Table) {
+  Replace_File(Program, "G0 X1\nG1 Y2 F60\nG1 X3 Z-0.5\nG1 X2000 F600\nG1 X0\n");
+  Companion_Process process({"--home", Folder.File("home"), "estimate", Program}, true);
+  EXPECT_EQ(process.Status(60), Done) << process.Output;
+  EXPECT_THAT(process.Output, HasSubstr("00:0"));
+  EXPECT_THAT(process.Output, HasSubstr("X leaves the table at line 4: 2000 is "));
+  EXPECT_EQ(process.Output.find("Y leaves"), std::string::npos);
+}
+
+// --- Ctrl-C --------------------------------------------------------------------------------------
+
+// A large program, stopped in the middle of its compile: the tables of before stand.
+TEST_F(Run_Command_Test, An_Interrupted_Compile_Leaves_The_Earlier_Tables) {
+  const std::string table = Folder.File("home/NORVIK_Program_LineArc_Data.csv");
+  Replace_File(table, "earlier");
+  std::string lines;
+  for (int i = 0; i < 400'000; ++i) lines += "G1 X" + std::to_string(i % 7) + " F10\n";
+  Replace_File(Program, lines);
+  Companion_Process process({"--home", Folder.File("home"), "compile", Program}, true);
+  ASSERT_TRUE(process.Says("Compiling Program")) << process.Output;
+  process.Send(SIGINT);
+  EXPECT_EQ(process.Status(60), Interrupted_By_Operator) << process.Output;
+  EXPECT_THAT(process.Output, HasSubstr("interrupted"));
+  EXPECT_EQ(Read_Whole_File(table), "earlier");
+  for (const auto& entry : std::filesystem::directory_iterator(Folder.File("home"))) {
+    EXPECT_FALSE(entry.path().filename().string().starts_with(".norvik-")) << entry.path();
+  }
 }
 
 }  // namespace

@@ -1,10 +1,12 @@
 // The compile as a whole: files, passes, refusals, and what the operator is told.
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/wires/feed_pass.h"
+#include "core/operation.h"
 #include "line_fixture.h"
 
 namespace norvik {
@@ -64,7 +66,7 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
   Scripted.On_Yield = [&] {
     if (Scripted.Yields == 1) {
       EXPECT_EQ(Messages.Panel[1], "GCode Compile: Compiling Data...");
-      EXPECT_TRUE(Compile_Status.CompileRunning);
+      EXPECT_TRUE(Program_Is_Held());
     }
   };
   Take("G1 X1");
@@ -73,7 +75,7 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
   EXPECT_TRUE(GCode_Compile_All());
   EXPECT_EQ(events, (std::vector<std::string>{"GCode Compile Progress", "GCode Optimize Feed Rates",
                                               "6", "plot"}));
-  EXPECT_FALSE(Compile_Status.CompileRunning);
+  EXPECT_FALSE(Program_Is_Held());
   EXPECT_TRUE(Compile_Status.CompileDone);
   EXPECT_EQ(Messages.Panel[1], "");
   EXPECT_EQ(Machine.StartingStep, 0);
@@ -167,7 +169,7 @@ TEST_F(Compile_Test, Tables_that_cannot_be_written_leave_those_of_before) {
   EXPECT_EQ(File("kept.csv"), records);
   EXPECT_THAT(Messages.Status_Box, ::testing::HasSubstr("could not write its tables"));
   EXPECT_FALSE(Logged().empty());
-  EXPECT_FALSE(Compile_Status.CompileRunning);
+  EXPECT_FALSE(Program_Is_Held());
 }
 
 TEST_F(Compile_Test, A_second_compile_waits_for_the_first) {

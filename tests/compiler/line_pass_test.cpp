@@ -129,6 +129,23 @@ TEST_F(Line_Pass_Test, Lines_of_nothing_cost_nothing) {
   EXPECT_TRUE(Compile(std::string(1'000'000, '\n')).empty());
 }
 
+TEST_F(Line_Pass_Test, Drill_cycles_that_fault_do_so_before_the_hole) {
+  // Incomplete, it asks for no dwell yet, and keeps its words and its mode like the others.
+  Compile("G0 Z5\nG82 X1 Z-1\nY2 R1");
+  EXPECT_EQ(Compiler.ModalGroups[modal_group::Motion], std::int16_t{82});
+  EXPECT_EQ(Compiler.CycleX, Nullable(1));
+  EXPECT_EQ(Compiler_Memory.CycleZ, Nullable(-1));
+  EXPECT_EQ(Compile_Tables.Program_LineArc.Rows.size(), 1U);
+  EXPECT_THAT(Logged(), ::testing::ElementsAre(::testing::HasSubstr("Y2 R1")));
+  for (const char* hole : {"G82 X1 Y1 Z-1 R1", "G82 X1 Y1 Z-1 R1 P1e39", "G83 X1 Y1 Z-1 R1",
+                           "G83 X1 Y1 Z-1000 R1 Q.00001"}) {
+    MachineSetup.Axis_Format = "0.######";
+    Compile("G0 Z5\nG91\n" + std::string(hole));
+    EXPECT_EQ(Compile_Tables.Program_LineArc.Rows.size(), 1U) << hole;
+    EXPECT_EQ(Compiler.ModalGroups[modal_group::Distance], std::int16_t{91}) << hole;
+  }
+}
+
 TEST_F(Line_Pass_Test, Macros_nested_to_the_last) {
   for (int n = 0; n < 150; ++n) {
     MachineSetup.MacroFile[n] =

@@ -2,6 +2,11 @@
 
 namespace norvik {
 
+void Tick() {
+  Watch_Machine();
+  CNC_Controls_Timer1();
+}
+
 Control_Test::Control_Test() {
   Folder =
       std::filesystem::temp_directory_path() / ("norvik_control_" + std::to_string(::getpid()));
@@ -26,6 +31,7 @@ void Control_Test::Reset_State() {
   Machine = {};
   MachineSetup = {};
   Messages = {};
+  Reset_Operations();
   Controller = {};
   CNC_Controls = {};
   CNC_Controls_Host = {};
@@ -98,7 +104,7 @@ void Control_Test::Free_Axes() {
 void Control_Test::Watch_Delays() {
   Platform.Delay_Microseconds = [this, inner = Platform.Delay_Microseconds](std::int32_t us) {
     inner(us);
-    if (!Step_Engine.Active) return;
+    if (!Runs(Operation::Move)) return;
     ++Half_Steps;
     if (const auto found = Actions.find(Half_Steps); found != Actions.end()) found->second();
   };

@@ -11,20 +11,25 @@
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/connect.h"
-#include "control/control_texts.h"
-#include "control/controller_state.h"
-#include "control/displays.h"
-#include "control/jog_key.h"
-#include "control/joystick_jog.h"
-#include "control/knob.h"
-#include "control/machine_move.h"
-#include "control/run_plot_host.h"
+#include "control/displays/displays.h"
+#include "control/manual/jog.h"
+#include "control/manual/jog_key.h"
+#include "control/manual/joystick_jog.h"
+#include "control/manual/knob.h"
+#include "control/motion/machine_move.h"
+#include "control/motion/motion.h"
+#include "control/panel/connect.h"
+#include "control/panel/panel.h"
+#include "control/run/cnc_controller.h"
+#include "control/safety/safety.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
+#include "control/state/controller_state.h"
+#include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "parallel/drive_host.h"
@@ -51,6 +56,9 @@ namespace norvik {
 
 inline constexpr std::int32_t Step_Port = 888, Input_Port_Address = 889, Enable_Port = 890,
                               Output_Port_Address = 1000, Aux_Port = 1001;
+
+// What comes due every quarter second: the watch of the machine and the panel's timer.
+void Tick();
 
 class Control_Test : public ::testing::Test {
  protected:

@@ -1,7 +1,7 @@
 // What one step does: waits, dwells, repeats, outputs, and where it ends early.
-#include "control/execute_step.h"
+#include "control/run/execute_step.h"
 
-#include "control/safety.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 namespace norvik {
@@ -124,7 +124,7 @@ class Ending : public Execute_Step_Test, public ::testing::WithParamInterface<En
   void Expect_Ended() {
     EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
     EXPECT_THAT(Messages.Panel[1], HasSubstr(GetParam().Text));
-    EXPECT_FALSE(Controller.Panel_Busy || Controller.Controller_Active);
+    EXPECT_FALSE(Anything_Moves());
     Expect_Position_True();
   }
 };

@@ -1,5 +1,5 @@
 // Goto: its memories and the line that it executes.
-#include "control/goto.h"
+#include "control/run/goto.h"
 
 #include "control_fixture.h"
 
@@ -32,7 +32,7 @@ TEST_F(Goto_Test, A_line_moves_from_where_the_machine_stands_and_replaces_the_pr
   EXPECT_EQ(Program_Wire.Count(), 1U);
   EXPECT_EQ(Program_Wire.Rows()[0].Step, 0);
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
-  EXPECT_FALSE(Controller.Panel_Busy);
+  EXPECT_FALSE(Anything_Moves());
   Expect_Position_True();
 }
 
@@ -128,7 +128,7 @@ TEST_F(Goto_Test, Every_key_writes_the_memory_and_Enter_executes_it) {
 TEST_F(Goto_Test, A_line_that_is_no_motion_moves_nothing_and_leaves_the_panel_usable) {
   for (const char* text : {"", "(only words)", "G1 X--1", "M5"}) Go(text);
   EXPECT_EQ(Half_Steps, 0);
-  EXPECT_FALSE(Controller.Panel_Busy);
+  EXPECT_FALSE(Anything_Moves());
   Go("(nothing)");
   EXPECT_EQ(Messages.Panel[1], control_text::Goto_Is_Empty);
   Go("G1 X.25");

@@ -1,8 +1,8 @@
 // Home, ReTool and the way back, on the switches of the simulated machine.
-#include "control/home.h"
+#include "control/manual/home.h"
 
-#include "control/panel_edits.h"
-#include "control/safety.h"
+#include "control/manual/panel_edits.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 namespace norvik {
@@ -140,7 +140,7 @@ TEST_F(Home_Test, Stop_in_a_retool_request_ends_the_sequence_once) {
   EXPECT_NEAR(Machine.Position[3], 1.5, 1e-9);  // the running move is finished
   EXPECT_EQ(Machine.Position[1], 0);
   EXPECT_TRUE(Machine.EStop_Flag);
-  EXPECT_FALSE(Controller.Retool_Request || Controller.Panel_Busy);
+  EXPECT_FALSE(Controller.Retool_Request || Anything_Moves());
   EXPECT_FALSE(FileExists(Application.ErrorFile));
   Expect_Position_True();
 }
@@ -196,7 +196,7 @@ TEST_P(Home_Abort, Leaves_and_sets_no_position) {
   EXPECT_THAT(Messages.MessageLog[1], HasSubstr("Stopped"));
   EXPECT_THAT(Messages.MessageLog, Not(Contains(HasSubstr("Position Error"))));
   EXPECT_TRUE(MachineSetup.Axis_Backlash_Enable);
-  EXPECT_FALSE(Controller.Panel_Busy);
+  EXPECT_FALSE(Anything_Moves());
   Expect_Position_True();
 }
 INSTANTIATE_TEST_SUITE_P(Rows, Home_Abort,

@@ -1,9 +1,9 @@
 // Jogs: panel buttons, keys, joystick, and everything that ends a held one.
-#include "control/jog_guard.h"
-#include "control/panel_edits.h"
-#include "control/panel_jog.h"
-#include "control/safety.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/jog_guard.h"
+#include "control/manual/panel_edits.h"
+#include "control/manual/panel_jog.h"
+#include "control/manual/table_setup_keys.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 #include "core/setup_keys.h"
 
@@ -27,7 +27,7 @@ TEST_F(Jog_Test, A_held_jog_runs_until_it_is_released) {
   Jog_MouseDown(2, 0);
   EXPECT_LT(At(2), -1);
   EXPECT_GT(At(2), -2);
-  EXPECT_FALSE(Controller.Panel_Busy || Controller.Jog_Held);
+  EXPECT_FALSE(Anything_Moves() || Controller.Jog_Held);
   EXPECT_TRUE(Controller.Jog_Dir[2]);
   EXPECT_EQ(Messages.Panel[1], "");
   EXPECT_TRUE(Machine.Jog_Stop_Request);
@@ -160,7 +160,7 @@ const Guard_Row Guard_Rows[] = {
     {"no_button_down",
      [] {
        CNC_Controls_Host.Mouse_Button_Down = [] { return false; };
-       CNC_Controls_Timer1();
+       Tick();
      }},
 };
 INSTANTIATE_TEST_SUITE_P(Rows, Guard, ::testing::ValuesIn(Guard_Rows),
@@ -201,7 +201,7 @@ TEST_F(Jog_Test, Keys_move_as_the_table_says) {
       const int sign = moved > 0 ? 1 : moved < 0 ? -1 : 0;
       EXPECT_EQ(sign, row.Signs[static_cast<std::size_t>(axis - 1)]) << row.Key << " axis " << axis;
     }
-    EXPECT_FALSE(JogKey.Key_Moving || JogKey.Key_Busy);
+    EXPECT_FALSE(JogKey.Key_Moving || Runs(Operation::Key_Jog));
     for (int entry = 0; entry <= 14; ++entry) {
       if (MachineSetup.KeyJog_KeyValue[entry] != row.Key) continue;
       EXPECT_EQ(Setting_Entry(*Find_Setup_Key("KeyJog_KeyValue_0")->Row, entry),
@@ -495,7 +495,7 @@ TEST_F(Jog_Test, No_dialog_opens_between_the_moves_of_an_operation_but_any_in_a_
   Load({{1, 0.1}, {2, {}, {}, {}, {}, 2}, {3, {}, {}, {}, {}, -1}, {4, 0}});
   bool asked = false;
   scripted.On_Yield = [&] {
-    if (Step_Engine.Active || Machine.Run_Step != 2 || std::exchange(asked, true)) return;
+    if (Runs(Operation::Move) || Machine.Run_Step != 2 || std::exchange(asked, true)) return;
     open_all();
     EXPECT_EQ(Messages.Panel[1], control_text::Not_While_Moving);
     EXPECT_EQ(Messages.MessageLog[0], control_text::Not_While_Moving);

@@ -1,5 +1,5 @@
 // The machine check: each hazard is found by its key, and a harmless setup gives no finding.
-#include "control/machine_check.h"
+#include "control/safety/machine_check.h"
 
 #include "control_fixture.h"
 

@@ -1,5 +1,5 @@
 // Targets to steps, and the trace of the moves.
-#include "control/panel_jog.h"
+#include "control/manual/panel_jog.h"
 #include "control_fixture.h"
 
 #include <fstream>

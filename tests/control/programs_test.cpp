@@ -1,8 +1,8 @@
 // Whole programs: where they end, how long they take, and what a kill leaves behind.
-#include "control/estimate.h"
-#include "control/home.h"
-#include "control/run_program.h"
-#include "control/waits.h"
+#include "control/manual/home.h"
+#include "control/motion/waits.h"
+#include "control/panel/run_program.h"
+#include "control/run/estimate.h"
 #include "control_fixture.h"
 #include "simulate/virtual_clock.h"
 
@@ -295,7 +295,7 @@ TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
 TEST_F(Text_Test, An_estimate_waits_while_something_moves) {
   SaveChanges("G1 X1 F60\n");
   scripted.On_Yield = [done = false]() mutable {
-    if (done || !Step_Engine.Active) return;
+    if (done || !Runs(Operation::Move)) return;
     done = true;
     Command_Estimate_Process_Time_Click();
   };

@@ -1,8 +1,8 @@
 // The run loop: states, order of steps, and what it leaves behind.
-#include "control/goto.h"
-#include "control/home.h"
-#include "control/panel_jog.h"
-#include "control/run_program.h"
+#include "control/manual/home.h"
+#include "control/manual/panel_jog.h"
+#include "control/panel/run_program.h"
+#include "control/run/goto.h"
 #include "control_fixture.h"
 
 namespace norvik {
@@ -34,9 +34,117 @@ TEST_F(Run_Loop_Test, Play_runs_every_step_once_and_shows_the_run_time) {
   EXPECT_EQ(Messages.Panel[1], "Machine Run Time: 00:00:01");
   EXPECT_NEAR(Controller.Machine_Run_Time, 1.25, 0.01);
   EXPECT_THAT(scripted.Sounds, ElementsAre("0", "7"));
-  EXPECT_FALSE(Controller.Panel_Busy || Controller.Program_Busy || Controller.Controller_Active);
+  EXPECT_FALSE(Anything_Moves());
   EXPECT_TRUE(CNC_Controls.Text_StartingStep.Enabled);
   Expect_Position_True();
+}
+
+// Two passes over lines 2 and 3, as REPEAT leaves them in the table.
+TEST_F(Run_Loop_Test, A_repeated_line_runs_all_its_rows_at_once_or_in_the_order_of_the_table) {
+  for (const bool table_order : {false, true}) {
+    MachineSetup.Run_In_Table_Order = table_order;
+    Load({{1, 0.1}, {2, 0.2}, {2, 0.25}, {3, 0.3}, {2, 0.4}, {3, 0.5}, {4, 0.6}});
+    Command_CNC_Play_Click();
+    EXPECT_THAT(Take_Executed(),
+                table_order ? ElementsAre(1, 2, 2, 3, 2, 3, 4) : ElementsAre(1, 2, 2, 2, 3, 3, 4));
+    EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+    EXPECT_EQ(Machine.Run_Step, 1);
+    EXPECT_NEAR(Machine.Position[1], 0.6, 1e-9);
+  }
+}
+
+TEST_F(Run_Loop_Test, In_the_order_of_the_table_steps_pauses_and_ranges_keep_their_place) {
+  MachineSetup.Run_In_Table_Order = true;
+  Load({{1, 0.1}, {2, 0.2}, {3, 0.3}, {2, 0.4}, {3, 0.5}, {5, 0.6}});
+  for (int i = 0; i < 3; ++i) Command_CNC_Step_Click();
+  EXPECT_THAT(Take_Executed(), ElementsAre(1, 2, 3));
+  EXPECT_EQ(Machine.Run_Step, 2);
+  Command_CNC_Pause_Click();
+  Command_CNC_Play_Click();
+  EXPECT_THAT(Take_Executed(), ElementsAre(2, 3, 5));
+
+  // From the first row of one step to the last row of the other; step 4 has none.
+  Machine.StartingStep = 2;
+  Machine.EndingStep = 3;
+  Command_CNC_Play_Click();
+  EXPECT_THAT(Take_Executed(), ElementsAre(2, 3, 2, 3));
+  Machine.StartingStep = 3;
+  Machine.EndingStep = 4;
+  Command_CNC_Play_Click();
+  EXPECT_THAT(Take_Executed(), ElementsAre(3, 2, 3));
+
+  // A Stop goes back to the start.
+  Machine.StartingStep = 1;
+  Machine.EndingStep = 5;
+  Command_CNC_Step_Click();
+  Command_CNC_Step_Click();
+  Command_CNC_Stop_Click();
+  Command_CNC_Step_Click();
+  EXPECT_THAT(Take_Executed(), ElementsAre(1, 2, 1));
+}
+
+TEST_F(Run_Loop_Test, A_second_line_says_what_the_machine_does_and_Stop_works_for_as_long) {
+  Load({{1, 1}, {2, 2}});
+  std::vector<std::string> seen;
+  const auto look = [&] {
+    CNCMode_Display();
+    seen.push_back(CNC_Controls.Label_CNC_Activity.Caption);
+    EXPECT_TRUE(CNC_Controls.Command_CNC_Stop.Enabled);
+  };
+  // 400 half steps of 800 before the end of a move of 1 unit at 60 units a minute.
+  At_Half_Step(400, [&] {
+    look();
+    Command_CNC_Pause_Click();
+    look();
+  });
+  Command_CNC_Play_Click();
+  EXPECT_THAT(seen, ElementsAre("", "pausing: ends with this move, 0.5 s"));
+  Command_CNC_Stop_Click();
+  EXPECT_FALSE(CNC_Controls.Command_CNC_Stop.Enabled);
+
+  seen.clear();
+  At_Half_Step(100, [&] {
+    look();
+    Command_CNC_Stop_Click();  // lets go of the jog
+  });
+  Jog_MouseDown(1, 1);
+  EXPECT_THAT(seen, ElementsAre("jog X+"));
+  EXPECT_NEAR(Machine.Position[1], 1 + 0.125, 0.01);
+  EXPECT_EQ(CNC_Controls.Label_CNC_Activity.Caption, "");
+  EXPECT_FALSE(CNC_Controls.Command_CNC_Stop.Enabled);
+
+  seen.clear();
+  MachineSetup.Validate_Home_Position = false;
+  MachineSetup.Axis_HomePos[1] = "0";
+  MachineSetup.Axis_Tool_Height[0] = 0.1F;
+  At_Half_Step(10, look);
+  At_Half_Step(200, look);
+  Command_Home_Click();
+  EXPECT_THAT(seen, ElementsAre("homing Z up", "homing X, Y and A across"));
+}
+
+TEST_F(Run_Loop_Test, An_ESC_that_closes_a_box_leaves_a_paused_run_but_stops_what_moves) {
+  Load({{1, 1}, {2, 2}});
+  Command_CNC_Step_Click();
+  Command_CNC_Pause_Click();
+  Operation_Host.Escape_Taken = [] { return true; };
+  Application.EscFlag = true;
+  CNC_Controls_Esc();
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  EXPECT_FALSE(Application.EscFlag);
+  In_Yield_After(100, [] {
+    Application.EscFlag = true;
+    CNC_Controls_Esc();
+  });
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  EXPECT_LT(Machine.Position[1], 2);
+
+  Command_CNC_Step_Click();
+  Operation_Host.Escape_Taken = [] { return false; };
+  Command_CNC_Pause_Click();
+  CNC_Controls_Esc();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
 }
 
 TEST_F(Run_Loop_Test, Step_runs_exactly_one_step_from_wherever_it_is_entered) {

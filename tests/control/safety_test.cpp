@@ -1,5 +1,5 @@
 // E-stop button, switches, outputs, knob and the panel's timer.
-#include "control/safety.h"
+#include "control/safety/safety.h"
 
 #include "control_fixture.h"
 
@@ -26,7 +26,7 @@ TEST_F(Safety_Test, The_EStop_button_toggles) {
   EXPECT_FALSE(Simulated_Machine.Outputs[1].On);
   EXPECT_FALSE(CNC_Controls.Check_Outputs[0].Value);
   EXPECT_THAT(scripted.Sounds, ElementsAre("5"));
-  CNC_Controls_Timer1();  // the panel's timer leaves the words where they are
+  Tick();  // the panel's timer leaves the words where they are
   EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "EStop Pressed");
   EXPECT_EQ(CNC_Controls.Label_EStop_State.Caption, "E-Stop Tripped");
 
@@ -34,7 +34,7 @@ TEST_F(Safety_Test, The_EStop_button_toggles) {
   EXPECT_FALSE(Machine.EStop_Flag);
   EXPECT_EQ(CNC_Controls.Command_EStop.Caption, "MOTORS ENABLED");
   EXPECT_EQ(CNC_Controls.Label_CNC_Status.Caption, "CNC Stopped");
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Label_EStop_State.Caption, "E-Stop Cleared");
   const std::string log = Read_Whole_File(Application.ErrorFile);
   EXPECT_THAT(log, HasSubstr("Motor Enable Tripped"));
@@ -80,7 +80,7 @@ TEST_F(Safety_Test, The_watch_trips_the_EStop_for_X_Y_Z_in_a_run_only) {
     MachineSetup.LimitSwitchDisable = row.Disable;
     Machine.EStop_Flag = false;
     Machine.CNCMode = row.Mode;
-    CNC_Controls_Timer1();
+    Tick();
     EXPECT_EQ(Machine.EStop_Flag, row.Trips) << row.Switch << " in mode " << row.Mode;
     if (row.Trips) {
       EXPECT_THAT(Messages.MessageLog[0], HasSubstr("a limit switch tripped"));
@@ -94,13 +94,13 @@ TEST_F(Safety_Test, The_panels_timer_stops_a_paused_run_at_the_EStop_input) {
   Load({{1, 1}});
   Machine.CNCMode = CNC_Paused;
   Press_EStop(true);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
   EXPECT_FALSE(Machine.EStop_Flag);
   EXPECT_THAT(Messages.Panel[1], HasSubstr("E-stop input"));
   EXPECT_EQ(CNC_Controls.Label_EStop_State.Caption, "E-Stop Tripped");
   Messages = {};
-  CNC_Controls_Timer1();  // at rest it stays quiet
+  Tick();  // at rest it stays quiet
   EXPECT_EQ(Messages.Panel[1], "");
 }
 
@@ -111,14 +111,14 @@ TEST_F(Safety_Test, A_switch_closed_at_the_start_blocks_nothing_until_all_are_of
   ASSERT_EQ(scripted.Boxes.size(), 1U);
   EXPECT_EQ(scripted.Boxes[0].Title, "Caution");
   EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("which direction to needs to be halted"));
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Label_Home_Safety.Caption, control_text::Home_Safety_Off);
   Load({{1, 0.5}});
   Command_CNC_Play_Click();
   EXPECT_NEAR(Machine.Position[1], 0.5, 1e-9);
 
   Force_Input(1, Input_Force::Automatic);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_FALSE(Pins.Home_Safety_Off);
   EXPECT_EQ(CNC_Controls.Label_Home_Safety.Caption, "");
 }
@@ -134,7 +134,7 @@ TEST_F(Safety_Test, The_check_at_start_is_quiet_without_switches_or_with_unread_
 TEST_F(Safety_Test, The_spindle_directions_exclude_each_other_off_first) {
   CNC_Controls.Check_Outputs[0].Value = true;
   Toggle_Outputs(0);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle On");
   bool both = false;
   Platform.Port_Write = [&, inner = Platform.Port_Write](std::uint16_t port, std::uint8_t value) {
@@ -151,7 +151,7 @@ TEST_F(Safety_Test, The_spindle_directions_exclude_each_other_off_first) {
   Toggle_Outputs(1);
   EXPECT_FALSE(Simulated_Machine.Outputs[2].On);
   EXPECT_TRUE(Simulated_Machine.Outputs[5].On);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
 }
 
@@ -175,16 +175,48 @@ TEST_F(Safety_Test, While_the_EStop_is_set_an_output_goes_off_but_not_on) {
   EXPECT_FALSE(Simulated_Machine.Outputs[2].On);
 }
 
+TEST_F(Safety_Test, With_its_key_the_EStop_input_takes_the_outputs_off_and_keeps_them_off) {
+  for (const bool key : {false, true}) {
+    MachineSetup.E_Stop_Output_Disable = key;
+    Force_Input(EStop_Input, Input_Force::Automatic);
+    CNC_Controls.Check_Outputs[2].Value = true;
+    Toggle_Outputs(2);
+    ASSERT_TRUE(Pins.Output_Commanded[3]);
+    Force_Input(EStop_Input, Input_Force::On);
+    Tick();  // at rest
+    EXPECT_EQ(Pins.Output_Commanded[3], !key);
+    EXPECT_EQ(CNC_Controls.Check_Outputs[2].Value, !key);
+
+    CNC_Controls.Check_Outputs[3].Value = true;
+    Toggle_Outputs(3);
+    EXPECT_EQ(Pins.Output_Commanded[4], !key);
+    if (key) {
+      EXPECT_EQ(Messages.Panel[1], control_text::Outputs_Wait_For_Input);
+    }
+  }
+}
+
+TEST_F(Safety_Test, The_EStop_input_takes_the_outputs_off_when_it_ends_a_move) {
+  MachineSetup.E_Stop_Output_Disable = true;
+  CNC_Controls.Check_Outputs[0].Value = true;
+  Toggle_Outputs(0);
+  Load({{1, 0.5}});
+  At_Half_Step(50, [] { Force_Input(EStop_Input, Input_Force::On); });
+  Command_CNC_Play_Click();
+  EXPECT_LT(Machine.Position[1], 0.5);
+  EXPECT_FALSE(Pins.Output_Commanded[1]);
+}
+
 TEST_F(Safety_Test, Without_limit_switches_the_spindle_label_still_follows_the_read_back) {
   MachineSetup.LimitSwitchDisable = 1;
   Force_Input(2, Input_Force::On);
   CNC_Controls.Check_Outputs[0].Value = true;
   Toggle_Outputs(0);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle On");
   EXPECT_FALSE(Pins.Limit_State[2]);
   PPSetPort(Output_Port_Address, 0, true);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Label_Spindle_State.Caption, "Spindle Off");
 }
 
@@ -197,11 +229,11 @@ TEST_F(Safety_Test, The_output_boxes_show_what_was_told_on_a_port_that_reads_bac
     Check_Control& box = CNC_Controls.Check_Outputs[index];
     box.Value = true;
     Toggle_Outputs(index);
-    CNC_Controls_Timer1();
+    Tick();
     EXPECT_TRUE(box.Value) << index;
     box.Value = false;
     Toggle_Outputs(index);
-    CNC_Controls_Timer1();
+    Tick();
     EXPECT_FALSE(box.Value) << index;
   }
   // A program switches them too, the end of all outputs clears them, and one without a pin stays
@@ -209,19 +241,19 @@ TEST_F(Safety_Test, The_output_boxes_show_what_was_told_on_a_port_that_reads_bac
   Load({{.Step = 1, .X = 0.1, .Out = {1, 1, 2, 1, 2}}});
   MachineSetup.Parallel_Output_Bit[Output_Slot(3)] = "99";
   Command_CNC_Play_Click();
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_FALSE(CNC_Controls.Check_Outputs[2].Value);
   EXPECT_TRUE(CNC_Controls.Check_Outputs[4].Value);
   All_Outputs_Off();
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_FALSE(CNC_Controls.Check_Outputs[4].Value);
 }
 
 TEST_F(Safety_Test, Limit_lamps_follow_and_latch) {
   Force_Input(2, Input_Force::On);
-  CNC_Controls_Timer1();
+  Tick();
   Force_Input(2, Input_Force::Automatic);
-  CNC_Controls_Timer1();
+  Tick();
   EXPECT_EQ(CNC_Controls.Command_Limit1[2].Color, Control_Color::Normal);
   EXPECT_EQ(CNC_Controls.Command_Lim_Latch[2].Color, Control_Color::Red);
   Command_Lim_Latch_Click(2);
@@ -232,8 +264,8 @@ TEST_F(Safety_Test, The_panel_shows_step_timer_and_positions) {
   Load({{1, 1}, {2, 1.5}});
   std::vector<std::string> steps, to_go;
   scripted.On_Yield = [&] {
-    CNC_Controls_Timer1();
-    if (!Step_Engine.Active) return;
+    Tick();
+    if (!Runs(Operation::Move)) return;
     steps.push_back(CNC_Controls.Label_CNC_Step.Caption);
     to_go.push_back(CNC_Controls.Label_Axis_DTG[1].Caption);
   };
@@ -250,7 +282,7 @@ TEST_F(Safety_Test, The_retool_button_blinks_with_a_period_of_ten_ticks) {
   Controller.Retool_Active = true;
   std::string lamps;
   for (int tick = 0; tick < 20; ++tick) {
-    CNC_Controls_Timer1();
+    Tick();
     lamps += CNC_Controls.Command_AutoRetool[1].Color == Control_Color::Red ? '#' : '.';
   }
   EXPECT_EQ(lamps, "####.....#####.....#");

@@ -1,10 +1,10 @@
 // Latency of every stop, in half steps of the recorded pulses, and the inputs that misbehave.
 #include "compiler/compile/compile.h"
-#include "control/goto.h"
-#include "control/home.h"
-#include "control/panel_jog.h"
-#include "control/safety.h"
-#include "control/timing_edits.h"
+#include "control/manual/home.h"
+#include "control/manual/panel_jog.h"
+#include "control/manual/timing_edits.h"
+#include "control/run/goto.h"
+#include "control/safety/safety.h"
 #include "control_fixture.h"
 
 #include <random>
@@ -249,7 +249,7 @@ TEST_F(Stops_Test, Motion_is_refused_in_words_in_a_yield_of_a_compile) {
       request();
       EXPECT_EQ(Messages.Panel[1], control_text::Compile_Runs);
     };
-    if (!Compile_Status.CompileRunning || std::exchange(asked, true)) return;
+    if (!Program_Is_Held() || std::exchange(asked, true)) return;
     for (const auto& request : Motion_Requests) ask(request);
     ask(Panel_Get_Time_Constant_Click);
     ask(Timing_Test_Start_Click);

@@ -35,19 +35,6 @@ TEST(Motion_Angle, Runs_From_The_Second_Point_To_The_First) {
   EXPECT_THAT(Messages.Panel[1], testing::StartsWith("Error Write:Motion_Angle_Error # 6"));
 }
 
-TEST(Arc_Angle, Is_The_Bearing_Of_The_Same_Vector) {
-  std::mt19937 random(7);
-  std::uniform_real_distribution<double> any(-10, 10);
-  for (int round = 0; round < 1000; ++round) {
-    const double x = any(random), y = any(random), r = std::hypot(x, y);
-    double bearing = std::atan2(x, y);
-    if (bearing < 0) bearing += 2 * pi;
-    EXPECT_NEAR(Arc_Angle(r, 2 + x, 3 + y, 2, 3), bearing, 1e-6);
-  }
-  EXPECT_NEAR(Arc_Angle(1, 1, 0, 0, 0), pi / 2, 0.0005);  // the sine is held below 1
-  EXPECT_EQ(Arc_Angle(0, 0, 0, 0, 0), 0);
-}
-
 TEST(Corner_Angle, Is_The_Change_Of_Direction) {
   const auto corner = [](double x, double y, double z) {
     return Corner_Angle(-1, 0, 0, 0, 0, 0, x, y, z);

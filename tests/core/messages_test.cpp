@@ -40,8 +40,6 @@ TEST_F(Messages_Test, List_Holds_The_Newest_51) {
   EXPECT_EQ(Messages.MessageLog[0], "line 55");
   AddMessage(Messages.MessageLog[7]);  // a text out of the list itself
   EXPECT_EQ(Messages.MessageLog[0], "line 54");
-  Clear_Messages();
-  EXPECT_EQ(Messages.Status_Box + Messages.LastMessage + Messages.MessageLog[0], "");
 }
 
 TEST_F(Messages_Test, Panels_One_And_Three_Are_Cleared_In_Time) {

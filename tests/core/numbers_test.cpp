@@ -218,7 +218,6 @@ TEST(ToBoolean, Reads_Numbers_And_Words) {
     EXPECT_FALSE(ToBoolean(text)) << text;
   }
   EXPECT_EQ(TrueToMinusOne(true), -1);
-  EXPECT_EQ(TrueToOne(true), 1);
 }
 
 TEST(Regional_Texts, Change_Every_Decimal_Sign) {

@@ -11,6 +11,7 @@
 #include <gmock/gmock.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 namespace norvik {
@@ -167,6 +168,40 @@ Fault_Number Fault_Of(const std::function<void()>& body) {
   return Fault_Number{0};
 }
 
+// Each writes keys of its own into one file at the same time; none takes back a line of the other.
+TEST(Profile_File, Two_Writers_Keep_Each_Others_Keys) {
+  constexpr int keys = 60;
+  const Temporary_Folder folder;
+  const std::string path = folder.File("both.ini");
+  std::vector<pid_t> writers;
+  for (const std::string& name : {std::string("A"), std::string("B")}) {
+    const pid_t child = ::fork();
+    ASSERT_GE(child, 0);
+    if (child == 0) {
+      for (int i = 0; i < keys; ++i) Write_Profile(path, "S", name + std::to_string(i), "1");
+      std::_Exit(0);
+    }
+    writers.push_back(child);
+  }
+  for (const pid_t writer : writers) ::waitpid(writer, nullptr, 0);
+  for (int i = 0; i < keys; ++i) {
+    EXPECT_EQ(Read_Profile(path, "S", "A" + std::to_string(i)), "1") << i;
+    EXPECT_EQ(Read_Profile(path, "S", "B" + std::to_string(i)), "1") << i;
+  }
+}
+
+// A read session does not hide what another program writes meanwhile from a write within it.
+TEST(Profile_File, A_Write_Goes_Into_The_File_As_It_Stands) {
+  const Temporary_Folder folder;
+  const std::string path = folder.File("a.ini");
+  Replace_File(path, "[S]\nA=1\n");
+  const Profile_Session reading(path, Profile_Use::Reading);
+  Replace_File(path, "[S]\nA=2\n");
+  EXPECT_EQ(Read_Profile(path, "S", "A"), "1");
+  Write_Profile(path, "S", "B", "3");
+  EXPECT_EQ(Read_Whole_File(path), "[S]\nA=2\nB=3\n");
+}
+
 TEST(Replace_File, Leaves_The_Old_File_Whole) {
   const Temporary_Folder folder;
   const std::string path = folder.File("a.ini");
@@ -208,6 +243,12 @@ TEST(Read_Whole_File, Neither_Hangs_Nor_Takes_All_Memory) {
 }
 
 // A disk that takes no more in the middle of the write.
+TEST(Replace_File, A_Pipe_Without_A_Reader_Is_Refused) {
+  const Temporary_Folder folder;
+  ASSERT_EQ(::mkfifo(folder.File("pipe").c_str(), 0600), 0);
+  EXPECT_THROW(Replace_File(folder.File("pipe"), "x"), Fault);
+}
+
 TEST(Replace_File, Full_Disk_Keeps_The_Old_File) {
   const Temporary_Folder folder;
   const std::string path = folder.File("a.ini");

@@ -425,5 +425,54 @@ TEST_F(Setup_Test, Machine_Name_Goes_Through_The_Pointer_File) {
   EXPECT_EQ(Application.MachineFile, Folder.File("Default_Machine.ini"));
 }
 
+// What a second program has changed meanwhile stays, unless it was changed here too.
+TEST_F(Setup_Test, A_Save_Leaves_What_Another_Program_Changed) {
+  Write_Machine_File("Arc_Resolution=99\n[Axis]\nAxis_SPI_1=2000\nAxis_SPI_2=500\n");
+  LoadMachineSetup();
+  const std::string& path = Application.MachineFile;
+  Write_Profile(path, "Axis", "Axis_SPI_1", "3000");  // the other program
+  Write_Profile(path, "Axis", "Axis_SPI_2", "600");
+  MachineSetup.Axis_SPI[2] = 700;
+  MachineSetup.Arc_Resolution = 50;
+  for (int save = 0; save < 2; ++save) {
+    ASSERT_TRUE(SaveMachineSetup());
+    EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "3000");
+    EXPECT_EQ(Stored("Axis", "Axis_SPI_2"), "700");
+    EXPECT_EQ(Stored("General", "Arc_Resolution"), "50");
+  }
+  Write_Profile(path, "Axis", "Axis_SPI_2", "800");  // changed here before, not since
+  ASSERT_TRUE(SaveMachineSetup());
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_2"), "800");
+
+  Restore_Factory_Setup();  // every key, whoever wrote it
+  ASSERT_TRUE(SaveMachineSetup());
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "4000");
+  LoadMachineSetup();
+  std::filesystem::remove(path);  // nothing is theirs in a file that is gone
+  ASSERT_TRUE(SaveMachineSetup());
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "4000");
+}
+
+TEST_F(Setup_Test, A_Call_That_Was_Not_Asked_Leaves_The_Files) {
+  Setup_Store.Leaves_Files = Setup_Store.Without_Windows = true;
+  const std::string foreign = "[Axis]\nAxis_SPI_1=2000\nAxis_SPI_2=many\n";
+  Replace_File(Application.MachineFile, foreign);
+  EXPECT_TRUE(LoadMachineSetup());
+  EXPECT_EQ(scripted.Yields, 0);  // nobody waits for a queue that is not there
+  EXPECT_TRUE(scripted.Boxes.empty());
+  EXPECT_FALSE(Saved_Whole());
+  EXPECT_EQ(MachineSetup.Axis_SPI[1], 2000);
+  EXPECT_EQ(MachineSetup.Axis_SPI[4], 4000);
+  EXPECT_THAT(Setup_Store.Findings, testing::ElementsAre(HasSubstr("Axis_SPI_2=many")));
+  EXPECT_TRUE(SaveMachineSetup());
+  EXPECT_TRUE(WriteSetup("Axis", "Axis_SPI_3", "1"));
+  EXPECT_TRUE(WritePointer("Machine", "Name", "x"));
+  EXPECT_TRUE(Write_Setup_Together([] { WriteSetup("Axis", "Axis_SPI_3", "1"); }));
+  EXPECT_EQ(Read_Whole_File(Application.MachineFile), foreign);
+  EXPECT_FALSE(FileExists(Pointer_File()));
+  Application.MachineFile = Folder.Path;
+  EXPECT_FALSE(LoadMachineSetup());
+}
+
 }  // namespace
 }  // namespace norvik

@@ -290,6 +290,14 @@ TEST_F(Gerber_Test, ReportNamesWhatHasNoEffect) {
                        "omitted"));
 }
 
+// The second G of a word, and circles that name a centre alone.
+TEST_F(Gerber_Test, ReportCountsAllArcs) {
+  Read(With_Head("G75G03X20000Y0I5000J0D01*I5000J0D01*J1000*X5Y5D02*G01X1D01*"));
+  EXPECT_THAT(Import_Report_Lines(),
+              Contains(AllOf(HasSubstr("arc (drawn straight to its end) 1"),
+                             HasSubstr("full circle without X and Y (not drawn) 2"))));
+}
+
 // A line file of the passes: cuts join within 0.00001, numbers are rounded to 12 decimals.
 TEST_F(Gerber_Test, WriterJoinsCuts) {
   MachineSetup.DXF_Cut_2_Layer = "DEEP";

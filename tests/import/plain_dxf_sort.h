@@ -2,12 +2,37 @@
 // of the benchmark. Its cost grows with the cube of the rows.
 #pragma once
 
+#include "core/rounding.h"
+#include "core/setup.h"
 #include "import/dxf/table.h"
 #include "import/pipeline/distance.h"
 
+#include <cmath>
 #include <utility>
 
 namespace norvik {
+
+// True when b lies strictly nearer to c than a does; any missing value gives false.
+inline bool Is_Closer(Nullable cx, Nullable cy, Nullable ax, Nullable ay, Nullable bx,
+                      Nullable by) {
+  if (!cx || !cy || !ax || !ay || !bx || !by) return false;
+  return Is_Closer(To_Single(*cx), To_Single(*cy), To_Single(*ax), To_Single(*ay), To_Single(*bx),
+                   To_Single(*by));
+}
+
+// True when point (x, y, z) meets a or b: each axis differs by less than `DXF_Line_Tolerance`
+// (strictly, so that a tolerance of 0 connects nothing); two missing Z meet, a missing and a
+// present one do not.
+inline bool Ends_Connect(Nullable x, Nullable y, Nullable z, Nullable ax, Nullable ay, Nullable az,
+                         Nullable bx, Nullable by, Nullable bz) {
+  const auto near = [](const Nullable& p, const Nullable& q) {
+    return p && q && std::abs(To_Single(*p) - To_Single(*q)) < MachineSetup.DXF_Line_Tolerance;
+  };
+  const auto meets = [&](const Nullable& px, const Nullable& py, const Nullable& pz) {
+    return near(x, px) && near(y, py) && (near(z, pz) || (!z && !pz));
+  };
+  return meets(ax, ay, az) || meets(bx, by, bz);
+}
 
 struct Plain_Dxf_Sort {
   std::vector<DXF_Row>& Rows;

@@ -56,6 +56,69 @@ TEST_F(Import_Test, Report_names_what_a_plot_loses) {
   EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr("inside texts")));
 }
 
+TEST_F(Import_Test, Plotter_settings_cut_nothing_and_lost_numbers_count) {
+  MachineSetup.UnitsofMeasurement = 1;
+  ASSERT_TRUE(Import_HPGL_File(
+      Store("part.plt", "SP1;PU0,0;PD100,0;LT2,4;SC0,9000,0,9000;IP0,0,7,7;SI.2,.3;PD1-2,7;PU;")));
+  EXPECT_THAT(Import_Report_Lines(), Contains(HasSubstr("Cutting extents: X 0 to 0.098")));
+  EXPECT_EQ(Skipped("LT"), 1);
+  EXPECT_EQ(Skipped("commands with a number that cannot be read"), 1);
+  EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr("in inches, the setup is metric")));
+}
+
+TEST_F(Import_Test, A_full_circle_survives_the_sort) {
+  MachineSetup.HPGL_Sort_Lines = true;
+  ASSERT_TRUE(Import_HPGL_File(Store("part.plt", "PU1000,0;PD;AA0,0,360;PU;PU9,9;PD9,9;PU;")));
+  EXPECT_EQ(Import_Report.Motion.Arcs, 1);
+  EXPECT_EQ(Skipped("stroke of no length"), 1);
+}
+
+// Each unit other than the machine's is named.
+TEST_F(Import_Test, Units_of_a_drawing) {
+  const auto notes = [&](const std::string& header) {
+    EXPECT_TRUE(Import_DXF_File(
+        Store("part.dxf", header + "0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"
+                                   "0\nENDSEC\n0\nEOF\n")));
+    return Import_Report.Notes;
+  };
+  EXPECT_THAT(notes("9\n$INSUNITS\n70\n5\n"), Contains(HasSubstr("says centimetres")));
+  EXPECT_THAT(notes("9\n$MEASUREMENT\n70\n1\n"), Contains(HasSubstr("says millimetres")));
+  EXPECT_THAT(notes("9\n$MEASUREMENT\n70\n1\n9\n$INSUNITS\n70\n1\n"), IsEmpty());
+}
+
+TEST_F(Import_Test, A_drawing_of_which_nothing_arrives_says_so) {
+  ASSERT_TRUE(Import_DXF_File(
+      Store("part.dxf", "0\nSECTION\n2\nENTITIES\n0\nSPLINE\n10\n1\n0\nENDSEC\n0\nEOF\n")));
+  EXPECT_TRUE(Nothing_Arrived());
+  const auto report = Import_Report_Lines();
+  EXPECT_THAT(report, Contains(HasSubstr("none of what it holds can be read")));
+  EXPECT_THAT(report, ::testing::Not(Contains(HasSubstr("Everything lies on the table"))));
+}
+
+// Digits that the file states, in both of the ways in which they are written.
+TEST_F(Import_Test, Stated_digits_against_the_setup) {
+  MachineSetup.Excellon_Integer_Format = 2;
+  MachineSetup.Excellon_Decimal_Format = 3;
+  struct Row {
+    std::int16_t Zeros;
+    const char *Header, *Note;
+  };
+  for (const Row& row : {Row{2, "INCH,TZ,00.0000",
+                             "states 2:4 digits, the setup reads 2:3: the "
+                             "coordinates come out ten times too large"},
+                         Row{1, "INCH,LZ\n;FILE_FORMAT=4:2", "a hundred times too small"},
+                         Row{2, "INCH,TZ,00.000", ""}, Row{1, "INCH,LZ,00.0000", ""}}) {
+    MachineSetup.Excellon_Zero_Format = row.Zeros;
+    ASSERT_TRUE(Import_Excellon_File(
+        Store("part.nc", std::string(row.Header) + "\nT1C0.5\n%\nT1\nX015000Y015000\n")));
+    if (*row.Note == 0) {
+      EXPECT_THAT(Import_Report.Notes, ::testing::Not(Contains(HasSubstr("states")))) << row.Header;
+    } else {
+      EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr(row.Note))) << row.Header;
+    }
+  }
+}
+
 TEST_F(Import_Test, Report_names_what_a_drill_file_loses) {
   ASSERT_TRUE(Import_Excellon_File(
       Store("part.nc", "METRIC,LZ\nT1C0.5\n%\nT2C0.7\nT2\nX015Y015\nR5X100\nX1Y1G85X2Y1\n")));

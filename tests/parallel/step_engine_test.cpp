@@ -1,6 +1,7 @@
 // Moves worked out by hand, compared with the recorded writes and delays.
 #include "parallel/step_engine.h"
 
+#include "core/operation.h"
 #include "parallel/drive_test.h"
 
 namespace norvik {
@@ -225,7 +226,7 @@ TEST_P(Stop_Test, Ends_The_Move_Where_It_Stands) {
   EXPECT_EQ(scripted.Ports[890], 0) << "motors off";
   EXPECT_TRUE(Machine.Jog_Stop_Request);
   EXPECT_EQ(Application.EscFlag, row.End == Move_End::Escape);
-  EXPECT_FALSE(Step_Engine.Active);
+  EXPECT_FALSE(Runs(Operation::Move));
   EXPECT_FALSE(Pins.Axis_Stepping[1]);
 }
 

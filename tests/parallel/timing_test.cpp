@@ -2,6 +2,7 @@
 #include "parallel/timing.h"
 
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "parallel/drive_test.h"
 #include "parallel/system_timing.h"
@@ -198,7 +199,7 @@ TEST_F(Calibration_Test, Finds_The_Work_Of_The_Loop) {
   EXPECT_NEAR(Timing.Actual_IPM, 60, 0.6);
   EXPECT_EQ(Pins.Step_Bit[2], 1) << "the dummy axis is where it was";
   EXPECT_EQ(Machine.Position[2], 0);
-  EXPECT_FALSE(Timing.Tune_Active);
+  EXPECT_FALSE(Runs(Operation::Calibration));
   EXPECT_EQ(Feed, 60);
 }
 

@@ -76,7 +76,6 @@ TEST_F(Display_List_Test, Circles_Stand_Where_The_Spindle_Is_Switched) {
   EXPECT_THAT(list.NodeMark, ElementsAre(false, true, false, false, false, true, false));
   EXPECT_THAT(list.NodeColor, ElementsAre(Travel_Color, Cut_Color, Cut_Color, Cut_Color, Cut_Color,
                                           Travel_Color, Travel_Color));
-  EXPECT_THAT(list.SpareFlag, testing::Each(1.25F));
 
   MachineSetup.Gcode_LineNodes = false;
   Display_List plain;

@@ -87,8 +87,6 @@ TEST_F(Measure_Test, Texts) {
   EXPECT_EQ(Selected, std::vector<std::string>{"N3 Y4"});
   Plot_Measure(3, 0, 3, 2, false);
   EXPECT_EQ(Selected.size(), 1U);
-  GCode_Find_Step(12);
-  EXPECT_EQ(Selected.back(), "N12");
 
   Application.DecimalSeparator = ',';
   EXPECT_EQ(Plot_Measure(-2, -2, -1, -1, false).Text, "Measurement Length= 1,414214");

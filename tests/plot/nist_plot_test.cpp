@@ -236,20 +236,5 @@ TEST_F(Nist_Plot_Test, A_Run_Forgets_The_Tool_After_Each_Wire) {
   EXPECT_NEAR(Pixel_Factor({-5, 5, 5, -5}, 9000) * 1e6, 73.83, 0.01);
 }
 
-TEST_F(Nist_Plot_Test, Primitives_Stand_In_For_Absent_Coordinates) {
-  NIST_Plot(true);
-  DrawLine3D(1, 2, 0, 3, 4, 0, 5, 2);
-  DrawLine3D({}, 0, {}, 4, {}, {}, 5, 2);
-  EXPECT_THAT(Picture1.Lines(),
-              ElementsAre(Plot_Line{1, -2, 3, -4, 5, 2}, Plot_Line{1, 0, 4, -4, 5, 2}));
-  DrawLine3D(1e300, 0, 0, 0, 0, 0, 5, 1);
-  EXPECT_THAT(Error_Log(), HasSubstr("DrawLine3D_Error # 6"));
-  Picture1.Calls.clear();
-  DrawNodeCircle(1, 1, 0, 0, 0, 0, 9);
-  DrawLine3D({}, {}, {}, {}, {}, {}, 5, 1);
-  ASSERT_EQ(Picture1.Lines().size(), 11U);
-  EXPECT_EQ(Picture1.Lines().back().X2, 4);  // a circle is not remembered
-}
-
 }  // namespace
 }  // namespace norvik

@@ -4,8 +4,8 @@
 // with NORVIK_RENEW_PICTURES set, look at each picture, and commit them.
 #pragma once
 
-#include "platform/qt/picture_files.h"
-#include "platform/qt/picture_surface.h"
+#include "plot/picture/picture_files.h"
+#include "plot/picture/picture_surface.h"
 
 #include <algorithm>
 #include <cstdlib>

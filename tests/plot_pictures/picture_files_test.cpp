@@ -1,8 +1,8 @@
 // Picture files through the toolkit, and texts on the surface.
-#include "platform/qt/picture_files.h"
+#include "plot/picture/picture_files.h"
 
 #include "core/fault.h"
-#include "platform/qt/picture_surface.h"
+#include "plot/picture/picture_surface.h"
 #include "plot/plot_colour.h"
 
 #include <QFile>
@@ -106,6 +106,62 @@ TEST(Picture_Files, Half_A_Picture_Is_None) {
   EXPECT_FALSE(Read_Picture_File(Path("words.jpg")));
   EXPECT_FALSE(Read_Picture_File(Path("missing.jpg")));
   EXPECT_FALSE(Read_Picture_File(testing::TempDir()));
+}
+
+// The end mark of a thumbnail is not that of the picture.
+TEST(Picture_Files, A_Thumbnail_Ends_No_Picture) {
+  ASSERT_TRUE(Halves(64, 64).save(QString::fromStdString(Path("inner.jpg"))));
+  QByteArray bytes = Bytes_Of(Path("inner.jpg"));
+  const QByteArray inner = bytes;
+  const qsizetype length = inner.size() + 2;
+  QByteArray segment("\xFF\xE2");
+  segment.append(static_cast<char>(length >> 8)).append(static_cast<char>(length & 0xFF));
+  bytes.insert(2, segment + inner);
+  Write_Bytes(Path("thumb.jpg"), bytes);
+  EXPECT_TRUE(Read_Picture_File(Path("thumb.jpg")));
+  Write_Bytes(Path("thumb.jpg"), bytes.left(bytes.size() - 40));
+  EXPECT_FALSE(Read_Picture_File(Path("thumb.jpg")));
+}
+
+// A bitmap of 4 by 2 pixels with the given header fields and data.
+QByteArray Bitmap_Of(int bits, int compression, const QByteArray& colours, const QByteArray& data) {
+  QByteArray bytes("BM");
+  const auto put = [&](qint64 value, int size) {
+    for (int n = 0; n < size; ++n) bytes.append(static_cast<char>(value >> (8 * n) & 0xFF));
+  };
+  const qint64 start = 54 + colours.size();
+  put(start + data.size(), 4);
+  put(0, 4);
+  put(start, 4);
+  for (const qint64 value : {40, 4, 2}) put(value, 4);
+  put(1, 2);
+  put(bits, 2);
+  put(compression, 4);
+  for (const qint64 value : {qint64{data.size()}, qint64{0}, qint64{0}, qint64{0}, qint64{0}})
+    put(value, 4);
+  return bytes + colours + data;
+}
+
+TEST(Picture_Files, Cut_Bitmaps_Of_Sixteen_Bits_And_Of_Runs_Are_Refused) {
+  const QByteArray masks("\x00\xF8\x00\x00\xE0\x07\x00\x00\x1F\x00\x00\x00", 12);
+  const QByteArray palette(256 * 4, '\x40');
+  struct Row {
+    const char* Name;
+    QByteArray Whole;
+  };
+  for (const Row& row : {Row{"masks", Bitmap_Of(16, 3, masks, QByteArray(16, '\x55'))},
+                         Row{"plain", Bitmap_Of(16, 0, {}, QByteArray(16, '\x55'))},
+                         Row{"runs", Bitmap_Of(8, 1, palette,
+                                               QByteArray("\x04\x01\x00\x00\x00\x04\x01\x02\x03"
+                                                          "\x04\x00\x00\x00\x01",
+                                                          14))}}) {
+    Write_Bytes(Path("rows.bmp"), row.Whole);
+    EXPECT_TRUE(Read_Picture_File(Path("rows.bmp"))) << row.Name;
+    for (const int lost : {6, 10}) {
+      Write_Bytes(Path("rows.bmp"), row.Whole.left(row.Whole.size() - lost));
+      EXPECT_FALSE(Read_Picture_File(Path("rows.bmp"))) << row.Name << " less " << lost;
+    }
+  }
 }
 
 TEST(Picture_Files, Refused_Names_Say_What_To_Do) {

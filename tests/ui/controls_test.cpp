@@ -1,6 +1,7 @@
 // The panel, the jog window and the port display: what ticks, what a hand moves, what ends it.
-#include "control/displays.h"
-#include "control/knob.h"
+#include "control/manual/knob.h"
+#include "control/panel/panel.h"
+#include "core/operation.h"
 #include "ui_fixture.h"
 
 #include <QComboBox>
@@ -58,7 +59,7 @@ TEST_F(Controls_Test, With_The_Option_The_Displays_Stand_Still_In_A_Move_And_The
     Open("part.gc", "G1 X1 F15\n");
     Click("Command_Update");
     double shown = -1;
-    In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.5; },
+    In_Yield_When([] { return Runs(Operation::Move) && True_Position(1) > 0.5; },
                   [&] {
                     shown = Text_Of("Label_Axis_Pos_X").toDouble();
                     Force_Input(2, Input_Force::On);
@@ -114,7 +115,7 @@ TEST_F(Controls_Test, A_Close_In_Mid_Move_Asks_Nothing_And_Is_Refused) {
   Open("part.gc", "G1 X0.2 F15\nG1 Y0.1\n");
   Click("Command_Update");
   GCode_Program.Unsaved = true;
-  In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+  In_Yield_When([] { return Runs(Operation::Move) && True_Position(1) > 0.1; },
                 [&] {
                   EXPECT_FALSE(Window->close());
                   EXPECT_THAT(Text_Of("Panel_1").toStdString(), HasSubstr("Press Stop first"));
@@ -148,10 +149,10 @@ TEST_F(Controls_Test, Each_Jog_Button_Moves_Its_Axes_Its_Way_Until_Released) {
       began[static_cast<std::size_t>(axis - 1)] = True_Position(axis);
     }
     const std::int64_t until = scripted.Now + 300'000'000;
-    In_Yield_When([&] { return Step_Engine.Active && scripted.Now > until; },
+    In_Yield_When([&] { return Runs(Operation::Move) && scripted.Now > until; },
                   [&] { QTest::mouseRelease(&Find(row.Button), Qt::LeftButton); });
     QTest::mousePress(&Find(row.Button), Qt::LeftButton);
-    EXPECT_FALSE(Step_Engine.Active);
+    EXPECT_FALSE(Runs(Operation::Move));
     for (std::size_t i = 0; i < 4; ++i) {
       const double way = True_Position(static_cast<int>(i) + 1) - began[i];
       EXPECT_EQ((way > 1e-4) - (way < -1e-4), row.Way[i]) << "axis " << i + 1 << " by " << way;

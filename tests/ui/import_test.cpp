@@ -1,6 +1,7 @@
 // Imports as an operator makes them: the menu, the file dialog, the windows of the importers.
 #include "app/bitmap_form.h"
 #include "app/import_menu.h"
+#include "core/operation.h"
 #include "core/remembered_files.h"
 #include "import/dxf/layers.h"
 #include "import/pipeline/report.h"
@@ -179,7 +180,7 @@ TEST_F(Import_Test, Called_Off_Layers_Leave_The_Program_Alone) {
     EXPECT_EQ(Text_Of("Text_GCode"), "G0 X1\nG0 X2\n");
     EXPECT_TRUE(Import_Report.Cancelled);
     EXPECT_EQ(Text_Of("Panel_1"), "Gerber Import Canceled");
-    EXPECT_FALSE(Import_Is_Running());
+    EXPECT_FALSE(Runs(Operation::Import));
   }
 }
 

@@ -2,6 +2,7 @@
 #include "app/shutdown.h"
 #include "app/yield_watch.h"
 #include "core/format.h"
+#include "core/operation.h"
 #include "core/version.h"
 #include "ui/program/gcode_editor.h"
 #include "ui_fixture.h"
@@ -104,7 +105,7 @@ TEST_F(Main_Job_Test, Pause_Stop_And_EStop_Act_While_The_Machine_Moves) {
     SCOPED_TRACE(row.Button);
     Open("part.gc", Three_Moves);
     Click("Command_Update");
-    In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+    In_Yield_When([] { return Runs(Operation::Move) && True_Position(1) > 0.1; },
                   [&] {
                     Click(row.Button);
                     // Heard while the move goes on, whatever it does to the move.
@@ -141,7 +142,7 @@ TEST_F(Main_Job_Test, The_Program_Can_End_While_The_Machine_Moves) {
   Open("part.gc", "M3\n" + std::string(Three_Moves));
   Click("Command_Update");
   double ended_at = 0;
-  In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+  In_Yield_When([] { return Runs(Operation::Move) && True_Position(1) > 0.1; },
                 [&] {
                   ended_at = True_Position(1);
                   bye();
@@ -161,7 +162,7 @@ TEST_F(Main_Job_Test, A_Jog_Lasts_As_Long_As_Its_Button_Is_Held) {
   In_Yield_When([] { return True_Position(1) > 0.2; },
                 [&] { QTest::mouseRelease(&Find("Jog_X_1"), Qt::LeftButton); });
   QTest::mousePress(&Find("Jog_X_1"), Qt::LeftButton);
-  EXPECT_FALSE(Step_Engine.Active);
+  EXPECT_FALSE(Runs(Operation::Move));
   EXPECT_GT(True_Position(1), 0.2);
   EXPECT_LT(True_Position(1), 0.4);
   EXPECT_NEAR(True_Position(1), Machine.Position[1], 1e-3);
@@ -177,7 +178,7 @@ TEST_F(Main_Job_Test, The_Step_Range_Is_The_Operators_Only_While_The_Machine_Is_
   first.selectAll();
   QTest::keyClicks(&first, "3");
   bool locked = false;
-  In_Yield_When([] { return Step_Engine.Active && True_Position(2) > 0.2; },
+  In_Yield_When([] { return Runs(Operation::Move) && True_Position(2) > 0.2; },
                 [&] { locked = !first.isEnabled() && !Find("Text_EndingStep").isEnabled(); });
   Click("Command_CNC_Play");
   EXPECT_TRUE(locked);
@@ -205,7 +206,7 @@ TEST_F(Main_Job_Test, The_About_Box_Tells_The_Longest_Gap_Between_Two_Yields_Of_
   std::int64_t last = -1, longest = 0;
   scripted.On_Yield = [&] {
     QCoreApplication::processEvents();
-    if (last >= 0 && Step_Engine.Active)
+    if (last >= 0 && Runs(Operation::Move))
       longest = std::max(longest, Platform.Monotonic_Clock() - last);
     last = Platform.Monotonic_Clock();
   };

@@ -1,6 +1,7 @@
 // The windows of the menu Machine and the group Timing: calibrating, wiring, looking, assigning.
-#include "control/machine_check.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/table_setup_keys.h"
+#include "control/safety/machine_check.h"
+#include "core/operation.h"
 #include "parallel/pin_map.h"
 #include "parallel/port_setup.h"
 #include "parallel/system_timing.h"
@@ -40,7 +41,7 @@ struct Setup_Windows_Test : Ui_Test {
   // Calls `action` in a yield of a move of the machine.
   void While_Moving(std::function<void()> action) {
     bool called = false;
-    In_Yield_When([] { return Step_Engine.Active && True_Position(1) > 0.1; },
+    In_Yield_When([] { return Runs(Operation::Move) && True_Position(1) > 0.1; },
                   [&] {
                     action();
                     called = true;
@@ -97,8 +98,8 @@ TEST_F(Setup_Windows_Test, The_Panel_Finds_The_Time_Constant_Without_Moving_The_
   scripted.On_Yield = [&] {
     QCoreApplication::processEvents();
     seen = seen || Text_Of("Command_Get_Time_Constant") == "Cancel";
-    tuned = tuned || (Timing.Tune_Active && Text_Of("Label_Time_Constant").toInt() < 20);
-    if (!Timing.Tune_Active) return;
+    tuned = tuned || (Runs(Operation::Calibration) && Text_Of("Label_Time_Constant").toInt() < 20);
+    if (!Runs(Operation::Calibration)) return;
     EXPECT_THAT(Told(), HasSubstr("press ESC to cancel"));
   };
   Click("Command_Get_Time_Constant");
@@ -115,9 +116,9 @@ TEST_F(Setup_Windows_Test, A_Calibration_Ends_By_Its_Button_And_By_The_EStop_And
   for (const char* button : {"Command_Get_Time_Constant", "Command_EStop"}) {
     SCOPED_TRACE(button);
     MachineSetup.Parallel_Time_Constant = 400;
-    In_Yield_When([] { return Timing.Tune_Active; }, [&] { Click(button); });
+    In_Yield_When([] { return Runs(Operation::Calibration); }, [&] { Click(button); });
     Click("Command_Get_Time_Constant");
-    EXPECT_FALSE(Timing.Tune_Active);
+    EXPECT_FALSE(Runs(Operation::Calibration));
     EXPECT_GT(MachineSetup.Parallel_Time_Constant, 390);
     EXPECT_THAT(Told(), HasSubstr("Cancelled"));
   }
@@ -125,7 +126,7 @@ TEST_F(Setup_Windows_Test, A_Calibration_Ends_By_Its_Button_And_By_The_EStop_And
   MachineSetup.Parallel_Time_Constant = 1;
   While_Moving([&] {
     Click("Command_Get_Time_Constant");
-    EXPECT_FALSE(Timing.Tune_Active);
+    EXPECT_FALSE(Runs(Operation::Calibration));
     EXPECT_THAT(Told(), HasSubstr("Can't find the time constant while CNC running"));
   });
   EXPECT_NEAR(True_Position(1), 0.5, 1e-3);
@@ -142,7 +143,8 @@ TEST_F(Setup_Windows_Test, The_Timing_Window_Shows_The_Search_And_Puts_Back_What
   int readings = 0;
   scripted.On_Yield = [&] {
     QCoreApplication::processEvents();
-    if (!Timing.Tune_Active || In<QLabel>(window, "Text_TimeConstant").text() == "30") return;
+    if (!Runs(Operation::Calibration) || In<QLabel>(window, "Text_TimeConstant").text() == "30")
+      return;
     EXPECT_FALSE(In<QPushButton>(window, "Command_Start").isEnabled());
     EXPECT_EQ(In<QLabel>(window, "Label_Actual_FeedRate").text().toStdString(),
               System_Timing.Label_Actual_FeedRate);
@@ -170,7 +172,8 @@ TEST_F(Setup_Windows_Test, The_Timing_Window_Shows_The_Search_And_Puts_Back_What
 TEST_F(Setup_Windows_Test, A_Search_Whose_Window_Is_Closed_Is_Cancelled) {
   MachineSetup.Parallel_Time_Constant = 400;
   QWidget& window = Opened("System_Timing");
-  In_Yield_When([] { return Timing.Tune_Active; }, [&] { Frame_Of("System_Timing").close(); });
+  In_Yield_When([] { return Runs(Operation::Calibration); },
+                [&] { Frame_Of("System_Timing").close(); });
   Press(window, "Command_Start");
   EXPECT_EQ(MachineSetup.Parallel_Time_Constant, 400);
 }

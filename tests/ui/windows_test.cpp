@@ -1,4 +1,6 @@
 // The windows themselves: their memory, other setups, and files that arrive or do not.
+#include "plot/nist_plot.h"
+#include "ui/plot/plot_view.h"
 #include "ui_fixture.h"
 
 #include <filesystem>
@@ -63,6 +65,77 @@ TEST_F(Windows_Test, Windows_Come_Back_Where_They_Stood_And_Closed_Ones_Stay_Clo
   EXPECT_FALSE(Window->Tool_Window_Is_Open("CNC_Controls"));
   Choose("Menu_Window_CNC_Controls");
   EXPECT_TRUE(Window->Tool_Window_Is_Open("CNC_Controls"));
+}
+
+TEST_F(Windows_Test, Reset_Puts_The_Windows_Back_And_The_Next_Start_Finds_Them_There) {
+  const QRect before = Frame_Of("GCode").geometry();
+  Frame_Of("GCode").setGeometry(40, 30, 500, 300);
+  Frame_Of("Plot").showMaximized();
+  Choose("Menu_View_Reset_Positions");
+  QCoreApplication::processEvents();
+  EXPECT_FALSE(Frame_Of("Plot").isMaximized());
+  const QRect reset = Frame_Of("GCode").geometry();
+  EXPECT_NE(reset, QRect(40, 30, 500, 300));
+  EXPECT_GE(reset.top(), before.top() / 2);
+  EXPECT_FALSE(reset.intersects(Frame_Of("CNC_Controls").geometry()));
+  Start_Again();
+  EXPECT_EQ(Frame_Of("GCode").geometry(), reset);
+}
+
+TEST_F(Windows_Test, A_Maximised_Plot_Keeps_Its_Normal_Size_And_Maximises_Nothing_Else) {
+  const QRect place(30, 20, 500, 400);
+  Frame_Of("Plot").setGeometry(place);
+  Frame_Of("Plot").showMaximized();
+  EXPECT_TRUE(Find("Command_Bar_EStop").isVisible());
+  Choose("Menu_Window_CNC_Controls");
+  EXPECT_FALSE(Frame_Of("CNC_Controls").isMaximized());
+  Choose("Menu_Window_Plot");
+  Start_Again();
+  EXPECT_TRUE(Frame_Of("Plot").isMaximized());
+  EXPECT_FALSE(Frame_Of("CNC_Controls").isMaximized());
+  EXPECT_FALSE(Frame_Of("GCode").isMaximized());
+  Frame_Of("Plot").showNormal();
+  EXPECT_EQ(Frame_Of("Plot").geometry(), place);
+}
+
+TEST_F(Windows_Test, The_Layout_Of_The_Last_Time_Holds_Whatever_It_Is) {
+  Choose("Menu_Window_JogKey");
+  Choose("Menu_Window_Port_IO");
+  for (const char* name : {"GCode", "CNC_Controls"}) Frame_Of(name).close();
+  Start_Again();
+  for (const char* name : {"JogKey", "Port_IO", "Plot"}) {
+    EXPECT_TRUE(Window->Tool_Window_Is_Open(name)) << name;
+  }
+  for (const char* name : {"GCode", "CNC_Controls"}) {
+    EXPECT_FALSE(Window->Tool_Window_Is_Open(name)) << name;
+  }
+  EXPECT_FALSE(Find("JogKey").hasFocus()) << "keys that move the machine ask for a click first";
+}
+
+TEST_F(Windows_Test, A_Factory_Reset_In_A_First_Run_Leaves_The_Three_Windows_Open) {
+  scripted.Answer_Box(Box_Answer::Yes);
+  scripted.Answer_Box(Box_Answer::Ok);
+  Choose("Menu_Machine_Restore");
+  for (const char* name : {"Plot", "GCode", "CNC_Controls"}) {
+    EXPECT_TRUE(Window->Tool_Window_Is_Open(name)) << name;
+  }
+}
+
+TEST_F(Windows_Test, The_Z_Strip_Follows_Its_Size_And_Is_Empty_Without_The_Grid) {
+  const auto inked = [this] {
+    const Plot_Image& image = dynamic_cast<Plot_View&>(Find("Picture_ZAxis")).Surface().Image();
+    int count = 0;
+    for (const std::uint32_t pixel : image.Pixels) count += pixel != image.Pixels.front();
+    return count;
+  };
+  const int before = inked();
+  Frame_Of("Plot").resize(Frame_Of("Plot").size() - QSize(0, 150));
+  QCoreApplication::processEvents();
+  EXPECT_GT(inked(), 20);
+  EXPECT_NE(inked(), before);
+  MachineSetup.Plot_Show_Grid = 0;
+  Choose("Menu_View_Refresh");
+  EXPECT_EQ(inked(), 0);
 }
 
 TEST_F(Windows_Test, Closing_With_Typed_Text_Asks_Once_And_Can_Be_Called_Off) {

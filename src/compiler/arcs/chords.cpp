@@ -1,5 +1,6 @@
 #include "compiler/arcs/chords.h"
 
+#include "compiler/arcs/planes.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/state/wire_table.h"
@@ -19,31 +20,13 @@ namespace {
 constexpr double Full_Turn = 2 * Arc_Pi;
 constexpr double Length_Floor = 0.0001, Span_Floor = 0.0001, Same_Point = 0.00000001;
 
-// Places of the plane's axes among X, Y, Z (1..3), the one across it last.
-struct Plane_Axes {
-  int First, Second, Third;
-};
-
-std::optional<Plane_Axes> Axes_Of(std::optional<std::int16_t> plane) {
-  switch (plane.value_or(0)) {
-    case 17:
-      return Plane_Axes{1, 2, 3};
-    case 18:
-      return Plane_Axes{1, 3, 2};
-    case 19:
-      return Plane_Axes{3, 2, 1};
-    default:
-      return std::nullopt;
-  }
-}
-
 bool Incremental() {
   return Compiler.ModalGroups[modal_group::Distance] == 91;
 }
 
 // The arc in its plane. x and y are the plane's axes, z the one across.
 struct Plane_Arc {
-  Plane_Axes Axes{};
+  Arc_Plane Axes{};
   double x0 = 0, y0 = 0, x1 = 0, y1 = 0, cx = 0, cy = 0;
   Nullable z0, z1, A0, A1;
   bool Clockwise = false;
@@ -56,7 +39,7 @@ struct Chord_Walk {
   double dz = 0, dA = 0;
 };
 
-Plane_Arc In_Plane(const Plane_Axes& axes, const Indexed<Nullable, 1, 4>& start,
+Plane_Arc In_Plane(const Arc_Plane& axes, const Indexed<Nullable, 1, 4>& start,
                    const Indexed<Nullable, 1, 4>& end, Nullable first, Nullable second,
                    std::optional<std::int16_t> direction) {
   if (!direction) throw Fault(Fault_Number::Type_Mismatch, "The arc has no direction");
@@ -165,7 +148,7 @@ struct Plane_Point {
   double x = 0, y = 0;
 };
 
-void Emit_Point(const Plane_Axes& axes, Plane_Point point, Nullable z, Nullable a) {
+void Emit_Point(const Arc_Plane& axes, Plane_Point point, Nullable z, Nullable a) {
   Indexed<Nullable, 1, 3> at;
   at[axes.First] = point.x;
   at[axes.Second] = point.y;
@@ -173,7 +156,7 @@ void Emit_Point(const Plane_Axes& axes, Plane_Point point, Nullable z, Nullable 
   EmitWireLine(at[1], at[2], at[3], a, false);
 }
 
-void Start_From(const Plane_Axes& axes, Plane_Point point, Nullable z, Nullable a) {
+void Start_From(const Arc_Plane& axes, Plane_Point point, Nullable z, Nullable a) {
   Wire_Pass.Start[axes.First] = point.x;
   Wire_Pass.Start[axes.Second] = point.y;
   Wire_Pass.Start[axes.Third] = z;
@@ -182,7 +165,7 @@ void Start_From(const Plane_Axes& axes, Plane_Point point, Nullable z, Nullable 
 
 void Walk_Chords(const Plane_Arc& arc, Chord_Walk walk) {
   const bool incremental = Incremental();
-  const Plane_Axes& axes = arc.Axes;
+  const Arc_Plane& axes = arc.Axes;
   Nullable z = Advanced(arc.z0, arc.z1, walk.dz), a = Advanced(arc.A0, arc.A1, walk.dA);
   Plane_Point last{arc.x0, arc.y0};
   Plane_Point on_circle = last, travelled;
@@ -220,7 +203,7 @@ void Walk_Chords(const Plane_Arc& arc, Chord_Walk walk) {
 void Nist_Arc(const Indexed<Nullable, 1, 4>& start, const Indexed<Nullable, 1, 4>& end,
               Nullable first, Nullable second, std::optional<std::int16_t> direction) {
   const bool walked = Trap("Nist_Arc Error", [&] {
-    const auto axes = Axes_Of(Compiler.ModalGroups[modal_group::Plane]);
+    const auto axes = Arc_Plane_Of(Compiler.ModalGroups[modal_group::Plane]);
     if (!axes) return;
     const Plane_Arc arc = In_Plane(*axes, start, end, first, second, direction);
     if (const auto walk = Walk_Of(arc)) Walk_Chords(arc, *walk);

@@ -71,19 +71,6 @@ void Arc(Block& block, std::int16_t code, std::int16_t direction) {
 
 }  // namespace
 
-std::optional<Arc_Plane> Arc_Plane_Of(std::optional<std::int16_t> plane_code) {
-  switch (plane_code.value_or(0)) {
-    case 17:
-      return Arc_Plane{1, 2, 3, word::I, word::J};
-    case 18:
-      return Arc_Plane{1, 3, 2, word::I, word::K};
-    case 19:
-      return Arc_Plane{3, 2, 1, word::K, word::J};
-    default:
-      return std::nullopt;
-  }
-}
-
 void ArcG2(Block& block) {
   Arc(block, 2, 0);
 }

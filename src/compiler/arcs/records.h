@@ -1,12 +1,7 @@
 // records.h: arcs of the program, as records.
 //
 // A block with G2 or G3 becomes one record that holds start, end and the two centre words of its
-// plane as they stand; the wire pass walks the arc later.
-//
-//   plane   first axis   second axis   third axis   centre words
-//   G17     X            Y             Z            I, J
-//   G18     X            Z             Y            I, K
-//   G19     Z            Y             X            K, J
+// plane (planes.h) as they stand; the wire pass walks the arc later.
 //
 // Words that a block leaves out: X, Y and A take their sticky values (not the current position), Z
 // takes the current height, and the centre words are sticky too, over compiles; one that was never
@@ -24,6 +19,7 @@
 // In G90 the centre becomes I and J as it is, in G91 its distance from the start.
 #pragma once
 
+#include "compiler/arcs/planes.h"
 #include "compiler/text/block.h"
 #include "core/nullable.h"
 
@@ -32,13 +28,6 @@
 #include <optional>
 
 namespace norvik {
-
-struct Arc_Plane {
-  int First, Second, Third;            // axes
-  word::Name First_Word, Second_Word;  // centre words
-};
-// Absent for a plane code other than 17, 18 and 19.
-std::optional<Arc_Plane> Arc_Plane_Of(std::optional<std::int16_t> plane_code);
 
 // Positions of X, Y, Z and A.
 using Arc_Point = std::array<Nullable, 4>;

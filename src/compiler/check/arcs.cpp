@@ -1,6 +1,7 @@
 #include "compiler/check/arcs.h"
 
 #include "compiler/arcs/records.h"
+#include "compiler/check/meaning.h"
 #include "core/format.h"
 #include "core/geometry.h"
 #include "core/setup.h"
@@ -104,17 +105,89 @@ void Take_Meant(const Arc_Event& arc, Pending_Arc& pending) {
   }
 }
 
-void Tell_Radii(const Arc_Event& arc, const Pending_Arc& pending, const Report_Finding& report) {
+// The centre that the other reading of I and J gives: from the start instead of from zero, or the
+// other way round.
+void Take_Other(const Arc_Event& arc, Pending_Arc& pending) {
+  const bool from_start = arc.Event.Moved_Incremental() || MachineSetup.GC_IJ_Incremental;
+  for (int n = 0; n < 2; ++n) {
+    const double shift = arc.By_Radius ? 0 : from_start ? -pending.Start[n] : pending.Start[n];
+    pending.Other[n] = pending.Meant[n] + shift;
+  }
+}
+
+// An arc around one of the two centres.
+struct Reading {
+  double Start_Radius = 0, End_Radius = 0, Sweep = 0;
+  bool Leaves_Box = false;  // of its ends, by more than its chord
+
+  double Error() const { return std::abs(Start_Radius - End_Radius); }
+  bool Agrees() const { return Error() <= Tolerance(Start_Radius); }
+  bool Goes_Far() const { return Sweep > Arc_Pi * 1.001 || Leaves_Box; }
+};
+
+Reading Read_Around(const double (&centre)[2], const double (&start)[2], const double (&end)[2],
+                    int direction) {
+  Reading reading;
+  reading.Start_Radius = std::hypot(start[0] - centre[0], start[1] - centre[1]);
+  reading.End_Radius = std::hypot(end[0] - centre[0], end[1] - centre[1]);
+  const double a0 = std::atan2(start[1] - centre[1], start[0] - centre[0]);
+  const double a1 = std::atan2(end[1] - centre[1], end[0] - centre[0]);
+  reading.Sweep = ArcSweep(a0, a1, direction);
+  const double chord = std::hypot(end[0] - start[0], end[1] - start[1]);
+  // The side of the circle that the arc passes, where it leaves the box of its ends.
+  for (int quarter = 0; quarter < 4; ++quarter) {
+    const double angle = quarter * Arc_Pi / 2;
+    if (ArcSweep(a0, angle, direction) >= reading.Sweep) continue;
+    const int axis = quarter % 2;
+    const double at = centre[axis] + (quarter < 2 ? 1 : -1) * reading.Start_Radius;
+    const double low = std::min(start[axis], end[axis]), high = std::max(start[axis], end[axis]);
+    if (at > high + chord || at < low - chord) reading.Leaves_Box = true;
+  }
+  return reading;
+}
+
+std::string Other_Reading(const Reading& other) {
+  return std::string(MachineSetup.GC_IJ_Incremental ? "with GC_IJ_Incremental off"
+                                                    : "with GC_IJ_Incremental on") +
+         ", this arc has radius " + Finding_Number(other.Start_Radius);
+}
+
+// The radii at both ends, and which reading of I and J they agree with.
+void Tell_Radii(const Arc_Event& arc, Pending_Arc& pending, const Report_Finding& report) {
   if (arc.By_Radius) return;
   const double end[2] = {arc.End(arc.Plane.First), arc.End(arc.Plane.Second)};
-  const double r0 =
-      std::hypot(pending.Start[0] - pending.Meant[0], pending.Start[1] - pending.Meant[1]);
-  const double r1 = std::hypot(end[0] - pending.Meant[0], end[1] - pending.Meant[1]);
-  if (std::abs(r0 - r1) <= Tolerance(r0)) return;
-  report(Check_Kind::Arc_Radii_Differ, 0,
-         "the radius is " + Finding_Number(r0) + " at the start and " + Finding_Number(r1) +
-             " at the end",
-         "");
+  const int direction = arc.Row.ArcDirection.value_or(0);
+  const Reading now = Read_Around(pending.Meant, pending.Start, end, direction);
+  const Reading other = Read_Around(pending.Other, pending.Start, end, direction);
+  const bool two_readings =
+      std::hypot(pending.Start[0], pending.Start[1]) > Tolerance(now.Start_Radius) &&
+      !arc.Event.Moved_Incremental();
+  pending.Full = end[0] == pending.Start[0] && end[1] == pending.Start[1];
+  if (pending.Full || !two_readings) {
+    if (!now.Agrees()) {
+      report(Check_Kind::Arc_Radii_Differ, 0,
+             "the radius is " + Finding_Number(now.Start_Radius) + " at the start and " +
+                 Finding_Number(now.End_Radius) + " at the end",
+             "");
+    }
+    return;
+  }
+  pending.Fits = now.Agrees() && !other.Agrees();
+  pending.Misfits = other.Agrees() && !now.Agrees();
+  const std::string hint = other.Agrees() ? "; " + Other_Reading(other) : "";
+  if (!now.Agrees()) {
+    report(Check_Kind::Arc_Radii_Differ, 0,
+           "the radius is " + Finding_Number(now.Start_Radius) + " at the start and " +
+               Finding_Number(now.End_Radius) + " at the end" + hint,
+           hint.empty() ? "" : "set GC_IJ_Incremental as the program means it");
+  } else if (now.Goes_Far() && other.Agrees() && !other.Goes_Far() &&
+             other.Start_Radius < now.Start_Radius) {
+    pending.Misfits = true;
+    report(Check_Kind::Arc_Other_Centre, 0,
+           "the arc walks " + Finding_Number(std::round(now.Sweep * 180 / Arc_Pi)) +
+               " degrees with a radius of " + Finding_Number(now.Start_Radius) + hint,
+           "");
+  }
 }
 
 // An arc by R is walked around the one centre to the right of its chord; counter-clockwise that is
@@ -133,11 +206,12 @@ void Tell_Long_Way(const Arc_Event& arc, const Report_Finding& report) {
          "");
 }
 
-// A bare line behind an arc is straight unless it has a centre word.
-void Tell_Becomes_Line(const Block_Event& event, const Report_Finding& report) {
-  const auto mode = event.Before.ModalGroups[modal_group::Motion];
+// A bare line behind an arc is straight unless it has a centre word; the lines behind it go on
+// straight.
+void Tell_Becomes_Line(const Block_Event& event, const Meant_Modes& modes,
+                       const Report_Finding& report) {
   const Word_Values& words = event.Read.Words;
-  const bool arc_in_force = mode == 2 || mode == 3;
+  const bool arc_in_force = modes.Motion == 20 || modes.Motion == 30;
   if (!arc_in_force || !event.Read.ModalMotion || !event.Moved()) return;
   if (words[word::I] || words[word::J] || words[word::K]) return;
   report(Check_Kind::Arc_Becomes_Line, 0,
@@ -152,9 +226,9 @@ std::optional<Arc_Plane> Plane_Now() {
 
 }  // namespace
 
-void Check_Arcs(const Block_Event& event, std::size_t place, std::vector<Pending_Arc>& pending,
-                const Report_Finding& report) {
-  Tell_Becomes_Line(event, report);
+void Check_Arcs(const Block_Event& event, const Meant_Modes& modes, std::size_t place,
+                std::vector<Pending_Arc>& pending, const Report_Finding& report) {
+  Tell_Becomes_Line(event, modes, report);
   const auto plane = Plane_Now();
   for (std::size_t n = 0; n < event.Row_Count() && plane; ++n) {
     const LineArc& row = event.Row(n);
@@ -173,8 +247,26 @@ void Check_Arcs(const Block_Event& event, std::size_t place, std::vector<Pending
     later.Stored[0] = row.CenterI.value_or(0);
     later.Stored[1] = row.CenterJ.value_or(0);
     Take_Meant(arc, later);
+    Take_Other(arc, later);
     Tell_Radii(arc, later, report);
     pending.push_back(later);
+  }
+}
+
+void Check_Full_Circles(
+    const std::vector<Pending_Arc>& arcs,
+    const std::function<void(const Pending_Arc& arc, std::string what)>& report) {
+  if (std::ranges::any_of(arcs, &Pending_Arc::Fits) ||
+      std::ranges::none_of(arcs, &Pending_Arc::Misfits)) {
+    return;
+  }
+  for (const Pending_Arc& arc : arcs) {
+    if (!arc.Full) continue;
+    const double radius = std::hypot(arc.Start[0] - arc.Other[0], arc.Start[1] - arc.Other[1]);
+    Reading other;
+    other.Start_Radius = radius;
+    report(arc, "the other arcs of the program agree with the other reading of I and J; " +
+                    Other_Reading(other));
   }
 }
 

@@ -12,6 +12,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -22,11 +23,22 @@ struct Pending_Arc {
   std::size_t Finding_Place = 0;  // the checker's own number of file and line
   std::int16_t Plane = 17;
   double Start[2] = {}, Stored[2] = {}, Meant[2] = {};
+  double Other[2] = {};  // the centre by the other reading of I and J; the same for an arc by R
+  bool Full = false;     // a full circle: both readings agree with its end
+  bool Fits = false;     // only the reading in force agrees with its end
+  bool Misfits = false;  // only the other one does
 };
 
 // The rules that need no more than the block. Arcs to be judged at the end go to `pending`.
-void Check_Arcs(const Block_Event& event, std::size_t place, std::vector<Pending_Arc>& pending,
-                const Report_Finding& report);
+struct Meant_Modes;
+void Check_Arcs(const Block_Event& event, const Meant_Modes& modes, std::size_t place,
+                std::vector<Pending_Arc>& pending, const Report_Finding& report);
+
+// Full circles agree with both readings of I and J. They are told where the other arcs of the
+// program agree with the other reading only.
+void Check_Full_Circles(
+    const std::vector<Pending_Arc>& arcs,
+    const std::function<void(const Pending_Arc& arc, std::string what)>& report);
 
 // Why the arc will be walked otherwise than meant; absent when it will not.
 std::optional<std::string> Walked_Elsewhere(const Pending_Arc& arc);

@@ -1,5 +1,7 @@
 #include "compiler/check/blocks.h"
 
+#include "core/setup.h"
+
 #include <algorithm>
 #include <cmath>
 #include <string>
@@ -15,7 +17,7 @@ constexpr std::int16_t Own_Words[] = {5,  10, 28, 30, 33, 38, 52, 68, 73,
                                       76, 84, 85, 86, 87, 88, 89, 92};
 
 // A longer dwell was probably meant in milliseconds.
-constexpr float Long_Dwell_Seconds = 100;
+constexpr float Long_Dwell_Seconds = 20;
 
 bool Has_G(const Block& block, std::int16_t number) {
   return block.GFlags.test(static_cast<std::size_t>(number));
@@ -106,19 +108,46 @@ void Tell_Feed(const Block_Event& event, Check_Memory& memory, const Report_Find
   }
 }
 
+// True when the outputs of a row switch something on.
+bool Switches_On(const LineArc& row) {
+  for (int output = row.Out.first; output <= row.Out.last; ++output) {
+    if (row.Out[output] == Output_On) return true;
+  }
+  return false;
+}
+
 void Follow_Spindle(const Block_Event& event, Check_Memory& memory) {
   for (std::size_t n = 0; n < event.Row_Count(); ++n) {
-    const std::int16_t command = event.Row(n).Out[1];
-    if (command != Output_Unchanged) memory.Counter_Clockwise = command == Output_On;
+    for (const int spindle : {0, 1}) {
+      const std::int16_t command = event.Row(n).Out[spindle];
+      if (command != Output_Unchanged) memory.Spindle_On[spindle] = command == Output_On;
+    }
+  }
+}
+
+void Tell_Waits(const Block_Event& event, Check_Memory& memory, const Report_Finding& report) {
+  Follow_Spindle(event, memory);
+  if (event.Read.MFlags[6] && !event.Moved() && (memory.Spindle_On[0] || memory.Spindle_On[1])) {
+    report(Check_Kind::Change_With_Spindle_On, 0, "the machine waits and the spindle turns", "");
+  }
+  if (MachineSetup.Outputs_Before_Dwell) return;
+  for (std::size_t n = 0; n < event.Row_Count(); ++n) {
+    const LineArc& row = event.Row(n);
+    if (!(row.PauseTime > 0) || !Switches_On(row)) continue;
+    report(Check_Kind::Dwell_Before_Outputs, 0,
+           "the dwell of " + Finding_Number(row.PauseTime) +
+               " seconds ends before spindle and coolant come on",
+           "");
+    return;
   }
 }
 
 void Tell_Outputs(const Block_Event& event, Check_Memory& memory, const Report_Finding& report) {
+  Tell_Waits(event, memory, report);
   if (event.Read.MFlags[6] && event.Moved()) {
     report(Check_Kind::Tool_Change_Beside_Move, 0, "the move runs and nothing waits", "");
   }
-  Follow_Spindle(event, memory);
-  if (event.Read.MFlags[2] && memory.Counter_Clockwise) {
+  if (event.Read.MFlags[2] && memory.Spindle_On[1]) {
     report(Check_Kind::Spindle_Left_On, 0, "M2 switches the clockwise output off only", "");
   }
   for (std::size_t n = 0; n < event.Row_Count(); ++n) {

@@ -34,9 +34,9 @@ struct Block_Event {
 
 // What the check remembers from block to block.
 struct Check_Memory {
-  bool Feed_Seen = false;          // an F word, or the finding about it
-  bool Cycle_Cancelled = false;    // G80 was the last motion code
-  bool Counter_Clockwise = false;  // the spindle runs that way
+  bool Feed_Seen = false;        // an F word, or the finding about it
+  bool Cycle_Cancelled = false;  // G80 was the last motion code
+  bool Spindle_On[2] = {};       // the clockwise and the counter-clockwise output
 };
 
 // The rules about motion, feed and outputs, and about the drill cycles.

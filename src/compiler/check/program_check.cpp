@@ -2,7 +2,10 @@
 
 #include "compiler/check/arcs.h"
 #include "compiler/check/blocks.h"
+#include "compiler/check/meaning.h"
+#include "compiler/check/stops.h"
 #include "compiler/check/words.h"
+#include "compiler/compensation/compensation.h"
 #include "compiler/interpreter/compile_section.h"
 #include "compiler/interpreter/interpreter.h"
 #include "compiler/interpreter/line_pass.h"
@@ -12,6 +15,7 @@
 #include "compiler/text/compile_sources.h"
 #include "compiler/wires/wire_pass.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/format.h"
 #include "core/numbers.h"
 #include "core/paths.h"
@@ -86,15 +90,20 @@ class Checker {
   void Tell_Lost_Words(Check_Place place, std::string_view text);
   void Macro_Begin(std::int16_t macro, const Macro_Text& text);
   void Tell_Commas(std::int16_t macro, const Macro_Text& text);
+  void Tell_Repeat_Count(Check_Place place, std::string_view text,
+                         std::optional<std::int16_t> count);
+  void Tell_Repeat_Order(Check_Place begin, std::int32_t end);
   template <class Line_At>
   void Check_Repeats(std::optional<std::int16_t> macro, std::int32_t count, Line_At&& line_at);
   void Check_Arc_Walks();
+  void Check_Compensation();
   void Check_Wires();
   void Sort();
 
   std::shared_ptr<const GCode_Text> Program;
   std::vector<Check_Finding> Findings;
   std::set<std::pair<Check_Place, Check_Kind>> Told;
+  std::set<Check_Place> Serious;  // with a finding of grade lost or wrong
   std::map<std::optional<std::int16_t>, std::vector<bool>> Lines_Seen;  // by file
   std::vector<Open_File> Files;  // macros that are open, the innermost last
   std::set<std::int16_t> Macros_Seen;
@@ -102,6 +111,7 @@ class Checker {
 
   Reader_Outcome Outcome;
   Check_Memory Memory;
+  Meaning As_Meant;
   std::vector<Check_Place> Arc_Places;
   std::vector<Pending_Arc> Arcs;
 };
@@ -112,6 +122,7 @@ void Checker::Report(Check_Place place, Check_Kind kind, std::size_t column, std
                      std::string_view instead) {
   // A line may hold several of one kind at different columns; those come from its first run alone.
   if (column == 0 && !Told.insert({place, kind}).second) return;
+  if (Info_Of(kind).Grade <= Check_Grade::Wrong) Serious.insert(place);
   if (instead.empty()) instead = Info_Of(kind).Instead;
   constexpr std::size_t most = std::numeric_limits<std::int32_t>::max();
   Findings.push_back({kind, place.Macro, place.Line,
@@ -147,8 +158,15 @@ Check_Place Checker::Place_Of(std::string_view text) const {
 
 // --- Blocks --------------------------------------------------------------------------------------
 
+std::string Line_Name(Check_Place place) {
+  return (place.Macro ? "macro " + std::to_string(*place.Macro) + " line " : "line ") +
+         std::to_string(place.Line);
+}
+
 void Checker::Read_Block(std::string_view text) {
   const Check_Place place = Place_Of(text);
+  Meant_Line meant = Read_As_Meant(text);
+  As_Meant.Take(meant, Line_Name(place));
   const Compiler_State before = Compiler;
   const Compiler_Memory_State memory_before = Compiler_Memory;
   const std::size_t rows = Compile_Tables.Program_LineArc.Rows.size();
@@ -162,14 +180,16 @@ void Checker::Read_Block(std::string_view text) {
               ExecuteBlock(Outcome.Read);
             });
   const Report_Finding report = Reporter(place);
-  if (First_Time(place)) Check_Words(text, Outcome, report);
+  if (First_Time(place)) Check_Words(text, std::move(meant), Outcome, report);
   if (!Outcome.Was_Read) return;
   const Block_Event event{Outcome.Read, Outcome.Failure.has_value(), before, memory_before, rows};
   Check_Motion(event, Memory, report);
   Check_Cycles(event, report);
   const std::size_t arcs = Arcs.size();
-  Check_Arcs(event, Arc_Places.size(), Arcs, report);
+  Check_Arcs(event, As_Meant.Modes(), Arc_Places.size(), Arcs, report);
   if (Arcs.size() > arcs) Arc_Places.push_back(place);
+  As_Meant.Compare(
+      event, [&] { return Serious.contains(place); }, report);
 }
 
 void Checker::Check_Arc_Walks() {
@@ -178,6 +198,39 @@ void Checker::Check_Arc_Walks() {
       Report(Arc_Places[arc.Finding_Place], Check_Kind::Arc_Walked_Elsewhere, 0, *why);
     }
   }
+  Check_Full_Circles(Arcs, [&](const Pending_Arc& arc, std::string what) {
+    Report(Arc_Places[arc.Finding_Place], Check_Kind::Arc_Other_Centre, 0, std::move(what));
+  });
+}
+
+// By the compile's own pass, over the records as they are.
+void Checker::Check_Compensation() {
+  if (!Compiler.UsesCompensation) return;
+  const auto kind_of = [](Compensation_Trouble trouble) {
+    switch (trouble) {
+      case Compensation_Trouble::No_Diameter:
+        return Check_Kind::Comp_Without_Diameter;
+      case Compensation_Trouble::Lead_Cuts:
+        return Check_Kind::Comp_Lead_Cuts;
+      case Compensation_Trouble::Changes_Side:
+        return Check_Kind::Comp_Changes_Side;
+      case Compensation_Trouble::Leaves_Material:
+        return Check_Kind::Comp_Leaves_Material;
+      case Compensation_Trouble::Passed_Over:
+        return Check_Kind::Comp_Passed_Over;
+      case Compensation_Trouble::Wrong_Plane:
+        return Check_Kind::Comp_Wrong_Plane;
+      case Compensation_Trouble::Does_Not_Fit:
+      case Compensation_Trouble::Fault:
+        break;
+    }
+    return Check_Kind::Comp_Does_Not_Fit;
+  };
+  Check_Radius_Compensation(
+      Compile_Tables.Program_LineArc,
+      [&](Compensation_Trouble trouble, const LineArc& record, std::string what) {
+        Report({std::nullopt, record.LineNumber}, kind_of(trouble), 0, std::move(what));
+      });
 }
 
 // --- Macros --------------------------------------------------------------------------------------
@@ -263,6 +316,8 @@ void Checker::Check_Repeats(std::optional<std::int16_t> macro, std::int32_t coun
       if (open == 0) {
         Report(place, Check_Kind::Repeat_Not_Begun, 0,
                "the lines from the last REPEAT on, or from the first, run again");
+      } else {
+        Tell_Repeat_Order({macro, open}, line);
       }
       open = 0;
     } else if (found.Start > 0) {
@@ -271,19 +326,45 @@ void Checker::Check_Repeats(std::optional<std::int16_t> macro, std::int32_t coun
                "the REPEAT of line " + std::to_string(open) + " is forgotten");
       }
       open = line;
-      if (!readable || found.Count == none) {
-        Report(place, Check_Kind::Repeat_Without_Count, 0,
-               readable ? "no count is read" : "the count is no number");
-      } else {
-        Report(
-            place, Check_Kind::Repeat_Runs_Once_More, 0,
-            "the lines run " + std::to_string(std::max<int>(found.Count, 1) + 1) + " times in all");
-      }
+      Tell_Repeat_Count(
+          place, line_at(line),
+          readable && found.Count != none ? std::optional(found.Count) : std::nullopt);
     }
   }
   if (open != 0) {
     Report({macro, open}, Check_Kind::Repeat_Not_Ended, 0, "the lines run once");
   }
+}
+
+void Checker::Tell_Repeat_Count(Check_Place place, std::string_view text,
+                                std::optional<std::int16_t> count) {
+  if (count) {
+    Report(place, Check_Kind::Repeat_Runs_Once_More, 0,
+           "the lines run " + std::to_string(std::max<int>(*count, 1) + 1) + " times in all");
+    return;
+  }
+  const std::size_t keyword = Upper(text).find("REPEAT");
+  const bool written = text.find_first_of("0123456789", keyword) != std::string_view::npos;
+  if (written) {
+    Report(place, Check_Kind::Repeat_Count_Not_Read, 0,
+           "the count is not read: the lines run twice, or by the count that was read last");
+  } else {
+    Report(place, Check_Kind::Repeat_Without_Count, 0, "no count is read");
+  }
+}
+
+// A step of the run takes all rows of its line number at once.
+void Checker::Tell_Repeat_Order(Check_Place begin, std::int32_t end) {
+  if (MachineSetup.Run_In_Table_Order) return;
+  const std::string lines =
+      "lines " + std::to_string(begin.Line + 1) + " to " + std::to_string(end - 1);
+  Report(begin, Check_Kind::Repeat_Order, 0,
+         begin.Macro ? lines +
+                           " of the macro run at the steps of the program's lines with these "
+                           "numbers, and all passes of a line follow each other"
+                     : "each of " + lines +
+                           " runs all its passes at once before the next line begins: the first "
+                           "plunge goes to the depth of the last pass");
 }
 
 // --- The program as a whole ----------------------------------------------------------------------
@@ -306,7 +387,7 @@ void Check_Travel(const Record_List<Wire>& wires,
       }
       if (range.Told || !(range.High - range.Low > MachineSetup.Axis_Depth[axis])) continue;
       range.Told = true;
-      report(wire.Step, std::string(1, "XYZA"[axis - 1]) + " travels from " +
+      report(wire.Step, std::string(1, Axis_Letter(axis)) + " travels from " +
                             Format_Number_Point(range.Low, "0.###") + " to " +
                             Format_Number_Point(range.High, "0.###") + ", the axis is " +
                             Format_Number_Point(MachineSetup.Axis_Depth[axis], "0.###") + " long");
@@ -319,12 +400,16 @@ void Checker::Check_Wires() {
     Report({}, Check_Kind::Too_Many_Records, 0,
            "more than " + std::to_string(LineArc_Table_Limit) + " records: the rest is left out");
   }
+  Check_Compensation();
   const Table<Wire> wires =
       NIST_ConvertLineArctoWire(std::exchange(Compile_Tables.Program_LineArc, {}));
   Check_Travel(wires.Rows, [&](std::int32_t line, std::string what) {
     // One line may exceed several axes.
     Told.erase({{std::nullopt, line}, Check_Kind::Travel_Too_Long});
     Report({std::nullopt, line}, Check_Kind::Travel_Too_Long, 0, std::move(what));
+  });
+  Check_Stops(wires.Rows, [&](std::int32_t line, std::string what) {
+    Report({std::nullopt, line}, Check_Kind::Stop_At_Full_Feed, 0, std::move(what));
   });
   if (wires.Rows.size() > Wire_Table_Limit) {
     Report({std::nullopt, wires.Rows[Wire_Table_Limit].Step}, Check_Kind::Too_Many_Wires, 0,
@@ -346,8 +431,9 @@ Line_Pass_Operations Checker::Operations() {
   operations.Read_Block = [this](std::string_view text) { Read_Block(text); };
   operations.Log = [](const std::string&) {};
   operations.Table_Full = [](const std::string&) {};  // a finding of its own, by the number of rows
-  operations.Show = [this](std::int16_t, const std::string& text) {
-    Report(Last_Call, Check_Kind::Macro_Missing, 0, text);
+  operations.Show = [this](std::int16_t macro, const std::string& text) {
+    const bool open = std::ranges::find(Files, macro, &Open_File::Macro) != Files.end();
+    Report(Last_Call, open ? Check_Kind::Macro_Calls_Itself : Check_Kind::Macro_Missing, 0, text);
   };
   operations.Macro_Call = [this](std::string_view text, const std::optional<std::string>& number) {
     Macro_Call(text, number);
@@ -363,7 +449,7 @@ Line_Pass_Operations Checker::Operations() {
 }
 
 std::vector<Check_Finding> Checker::Run() {
-  const Compile_Section section;
+  const Compile_Section section(Operation::Check);
   const Kept_State kept;
   Check_Repeats(std::nullopt, Program->Line_Count(),
                 [&](std::int32_t line) { return Program->Line(line); });

@@ -13,99 +13,14 @@
 // Nothing of a compile is changed by a check: not the tables, not the state, not the files.
 #pragma once
 
+#include "compiler/check/findings.h"
 #include "compiler/text/program_text.h"
 
-#include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace norvik {
-
-// How much a finding weighs.
-enum class Check_Grade : std::uint8_t {
-  Lost,     // the block is not executed
-  Wrong,    // the machine does something else than written
-  Ignored,  // a word or code has no effect
-  Note,     // as written, but easily taken otherwise
-};
-
-enum class Check_Kind : std::uint8_t {
-  // --- Words of a line ---
-  Code_Runs_Together,
-  Block_Fails,
-  Cut_Wrongly,
-  Second_Comment,
-  Comment_Not_Closed,
-  Sequence_Swallows,
-  Letter_Not_Read,
-  Text_Not_Read,
-  Doubled_Word,
-  Code_Without_Effect,
-  Code_Not_Needed,
-  Other_Units,
-  Code_Rounded,
-  Word_Rounded,
-  Word_Not_Used,
-  // --- What a block does ---
-  Words_Without_Motion,
-  Several_Motions,
-  Bare_Start,
-  Bare_After_Cycle,
-  No_Feed,
-  Feed_Of_Setup,
-  Tool_Change_Beside_Move,
-  Spindle_Left_On,
-  Long_Dwell,
-  // --- Arcs ---
-  Arc_Sticky_Centre,
-  Arc_Sticky_End,
-  Arc_Becomes_Line,
-  Arc_Radii_Differ,
-  Arc_Radius_Not_Used,
-  Arc_Long_Way_Round,
-  Arc_Absolute_Height,
-  Arc_Walked_Elsewhere,
-  // --- Cycles ---
-  Cycle_Lacks_Words,
-  Cycle_Counts_Zero,
-  Peck_Misses_Bottom,
-  Peck_From_Raw_R,
-  // --- Macros and repeats ---
-  Macro_Missing,
-  Macro_Without_Number,
-  Macro_Line_Lost,
-  Macro_Comma,
-  Repeat_Without_Count,
-  Repeat_Runs_Once_More,
-  Repeat_Not_Ended,
-  Repeat_Not_Begun,
-  Repeat_Nested,
-  // --- The program as a whole ---
-  Travel_Too_Long,
-  Too_Many_Records,
-  Too_Many_Wires,
-  Count_,
-};
-
-struct Check_Kind_Info {
-  Check_Grade Grade;
-  std::string_view Title;
-  std::string_view Instead;  // what to write; a finding may know better
-};
-const Check_Kind_Info& Info_Of(Check_Kind kind);
-std::string_view Name_Of(Check_Grade grade);
-
-struct Check_Finding {
-  Check_Kind Kind;
-  std::optional<std::int16_t> Macro;  // the macro whose file it stands in; absent: the program
-  std::int32_t Line = 0;              // of that file; 0: the program as a whole
-  std::int32_t Column = 0;            // from 1; 0: the line as a whole
-  std::string What;                   // what happens
-  std::string Instead;                // what to write instead
-};
 
 // The file of a finding in a macro; empty for the program itself.
 std::string File_Of(const Check_Finding& finding);

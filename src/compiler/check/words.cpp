@@ -3,6 +3,7 @@
 #include "compiler/interpreter/interpreter.h"
 #include "compiler/text/line_cutter.h"
 #include "compiler/text/plain_number.h"
+#include "core/application.h"
 #include "core/format.h"
 #include "core/numbers.h"
 #include "core/setup.h"
@@ -101,6 +102,10 @@ Meant_Line Read_As_Meant(std::string_view text) {
   Meant_Line line;
   std::size_t at = 0;
   while (at < text.size()) {
+    if (line.Words.size() + line.Comments.size() + line.Unread.size() >= Most_Meant_Words) {
+      line.Whole = false;
+      break;
+    }
     const char c = text[at];
     if (Blanks.find(c) != std::string_view::npos) {
       ++at;
@@ -115,6 +120,14 @@ Meant_Line Read_As_Meant(std::string_view text) {
     }
   }
   return line;
+}
+
+std::optional<double> Meant_Value(const Meant_Word& word) {
+  if (!Try_Number(word.Number)) return std::nullopt;
+  if (word.Letter == 'L') return std::round(*Try_Number(word.Number));
+  std::optional<double> value;
+  Trap_With([](const Fault&) {}, [&] { value = Current_Axis_Rounding().Value(word.Number); });
+  return value;
 }
 
 namespace {
@@ -208,14 +221,6 @@ int Word_Place(char letter) {
   return place == std::string_view::npos ? -1 : static_cast<int>(place);
 }
 
-std::optional<double> Meant_Value(const Meant_Word& word) {
-  if (!Is_Number(word.Number)) return std::nullopt;
-  if (word.Letter == 'L') return std::round(*Try_Number(word.Number));
-  std::optional<double> value;
-  Trap_With([](const Fault&) {}, [&] { value = Current_Axis_Rounding().Value(word.Number); });
-  return value;
-}
-
 bool Code_Was_Read(const Block& block, const Meant_Word& word) {
   const auto number = Try_Number(word.Number);
   const int last = word.Letter == 'G' ? Last_G_Code : Last_M_Code;
@@ -280,19 +285,52 @@ void Take_Out_Swallowed(std::string_view text, Meant_Line& meant, const Report_F
 
 // --- What is never read --------------------------------------------------------------------------
 
-void Tell_Unread(const Line_Check& check) {
+bool Moves_No_Axis_Here(char letter) {
+  return std::string_view("BCUVW").find(letter) != std::string_view::npos;
+}
+
+void Tell_Unread_Words(const Line_Check& check) {
   for (const Meant_Word& word : check.Meant.Words) {
-    if (Is_Read(word.Letter)) continue;
-    check.Tell(Check_Kind::Letter_Not_Read, word.Column, Shown(word) + " is not read");
+    if (Moves_No_Axis_Here(word.Letter)) {
+      check.Tell(Check_Kind::Axis_Not_Moved, word.Column, Shown(word) + " moves nothing");
+    } else if (!Is_Read(word.Letter)) {
+      check.Tell(Check_Kind::Letter_Not_Read, word.Column, Shown(word) + " is not read");
+    }
   }
+}
+
+// A slash in front, also behind a line number, asks other machines to pass the line over.
+bool Is_Block_Delete(const Line_Check& check, const Meant_Word& other) {
+  if (!other.Number.starts_with('/')) return false;
+  const auto before = [&](const Meant_Word& word) {
+    return word.Column < other.Column && word.Letter != 'N';
+  };
+  return std::ranges::none_of(check.Meant.Words, before);
+}
+
+void Tell_Unread(const Line_Check& check) {
+  Tell_Unread_Words(check);
   for (const Meant_Word& other : check.Meant.Unread) {
-    if (other.Number == "%" || other.Number == "/") continue;
-    check.Tell(Check_Kind::Text_Not_Read, other.Column, Quoted(other.Number) + " is not read");
+    if (other.Number == "%") continue;
+    if (Is_Block_Delete(check, other)) {
+      if (!check.Meant.Words.empty()) {
+        check.Tell(Check_Kind::Block_Delete, other.Column,
+                   "the slash is not read: the line always runs");
+      }
+    } else {
+      check.Tell(Check_Kind::Text_Not_Read, other.Column, Quoted(other.Number) + " is not read");
+    }
   }
   for (const Meant_Comment& comment : check.Meant.Comments) {
     if (comment.Closed) continue;
     check.Tell(Check_Kind::Comment_Not_Closed, comment.Column,
                "the comment runs to the line's end");
+  }
+  if (!check.Meant.Whole) {
+    check.Tell(Check_Kind::Line_Too_Long, 0,
+               "the line has " + std::to_string(check.Text.size()) +
+                   " characters; only its first " + std::to_string(Most_Meant_Words) +
+                   " words are compared with what runs");
   }
 }
 
@@ -316,14 +354,29 @@ void Tell_Units(const Line_Check& check, const Meant_Word& word, std::int16_t nu
   }
 }
 
+// G91.1 and the like: the reader rounds them to a code that acts.
+void Tell_Rounded_Code(const Line_Check& check, const Meant_Word& word, std::int16_t number) {
+  const std::string read = word.Letter + std::to_string(number);
+  const std::int8_t place = Find_Code(word.Letter, number);
+  if (place == No_Code || place >= Acting_Code_Count) {
+    check.Tell(Check_Kind::Code_Rounded, word.Column, Shown(word) + " is read as " + read);
+  } else if (word.Letter == 'G' && number == 91) {
+    check.Tell(Check_Kind::Code_Read_As_Other, word.Column,
+               Shown(word) + " is read as G91: from here on the program runs incrementally",
+               "write G90 instead, with the centres as points where GC_IJ_Incremental is off");
+  } else if (word.Letter == 'G' && number == 90) {
+    check.Tell(Check_Kind::Code_Read_As_Other, word.Column, Shown(word) + " is read as G90",
+               "leave it out; GC_IJ_Incremental in the machine file says how I and J count");
+  } else {
+    check.Tell(Check_Kind::Code_Read_As_Other, word.Column, Shown(word) + " is read as " + read);
+  }
+}
+
 void Tell_Code(const Line_Check& check, const Meant_Word& word) {
   const auto value = Try_Number(word.Number);
   if (!value || *value < 0 || *value > Last_M_Code) return;
   const auto number = static_cast<std::int16_t>(std::nearbyint(*value));
-  if (number != *value) {
-    check.Tell(Check_Kind::Code_Rounded, word.Column,
-               Shown(word) + " is read as " + word.Letter + std::to_string(number));
-  }
+  if (number != *value) Tell_Rounded_Code(check, word, number);
   if (word.Letter == 'M' && Is_User_Output(number)) return;
   if (word.Letter == 'G' && (number == 20 || number == 21 || number == 70 || number == 71)) {
     Tell_Units(check, word, number);
@@ -331,16 +384,47 @@ void Tell_Code(const Line_Check& check, const Meant_Word& word) {
   }
   const std::int8_t place = Find_Code(word.Letter, number);
   if (place == No_Code) {
-    check.Tell(Check_Kind::Code_Without_Effect, word.Column,
+    check.Tell(Check_Kind::Code_Missing, word.Column,
                Shown(word) + " is not known" +
-                   (word.Letter == 'G' ? "; axis words of this line do not move" : ""));
+                   (word.Letter == 'G' ? "; axis words of this line do not move" : ""),
+               "leave it out where the job does not need it");
     return;
   }
   const Code& code = Code_Table()[static_cast<std::size_t>(place)];
-  if (code.Loss == Code_Loss::Nothing) return;
-  const bool harmless = code.Loss == Code_Loss::Harmless;
-  check.Tell(harmless ? Check_Kind::Code_Not_Needed : Check_Kind::Code_Without_Effect, word.Column,
-             Shown(word) + " (" + std::string(code.Title) + ") has no effect", code.Instead);
+  const std::string what = Shown(word) + " (" + std::string(code.Title) + ") has no effect";
+  switch (code.Loss) {
+    case Code_Loss::Nothing:
+      break;
+    case Code_Loss::Harmless:
+      check.Tell(Check_Kind::Code_Not_Needed, word.Column, what, code.Instead);
+      break;
+    case Code_Loss::Ignored:
+      check.Tell(Check_Kind::Code_Without_Effect, word.Column, what, code.Instead);
+      break;
+    case Code_Loss::Missing:
+      check.Tell(Check_Kind::Code_Missing, word.Column, what, code.Instead);
+      break;
+  }
+}
+
+// Codes of one modal group exclude each other; the block acts on all of them, in its own order.
+void Tell_Excluding_Codes(const Line_Check& check) {
+  const Code_Set& codes = check.Outcome.Read.Codes;
+  const auto table = Code_Table();
+  for (int place = codes.Next(0, Acting_Code_Count); place != No_Code;
+       place = codes.Next(place + 1, Acting_Code_Count)) {
+    const Code& code = table[static_cast<std::size_t>(place)];
+    const int next = codes.Next(place + 1, Acting_Code_Count);
+    if (next == No_Code || code.Group == 0 || code.Group == modal_group::Motion) continue;
+    const Code& other = table[static_cast<std::size_t>(next)];
+    // Mist and flood go together.
+    const bool together = code.Letter == 'M' && code.Number == 7 && other.Number == 8;
+    if (other.Letter != code.Letter || other.Group != code.Group || together) continue;
+    const std::string last = other.Letter + std::to_string(other.Number);
+    check.Tell(Check_Kind::Codes_Exclude_Each_Other, 0,
+               code.Letter + std::to_string(code.Number) + " and " + last +
+                   " exclude each other; " + last + " acts last, wherever it stands");
+  }
 }
 
 // --- Numbers and words ---------------------------------------------------------------------------
@@ -353,8 +437,24 @@ void Tell_Rounding(const Line_Check& check, const Meant_Word& word) {
              Shown(word) + " is read as " + word.Letter + Finding_Number(*meant));
 }
 
+// A comma is read as a point: "S10,000" is 10.
+void Tell_Comma(const Line_Check& check, const Meant_Word& word) {
+  const std::size_t comma = word.Number.find(',');
+  if (Application.DecimalSeparator == ',' || comma == std::string_view::npos) return;
+  if (word.Number.size() - comma != 4) return;  // three digits behind it
+  const auto read = Meant_Value(word);
+  if (!read) return;
+  check.Tell(Check_Kind::Comma_In_Number, word.Column,
+             Shown(word) + " is read as " + word.Letter + Finding_Number(*read));
+}
+
 void Tell_Unused(const Line_Check& check, const Meant_Word& word) {
-  if (word.Letter == 'D') {
+  const auto tool = Compiler.ToolNow;
+  if (word.Letter == 'D' && Meant_Value(word) != tool && Meant_Value(word) != Nullable(0)) {
+    check.Tell(Check_Kind::Comp_Other_Tool, word.Column,
+               Shown(word) + " is not used: compensation takes the diameter of tool T" +
+                   (tool ? Finding_Number(*tool) : ""));
+  } else if (word.Letter == 'D') {
     check.Tell(Check_Kind::Word_Not_Used, word.Column,
                "D is not used: compensation takes the diameter of tool T",
                "set the tool's diameter in the tool list");
@@ -365,9 +465,8 @@ void Tell_Unused(const Line_Check& check, const Meant_Word& word) {
 
 }  // namespace
 
-void Check_Words(std::string_view text, const Reader_Outcome& outcome,
+void Check_Words(std::string_view text, Meant_Line meant, const Reader_Outcome& outcome,
                  const Report_Finding& report) {
-  Meant_Line meant = Read_As_Meant(text);
   if (outcome.Was_Read) Take_Out_Swallowed(text, meant, report);
   const Line_Check check{text, meant, outcome, report};
   Tell_Unread(check);
@@ -377,11 +476,13 @@ void Check_Words(std::string_view text, const Reader_Outcome& outcome,
   }
   if (outcome.Failure) check.Tell(Check_Kind::Block_Fails, 0, Lost_Because(*outcome.Failure));
   Tell_Words_Cut_Wrongly(check);
+  Tell_Excluding_Codes(check);
   for (const Meant_Word& word : meant.Words) {
     if (Is_Code(word)) {
       Tell_Code(check, word);
     } else if (Is_Read(word.Letter) && word.Letter != 'N' && word.Letter != 'L') {
       Tell_Rounding(check, word);
+      Tell_Comma(check, word);
       Tell_Unused(check, word);
     }
   }

@@ -8,7 +8,7 @@
 // or without blanks between, comments of all kinds and any number, ";" to the end of the line.
 #pragma once
 
-#include "compiler/check/program_check.h"
+#include "compiler/check/findings.h"
 #include "compiler/text/block.h"
 #include "core/fault.h"
 
@@ -37,8 +37,15 @@ struct Meant_Line {
   std::vector<Meant_Word> Words;
   std::vector<Meant_Comment> Comments;
   std::vector<Meant_Word> Unread;  // runs of other characters: in `Number`, with their column
+  bool Whole = true;               // false: the line holds more than is read of it
 };
+// Reads no more than `Most_Meant_Words` words, comments and other runs of a line: no line of a real
+// program has so many, and one of 50 MB must not take memory a hundred times its size.
+inline constexpr std::size_t Most_Meant_Words = 1000;
 Meant_Line Read_As_Meant(std::string_view text);
+
+// The value that the programmer means, in the axis format; absent for what is no number.
+std::optional<double> Meant_Value(const Meant_Word& word);
 
 // What the reader made of a line.
 struct Reader_Outcome {
@@ -54,8 +61,8 @@ std::string Finding_Number(double value);
 using Report_Finding =
     std::function<void(Check_Kind, std::size_t column, std::string what, std::string_view instead)>;
 
-// All findings that the text of a line gives away.
-void Check_Words(std::string_view text, const Reader_Outcome& outcome,
+// All findings that the text of a line gives away; `meant` is the programmer's reading of it.
+void Check_Words(std::string_view text, Meant_Line meant, const Reader_Outcome& outcome,
                  const Report_Finding& report);
 
 }  // namespace norvik

@@ -40,6 +40,9 @@
 
 #include "compiler/state/tables.h"
 
+#include <functional>
+#include <string>
+
 namespace norvik {
 
 // Replaces the compensated records of `table` by their moved ones, with connecting arcs and leads
@@ -50,5 +53,21 @@ namespace norvik {
 // A program that ends in G18 or G19 is left as programmed, with a line in the error log: arcs are
 // walked in the plane of the program's end, so none of them lies in X and Y.
 void AddRadiusCompensation(Table<LineArc>& table);
+
+// The same for the check: nothing reaches the operator or the error log, and each trouble goes to
+// `tell` instead, with some that a compile passes over in silence because the path is as stated.
+enum class Compensation_Trouble {
+  Does_Not_Fit,     // an arc, a corner or a slot tighter than the tool
+  Fault,            // a record that cannot be compensated
+  Wrong_Plane,      // the program ends in G18 or G19
+  No_Diameter,      // the tool's diameter is 0
+  Lead_Cuts,        // the way to or from the contour, at depth, comes closer to it than the radius
+  Changes_Side,     // G41 follows G42, or the other way round, without G40 between
+  Leaves_Material,  // the first or last move of the contour is cut short by the way to or from it
+  Passed_Over,      // the tool does not reach a move of the contour
+};
+using Compensation_Teller =
+    std::function<void(Compensation_Trouble trouble, const LineArc& record, std::string what)>;
+void Check_Radius_Compensation(Table<LineArc>& table, const Compensation_Teller& tell);
 
 }  // namespace norvik

@@ -10,11 +10,7 @@ namespace norvik::compensation {
 
 namespace {
 
-// Elements First..Last - 1.
-struct Range {
-  std::size_t First = 0, Last = 0;
-  bool Holds(std::size_t index) const { return index >= First && index < Last; }
-};
+using Range = Element_Range;
 
 // Boxes of a range of elements, halved again and again in the order of the path: what lies close
 // together on the path lies close together in the plane.
@@ -78,18 +74,6 @@ class Box_Tree {
   std::vector<Box> Boxes;
 };
 
-// One cut and the part of it that bounds material.
-struct Cut {
-  Range All, Contour;
-
-  // The obstacles of an element: the contour, and the part of the cut that it belongs to.
-  Range Obstacles_Of(std::size_t element) const {
-    if (element < Contour.First) return {All.First, Contour.Last};
-    if (element >= Contour.Last) return {Contour.First, All.Last};
-    return Contour;
-  }
-};
-
 // A place in the plane, to a tenth of a thousandth.
 struct Place {
   std::int64_t X = 0, Y = 0;
@@ -129,6 +113,8 @@ Range Contour_Of(const std::vector<Element>& elements, Range cut) {
   return contour && !(closes && contour->First == cut.First) ? *contour : cut;
 }
 
+}  // namespace
+
 std::vector<Cut> Cuts_Of(const std::vector<Element>& elements) {
   std::vector<Cut> cuts;
   for (std::size_t at = 0; at < elements.size(); ++at) {
@@ -139,6 +125,8 @@ std::vector<Cut> Cuts_Of(const std::vector<Element>& elements) {
   for (Cut& cut : cuts) cut.Contour = Contour_Of(elements, cut.All);
   return cuts;
 }
+
+namespace {
 
 double Radius_Error(const Piece& piece) {
   return piece.Is_Arc ? std::abs(piece.Start_Radius - piece.End_Radius) : 0;

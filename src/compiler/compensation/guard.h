@@ -28,6 +28,25 @@
 
 namespace norvik::compensation {
 
+// Elements First..Last - 1.
+struct Element_Range {
+  std::size_t First = 0, Last = 0;
+  bool Holds(std::size_t index) const { return index >= First && index < Last; }
+};
+
+// One cut and the part of it that bounds material.
+struct Cut {
+  Element_Range All, Contour;
+
+  // The obstacles of an element: the contour, and the part of the cut that it belongs to.
+  Element_Range Obstacles_Of(std::size_t element) const {
+    if (element < Contour.First) return {All.First, Contour.Last};
+    if (element >= Contour.Last) return {Contour.First, All.Last};
+    return Contour;
+  }
+};
+std::vector<Cut> Cuts_Of(const std::vector<Element>& elements);
+
 // The tool at element `Path` comes within `Distance` of element `Obstacle`.
 struct Gouge {
   std::size_t Path = 0, Obstacle = 0;

@@ -1,6 +1,7 @@
 #include "compiler/compile/compile.h"
 
 #include "compiler/compensation/compensation.h"
+#include "compiler/interpreter/compile_section.h"
 #include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/state/compile_losses.h"
@@ -99,7 +100,6 @@ void Note_Cut_Wires(const Record_List<Wire>& wires) {
 }
 
 void Begin_Program() {
-  Compile_Status.CompileRunning = true;
   SetStatus(1, "GCode Compile: Compiling Data...", 5);
   DoEvents();
   Compile_Status.CompileDone = Compile_Status.Cut_Short = false;
@@ -112,7 +112,6 @@ void Begin_Program() {
 
 void End_Program() {
   Set_Panel(1, "");
-  Compile_Status.CompileRunning = false;
   Compile_Host.Play_Sound_Slot(6);
   Compile_Status.CompileDone = true;
 }
@@ -167,7 +166,7 @@ bool CompileProgram() {
   Table<Wire> wires;
   bool whole = false;
   {
-    const Compile_Section section;
+    const Compile_Section section(Operation::Compile);
     Begin_Program();
     Trap("CompileProgram", [&] { whole = Run_Passes(wires); });
   }
@@ -179,7 +178,7 @@ bool CompileBlock(std::string_view text, const Start_Position& from) {
   if (Refused()) return false;
   Table<Wire> wires;
   bool whole = false;
-  std::optional<Compile_Section> section(std::in_place);
+  std::optional<Compile_Section> section(std::in_place, Operation::Compile_Line);
   SetStatus(1, "GCode Compile: Compiling Block...", 5);
   DoEvents();
   Compile_Losses = {};
@@ -207,6 +206,8 @@ bool GCode_Compile_All() {
   Machine.StartingStep = 0;
   Compile_Status.CurrentStep = Machine.StartingStep;
   AddMessage("Compiling GCode");
+  if (Compile_Status.Cut_Short)
+    AddMessage("The compile was cut short: the plot shows a part. Compile again before a run.");
   return whole;
 }
 

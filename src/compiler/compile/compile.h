@@ -14,7 +14,6 @@
 // otherwise than it was meant.
 #pragma once
 
-#include "compiler/interpreter/compile_section.h"
 #include "core/indexed.h"
 #include "core/nullable.h"
 

@@ -5,27 +5,16 @@
 
 namespace norvik {
 
-namespace {
-
-struct Compile_Driver_State {
-  bool Busy = false;  // a compile runs; what a yield starts must wait
-};
-Compile_Driver_State Driver;
-
-}  // namespace
-
-Compile_Section::Compile_Section() {
-  Driver.Busy = true;
+Compile_Section::Compile_Section(Operation what) : Entry(what) {
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
 }
 
 Compile_Section::~Compile_Section() {
-  Driver.Busy = false;
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
 }
 
 bool Compile_Busy() {
-  return Driver.Busy || Line_Pass_Runs();
+  return Compiler_Works() || Line_Pass_Runs();
 }
 
 }  // namespace norvik

@@ -22,8 +22,10 @@
 namespace norvik {
 
 // Runs cycle 81, 82 or 83; it is then the motion in force, and G0 of the same block does nothing.
-// Without Z, R and one of X and Y nothing moves. Raises a type fault for G82 when no P, and for G83
-// when no Q was ever read, and a call fault for a Q that is not above 0.
+// Without Z, R and one of X and Y nothing moves, but words and mode are remembered. Otherwise
+// raises, before anything moves, a type fault for G82 when no P, and for G83 when no Q was ever
+// read, and a call fault for a Q that is not above 0 or makes more pecks than the table of records
+// takes.
 void Run_Drill_Cycle(Block& block, std::int16_t code);
 
 }  // namespace norvik

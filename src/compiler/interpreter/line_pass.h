@@ -15,6 +15,8 @@
 #include "compiler/text/program_text.h"
 #include "core/indexed.h"
 #include "core/nullable.h"
+#include "core/indexed.h"
+#include "core/nullable.h"
 
 #include <cstdint>
 #include <functional>

@@ -139,17 +139,15 @@ struct Compile_Tables_State {
 };
 extern Compile_Tables_State Compile_Tables;
 
-// What other rooms ask about the compile.
+// What other rooms ask about the compile. Whether one runs stands in the ledger (core/operation.h).
 //
 // | flag           | set by             | read by                     | cleared by         |
 // |----------------|--------------------|-----------------------------|--------------------|
-// | CompileRunning | CompileProgram     | whoever may start a compile | CompileProgram     |
 // | CompileDone    | end of the compile | window of the progress bar, | start of a compile |
 // |                |                    | estimate                    |                    |
 // | Cut_Short      | a pass that ESC or | end of the compile          | start of a compile |
 // |                | a fault ended      |                             |                    |
 struct Compile_Status_State {
-  bool CompileRunning = false;
   bool CompileDone = false;
   bool Cut_Short = false;
   float CompileProgress = 0;     // percent

@@ -92,7 +92,7 @@ void Put_Back_Table() {
 }
 
 void Load_Program_Wire(const std::string& path) {
-  Install_Table(Read_Wire_Table(path, Wire_Table_Limit), {.Kind = Table_Kind::Motion_File});
+  Install_Table(Read_Wire_Table(path, Wire_Table_Limit), {.Kind = Table_Kind::Motion_File, .Sources = {}, .Losses = {}});
 }
 
 namespace {

@@ -92,7 +92,7 @@ class Program_Wire_State {
 
   Table<Wire> Wires;
   std::vector<Run> Runs;
-  Table_Origin From{.Kind = Table_Kind::None};
+  Table_Origin From{.Kind = Table_Kind::None, .Sources = {}, .Losses = {}};
   std::optional<Set_Aside> Aside;
 };
 extern Program_Wire_State Program_Wire;

@@ -54,7 +54,8 @@ enum class Code_Action : std::uint8_t {
 enum class Code_Loss : std::uint8_t {
   Nothing,   // acted on
   Harmless,  // asks for what this machine does anyway
-  Ignored,   // the job runs otherwise than written
+  Ignored,   // something is left undone that does not change the way of the tool
+  Missing,   // the job runs otherwise than written
 };
 
 struct Code {

@@ -10,6 +10,7 @@
 #pragma once
 
 #include "core/format.h"
+#include "core/powers_of_ten.h"
 
 #include <cstdint>
 #include <string>
@@ -28,25 +29,6 @@ struct Plain_Number {
   bool Is_Plain() const { return Digits >= 1 && Digits <= 15; }
   double Value() const;
 };
-
-inline constexpr double Powers_Of_Ten[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                           1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
-inline constexpr std::uint64_t Whole_Powers_Of_Ten[] = {1,
-                                                        10,
-                                                        100,
-                                                        1'000,
-                                                        10'000,
-                                                        100'000,
-                                                        1'000'000,
-                                                        10'000'000,
-                                                        100'000'000,
-                                                        1'000'000'000,
-                                                        10'000'000'000,
-                                                        100'000'000'000,
-                                                        1'000'000'000'000,
-                                                        10'000'000'000'000,
-                                                        100'000'000'000'000,
-                                                        1'000'000'000'000'000};
 
 inline double Plain_Number::Value() const {
   const double magnitude = static_cast<double>(Whole) / Powers_Of_Ten[Decimals];

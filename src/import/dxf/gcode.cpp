@@ -5,6 +5,7 @@
 #include "core/setup.h"
 #include "import/dxf/table.h"
 #include "import/pipeline/gcode.h"
+#include "import/pipeline/line_store.h"
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
@@ -14,7 +15,6 @@ namespace norvik {
 namespace {
 
 constexpr std::string_view Fault_Name = "DXF Import Error";
-constexpr std::int32_t Records_Per_Yield = 500;
 
 // The multi-depth row of a layer; the first that matches exactly, otherwise the one before.
 int Multi_Depth_Row(const std::string& layer, int before) {
@@ -156,19 +156,9 @@ bool DXF_Write_GCode(const std::string& line_file) {
   Import_Status("Converting Graphic File: Processing");
   const double travel = Decimal_Of(MachineSetup.Axis_Tool_Height[0]);
   return Write_Program(Import_Kind::DXF, Fault_Name, travel, [&](GCode_File& file) {
-    Import_Faults faults(Fault_Name);
-    Line_File_Reader reader(line_file, Line_Form::Ten);
-    Yield_Counter yields(Records_Per_Yield);
-    ImportLine line;
     Last_End last;
-    bool more = true;
-    while (more && !Application.EscFlag) {
-      yields.Round();
-      faults.Try([&] {
-        more = reader.Read(line);
-        if (more) Print_Record(file, line, last);
-      });
-    }
+    For_Each_Line(line_file, Line_Form::Ten, Fault_Name,
+                  [&](ImportLine& line) { Print_Record(file, line, last); });
   });
 }
 

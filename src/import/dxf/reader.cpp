@@ -143,7 +143,7 @@ class Reader {
 
   bool In_Section = true;  // the ENTITIES section has not ended; only then unread kinds count
   bool Any_Incomplete = false;
-  std::string Unit_Code;
+  std::string Unit_Code, Measurement;
 };
 
 char Upper_Letter(char c) {
@@ -182,23 +182,52 @@ void Reader::Load() {
 }
 
 bool Reader::Skip_To_Entities() {
-  bool unit_follows = false;
+  std::string* follows = nullptr;
   while (Pairs.Next(Faults)) {
     if (Pairs.Value == "ENTITIES") return true;
-    if (unit_follows && Pairs.Code == 70) Unit_Code = Pairs.Value;
-    unit_follows = Pairs.Value == "$INSUNITS";
+    if (follows && Pairs.Code == 70) *follows = Pairs.Value;
+    follows = Pairs.Value == "$INSUNITS"      ? &Unit_Code
+              : Pairs.Value == "$MEASUREMENT" ? &Measurement
+                                              : nullptr;
   }
   return false;
 }
 
-// A drawing in the other unit comes in 25.4 times too large or too small.
+// A drawing in another unit comes in too large or too small. Units by the code of $INSUNITS, or the
+// two of $MEASUREMENT where that is missing or says "none".
 void Reader::Note_Units() {
+  constexpr std::array<std::string_view, 21> names{"",
+                                                   "inches",
+                                                   "feet",
+                                                   "miles",
+                                                   "millimetres",
+                                                   "centimetres",
+                                                   "metres",
+                                                   "kilometres",
+                                                   "microinches",
+                                                   "mils",
+                                                   "yards",
+                                                   "angstroms",
+                                                   "nanometres",
+                                                   "microns",
+                                                   "decimetres",
+                                                   "decametres",
+                                                   "hectometres",
+                                                   "gigametres",
+                                                   "astronomical units",
+                                                   "light years",
+                                                   "parsecs"};
+  constexpr std::size_t inches = 1, millimetres = 4;
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  if (Unit_Code == "1" && metric) {
-    Report_Note("The drawing says inches, the setup is metric; nothing was converted.");
-  } else if (Unit_Code == "4" && !metric) {
-    Report_Note("The drawing says millimetres, the setup is inch; nothing was converted.");
+  std::size_t unit = 0;
+  if (const auto code = Try_Number(Unit_Code); code && *code > 0 && *code < names.size()) {
+    unit = static_cast<std::size_t>(*code);
+  } else if (Measurement == "0" || Measurement == "1") {
+    unit = Measurement == "0" ? inches : millimetres;
   }
+  if (unit == 0 || unit == (metric ? millimetres : inches)) return;
+  Report_Note("The drawing says " + std::string(names[unit]) + ", the setup is " +
+              (metric ? "metric" : "inch") + "; nothing was converted.");
 }
 
 // Entities by the end of their name, looked for in this order.
@@ -285,7 +314,9 @@ void Reader::Take_Field() {
 }
 
 void Reader::Take_Number(Nullable& field, bool rounded) {
-  Faults.Try([&] { field = rounded ? Rounded(Pairs.Value) : Foreign_Number(Pairs.Value); });
+  const bool readable =
+      Faults.Try([&] { field = rounded ? Rounded(Pairs.Value) : Foreign_Number(Pairs.Value); });
+  if (!readable) Count_Skipped(Entity_Name + " number that cannot be read");
 }
 
 // What changes the shape of an entity and is not taken goes into the report.
@@ -440,23 +471,25 @@ void Reader::Add_Arc() {
           {Fields.Radius, Fields.Start_Angle && Fields.End_Angle ? 0.0 : Nullable(), {}})) {
     return;
   }
-  Faults.Try([&] {
+  const bool made = Faults.Try([&] {
     const Point end = Arc_Point(*Fields.End_Angle), start = Arc_Point(*Fields.Start_Angle);
     Count_Read("ARC");
     Set_Depths(Fields.Points[1].Z, Fields.Points[0].Z);
     Add_Arc_Row(end, start);
   });
+  if (!made) Count_Skipped(Entity_Name + " beyond what can be computed");
 }
 
 void Reader::Add_Circle() {
   if (!Is_Complete(Fields.Points[0]) || !Is_Complete({Fields.Radius, 0.0, {}})) return;
-  Faults.Try([&] {
+  const bool made = Faults.Try([&] {
     const Point right = Arc_Point(0), left = Arc_Point(180);
     Count_Read("CIRCLE");
     Set_Depths(Fields.Points[0].Z, Fields.Points[1].Z);
     Add_Arc_Row(right, left);
     Add_Arc_Row(left, right);
   });
+  if (!made) Count_Skipped(Entity_Name + " beyond what can be computed");
 }
 
 void Reader::Add_Point() {

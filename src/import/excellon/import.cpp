@@ -100,14 +100,6 @@ bool Excellon_Write_GCode() {
   });
 }
 
-std::string Display_Excellon_Format() {
-  const auto places = [](std::int16_t count) {
-    return std::string(static_cast<std::size_t>(std::clamp<int>(count, 0, 9)), '#');
-  };
-  return places(MachineSetup.Excellon_Integer_Format) + "." +
-         places(MachineSetup.Excellon_Decimal_Format);
-}
-
 bool Import_Excellon_File(const std::string& path) {
   return Run_Import(Import_Kind::Excellon, path, "", [&] {
     Excellon_Table = {};

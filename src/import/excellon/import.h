@@ -15,7 +15,4 @@ void Excellon_Sort_Step();
 // Prints the working G-code file. True when the program is complete.
 bool Excellon_Write_GCode();
 
-// The number format of the setup as the options window shows it: "##.###".
-std::string Display_Excellon_Format();
-
 }  // namespace norvik

@@ -11,6 +11,8 @@
 #include "import/pipeline/report.h"
 #include "platform/platform.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace norvik {
@@ -72,7 +74,9 @@ class Reader {
   void Count_Other(std::string_view line);
   void Stop(const std::string& why);
   void Note_Word(std::string_view line);
+  void Take_Stated_Digits(std::string_view line);
   void Note_Format();
+  void Note_Stated_Digits();
   void Note_Lost_Tools();
   void Note_Text();
 
@@ -82,7 +86,8 @@ class Reader {
   std::string Line;      // in capitals
   std::size_t Rest = 0;  // where the next field of the line begins
   bool Has_Rest = false, Stopped = false;
-  std::string Zero_Word;  // "LZ" or "TZ" of the header
+  std::string Zero_Word;                      // "LZ" or "TZ" of the header
+  int Stated_Whole = 0, Stated_Decimals = 0;  // digits that the file names; both 0: none
   std::int16_t Tool = 1;
   double X = 0, Y = 0;
   Reading_Extent Leading, Trailing;  // the same coordinates under both readings
@@ -120,7 +125,10 @@ void Reader::Read_Header() {
   while (Next_Field(field)) {
     if (field == "%") return;
     Note_Word(field);
-    Faults.Try([&] { Read_Header_Tool(field); });
+    Take_Stated_Digits(field);
+    if (!Faults.Try([&] { Read_Header_Tool(field); })) {
+      Count_Skipped("tool sizes with unreadable numbers");
+    }
   }
   if (!Application.EscFlag && !Stopped) {
     Report_Note(
@@ -150,13 +158,33 @@ void Reader::Read_Header_Tool(std::string_view line) {
 // Units and zero format as the file names them; the setup decides all the same.
 void Reader::Note_Word(std::string_view line) {
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  if ((line == "INCH" || line == "M72") && metric) {
+  if ((line == "INCH" || line == "M72" || line == "G70") && metric) {
     Report_Note("The file says inches, the setup is metric; coordinates were not converted.");
-  } else if ((line == "METRIC" || line == "M71") && !metric) {
+  } else if ((line == "METRIC" || line == "M71" || line == "G71") && !metric) {
     Report_Note("The file says millimetres, the setup is inch; coordinates were not converted.");
   } else if (line == "LZ" || line == "TZ") {
     Zero_Word = line;
   }
+}
+
+// "000.000" behind METRIC or INCH, ";FILE_FORMAT=2:4", "; FORMAT={3:3/ absolute / metric}".
+void Reader::Take_Stated_Digits(std::string_view line) {
+  const auto zeros_and_point = [](char c) { return c == '0' || c == '.'; };
+  const auto point = line.find('.');
+  if (point != std::string_view::npos && point > 0 && point + 1 < line.size() &&
+      std::ranges::all_of(line, zeros_and_point)) {
+    Stated_Whole = static_cast<int>(point);
+    Stated_Decimals = static_cast<int>(line.size() - point - 1);
+    return;
+  }
+  const auto format = line.find("FORMAT");
+  if (line.empty() || line.front() != ';' || format == std::string_view::npos) return;
+  const auto colon = line.find(':', format);
+  if (colon == std::string_view::npos || colon + 1 >= line.size()) return;
+  const char whole = line[colon - 1], decimals = line[colon + 1];
+  if (whole < '0' || whole > '9' || decimals < '0' || decimals > '9') return;
+  Stated_Whole = whole - '0';
+  Stated_Decimals = decimals - '0';
 }
 
 void Reader::Read_Body() {
@@ -279,6 +307,35 @@ void Reader::Note_Format() {
               ", with trailing zeros kept " + size_of(Trailing) + ".");
 }
 
+// What the digits that the file names make of the coordinates, against those of the setup.
+void Reader::Note_Stated_Digits() {
+  if (Stated_Whole + Stated_Decimals == 0) return;
+  if (Leading.Size() == 0 && Trailing.Size() == 0) return;  // all numbers have points
+  const int whole = MachineSetup.Excellon_Integer_Format;
+  const int decimals = MachineSetup.Excellon_Decimal_Format;
+  constexpr int thousandths = 3;
+  int larger = 0;  // places by which the coordinates come out too large
+  switch (MachineSetup.Excellon_Zero_Format) {
+    case Leading_Zeros:
+      larger = whole - Stated_Whole;
+      break;
+    case Trailing_Zeros:
+      larger = Stated_Decimals - decimals;
+      break;
+    default:
+      larger = Stated_Decimals - thousandths;
+  }
+  if (larger == 0) return;
+  constexpr std::array names{"ten", "a hundred", "a thousand", "ten thousand"};
+  const auto place = static_cast<std::size_t>(std::abs(larger) - 1);
+  const std::string times = place < names.size() ? names[place] : "many";
+  Report_Note(
+      "The file states " + std::to_string(Stated_Whole) + ":" + std::to_string(Stated_Decimals) +
+      " digits, the setup reads " + std::to_string(whole) + ":" + std::to_string(decimals) +
+      ": the coordinates come out " + times + " times too " + (larger > 0 ? "large" : "small") +
+      ". Set the digits of the file under Excellon and import again.");
+}
+
 void Reader::Note_Lost_Tools() {
   std::string lost, first_idle;
   std::size_t holes = 0, idle = 0;
@@ -317,6 +374,7 @@ void Reader::Load() {
   Read_Header();
   Read_Body();
   Note_Format();
+  Note_Stated_Digits();
   Note_Lost_Tools();
   Note_Text();
 }
@@ -332,10 +390,6 @@ std::optional<std::string_view> Find_Coordinate(char letter, std::string_view li
   const std::string_view text = line.substr(at, std::min(end, line.size()) - at);
   if (text.empty()) return std::nullopt;
   return text;
-}
-
-double Excellon_Value(std::string_view text) {
-  return Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Axis_Rounding());
 }
 
 void Excellon_Load(const std::string& path) {

@@ -26,10 +26,6 @@ namespace norvik {
 // digits, "+", "-" and "." are taken. Absent when the letter or its digits are missing.
 std::optional<std::string_view> Find_Coordinate(char letter, std::string_view line);
 
-// A coordinate text in units of the setup, rounded by `Axis_Format`. Raises a type fault when the
-// placed text is no number.
-double Excellon_Value(std::string_view text);
-
 // Fills `Excellon_Table` and the tool list. Yields at every line; ESC ends the load, and so do a
 // header tool above 200, a tool above 500 and more than 10,000 holes on one tool. Failures are
 // logged as "NC File Load Error".

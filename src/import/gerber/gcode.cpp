@@ -1,11 +1,10 @@
 #include "import/gerber/gcode.h"
 
-#include "core/application.h"
 #include "core/format.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "import/pipeline/gcode.h"
-#include "import/pipeline/line.h"
+#include "import/pipeline/line_store.h"
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/pipeline.h"
 
@@ -16,7 +15,6 @@ namespace norvik {
 namespace {
 
 constexpr std::string_view Fault_Name = "Get_Gerber_DataFile_Error";
-constexpr std::int32_t Records_Per_Yield = 500;
 
 class Cut_Writer {
  public:
@@ -66,19 +64,9 @@ bool Gerber_Write_GCode(const std::string& line_file) {
   const double travel = Decimal_Of(MachineSetup.Axis_Tool_Height[0]);
   return Write_Program(Import_Kind::Gerber, Fault_Name, travel, [&](GCode_File& file) {
     if (!FileExists(line_file)) return;
-    Import_Faults faults(Fault_Name);
-    Line_File_Reader reader(line_file, Line_Form::Four);
     Cut_Writer writer(file, travel);
-    Yield_Counter yields(Records_Per_Yield);
-    ImportLine line;
-    bool more = true;
-    while (more && !Application.EscFlag) {
-      yields.Round();
-      faults.Try([&] {
-        more = reader.Read(line);
-        if (more) writer.Print(line);
-      });
-    }
+    For_Each_Line(line_file, Line_Form::Four, Fault_Name,
+                  [&](ImportLine& line) { writer.Print(line); });
   });
 }
 

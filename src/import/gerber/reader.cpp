@@ -2,6 +2,7 @@
 
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/numbers.h"
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "import/gerber/apertures.h"
@@ -126,6 +127,7 @@ class Data_Scan {
   void Select_Layer(std::string_view name);
   void Read_Data(std::string_view word);
   bool Read_G(std::string_view word);
+  void Look_For_Arcs(std::string_view word);
   bool Read_Coordinate(char letter, std::string_view word, const std::string& format, float& value);
   void Operate(std::optional<double> code);
   void Select_Aperture(double code);
@@ -152,6 +154,7 @@ class Data_Scan {
   std::int32_t Aperture = 0;
   bool Aperture_In_Range = true;
   bool Arc = false;
+  bool Circle = false;  // the word under way is an arc with a centre and no end: a full circle
   std::int64_t Short_Coordinates = 0, Lost_Words = 0;
 };
 
@@ -209,6 +212,8 @@ void Data_Scan::Read_Data(std::string_view word) {
   const bool readable = Read_Coordinate('X', word, Gerber_Format.Format_X, New.X) &&
                         Read_Coordinate('Y', word, Gerber_Format.Format_Y, New.Y);
   std::optional<double> code;
+  Circle = Arc && Gerber_Number_Text('X', word).empty() && Gerber_Number_Text('Y', word).empty() &&
+           (!Gerber_Number_Text('I', word).empty() || !Gerber_Number_Text('J', word).empty());
   if (!readable || !Value_Faults.Try([&] { code = Gerber_Find_Val('D', word); })) {
     New = before;
     ++Lost_Words;
@@ -218,6 +223,18 @@ void Data_Scan::Read_Data(std::string_view word) {
     Select_Aperture(*code);
   } else if (code || Seen) {
     Operate(code);
+  } else if (Circle) {
+    Count_Skipped("full circle without X and Y (not drawn)");
+  }
+}
+
+// The interpolation that the word's G codes leave in force, the second and later ones too:
+// "G75G02".
+void Data_Scan::Look_For_Arcs(std::string_view word) {
+  for (auto at = word.find('G'); at != std::string_view::npos; at = word.find('G', at + 1)) {
+    const auto number = Try_Number(Gerber_Number_Text('G', word.substr(at)));
+    if (number == 1 || number == 10 || number == 11 || number == 12) Arc = false;
+    if (number == 2 || number == 3) Arc = true;
   }
 }
 
@@ -227,14 +244,16 @@ bool Data_Scan::Read_G(std::string_view word) {
   const std::string_view text = Gerber_Number_Text('G', word);
   if (text.empty()) return true;
   double number = 0;
-  if (!Value_Faults.Try([&] { number = Foreign_Number(text); })) return true;
+  if (!Value_Faults.Try([&] { number = Foreign_Number(text); })) {
+    ++Lost_Words;
+    return true;
+  }
   if (number == 4) return false;
+  Look_For_Arcs(word);
   const auto code = static_cast<int>(std::clamp(number, -1.0, 1000.0));
   if (std::find(accepted.begin(), accepted.end(), code) == accepted.end()) {
     Count_Skipped("G" + std::string(text.substr(0, 10)));
   }
-  if (code == 1 || code == 10 || code == 11 || code == 12) Arc = false;
-  if (code == 2 || code == 3) Arc = true;
   if (code == 36) Count_Skipped("G36 region (its outline drawn with the aperture, not filled)");
   if (code == 70) Gerber_Format.Inches = Gerber_Format.Inches.value_or(true);
   if (code == 71) Gerber_Format.Inches = Gerber_Format.Inches.value_or(false);
@@ -278,6 +297,10 @@ void Data_Scan::Operate(std::optional<double> code) {
   }
   if (code) Last = static_cast<int>(*code);
   const int now = code ? Last : std::min(Last, Move);
+  if (now == Draw && Circle) {
+    Count_Skipped("full circle without X and Y (not drawn)");
+    return;
+  }
   if (now == Draw) {
     const bool moved = !(New == Old);
     if (Seen && (code || moved)) Draw_Line();

@@ -22,7 +22,8 @@ namespace {
 
 constexpr std::int32_t Rounds_Per_Yield = 50;
 
-// Drops repeated and closed records on the way to the file. Values are compared exactly.
+// Drops repeated records and those of no length on the way to the file. Values are compared
+// exactly.
 class Distinct_Writer {
  public:
   explicit Distinct_Writer(const std::string& line_file)
@@ -41,10 +42,9 @@ class Distinct_Writer {
 
 void Distinct_Writer::Write(const ImportLine& line) {
   const std::array<Nullable, 6> ends{line.X1, line.Y1, line.Z1, line.X2, line.Y2, line.Z2};
-  const bool closed = line.X1 == line.X2 && line.Y1 == line.Y2 && line.Z1 == line.Z2;
-  if (closed && line.Type) {
-    Count_Skipped("full circle (the sort drops what ends where it begins)");
-  } else if (closed) {
+  // A full circle ends where it begins and has a length all the same.
+  const bool closed = line.X1 == line.X2 && line.Y1 == line.Y2 && line.Z1 == line.Z2 && !line.Type;
+  if (closed) {
     Count_Skipped("stroke of no length");
   } else if (ends == Before) {
     Count_Skipped("repeated stroke");

@@ -42,14 +42,6 @@ Nullable HPGL_Numbers::Angle(std::size_t n) const {
   return run.At_End ? Foreign_Number(run.Text) / Units_At_End : Foreign_Number(run.Text);
 }
 
-Nullable HPGL_Number(std::size_t n, std::string_view text) {
-  return HPGL_Numbers(text).Coordinate(n);
-}
-
-Nullable HPGL_Angle(std::size_t n, std::string_view text) {
-  return HPGL_Numbers(text).Angle(n);
-}
-
 bool Contains_Word(std::string_view word, std::string_view text) {
   const auto same = [](char a, char b) { return Capital(a) == Capital(b); };
   return std::search(text.begin(), text.end(), word.begin(), word.end(), same) != text.end();

@@ -34,9 +34,6 @@ class HPGL_Numbers {
   std::vector<Run> Runs;
 };
 
-// The n-th coordinate or angle in a text.
-Nullable HPGL_Number(std::size_t n, std::string_view text);
-Nullable HPGL_Angle(std::size_t n, std::string_view text);
 // True when the letters stand together anywhere in the text, in any case.
 bool Contains_Word(std::string_view word, std::string_view text);
 

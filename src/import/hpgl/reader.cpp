@@ -13,6 +13,7 @@
 #include "import/pipeline/report.h"
 #include "platform/platform.h"
 
+#include <algorithm>
 #include <array>
 #include <cctype>
 #include <cmath>
@@ -46,6 +47,16 @@ constexpr std::array<Mnemonic, 7> Mnemonics{{
     {"AR", Mode::Arc_Relative, {}},
     {"SP", Mode::Select_Pen, {}},
 }};
+
+// Commands that set the plotter up by pairs of numbers: scales, corners, sizes of letters and the
+// like, never places of the pen. All other commands that are not known leave their numbers to the
+// mode in force.
+bool Sets_Up(std::string_view letters) {
+  constexpr std::array<std::string_view, 29> commands{
+      "LT", "SI", "IP", "SC", "RO", "IW", "SL", "DR", "DI", "SR", "SS", "SA", "CS", "CA", "ES",
+      "LO", "DT", "PT", "PW", "WU", "FT", "UL", "TL", "PS", "IR", "SM", "PM", "AC", "CT"};
+  return std::find(commands.begin(), commands.end(), letters) != commands.end();
+}
 
 // Commands one by one, with the first letter of the next carried over.
 class Command_Source {
@@ -167,11 +178,19 @@ void Reader::Load() {
   std::string command;
   while (Commands.Next(command)) {
     Set_Mode(command);
-    Faults.Try([&] { Read_Parameters(command); });
+    const bool passed_over = !In_Text && !In_Encoded && Sets_Up(command.substr(0, 2));
+    if (!passed_over && !Faults.Try([&] { Read_Parameters(command); })) {
+      Count_Skipped("commands with a number that cannot be read");
+    }
     if (Commands.Ended_By_Semicolon()) In_Text = In_Encoded = false;
     if (Commands.Ended_A_Text()) In_Text = false;
   }
   File.Close();
+  if (MachineSetup.UnitsofMeasurement == 1) {
+    Report_Note(
+        "The numbers of the file come out in inches, the setup is metric; nothing was "
+        "converted.");
+  }
   if (Commands.Dropped() > 0) {
     Report_Note("A command is longer than 16 million characters; its end was not read.");
   }

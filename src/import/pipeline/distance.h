@@ -31,13 +31,5 @@ inline bool Is_Nearer_Square(double square, double than) {
 inline bool Is_Closer(float cx, float cy, float ax, float ay, float bx, float by) {
   return Is_Nearer_Square(Distance_Square(cx, cy, bx, by), Distance_Square(cx, cy, ax, ay));
 }
-// The same with values that may be missing; any missing value gives false.
-bool Is_Closer(Nullable cx, Nullable cy, Nullable ax, Nullable ay, Nullable bx, Nullable by);
-
-// True when point (x, y, z) meets a or b: each axis differs by less than `DXF_Line_Tolerance`
-// (strictly, so that a tolerance of 0 connects nothing); two missing Z meet, a missing and a
-// present one do not.
-bool Ends_Connect(Nullable x, Nullable y, Nullable z, Nullable ax, Nullable ay, Nullable az,
-                  Nullable bx, Nullable by, Nullable bz);
 
 }  // namespace norvik

@@ -8,22 +8,11 @@
 #include "import/pipeline/report.h"
 
 #include <array>
-#include <cerrno>
-#include <charconv>
 #include <cmath>
-#include <cstring>
 
 namespace norvik {
 
 namespace {
-
-constexpr std::size_t Chunk = 1 << 18;
-
-[[noreturn]] void Raise_Write_Fault(const std::string& path) {
-  throw Fault(errno == ENOSPC ? Fault_Number::Disk_Full : Fault_Number::Path_Access,
-              "Cannot write the program " + path + " (" + std::strerror(errno) +
-                  "). Free some space or check the working folder, then import again.");
-}
 
 bool Differs(const Nullable& a, const Nullable& b, double tolerance) {
   return a && b && std::abs(*a - *b) > tolerance;
@@ -45,50 +34,17 @@ std::string Comment_Name(std::string_view source_path) {
 
 // --- Lines -------------------------------------------------------------------------------------
 
-GCode_File::GCode_File(std::string path)
-    : Path(std::move(path)),
-      File(std::fopen(Path.c_str(), "wb")),
-      Axis_Pattern("############" + MachineSetup.Axis_Format) {
-  if (!File) Raise_Write_Fault(Path);
-  Buffer.reserve(Chunk + Chunk / 4);
-}
-
-void GCode_File::Begin(std::string_view statement) {
-  Buffer.resize(Line_Start);  // whatever an abandoned line left
-  char number[24];
-  const auto end = std::to_chars(number, number + sizeof number, Sequence).ptr;
-  Buffer += 'N';
-  for (auto digits = end - number; digits < 3; ++digits) Buffer += '0';
-  Buffer.append(number, end);
-  Buffer += ' ';
-  Buffer += statement;
-}
-
-void GCode_File::Word(std::string_view letter, double value) {
-  char number[General_Text_Limit];
-  Buffer += letter;
-  Buffer.append(number, Write_General(number, value));
-}
+GCode_File::GCode_File(const std::string& path)
+    : GCode_Lines(path, "Free some space or check the working folder, then import again."),
+      Axis_Pattern("############" + MachineSetup.Axis_Format),
+      Axis_Text(Formatted_Number_Limit + Axis_Pattern.Front.size() + Axis_Pattern.Back.size(),
+                ' ') {}
 
 void GCode_File::Formatted_Word(std::string_view letter, double value) {
-  Buffer += letter;
-  const std::size_t start = Buffer.size();
-  Buffer.resize(start + Formatted_Number_Limit + Axis_Pattern.Front.size() +
-                Axis_Pattern.Back.size());
-  const char* end = Write_Number(&Buffer[start], value, Axis_Pattern, Application.DecimalSeparator);
-  Buffer.resize(static_cast<std::size_t>(end - Buffer.data()));
-}
-
-void GCode_File::End() {
-  Buffer += "\r\n";
-  ++Sequence;
-  if (Buffer.size() >= Chunk) Flush();
-  Line_Start = Buffer.size();
-}
-
-void GCode_File::Line(std::string_view statement) {
-  Begin(statement);
-  End();
+  const char* end =
+      Write_Number(Axis_Text.data(), value, Axis_Pattern, Application.DecimalSeparator);
+  Text(letter);
+  Text({Axis_Text.data(), end});
 }
 
 void GCode_File::Rapid_Z(double z) {
@@ -118,7 +74,7 @@ void GCode_File::Cut_XYZ(double x, double y, Nullable z, std::string_view suffix
   Word(" X", x);
   Word(" Y", y);
   if (z) Word(" Z", *z);
-  Buffer += suffix;
+  Text(suffix);
   End();
   Import_Report.Motion.Cut_To(x, y, z);
 }
@@ -153,22 +109,6 @@ void GCode_File::Rapid_XY_Formatted(double x, double y) {
   Formatted_Word(" Y", y);
   End();
   Import_Report.Motion.Rapid(x, y, {});
-}
-
-// After a failed write nothing more is written, so that no program with a hole comes out; Close
-// says so.
-void GCode_File::Flush() {
-  const std::size_t wanted = Buffer.size();
-  if (!Failed) Failed = std::fwrite(Buffer.data(), 1, wanted, File.get()) != wanted;
-  Buffer.clear();
-  Line_Start = 0;
-}
-
-void GCode_File::Close() {
-  Buffer.resize(Line_Start);
-  Flush();
-  std::FILE* file = File.release();
-  if (std::fclose(file) != 0 || Failed) Raise_Write_Fault(Path);
 }
 
 bool Write_Program(Import_Kind kind, std::string_view fault_name, double travel,

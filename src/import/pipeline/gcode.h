@@ -1,11 +1,11 @@
 // gcode.h: the working G-code file as every importer prints it.
 //
-// A line is "N" + running number + statement; the header counts too, so a file begins
-// "N001 [Norvik Conversion]". Every move is printed by a member here, which also feeds the motion
-// tally of the import report. Lines end with CR LF.
+// The header counts too, so a file begins "N001 [Norvik Conversion]". Every move is printed by a
+// member here, which also feeds the motion tally of the import report.
 #pragma once
 
 #include "core/format.h"
+#include "core/gcode_lines.h"
 #include "core/nullable.h"
 #include "import/pipeline/line.h"
 #include "import/pipeline/pipeline.h"
@@ -16,15 +16,12 @@
 
 namespace norvik {
 
-class GCode_File {
+class GCode_File : public GCode_Lines {
  public:
   // Replaces `path`. Raises a file fault.
-  explicit GCode_File(std::string path);
+  explicit GCode_File(const std::string& path);
 
-  // One numbered line.
-  void Line(std::string_view statement);
-
-  // A line that fails (a coordinate that is no number or too large) is not printed at all and does
+  // A move that fails (a coordinate that is no number or too large) is not printed at all and does
   // not count.
   //
   // Moves with numbers in general form. An absent Z prints no Z word. `suffix` follows the words
@@ -40,24 +37,11 @@ class GCode_File {
   void Cut_Z_Formatted(double z);
   void Rapid_XY_Formatted(double x, double y);
 
-  // Writes what is left and closes. Must be called; raises a file fault.
-  void Close();
-  std::int64_t Lines_Printed() const { return Sequence - 1; }
-
  private:
-  void Begin(std::string_view statement);
-  void Word(std::string_view letter, double value);
   void Formatted_Word(std::string_view letter, double value);
-  void End();
-  void Flush();
 
-  std::string Path;
-  File_Handle File;
   Number_Pattern Axis_Pattern;  // of `Axis_Format` when the file was begun
-  std::string Buffer;
-  std::size_t Line_Start = 0;
-  bool Failed = false;
-  std::int64_t Sequence = 1;
+  std::string Axis_Text;        // room for one number, used again for each
 };
 
 // "[Norvik Conversion]", the file name, "%", G90 with the default dwell where dwells are inserted,

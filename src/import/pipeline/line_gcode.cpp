@@ -11,8 +11,6 @@ namespace norvik {
 
 namespace {
 
-constexpr std::int32_t Records_Per_Yield = 500;
-
 class Line_Writer {
  public:
   Line_Writer(GCode_File& file, const Line_GCode_Rules& rules) : File(file), Rules(rules) {}
@@ -113,19 +111,9 @@ void Line_Writer::Print(ImportLine& line) {
 
 bool Write_Line_GCode(const std::string& line_file, const Line_GCode_Rules& rules) {
   return Write_Program(rules.Kind, rules.Fault_Name, rules.Travel, [&](GCode_File& file) {
-    Import_Faults faults(rules.Fault_Name);
-    Line_File_Reader reader(line_file, Line_Form::Thirteen);
     Line_Writer writer(file, rules);
-    Yield_Counter yields(Records_Per_Yield);
-    ImportLine line;
-    bool more = true;
-    while (more && !Application.EscFlag) {
-      yields.Round();
-      faults.Try([&] {
-        more = reader.Read(line);
-        if (more) writer.Print(line);
-      });
-    }
+    For_Each_Line(line_file, Line_Form::Thirteen, rules.Fault_Name,
+                  [&](ImportLine& line) { writer.Print(line); });
   });
 }
 

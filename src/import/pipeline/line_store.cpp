@@ -5,6 +5,23 @@
 
 namespace norvik {
 
+void For_Each_Line(const std::string& line_file, Line_Form form, std::string_view fault_name,
+                   const std::function<void(ImportLine& line)>& use) {
+  constexpr std::int32_t records_per_yield = 500;
+  Import_Faults faults(fault_name);
+  Line_File_Reader reader(line_file, form);
+  Yield_Counter yields(records_per_yield);
+  ImportLine line;
+  bool more = true;
+  while (more && !Application.EscFlag) {
+    yields.Round();
+    faults.Try([&] {
+      more = reader.Read(line);
+      if (more) use(line);
+    });
+  }
+}
+
 void Line_Store::Add(const ImportLine& line) {
   Held.push_back({line.X1, line.Y1, line.Z1, line.X2, line.Y2, line.Z2, line.I, line.J, line.Type,
                   line.Pen, Texts.Number_Of(line.Layer), Texts.Number_Of(line.Cut_Feed),
@@ -37,19 +54,8 @@ double Line_Store::Y(std::size_t number, int side) const {
 }
 
 void Line_Store::Load(const std::string& line_file, std::string_view fault_name) {
-  constexpr std::int32_t records_per_yield = 500;
-  Import_Faults faults(fault_name);
-  Line_File_Reader reader(line_file, Line_Form::Thirteen);
-  Yield_Counter yields(records_per_yield);
-  ImportLine line;
-  bool more = true;
-  while (more && !Application.EscFlag) {
-    yields.Round();
-    faults.Try([&] {
-      more = reader.Read(line);
-      if (more) Add(line);
-    });
-  }
+  For_Each_Line(line_file, Line_Form::Thirteen, fault_name,
+                [&](const ImportLine& line) { Add(line); });
 }
 
 }  // namespace norvik

@@ -1,5 +1,6 @@
 #include "import/pipeline/report.h"
 
+#include "core/axes.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
@@ -64,17 +65,16 @@ void Add_Counts(std::vector<std::string>& lines) {
   if (!skipped.empty()) lines.push_back("Not read: " + skipped);
 }
 
-std::string Range_Text(std::string_view axis, const Axis_Range& range) {
-  return std::string(axis) + " " + Figure(*range.From) + " to " + Figure(*range.To);
+std::string Range_Text(char axis, const Axis_Range& range) {
+  return std::string(1, axis) + " " + Figure(*range.From) + " to " + Figure(*range.To);
 }
 
 void Add_Motion(std::vector<std::string>& lines) {
   const Motion_Tally& motion = Import_Report.Motion;
   std::string extents;
-  constexpr std::string_view names[] = {"X", "Y", "Z"};
   for (int axis = 0; axis < 3; ++axis) {
     if (!motion.Cut[axis].From) continue;
-    extents += (extents.empty() ? "" : ", ") + Range_Text(names[axis], motion.Cut[axis]);
+    extents += (extents.empty() ? "" : ", ") + Range_Text(Axis_Letter(axis + 1), motion.Cut[axis]);
   }
   lines.push_back(extents.empty() ? "Cutting extents: nothing is cut"
                                   : "Cutting extents: " + extents);
@@ -84,10 +84,10 @@ void Add_Motion(std::vector<std::string>& lines) {
 
 // The table lies from 0 to its length, or around 0 when the plot centres it.
 void Add_Table_Fit(std::vector<std::string>& lines) {
+  if (Nothing_Arrived()) return;
   constexpr double allowance = 1e-6;
   const Motion_Tally& motion = Import_Report.Motion;
   std::string outside;
-  constexpr std::string_view names[] = {"X", "Y"};
   for (int axis = 0; axis < 2; ++axis) {
     Axis_Range all = motion.Cut[axis];
     for (const auto& end : {motion.Travel[axis].From, motion.Travel[axis].To}) {
@@ -97,11 +97,22 @@ void Add_Table_Fit(std::vector<std::string>& lines) {
     const double length = MachineSetup.Axis_Depth[axis + 1];
     const double low = MachineSetup.Plot_Centered ? -length / 2 : 0, high = low + length;
     if (*all.From >= low - allowance && *all.To <= high + allowance) continue;
-    outside += (outside.empty() ? "" : "; ") + Range_Text(names[axis], all) + " (table " +
+    outside += (outside.empty() ? "" : "; ") + Range_Text(Axis_Letter(axis + 1), all) + " (table " +
                Figure(low) + " to " + Figure(high) + ")";
   }
   lines.push_back(outside.empty() ? "Everything lies on the table"
                                   : "Outside the table: " + outside);
+}
+
+std::string Reason_For_Nothing(const Import_Report_State& report) {
+  bool read = false, skipped = false;
+  for (const auto& [name, counts] : report.Kinds) {
+    read = read || counts.Read > 0;
+    skipped = skipped || counts.Skipped > 0;
+  }
+  if (read) return "what was read of it makes no cutting move. Look at the notes below.";
+  if (skipped) return "none of what it holds can be read. \"Not read\" below says what that is.";
+  return "it holds nothing that this import knows. Is it a file of this kind?";
 }
 
 // How the import ended, when it did not end well; empty otherwise.
@@ -114,6 +125,7 @@ std::string Ending(const Import_Report_State& report) {
   if (!report.Written) {
     return "No program was made, the program is the one from before. The error log says why.";
   }
+  if (Nothing_Arrived()) return "Nothing of the file is cut: " + Reason_For_Nothing(report);
   return "";
 }
 
@@ -198,6 +210,10 @@ void Finish_Import_Report(bool stopped, bool written) {
         "Arc centres in this program are absolute, but the setup reads I and J as incremental. "
         "Switch GC_IJ_Incremental off before it is run.");
   }
+}
+
+bool Nothing_Arrived() {
+  return !Import_Report.Motion.Cut[0].From && !Import_Report.Motion.Cut[2].From;
 }
 
 void Count_Read(std::string_view kind, std::int64_t count) {

@@ -75,6 +75,9 @@ void Start_Import_Report(Import_Kind kind, const std::string& path);
 // `stopped`: ESC ended a phase; `written`: there is a program to open.
 void Finish_Import_Report(bool stopped, bool written);
 
+// True when the program that was made cuts nothing: of the drawing nothing has arrived.
+bool Nothing_Arrived();
+
 // Counts entities or commands by kind. Names come from the file: they are cut to a short printable
 // text, and after the first hundred kinds the rest counts as "other".
 void Count_Read(std::string_view kind, std::int64_t count = 1);

@@ -20,6 +20,7 @@
 #include <QScreen>
 #include <QTextDocument>
 #include <QTimer>
+#include <QWidget>
 
 namespace norvik {
 
@@ -30,6 +31,7 @@ using Clock = std::chrono::steady_clock;
 struct Key_State {
   std::array<bool, 256> Down{};
   std::array<bool, 256> Went_Down{};  // since the last question
+  bool Escape_Taken = false;          // the last press of ESC went to a box
 };
 
 struct Desktop_State {
@@ -41,6 +43,13 @@ struct Desktop_State {
 };
 
 Desktop_State Desktop;
+
+bool Something_Takes_Escape() {
+  if (QApplication::activeModalWidget() || QApplication::activePopupWidget()) return true;
+  for (const QWidget* widget = QApplication::focusWidget(); widget; widget = widget->parentWidget())
+    if (widget->property("Takes_Escape").toBool()) return true;
+  return false;
+}
 
 // Sees every key event of the program before any window does. A window system tells a program of
 // its own keys only, so a key counts while any window of the program has the focus.
@@ -73,6 +82,8 @@ class Key_Watch : public QObject {
     const int code = Virtual_Key_Code(*event);
     if (code <= 0 || code > 255) return;
     const auto place = static_cast<std::size_t>(code);
+    if (down && code == key::Escape && !Desktop.Keys.Down[place])
+      Desktop.Keys.Escape_Taken = Something_Takes_Escape();
     Desktop.Keys.Down[place] = down;
     if (down) Desktop.Keys.Went_Down[place] = true;
   }
@@ -232,6 +243,10 @@ Screen_Area Desktop_Screen() {
 }
 
 }  // namespace
+
+bool Escape_Went_To_A_Box() {
+  return Desktop.Keys.Escape_Taken;
+}
 
 void Install_Desktop_Platform(std::function<void()> before_box) {
   Desktop.Before_Box = std::move(before_box);

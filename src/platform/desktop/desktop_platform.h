@@ -12,4 +12,8 @@ namespace norvik {
 // input box opens: a box takes the focus, so whatever was held by a key or a button must end.
 void Install_Desktop_Platform(std::function<void()> before_box);
 
+// True when the last press of ESC went to an open box or menu, or to a widget that takes it: one
+// that has, or lies in one that has, the property `Takes_Escape`.
+bool Escape_Went_To_A_Box();
+
 }  // namespace norvik

@@ -1,8 +1,9 @@
 #include "ui/machine/axis_rows.h"
 
-#include "control/cnc_controls_form.h"
-#include "control/displays.h"
-#include "control/panel_edits.h"
+#include "control/displays/displays.h"
+#include "control/manual/panel_edits.h"
+#include "control/state/cnc_controls_form.h"
+#include "core/axes.h"
 #include "core/setup.h"
 #include "ui/widgets/theme.h"
 
@@ -12,8 +13,6 @@
 namespace norvik {
 
 namespace {
-
-constexpr const char* Axis_Names[] = {"", "X", "Y", "Z", "A"};
 
 // A readout that can be double-clicked to type another position.
 class Position_Label : public QLabel {
@@ -50,7 +49,7 @@ QPushButton* Lamp(const QString& tip) {
 
 // The label of the distance to go.
 QWidget* Build_Row(QGridLayout& grid, Form_Binding& binding, int axis) {
-  const QString name = Axis_Names[axis];
+  const QString name = QString(QChar(Axis_Letter(axis)));
   auto* title = new QLabel(name);
   title->setFont(Bold_Font(1.9));
   title->setMinimumWidth(Text_Height());

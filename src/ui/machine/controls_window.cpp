@@ -1,13 +1,16 @@
 #include "ui/machine/controls_window.h"
 
-#include "control/cnc_controller.h"
-#include "control/cnc_controls_form.h"
-#include "control/displays.h"
-#include "control/estimate.h"
-#include "control/goto.h"
-#include "control/home.h"
-#include "control/jog_guard.h"
-#include "control/safety.h"
+#include "app/gcode_form.h"
+#include "control/displays/displays.h"
+#include "control/manual/home.h"
+#include "control/manual/jog_guard.h"
+#include "control/panel/panel.h"
+#include "control/run/cnc_controller.h"
+#include "control/run/estimate.h"
+#include "control/run/goto.h"
+#include "control/safety/safety.h"
+#include "control/state/cnc_controls_form.h"
+#include "core/application.h"
 #include "core/messages.h"
 #include "core/setup.h"
 #include "ui/machine/axis_rows.h"
@@ -16,6 +19,9 @@
 #include "ui/machine/panel_values.h"
 #include "ui/widgets/panel_group.h"
 #include "ui/widgets/theme.h"
+
+#include <algorithm>
+#include <iterator>
 
 #include <QApplication>
 #include <QGroupBox>
@@ -39,13 +45,13 @@ struct Button_Row {
 
 constexpr Button_Row Run_Buttons[] = {
     {"Command_CNC_Play", &CNC_Controls_Form::Command_CNC_Play, Command_CNC_Play_Click, Sign::Play,
-     "Run the program from the step shown"},
+     "Run the program from the step shown (Ctrl+F9)"},
     {"Command_CNC_Pause", &CNC_Controls_Form::Command_CNC_Pause, Command_CNC_Pause_Click,
-     Sign::Pause, "Stop after the running step"},
+     Sign::Pause, "Stop after the running step (F9)"},
     {"Command_CNC_Step", &CNC_Controls_Form::Command_CNC_Step, Command_CNC_Step_Click, Sign::Step,
-     "Run one step"},
+     "Run one step (Ctrl+F10)"},
     {"Command_CNC_Stop", &CNC_Controls_Form::Command_CNC_Stop, Command_CNC_Stop_Click, Sign::Stop,
-     "End the run with the running move; the next run begins at the first step (ESC)"},
+     "End the run with the running move; the next run begins at the first step (F8 or ESC)"},
 };
 
 QPushButton* Big_Button(const Button_Row& row) {
@@ -129,12 +135,30 @@ void Controls_Window::Start_Timer(int interval_ms) {
 
 void Controls_Window::Show_Form() {
   Binding.Show();
+  Show_Refused();
   Safety->setVisible(!Safety->text().isEmpty());
   Knob->update();
   if (Shown_Status == Messages.Status_Box) return;
   Shown_Status = Messages.Status_Box;
   Status_Box->setPlainText(QString::fromStdString(Shown_Status).trimmed());
   Status_Box->verticalScrollBar()->setValue(0);
+}
+
+// Play and Step stay under the hand, so that a press says why nothing runs; they look refused.
+void Controls_Window::Show_Refused() {
+  const bool refused = Machine.EStop_Flag;
+  if (Shown_Refused == refused) return;
+  Shown_Refused = refused;
+  for (const char* name : {"Command_CNC_Play", "Command_CNC_Step"}) {
+    auto* button = findChild<QPushButton*>(name);
+    const auto row = std::find_if(std::begin(Run_Buttons), std::end(Run_Buttons),
+                                  [name](const Button_Row& r) { return QString(r.Name) == name; });
+    const QColor ink =
+        palette().color(refused ? QPalette::Disabled : QPalette::Active, QPalette::ButtonText);
+    Set_Face(*button, QColor(), ink);
+    button->setIcon(Sign_Icon(row->Picture, ink));
+    button->setToolTip(refused ? "Refused while the motors are disabled" : row->Tip);
+  }
 }
 
 // Two columns where both fit beside each other, one below the other in a narrow panel. There the
@@ -171,9 +195,14 @@ QWidget* Controls_Window::Build_Status() {
   status->setFont(Bold_Font(1.5));
   Binding.Label(status, "Label_CNC_Status", CNC_Controls.Label_CNC_Status);
   grid->addWidget(status, 0, 0);
+  auto* activity = new QLabel;
+  Binding.Label(activity, "Label_CNC_Activity", CNC_Controls.Label_CNC_Activity);
   auto* step = new QLabel;
   Binding.Label(step, "Label_CNC_Step", CNC_Controls.Label_CNC_Step);
-  grid->addWidget(step, 1, 0);
+  auto* second_line = new QHBoxLayout;
+  second_line->addWidget(step);
+  second_line->addWidget(activity, 1);
+  grid->addLayout(second_line, 1, 0);
   auto* timer = new QLabel;
   Binding.Label(timer, "Label_Run_Timer", CNC_Controls.Label_Run_Timer);
   grid->addWidget(timer, 2, 0);
@@ -183,7 +212,7 @@ QWidget* Controls_Window::Build_Status() {
   estop->setMinimumHeight(Finger_Height() * 7 / 4);
   estop->setIcon(EStop_Icon());
   estop->setIconSize({Finger_Height(), Finger_Height()});
-  estop->setToolTip("Stops all motion at once; press again to enable the motors");
+  estop->setToolTip("Stops all motion at once (F12); press again to enable the motors");
   estop->setFocusPolicy(Qt::NoFocus);
   Binding.Button(estop, "Command_EStop", CNC_Controls.Command_EStop, Command_EStop_Click);
   grid->addWidget(estop, 0, 1, 3, 1);
@@ -219,7 +248,22 @@ QWidget* Controls_Window::Build_Run_Buttons() {
   block->setFont(Readout_Font(1.0));
   block->setPlaceholderText("The block executed last");
   Binding.Text(block, "Text_Program_Messages", CNC_Controls.Text_Program_Messages, [] {});
-  rows->addWidget(block);
+  auto* last = new QHBoxLayout;
+  last->addWidget(block, 1);
+  // Typed in the window of the program; here it says what Play will run.
+  const auto step = [&](const char* title, const QString& name, Text_Control& control) {
+    last->addWidget(new QLabel(title));
+    auto* edit = new QLineEdit;
+    edit->setReadOnly(true);
+    edit->setFocusPolicy(Qt::NoFocus);
+    edit->setMaximumWidth(Text_Height() * 4);
+    edit->setToolTip("The steps that Play runs; the program's window changes them");
+    Binding.Text(edit, name, control, [] {});
+    last->addWidget(edit);
+  };
+  step("Steps", "Panel_StartingStep", CNC_Controls.Text_StartingStep);
+  step("to", "Panel_EndingStep", CNC_Controls.Text_EndingStep);
+  rows->addLayout(last);
   return area;
 }
 
@@ -235,8 +279,8 @@ QWidget* Controls_Window::Build_Sequences() {
     Binding.Button(button, name, control, std::move(clicked));
     grid->addWidget(button, row, column);
   };
-  add(0, 0, "Command_Home", CNC_Controls.Command_Home, Sign::Home, "Go to the home position",
-      Command_Home_Click);
+  add(0, 0, "Command_Home", CNC_Controls.Command_Home, Sign::Home,
+      "Go to the home position (Ctrl+F11)", Command_Home_Click);
   add(0, 1, "Command_ReTool", CNC_Controls.Command_ReTool, Sign::Tool,
       "Go to the position for changing the tool", Command_ReTool_Click);
   add(1, 0, "Command_AutoRetool_0", CNC_Controls.Command_AutoRetool[0], Sign::Tool,

@@ -32,6 +32,7 @@ class Controls_Window : public QWidget {
   void resizeEvent(QResizeEvent* event) override;
 
  private:
+  void Show_Refused();
   QWidget* Build_Status();
   QWidget* Build_Run_Buttons();
   QWidget* Build_Sequences();
@@ -49,6 +50,7 @@ class Controls_Window : public QWidget {
   QScrollArea* Scroll = nullptr;
   QPlainTextEdit* Status_Box = nullptr;
   std::string Shown_Status;
+  bool Shown_Refused = false;
   Timer_Id Timer = 0;      // 0: stands
   int Timer_Interval = 0;  // ms
 };

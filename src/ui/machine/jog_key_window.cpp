@@ -1,9 +1,9 @@
 #include "ui/machine/jog_key_window.h"
 
-#include "control/jog_guard.h"
-#include "control/jog_key.h"
-#include "control/joystick_jog.h"
-#include "control/panel_edits.h"
+#include "control/manual/jog_guard.h"
+#include "control/manual/jog_key.h"
+#include "control/manual/joystick_jog.h"
+#include "control/manual/panel_edits.h"
 #include "core/setup.h"
 #include "core/setup_keys.h"
 #include "platform/keys/key_codes.h"

@@ -1,7 +1,7 @@
 #include "ui/machine/jog_pad.h"
 
-#include "control/cnc_controls_form.h"
-#include "control/panel_jog.h"
+#include "control/manual/panel_jog.h"
+#include "control/state/cnc_controls_form.h"
 #include "core/setup.h"
 #include "ui/widgets/theme.h"
 

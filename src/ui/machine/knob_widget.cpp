@@ -1,7 +1,7 @@
 #include "ui/machine/knob_widget.h"
 
-#include "control/cnc_controls_form.h"
-#include "control/knob.h"
+#include "control/manual/knob.h"
+#include "control/state/cnc_controls_form.h"
 #include "ui/widgets/theme.h"
 
 #include <algorithm>

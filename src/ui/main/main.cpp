@@ -6,20 +6,27 @@
 #include "app/openers.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/operation.h"
+#include "core/version.h"
 #include "platform/desktop/desktop_platform.h"
 #include "platform/linux/linux_platform.h"
-#include "platform/qt/picture_files.h"
 #include "platform/sdl/sdl_platform.h"
+#include "plot/picture/picture_files.h"
 #include "ui/main/main_window.h"
+#include "ui/main/second_start.h"
 #include "ui/simulated/simulated_window.h"
 #include "ui/widgets/theme.h"
 #include "wiring/port_choice.h"
 
 #include <csignal>
+#include <cstdio>
 #include <cstdlib>
+#include <optional>
+#include <string_view>
+#include <vector>
 
 #include <QApplication>
 #include <QFileInfo>
@@ -72,26 +79,62 @@ QStringList Files_Of_Call() {
   return files;
 }
 
+constexpr const char* Usage =
+    "Usage: norvik [FILE]\n"
+    "CNC control with windows. FILE, a program, drawing or picture, is opened in the window; a "
+    "window\n"
+    "that is open already takes it.\n\n"
+    "  --help      this text\n"
+    "  --version   the version\n\n"
+    "norvik-cli does the same work without windows.\n";
+
+// What is answered on the terminal, without a display; absent when a window is wanted.
+std::optional<int> Answer_Without_Window(const std::vector<std::string_view>& words) {
+  for (const std::string_view word : words) {
+    if (word == "--help" || word == "-h") return std::fputs(Usage, stdout) < 0 ? 1 : 0;
+    if (word == "--version")
+      return std::printf("%s\n", std::string(norvik::Program_Version()).c_str()) < 0 ? 1 : 0;
+  }
+  return std::nullopt;
+}
+
 }  // namespace
 
 int main(int argument_count, char** arguments) {
   using namespace norvik;
+  if (const auto status = Answer_Without_Window({arguments + 1, arguments + argument_count})) {
+    return *status;
+  }
   Norvik_Application application(argument_count, arguments);
   QApplication::setApplicationName("Norvik");
   QApplication::setQuitOnLastWindowClosed(false);
   Apply_Theme(application);
 
   Install_Desktop_Platform(Jog_Guard_Window_Lost);
+  Operation_Host.Escape_Taken = Escape_Went_To_A_Box;
   Install_Linux_Clock();
   Install_Linux_Priority();
   Install_Instance_Lock();
   Install_Sdl_Platform();
   Install_Picture_Reader();
   const QStringList files = Files_Of_Call();
-  Enter_Desktop_Folders();
+  const bool folders_stand = Trap_With(
+      [](const Fault& refused) {
+        Platform.Message_Box("Norvik 4", refused.Description, Box_Buttons::Ok);
+      },
+      Enter_Desktop_Folders);
+  if (!folders_stand) return 1;
+
+  if (!files.isEmpty() && Platform.Other_Instance_Runs() &&
+      Hand_To_First_Start(files.front().toStdString())) {
+    return 0;
+  }
 
   Main_Frame window;
   Connect_App();
+  Drive_Session_Host.Machine_Is_Real = [] {
+    return !Port_Is_Simulated() && Port_Refusal().empty();
+  };
   Main_Host.Open_Port = [] { Main_Form.Port_Text = Choose_Port(); };
   End_On_Signals(application);
   Load_Main();
@@ -103,6 +146,11 @@ int main(int argument_count, char** arguments) {
     window.Set_Banner("SIMULATED MACHINE - no motion takes place");
   }
   window.Start_Is_Over();
+  Listen_For_Second_Starts(window, [&window](const std::string& file) {
+    window.raise();
+    window.activateWindow();
+    LoadRecentFile(file);
+  });
   if (Application.ShutdownFlag) return 0;
   if (!files.isEmpty()) LoadRecentFile(files.front().toStdString());
   if (Application.ShutdownFlag) return 0;

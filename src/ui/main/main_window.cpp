@@ -12,11 +12,16 @@
 #include "app/shutdown.h"
 #include "app/startup.h"
 #include "compiler/state/compile_host.h"
-#include "control/cnc_controller.h"
-#include "control/controller_state.h"
-#include "control/jog_guard.h"
+#include "control/manual/home.h"
+#include "control/manual/jog_guard.h"
+#include "control/motion/motion.h"
+#include "control/run/cnc_controller.h"
+#include "control/safety/safety.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/messages.h"
+#include "core/operation.h"
 #include "core/recent_files.h"
 #include "core/window_memory.h"
 #include "import/pipeline/pipeline.h"
@@ -29,6 +34,8 @@
 #include "ui/machine/jog_key_window.h"
 #include "ui/machine/port_io_window.h"
 #include "ui/main/about_box.h"
+#include "ui/main/error_log_window.h"
+#include "ui/main/safety_bar.h"
 #include "ui/plot/plot_window.h"
 #include "ui/program/gcode_window.h"
 #include "ui/program/progress_window.h"
@@ -57,7 +64,12 @@ struct Menu_Row {
   void (*Chosen)();
 };
 
-// Entries whose work stands in the rooms of the logic. An empty text draws a line.
+// The key only ever stops: a second press of it, in a fright, enables nothing.
+void EStop_By_Key() {
+  if (!Machine.EStop_Flag) Command_EStop_Click();
+}
+
+// Entries whose work stands in the rooms of the logic; without one, in this window.
 const std::vector<Menu_Row>& Menu_Rows() {
   static const std::vector<Menu_Row> rows = {
       {"&File", "Menu_File_New", "&New", QKeySequence::New, "Begin a new program", Menu_File_New},
@@ -93,19 +105,19 @@ const std::vector<Menu_Row>& Menu_Rows() {
        {},
        "Make a carving of a picture",
        Menu_Import_Bitmap},
-      {"&Machine",
+      {"&Setup",
        "Menu_Machine_Create_New_Machine",
        "&Create new machine...",
        {},
        "Save the present parameters as another machine",
        Menu_Machine_Create_New_Machine},
-      {"&Machine",
+      {"&Setup",
        "Menu_Machine_Load_Machine_Setup",
        "&Load machine setup...",
        {},
        "Work with another machine",
        Menu_Machine_Load_Machine_Setup},
-      {"&Machine",
+      {"&Setup",
        "Menu_Machine_Restore",
        "&Restore factory settings...",
        {},
@@ -119,8 +131,27 @@ const std::vector<Menu_Row>& Menu_Rows() {
        "Menu_View_Reset_Positions",
        "Reset &window positions",
        {},
-       "Put all windows back to their default places",
-       Reset_Form_Positions},
+       "Put the windows inside this one back to their default places",
+       nullptr},
+      // What starts a motion takes two keys at once, what ends one takes a single key.
+      {"&Machine", "Menu_Machine_Play", "&Play", QKeySequence(Qt::CTRL | Qt::Key_F9),
+       "Run the program from the step shown on the panel", Command_CNC_Play_Click},
+      {"&Machine", "Menu_Machine_Step", "S&tep", QKeySequence(Qt::CTRL | Qt::Key_F10),
+       "Run one step", Command_CNC_Step_Click},
+      {"&Machine", "Menu_Machine_Pause", "P&ause", QKeySequence(Qt::Key_F9),
+       "Stop after the running step", Command_CNC_Pause_Click},
+      {"&Machine", "Menu_Machine_Stop", "&Stop", QKeySequence(Qt::Key_F8),
+       "End the run with the running move (ESC does the same)", Command_CNC_Stop_Click},
+      {"&Machine", "Menu_Machine_EStop", "&E-stop", QKeySequence(Qt::Key_F12),
+       "Stop all motion at once and disable the motors", EStop_By_Key},
+      {"&Machine", "Menu_Machine_Home", "&Home", QKeySequence(Qt::CTRL | Qt::Key_F11),
+       "Go to the home position", Command_Home_Click},
+      {"&Help",
+       "Menu_Help_Error_Log",
+       "&Error log",
+       {},
+       "What the program has noted: refusals, faults, stops",
+       nullptr},
   };
   return rows;
 }
@@ -156,11 +187,19 @@ std::optional<Form_Id> Form_Of(const QString& name) {
   return std::nullopt;
 }
 
+// Where a tool window stands when it is neither maximised nor minimised. The toolkit keeps this
+// place of the main window only.
+constexpr const char* Normal_Place = "normal_place";
+
+QRect Normal_Geometry(const QWidget& window) {
+  if (!window.isMaximized() && !window.isMinimized()) return window.geometry();
+  const QRect kept = window.property(Normal_Place).toRect();
+  if (kept.isValid()) return kept;
+  return window.normalGeometry().isValid() ? window.normalGeometry() : window.geometry();
+}
+
 Window_Place Place_Of(const QWidget& window) {
-  const QRect frame =
-      window.isMaximized() || window.isMinimized()
-          ? window.normalGeometry().isValid() ? window.normalGeometry() : window.geometry()
-          : window.geometry();
+  const QRect frame = Normal_Geometry(window);
   Window_Place place{frame.top(), frame.left(), frame.height(), frame.width(), Window_Normal};
   if (window.isMinimized()) place.WindowState = Window_Minimized;
   if (window.isMaximized()) place.WindowState = Window_Maximized;
@@ -175,6 +214,8 @@ Main_Frame::Main_Frame() : Area(new QMdiArea) {
   setCentralWidget(Area);
   Area->setBackground(palette().brush(QPalette::AlternateBase));
   Area->setActivationOrder(QMdiArea::ActivationHistoryOrder);
+  // A maximised plot does not make the panel maximised that is opened after it.
+  Area->setOption(QMdiArea::DontMaximizeSubWindowOnActivation);
   setMinimumSize(640, 480);
   for (const Form_Row& row : Form_Rows()) {
     Tool_Windows[Name_Of(row.Form)] = {row.Menu_Text, row.Make, nullptr};
@@ -200,7 +241,8 @@ Main_Frame::~Main_Frame() {
 
 void Main_Frame::Build_Menus() {
   std::map<QString, QMenu*> menus;
-  for (const char* title : {"&File", "&Edit", "&Import", "&View", "&Machine", "&Window", "&Help"}) {
+  for (const char* title :
+       {"&File", "&Edit", "&Import", "&View", "&Setup", "&Machine", "&Window", "&Help"}) {
     menus[title] = menuBar()->addMenu(title);
     menus[title]->setToolTipsVisible(true);
   }
@@ -208,11 +250,14 @@ void Main_Frame::Build_Menus() {
     QAction* action = menus[row.Menu]->addAction(row.Text);
     if (row.Chosen != nullptr) {
       connect(action, &QAction::triggered, this, row.Chosen);
+    } else if (QLatin1String(row.Name) == "Menu_Help_Error_Log") {
+      connect(action, &QAction::triggered, this, [this] { Show_Tool_Window("Error_Log"); });
     } else {
       connect(action, &QAction::triggered, this, &Main_Frame::Reset_Places);
     }
     action->setObjectName(row.Name);
     action->setShortcut(row.Keys);
+    action->setAutoRepeat(false);
     QString tip = row.Tip;
     if (!row.Keys.isEmpty()) tip += " (" + row.Keys.toString(QKeySequence::NativeText) + ")";
     action->setToolTip(tip);
@@ -247,7 +292,10 @@ void Main_Frame::Build_Menus() {
         ->addAction(window.Menu_Text, this, [this, window_name] { Show_Tool_Window(window_name); })
         ->setObjectName("Menu_Window_" + name);
   }
-  Build_Setup_Entries(*menus["&Machine"]);
+  Build_Setup_Entries(*menus["&Setup"]);
+  Bar = new Safety_Bar;
+  menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
+  Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
 }
 
 void Main_Frame::Build_Setup_Entries(QMenu& menu) {
@@ -397,11 +445,10 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
 void Main_Frame::Start_Is_Over() {
   Started = true;
   Activate_Main();
-  const auto open = [this](const auto& row) {
-    return row.first != "Plot" && Tool_Window_Is_Open(row.first);
-  };
-  if (std::none_of(Tool_Windows.begin(), Tool_Windows.end(), open)) {
-    for (const char* name : {"GCode", "Plot", "CNC_Controls"}) Show_Tool_Window(name);
+  // They lie over the others, and none has the keys before the operator has asked for it.
+  for (const Form_Id form : {Form_Id::Port_IO, Form_Id::JogKey}) {
+    const QString name = Name_Of(form);
+    if (Tool_Window_Is_Open(name)) Tool_Windows[name].Frame->raise();
   }
   if (Form_Was_Open(Form_Id::Simulated_Machine).value_or(false)) {
     Show_Tool_Window(Name_Of(Form_Id::Simulated_Machine));
@@ -430,7 +477,10 @@ void Main_Frame::Restore_Place(const QString& name, QMdiSubWindow& frame) {
                          .boundedTo(Area->contentsRect().size());
   const QPoint corner(std::min(place.Left, Area->width() - room.width()),
                       std::min(place.Top, Area->height() - room.height()));
-  frame.setGeometry(QRect(corner, room));
+  const QRect normal(corner, room);
+  if (frame.isMaximized() || frame.isMinimized()) frame.showNormal();
+  frame.setGeometry(normal);
+  frame.setProperty(Normal_Place, normal);
   if (place.WindowState == Window_Maximized) frame.setWindowState(Qt::WindowMaximized);
 }
 
@@ -442,6 +492,7 @@ void Main_Frame::Tell_Area() {
   Window_Area.Panel_Width = Text_Height() * 49;
 }
 
+// The windows inside: the main one stays as the operator has it, and the layout fills it.
 void Main_Frame::Reset_Places() {
   Tell_Area();
   Reset_Form_Positions();
@@ -479,6 +530,12 @@ void Main_Frame::Close_Setup_Windows() {
 
 // A tool window that the operator closes is hidden and keeps what it shows.
 bool Main_Frame::eventFilter(QObject* watched, QEvent* event) {
+  if (event->type() == QEvent::Move || event->type() == QEvent::Resize) {
+    auto* frame = qobject_cast<QMdiSubWindow*>(watched);
+    if (frame != nullptr && !frame->isMaximized() && !frame->isMinimized()) {
+      frame->setProperty(Normal_Place, frame->geometry());
+    }
+  }
   if (event->type() == QEvent::Close) {
     if (auto* frame = qobject_cast<QMdiSubWindow*>(watched)) {
       Jog_Guard_Window_Lost();

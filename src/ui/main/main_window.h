@@ -15,6 +15,7 @@ namespace norvik {
 
 class GCode_Window;
 class Progress_Window;
+class Safety_Bar;
 
 class Main_Frame : public QMainWindow {
  public:
@@ -26,9 +27,7 @@ class Main_Frame : public QMainWindow {
                        std::function<QWidget*()> make);
   // Shows a tool window and gives it the focus.
   void Show_Tool_Window(const QString& name);
-  // The start of the program is over: the first activation may do its work. Then program, plot and
-  // panel are shown, unless the last layout has left a window open: a first start that shows
-  // nothing would leave a newcomer before an empty frame.
+  // The start of the program is over: the first activation may do its work.
   void Start_Is_Over();
   bool Tool_Window_Is_Open(const QString& name) const;
   // A text that stays in the status bar, for the warning that no real machine is driven. A narrow
@@ -75,6 +74,7 @@ class Main_Frame : public QMainWindow {
   QLabel* Banner = nullptr;
   QString Banner_Text;
   Progress_Window* Progress = nullptr;
+  Safety_Bar* Bar = nullptr;  // in the corner of the menu bar, beside every menu
 };
 
 }  // namespace norvik

@@ -4,7 +4,7 @@
 // is drawn over a copy, so that it costs no redraw of the program.
 #pragma once
 
-#include "platform/qt/picture_surface.h"
+#include "plot/picture/picture_surface.h"
 
 #include <functional>
 

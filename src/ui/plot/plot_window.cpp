@@ -1,6 +1,9 @@
 #include "ui/plot/plot_window.h"
 
 #include "app/gcode_form.h"
+#include "control/state/controller_state.h"
+#include "core/messages.h"
+#include "core/operation.h"
 #include "plot/nist_plot.h"
 #include "plot/plot_form.h"
 #include "plot/plot_host.h"
@@ -50,6 +53,15 @@ constexpr const char* Preset_Captions[] = {"Top",  "Bottom", "Front", "Rear",
 
 // The strip's figures and the room between them.
 constexpr int Strip_Lines = 24;
+
+// The box that asks would hold up a move that runs.
+void Ask_For_Angle(int angle) {
+  if (Anything_Moves()) {
+    SetStatus(1, "Not while the machine moves: type the angle into the box beside the letter.", 5);
+    return;
+  }
+  Label_3D_Viewpoint_Click(angle);
+}
 
 // The pad for turning the view freely. Its coordinates run from 0 to 20 and rest in the middle.
 class Turn_Pad : public QWidget {
@@ -172,21 +184,28 @@ QWidget* Plot_Window::Build_Turn_Frame() {
   grid->setSpacing(Text_Height() / 6);
   static constexpr const char* turns[] = {"A", "B", "C"};
   for (int angle = 0; angle < 3; ++angle) {
+    auto* label = new QPushButton(turns[angle]);
+    label->setObjectName(QString("Label_3D_Viewpoint_%1").arg(angle));
+    label->setFlat(true);
+    label->setFixedWidth(Text_Height() * 3 / 2);
+    label->setToolTip("Click to type the angle");
+    label->setFocusPolicy(Qt::NoFocus);
+    connect(label, &QPushButton::clicked, this, [angle] { Ask_For_Angle(angle); });
+    grid->addWidget(label, angle % 2, angle / 2 * 2);
     auto* value = new QSpinBox;
     value->setObjectName(QString("UpDown_3D_Viewpoint_%1").arg(angle));
     value->setRange(0, 360);
     value->setWrapping(true);
     value->setSuffix(QString::fromUtf8("\u00B0"));
-    value->setPrefix(QString(turns[angle]) + " ");
     value->setToolTip("Turn of the view in degrees");
     value->setMinimumHeight(Finger_Height() * 2 / 3);
     value->setKeyboardTracking(false);
     connect(value, &QSpinBox::valueChanged, this,
             [angle](int degrees) { UpDown_3D_Viewpoint_Change(angle, degrees); });
     Angles[static_cast<std::size_t>(angle)] = value;
-    grid->addWidget(value, angle % 2, angle / 2);
+    grid->addWidget(value, angle % 2, angle / 2 * 2 + 1);
   }
-  grid->addWidget(new Turn_Pad, 0, 2, 2, 1);
+  grid->addWidget(new Turn_Pad, 0, 4, 2, 1);
   return frame;
 }
 
@@ -247,6 +266,7 @@ void Plot_Window::Place_Surfaces() {
 void Plot_Window::resizeEvent(QResizeEvent* event) {
   QWidget::resizeEvent(event);
   Place_Surfaces();
+  Plot_Z_Strip();
   Show_Notice();
   NIST_RePlot();
 }

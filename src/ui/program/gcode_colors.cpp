@@ -94,6 +94,7 @@ Word_Kind Kind_Of_Code(char letter, const QString& digits) {
     case Code_Loss::Harmless:
       return Word_Kind::Harmless_Code;
     case Code_Loss::Ignored:
+    case Code_Loss::Missing:
       break;
   }
   return Word_Kind::Ignored_Code;

@@ -5,7 +5,7 @@
 #include "compiler/check/program_check.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
-#include "control/controller_state.h"
+#include "core/operation.h"
 #include "ui/program/gcode_editor.h"
 #include "ui/widgets/theme.h"
 
@@ -200,17 +200,26 @@ QWidget* GCode_Window::Build_Steps() {
   step->setToolTip("The step that \"Step >\" marks next");
   Binding.Label(step, "Label_GStep", Gcode_Form.Label_GStep);
   pointer->addWidget(step, 1);
-  grid->addLayout(pointer, 1, 0);
+  Step_Line = new QLabel;
+  Step_Line->setObjectName("Label_Step_Line");
+  Step_Line->setForegroundRole(QPalette::PlaceholderText);
+  Step_Line->setToolTip("The line of the text that holds this step");
+  pointer->addWidget(Step_Line);
+  grid->addLayout(pointer, 1, 0, 1, 2);
   auto* text = new QLabel;
   text->setFont(Text_GCode->font());
   text->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
   Binding.Label(text, "Label_CGStep", Gcode_Form.Label_CGStep);
-  grid->addWidget(text, 1, 1, 1, 9);
+  grid->addWidget(text, 1, 2, 1, 8);
   return area;
 }
 
 void GCode_Window::Show_Form() {
   Binding.Show();
+  // Comments and empty lines are no steps, so that the two numbers differ.
+  const std::int32_t line =
+      Text_Line_Of_Step(QString::fromStdString(Gcode_Form.Label_GStep.Caption).toInt());
+  Step_Line->setText(line > 0 ? QString("line %1:").arg(line) : QString());
   Text_GCode->Set_Current_Line(Text_Line_Of_Step(Compile_Status.CurrentStep));
 }
 

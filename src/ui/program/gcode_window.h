@@ -41,6 +41,7 @@ class GCode_Window : public QWidget {
   GCode_Editor* Text_GCode;
   QLineEdit* Find_Text = nullptr;
   QWidget* Find_Row = nullptr;
+  QLabel* Step_Line = nullptr;
   QLabel* Find_Answer = nullptr;
   QListWidget* Findings = nullptr;
 };

@@ -1,7 +1,7 @@
 #include "ui/setup/jog_key_test.h"
 
-#include "control/jog_guard.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/jog_guard.h"
+#include "control/manual/table_setup_keys.h"
 #include "platform/keys/key_codes.h"
 #include "ui/widgets/key_names.h"
 #include "ui/widgets/theme.h"

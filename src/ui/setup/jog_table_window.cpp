@@ -1,7 +1,8 @@
 #include "ui/setup/jog_table_window.h"
 
 #include "app/setup_apply.h"
-#include "control/table_setup_keys.h"
+#include "control/manual/jog_key.h"
+#include "control/manual/table_setup_keys.h"
 #include "core/setup_keys.h"
 #include "ui/setup/jog_key_test.h"
 #include "ui/widgets/key_names.h"

@@ -1,6 +1,6 @@
 #include "ui/setup/machine_check_window.h"
 
-#include "control/machine_check.h"
+#include "control/safety/machine_check.h"
 #include "ui/widgets/theme.h"
 
 #include <QApplication>

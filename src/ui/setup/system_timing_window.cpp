@@ -1,6 +1,7 @@
 #include "ui/setup/system_timing_window.h"
 
-#include "control/timing_edits.h"
+#include "control/manual/timing_edits.h"
+#include "core/operation.h"
 #include "core/setup.h"
 #include "parallel/system_timing.h"
 #include "parallel/timing.h"
@@ -127,12 +128,13 @@ void System_Timing_Window::Show_Form() {
   Result->setText(QString::fromStdString(form.Label_Result));
   Start_Button->setText(QString::fromStdString(form.Command_Start));
   Cancel_Button->setText(QString::fromStdString(form.Command_Cancel));
-  Start_Button->setEnabled(!Timing.Tune_Active);
-  Feed->setEnabled(!Timing.Tune_Active);
+  Start_Button->setEnabled(!norvik::Runs(Operation::Calibration));
+  Feed->setEnabled(!norvik::Runs(Operation::Calibration));
 }
 
 void System_Timing_Window::hideEvent(QHideEvent* event) {
-  if (Runs && Timing.Tune_Active && !event->spontaneous()) System_Timing_Cancel_Click();
+  if (Runs && norvik::Runs(Operation::Calibration) && !event->spontaneous())
+    System_Timing_Cancel_Click();
   QWidget::hideEvent(event);
 }
 

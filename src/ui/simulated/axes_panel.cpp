@@ -1,5 +1,6 @@
 #include "ui/simulated/axes_panel.h"
 
+#include "core/axes.h"
 #include "ui/simulated/travel_bar.h"
 #include "ui/widgets/theme.h"
 
@@ -9,8 +10,6 @@
 namespace norvik {
 
 namespace {
-
-constexpr const char* Axis_Names[] = {"", "X", "Y", "Z", "A"};
 
 QLabel* Figure() {
   auto* label = new QLabel;
@@ -42,7 +41,7 @@ Axes_Panel::Axes_Panel(QWidget* parent) : QGroupBox("Where the carriages are", p
     grid->addWidget(head, 0, column);
   }
   for (int axis = 1; axis <= 4; ++axis) {
-    const QString name = Axis_Names[axis];
+    const QString name = QString(QChar(Axis_Letter(axis)));
     auto* title = new QLabel(name);
     title->setFont(Bold_Font(1.1));
     grid->addWidget(title, axis, 0);

@@ -1,6 +1,6 @@
 #include "ui/simulated/input_button.h"
 
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
 #include "ui/widgets/theme.h"
 
 #include <QActionGroup>
@@ -23,10 +23,10 @@ QString State_Words(int input, const Simulated_Input_View& view) {
 }
 
 void Paint_Button(QPushButton& button, int input, const Simulated_Input_View& view) {
-  if (input == EStop) return Set_Face(button, QColor(0xA81C1C), Qt::white);
+  if (input == EStop) return Set_Face(button, Alarm_Red(), Qt::white);
   const bool lit = view.Used && view.On;
   const QColor color = input == Auxiliary ? Colors().Run : Colors().Stop;
-  Set_Face(button, lit ? color : QColor(), lit ? QColor(Qt::white) : QColor());
+  Set_Face(button, lit ? color : QColor(), lit ? Ink_On_Face(color) : QColor());
 }
 
 }  // namespace

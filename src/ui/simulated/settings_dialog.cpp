@@ -1,6 +1,6 @@
 #include "ui/simulated/settings_dialog.h"
 
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
 #include "platform/platform.h"
 #include "simulate/simulated_machine.h"
 #include "ui/widgets/theme.h"

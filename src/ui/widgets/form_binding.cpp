@@ -25,9 +25,9 @@ void Show_Color(QWidget& widget, Control_Color color) {
     case Control_Color::Normal:
       return Set_Face(widget, QColor(), QColor());
     case Control_Color::Red:
-      return Set_Face(widget, Colors().Stop, Qt::white);
+      return Set_Face(widget, Colors().Stop, Ink_On_Face(Colors().Stop));
     case Control_Color::Green:
-      return Set_Face(widget, Colors().Run, Theme_Is_Dark() ? Qt::black : Qt::white);
+      return Set_Face(widget, Colors().Run, Ink_On_Face(Colors().Run));
   }
 }
 

@@ -6,7 +6,7 @@
 // of its control, and user-interface tests find it by that name.
 #pragma once
 
-#include "control/form_controls.h"
+#include "control/state/form_controls.h"
 
 #include <functional>
 #include <vector>

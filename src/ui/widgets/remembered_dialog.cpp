@@ -1,6 +1,6 @@
 #include "ui/widgets/remembered_dialog.h"
 
-#include "control/jog_guard.h"
+#include "control/manual/jog_guard.h"
 
 namespace norvik {
 

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QAbstractSpinBox>
 #include <QApplication>
+#include <QComboBox>
 #include <QFontDatabase>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QSlider>
 #include <QStyleFactory>
 #include <QStyleOption>
 #include <QWidget>
@@ -115,6 +118,13 @@ class Outlined_Style : public QProxyStyle {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     if (control == CC_SpinBox || control == CC_ComboBox) Outline(option->rect, *option, *painter);
   }
+  // A maximised tool window keeps its title bar. Its buttons would otherwise take the corner of the
+  // menu bar, where Stop and E-stop stand.
+  int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                QStyleHintReturn* data) const override {
+    if (hint == SH_Workspace_FillSpaceOnMaximize) return 1;
+    return QProxyStyle::styleHint(hint, option, widget, data);
+  }
   // A check box that a glove hits.
   int pixelMetric(PixelMetric metric, const QStyleOption* option,
                   const QWidget* widget) const override {
@@ -139,6 +149,29 @@ class Outlined_Style : public QProxyStyle {
     painter.setBrush(Qt::NoBrush);
     painter.drawRoundedRect(QRectF(place).adjusted(0.5, 0.5, -0.5, -0.5), corner, corner);
     painter.restore();
+  }
+};
+
+// What the wheel turns over a box without the focus is the panel behind it.
+class Calm_Wheel : public QObject {
+ public:
+  using QObject::QObject;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() != QEvent::Wheel && event->type() != QEvent::Polish) return false;
+    QWidget* box = qobject_cast<QComboBox*>(watched);
+    if (box == nullptr) box = qobject_cast<QAbstractSpinBox*>(watched);
+    if (box == nullptr) box = qobject_cast<QSlider*>(watched);
+    if (box == nullptr) return false;
+    if (event->type() == QEvent::Polish) {
+      // The wheel would give it the focus first.
+      if (box->focusPolicy() == Qt::WheelFocus) box->setFocusPolicy(Qt::StrongFocus);
+      return false;
+    }
+    if (box->hasFocus()) return false;
+    event->ignore();
+    return true;
   }
 };
 
@@ -288,6 +321,9 @@ QPixmap Sign_Picture(Sign sign, const QColor& color, int size) {
 }  // namespace
 
 void Apply_Theme(QApplication& application) {
+  // Further than any screen reaches: no drag begins.
+  QApplication::setStartDragDistance(1'000'000);
+  application.installEventFilter(new Calm_Wheel(&application));
   const QByteArray wanted = qgetenv("NORVIK_THEME").toLower();
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
   if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";
@@ -328,6 +364,20 @@ QFont Bold_Font(double scale) {
 
 const Theme_Colors& Colors() {
   return Theme.Colors;
+}
+
+QColor Alarm_Red() {
+  return QColor(0xA81C1C);
+}
+
+QColor Ink_On_Face(const QColor& ground) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  const double light = 0.2126 * linear(ground.redF()) + 0.7152 * linear(ground.greenF()) +
+                       0.0722 * linear(ground.blueF());
+  constexpr double even = 0.179;  // as far from black as from white
+  return light > even ? QColor(Qt::black) : QColor(Qt::white);
 }
 
 void Set_Face(QWidget& control, const QColor& ground, const QColor& text) {

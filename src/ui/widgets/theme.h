@@ -16,6 +16,10 @@ namespace norvik {
 
 // Chooses light or dark from the desktop's own palette and applies style and palette. The
 // environment variable NORVIK_THEME, "light" or "dark", overrules the desktop.
+//
+// It also takes two habits of the toolkit away that are wrong beside a machine. No text can be
+// dragged: a drag waits in a loop of its own, and a move that runs would stand still in it. A box
+// takes the wheel only when it has the focus: a panel that is scrolled changes nothing.
 void Apply_Theme(QApplication& application);
 bool Theme_Is_Dark();
 
@@ -33,6 +37,11 @@ struct Theme_Colors {
   QColor Run, Stop, Warn, Muted, Readout, Readout_Ground;
 };
 const Theme_Colors& Colors();
+
+// The red of every E-stop, for white letters.
+QColor Alarm_Red();
+// Black or white, whichever stands out more from the ground.
+QColor Ink_On_Face(const QColor& ground);
 
 // Paints the face of a button or label: invalid colours give it back its normal look.
 void Set_Face(QWidget& control, const QColor& ground, const QColor& text);

@@ -1,0 +1,27 @@
+#include "control/panel/connect.h"
+
+#include "control/manual/jog_guard.h"
+#include "control/motion/motion.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/controller_state.h"
+#include "control/state/drive.h"
+#include "control/state/run_plot_host.h"
+#include "core/operation.h"
+#include "core/rounding.h"
+#include "parallel/drive_host.h"
+
+namespace norvik {
+
+void Connect_Control() {
+  Drive_Host.Stop_Run = [] { CNC_Stop(); };
+  Drive_Host.Live_Feed = [] { return std::optional<double>(Controller.Live_Feed); };
+  Drive_Host.Set_Live_Feed = [](double ipm) { Controller.Live_Feed = To_Single(ipm); };
+  Drive_Host.Set_Panel_Interval = [](int interval_ms) {
+    CNC_Controls_Host.Set_Timer_Interval(interval_ms);
+  };
+  Drive_Host.Mark_Plot = [](std::string_view) { Run_Plot_Host.Mark_Rate_Error(); };
+  Operation_Host.Drive_Missing = [] { return Drive().Missing; };
+  Jog_Guard_Watch_Dialogs();
+}
+
+}  // namespace norvik

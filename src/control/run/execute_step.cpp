@@ -1,0 +1,148 @@
+#include "control/run/execute_step.h"
+
+#include "compiler/tables/program_wire.h"
+#include "control/motion/machine_move.h"
+#include "control/motion/motion.h"
+#include "control/motion/waits.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
+#include "control/state/controller_state.h"
+#include "control/state/run_plot_host.h"
+#include "core/application.h"
+#include "core/fault.h"
+#include "core/messages.h"
+#include "core/rounding.h"
+#include "core/setup.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+#include <string>
+
+namespace norvik {
+
+namespace {
+
+class Busy_Pointer {
+ public:
+  Busy_Pointer() { Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy); }
+  ~Busy_Pointer() { Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal); }
+  Busy_Pointer(const Busy_Pointer&) = delete;
+  Busy_Pointer& operator=(const Busy_Pointer&) = delete;
+};
+
+void Clear_Status() {
+  if (!Messages.Panel[1].empty()) SetStatus(1, "", -1);
+}
+
+// A count above 0 marks the step to come back to; any other counts down, and when it is used up the
+// run goes on.
+void Serve_Repeat(double repeat, std::int32_t& step) {
+  if (repeat > 0) {
+    Controller.Repeat_Step = step;
+    Controller.Repeat_Count = To_Int16(repeat);
+  } else if (--Controller.Repeat_Count < 0) {
+    Controller.Repeat_Count = 0;
+    Controller.Repeat_Step.reset();
+  }
+  if (Controller.Repeat_Step) step = *Controller.Repeat_Step;
+}
+
+bool Serve_Aux_Wait() {
+  SetStatus(1, control_text::Waiting_For_Aux, -1);
+  const bool came = Wait_For_Aux_Input();
+  Clear_Status();
+  return came;
+}
+
+Move_Order Order_Of(const Wire& wire, std::int32_t step) {
+  Move_Order order;
+  if (wire.Motion == 1)
+    for (int axis = 1; axis <= 4; ++axis) order.Target[axis] = wire.End[axis];
+  order.Start = Controller.From_Rest ? MachineSetup.Axis_Ramp_Start : wire.IPM_S;
+  order.Run = wire.IPM_R;
+  order.End = wire.IPM_E;
+  order.Out = wire.Out;
+  order.S_Word = wire.S_Word;
+  order.Step = step;
+  return order;
+}
+
+// What a move that did not arrive means for the operation around it.
+void End_By(Move_End end) {
+  if (end == Move_End::Limit && Controller.Stop_Text.empty())
+    Controller.Stop_Text = control_text::Ended_By_Limit;
+  CNC_Stop();
+}
+
+// The parts of a wire that move something. False when the step must end here.
+bool Move_Wire(const Wire& wire, std::int32_t step) {
+  const Move_End end = Machine_Move(Order_Of(wire, step));
+  if (end != Move_End::No_Steps) Controller.From_Rest = false;
+  if (!Arrived(end)) {
+    End_By(end);
+    return false;
+  }
+  if (wire.Tool) Controller.Tool = wire.Tool;
+  CNC_Controls.Text_Program_Messages.Text = wire.Block_Text;
+  if (wire.Dwell == -1) Machine.CNCMode = CNC_Paused;
+  return !Application.Closing_Program;
+}
+
+bool Execute_Wire(std::size_t k, std::int32_t& step, bool moves) {
+  // A copy: a yield inside may look at the table.
+  const Wire wire = Program_Wire.Rows()[k];
+  if (moves) {
+    if (!Look_At_Stops()) return false;
+    if (wire.Repeat) Serve_Repeat(*wire.Repeat, step);
+    if (wire.Aux_Wait == 1 && !Serve_Aux_Wait()) return false;
+  }
+  Run_Plot_Host.Set_Pen(wire);
+  if (moves && wire.Dwell > 0 && !Dwell_Wait(wire.Dwell, step)) return false;
+  Run_Plot_Host.Draw_Segment(k, wire);
+  return !moves || Move_Wire(wire, step);
+}
+
+// One wire; a failure is logged and ends the step.
+bool Execute_Wire_Trapped(std::size_t k, std::int32_t& step, bool moves) {
+  bool whole = false;
+  if (Trap("Execute_Step_Error", [&] { whole = Execute_Wire(k, step, moves); })) return whole;
+  if (moves && Controller.Stop_Text.empty()) Controller.Stop_Text = control_text::Ended_By_Failure;
+  return false;
+}
+
+// The first row behind those that stand together with row `k` under one step.
+std::size_t Behind_Rows_Of_Step(std::size_t k) {
+  const auto& rows = Program_Wire.Rows();
+  const std::int32_t step = rows[k].Step;
+  while (k < rows.size() && rows[k].Step == step) ++k;
+  return k;
+}
+
+}  // namespace
+
+bool Execute_Step(std::int32_t& step, int mode) {
+  const Busy_Pointer pointer;
+  bool whole = true;
+  for (auto k = Program_Wire.Next_Of_Step(step, 0); k && whole;
+       k = Program_Wire.Next_Of_Step(step, *k + 1))
+    whole = Execute_Wire_Trapped(*k, step, mode == Move_And_Draw);
+  Clear_Status();
+  return whole;
+}
+
+bool Execute_Rows(std::size_t& row, std::int32_t& step) {
+  const Busy_Pointer pointer;
+  const std::int32_t first_step = step;
+  const std::size_t end = Behind_Rows_Of_Step(row);
+  bool whole = true;
+  for (; row < end && step == first_step && whole; ++row)
+    whole = Execute_Wire_Trapped(row, step, true);
+  if (whole && step != first_step) {
+    const auto back = Program_Wire.Next_Of_Step(step, 0);
+    row = back ? Behind_Rows_Of_Step(*back) : end;
+  }
+  Clear_Status();
+  return whole;
+}
+
+}  // namespace norvik

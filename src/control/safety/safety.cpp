@@ -1,0 +1,185 @@
+#include "control/safety/safety.h"
+
+#include "control/displays/displays.h"
+#include "control/motion/motion.h"
+#include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
+#include "control/state/controller_state.h"
+#include "control/state/drive.h"
+#include "core/application.h"
+#include "core/axis_memory.h"
+#include "core/error_log.h"
+#include "core/event_sounds.h"
+#include "core/messages.h"
+#include "core/operation.h"
+#include "core/setup.h"
+#include "parallel/pin_map.h"
+#include "parallel/ports.h"
+#include "platform/platform.h"
+
+#include <algorithm>
+
+namespace norvik {
+
+namespace {
+
+void Show_EStop_Button() {
+  CNC_Controls.Command_EStop.Caption =
+      Machine.EStop_Flag ? control_text::Motors_Disabled : control_text::Motors_Enabled;
+  CNC_Controls.Command_EStop.Color =
+      Machine.EStop_Flag ? Control_Color::Red : Control_Color::Normal;
+  CNCMode_Display();
+}
+
+// What every trip does once the flag is set.
+void Trip() {
+  CNC_Stop();
+  Machine.CNCMode = CNC_Stopped;
+  Switch_Outputs_Off_By_EStop();
+  Show_EStop_Button();
+  Play_Event_Sound(sound::E_Stop);
+}
+
+void Clear() {
+  Controller.Stop_Request = false;
+  Show_EStop_Button();
+}
+
+// A switch that is wired to a port that nothing answers on.
+bool Unread(int axis) {
+  const std::int32_t port = MachineSetup.Input_Port[Limit_Input(axis)];
+  return Input_Bit(Limit_Input(axis)) && (port < Lowest_Port || port > 65535);
+}
+
+// The switches, unless they are switched off: the panel's copy of them then stays as it was, and
+// only the outputs are read back.
+void Read_Inputs() {
+  const auto limits = Pins.Limit_State;
+  const auto distances = Pins.Home_Distance;
+  Drive().Read_Switches();
+  if (MachineSetup.LimitSwitchDisable != 1) return;
+  Pins.Limit_State = limits;
+  Pins.Home_Distance = distances;
+}
+
+// Once every switch is off, a switch met later tells which direction is safe.
+void Lift_Home_Safety() {
+  if (std::ranges::none_of(Pins.Limit_State, [](bool on) { return on; }))
+    Pins.Home_Safety_Off = false;
+}
+
+}  // namespace
+
+void Command_EStop_Click() {
+  if (Machine.EStop_Flag && Anything_Moves()) {
+    // Two presses in one yield would otherwise let the operation go on as if none had been made.
+    SetStatus(1, control_text::EStop_Stays_Set, 5);
+    return;
+  }
+  Machine.EStop_Flag = !Machine.EStop_Flag;
+  if (Machine.EStop_Flag) {
+    ErrorLogWrite(control_text::Log_Tripped);
+    Trip();
+  } else {
+    ErrorLogWrite(control_text::Log_Cleared);
+    Clear();
+  }
+  Application.EscFlag = false;
+  CNC_Display();
+}
+
+void EStop_Engage() {
+  Machine.EStop_Flag = true;
+  Trip();
+}
+
+void Engage_EStop_State() {
+  Machine.EStop_Flag = true;
+  Machine.CNCMode = CNC_Stopped;
+  Show_EStop_Button();
+  Play_Event_Sound(sound::E_Stop);
+}
+
+void Look_At_Home_Switches() {
+  Pins.Home_Safety_Off = false;
+  Drive().Read_Switches();
+  for (int axis = 1; axis <= 4; ++axis)
+    if (Unread(axis)) return;
+  const bool met = std::ranges::any_of(Pins.Limit_State, [](bool on) { return on; });
+  Pins.Home_Safety_Off = met && MachineSetup.Parallel_Port_Type == 1;  // a board guards itself
+}
+
+void Tell_Home_Safety() {
+  if (!Pins.Home_Safety_Off) return;
+  Platform.Message_Box(std::string(control_text::Home_Safety_Title),
+                       std::string(control_text::Home_Safety_Box), Box_Buttons::Ok);
+}
+
+void Ask_About_Positions() {
+  if (Position_Memory.Doubt.empty()) return;
+  const Box_Answer answer = Platform.Message_Box(
+      std::string(control_text::Home_Safety_Title),
+      Position_Memory.Doubt + std::string(control_text::Positions_Question), Box_Buttons::Yes_No);
+  if (answer != Box_Answer::Yes) return;
+  Position_Memory.Doubt.clear();
+  AddMessage(control_text::Positions_Confirmed);
+}
+
+void Home_Safety_Check() {
+  Look_At_Home_Switches();
+  Tell_Home_Safety();
+}
+
+void Toggle_Outputs(int index) {
+  const bool on = CNC_Controls.Check_Outputs[index].Value;
+  const bool input_holds = MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On();
+  if (on && (Machine.EStop_Flag || input_holds)) {
+    CNC_Controls.Check_Outputs[index].Value = false;
+    SetStatus(
+        1,
+        Machine.EStop_Flag ? control_text::Outputs_Stay_Off : control_text::Outputs_Wait_For_Input,
+        5);
+    CNC_Controls_Host.Form_Changed();
+    return;
+  }
+  if (on && index <= 1) {
+    const int other = 1 - index;
+    Drive().Switch_Output(other + 1, false);
+    CNC_Controls.Check_Outputs[other].Value = false;
+  }
+  Drive().Switch_Output(index + 1, on);
+  CNC_Controls_Host.Form_Changed();
+}
+
+void Watch_EStop_Input() {
+  const bool output_on = std::ranges::any_of(Pins.Output_Commanded, [](bool on) { return on; });
+  if (output_on && MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On())
+    Switch_Outputs_Off_By_EStop();
+  const bool stops_already = Machine.CNCMode == CNC_Stopped &&  //
+                             (Controller.Stop_Request || !Anything_Moves());
+  if (stops_already || !Drive().EStop_Input_On()) return;
+  Controller.Stop_Text = control_text::Ended_By_EStop_Input;
+  CNC_Stop();
+  if (!Anything_Moves()) Announce_End();
+}
+
+void Watch_Limits_In_Run() {
+  if (MachineSetup.LimitDisableinRunMode != 1 || MachineSetup.LimitSwitchDisable == 1) return;
+  if (Machine.CNCMode != CNC_Stepped && Machine.CNCMode != CNC_Running) return;
+  if (!Pins.Limit_State[1] && !Pins.Limit_State[2] && !Pins.Limit_State[3]) return;
+  Machine.EStop_Flag = false;
+  Command_EStop_Click();
+  ErrorLogWrite(control_text::Watch_Tripped);
+  AddMessage(control_text::Watch_Tripped);
+}
+
+void Watch_Machine() {
+  if (Application.Closing_Program || Application.ShutdownFlag) return;
+  Read_Inputs();
+  Lift_Home_Safety();
+  Watch_EStop_Input();
+  Watch_Limits_In_Run();
+  Latch_Limits();
+}
+
+}  // namespace norvik

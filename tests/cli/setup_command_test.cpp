@@ -1,0 +1,158 @@
+// The companion and the setup: what it reads, what it stores, and what it leaves alone.
+#include "cli/companion.h"
+#include "core/application.h"
+#include "core/axis_memory.h"
+#include "core/paths.h"
+#include "core/setup.h"
+#include "platform/scripted/scripted_platform.h"
+#include "support/temporary_folder.h"
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+namespace norvik {
+namespace {
+
+using testing::HasSubstr;
+using testing::Not;
+
+struct Setup_Command_Test : testing::Test {
+  ~Setup_Command_Test() override { Forget(); }
+
+  static void Forget() {
+    Application = {};
+    MachineSetup = {};
+    Setup_Store = {};
+    Position_Memory = {};
+  }
+
+  // A call of the program on `Machine`.
+  int Call(std::vector<std::string> words, Companion_Environment environment = {}) {
+    Forget();
+    words.insert(words.begin(),
+                 {"norvik-cli", "--home", Folder.File("home"), "--machine", Machine});
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    const int status =
+        Run_Companion(static_cast<int>(arguments.size()), arguments.data(), std::move(environment));
+    Printed = testing::internal::GetCapturedStdout();
+    Said = testing::internal::GetCapturedStderr();
+    return status;
+  }
+  std::string Value_Of(const std::string& key) {
+    EXPECT_EQ(Call({"setup", "get", key}), Done) << Said;
+    return Trim(Printed.substr(0, Printed.find('\n')));
+  }
+
+  Temporary_Folder Folder;
+  Scripted_Platform scripted;
+  std::string Machine = Folder.File("foreign.ini"), Said, Printed;
+};
+
+TEST_F(Setup_Command_Test, A_Foreign_File_Is_Read_And_Left_Alone) {
+  const std::string foreign = "[Axis]\nAxis_SPI_1=2000\nAxis_SPI_2=many\n";
+  Replace_File(Machine, foreign);
+  Replace_File(Folder.File("part.gc"), "G0 X1\n");
+  for (const std::vector<std::string>& words :
+       {std::vector<std::string>{"check", Folder.File("part.gc")},
+        {"compile", Folder.File("part.gc")},
+        {"setup", "show"}}) {
+    EXPECT_EQ(Call(words), Done) << Said;
+    EXPECT_THAT(Said, HasSubstr("Axis_SPI_2=many cannot be used, the value is now 4000"));
+    EXPECT_THAT(Said, HasSubstr("was never saved whole"));
+  }
+  EXPECT_EQ(Value_Of("Axis_SPI_1"), "2000");
+  EXPECT_EQ(Value_Of("Axis_SPI_4"), "4000");
+  EXPECT_EQ(Call({"setup", "check"}), Failed);
+  EXPECT_THAT(Printed, HasSubstr("Axis_SPI_2=many"));
+  EXPECT_EQ(Read_Whole_File(Machine), foreign);
+  EXPECT_FALSE(FileExists(Folder.File("home/Norvik.Ini")));
+}
+
+TEST_F(Setup_Command_Test, Set_Stores_One_Key_And_Nothing_Of_The_Call) {
+  Replace_File(Machine, "[General]\nINI_Save_Test=123\n[Axis]\nAxis_SPI_1=2000\n");
+  EXPECT_EQ(Call({"--set", "Axis.Axis_SPI_2=500", "setup", "set", "Axis.Axis_SPI_1", "3000"}),
+            Done);
+  EXPECT_EQ(Read_Whole_File(Machine), "[General]\nINI_Save_Test=123\n[Axis]\nAxis_SPI_1=3000\n");
+  // Those too that a save of the windows leaves out.
+  for (const auto& [key, value] :
+       {std::pair("Jog.CNC_Jog_Increment", "0.25"), std::pair("General.KeyJog_Device", "1"),
+        std::pair("Tools.Tool_File_Name", "/t/mill.tol"), std::pair("General.Recent_Folder", "/p"),
+        std::pair("Parallel Display.Parallel_Display_IO_Address", "888")}) {
+    EXPECT_EQ(Call({"setup", "set", key, value}), Done) << Said;
+    EXPECT_EQ(Value_Of(key), value);
+  }
+  EXPECT_EQ(Call({"setup", "set", "Tools.Tool_Directory", "/t"}), Failed);
+  EXPECT_THAT(Said, HasSubstr("Tool_File_Name names the tool file"));
+  EXPECT_EQ(Call({"setup", "reset", "Axis_SPI_1"}), Done);
+  EXPECT_EQ(Value_Of("Axis_SPI_1"), "4000");
+  EXPECT_EQ(Call({"setup", "reset"}), Done);
+  EXPECT_NE(Value_Of("Jog.CNC_Jog_Increment"), "0.25");
+  EXPECT_EQ(Value_Of("INI_Save_Test"), "123");
+}
+
+TEST_F(Setup_Command_Test, A_File_That_Cannot_Be_Stored_Or_Read_Ends_With_1) {
+  const std::string before = "[General]\nINI_Save_Test=123\n";
+  Replace_File(Machine, before);
+  const int folder = ::open(Folder.Path.c_str(), O_RDONLY | O_DIRECTORY);
+  ASSERT_EQ(::flock(folder, LOCK_EX), 0);  // another program writes
+  EXPECT_EQ(Call({"setup", "set", "Axis_SPI_1", "3000"}), Failed);
+  EXPECT_THAT(Said, HasSubstr("another Norvik program is writing"));
+  EXPECT_THAT(Said, Not(HasSubstr("Saved")));
+  EXPECT_EQ(Call({"setup", "reset"}), Failed);
+  ::close(folder);
+  EXPECT_EQ(Read_Whole_File(Machine), before);
+
+  Machine = Folder.Path;  // a folder cannot be read
+  EXPECT_EQ(Call({"setup", "show"}), Failed);
+  EXPECT_EQ(Printed, "");
+}
+
+// Ctrl-C in the work: the result of an earlier call stands, and nothing is printed as if it were
+// whole.
+TEST_F(Setup_Command_Test, Interrupted_Commands_Leave_The_Earlier_Result) {
+  Replace_File(Machine, "[General]\nINI_Save_Test=123\n");
+  const std::string program = Folder.File("part.gc"), result = Folder.File("result");
+  const std::string table = Folder.File("home/NORVIK_Program_LineArc_Data.csv");
+  Replace_File(program, "G0 X1\nG4\n");
+  const std::string drawing = std::string(NORVIK_SAMPLES_FOLDER) + "/rose.dxf";
+  Companion_Environment environment;
+  environment.Asked_To_Stop = [] { return true; };
+  environment.Write_Picture = [](const std::string&, const Plot_Image&) { ADD_FAILURE(); };
+  std::filesystem::create_directory(Folder.File("home"));
+  for (const std::vector<std::string>& words : {std::vector<std::string>{"compile", program},
+                                                {"check", program},
+                                                {"plot", program, "-o", result},
+                                                {"import", drawing, "-o", result},
+                                                {"estimate", program},
+                                                {"run", program, "--clock", "virtual"}}) {
+    SCOPED_TRACE(words[0]);
+    Replace_File(result, "earlier");
+    Replace_File(table, "earlier");
+    // The simulation of these is not linked here; ESC is heard in their compile.
+    if (words[0] == "estimate" || words[0] == "run") scripted.Press(27);
+    EXPECT_EQ(Call(words, environment), Interrupted_By_Operator);
+    EXPECT_EQ(Read_Whole_File(result), "earlier");
+    EXPECT_EQ(Read_Whole_File(table), "earlier");
+    if (words[0] != "run") {
+      EXPECT_EQ(Printed, "");
+    }
+  }
+}
+
+TEST_F(Setup_Command_Test, An_Import_Goes_To_Standard_Output) {
+  Replace_File(Machine, "[General]\nINI_Save_Test=123\n");
+  const std::string drawing = std::string(NORVIK_SAMPLES_FOLDER) + "/rose.dxf";
+  ASSERT_EQ(Call({"import", drawing, "-o", Folder.File("rose.gc")}), Done);
+  ASSERT_EQ(Call({"import", drawing, "-o", "-"}), Done);
+  EXPECT_THAT(Printed, HasSubstr("\nN002 "));
+  EXPECT_EQ(Split_Lines(Printed).size(),
+            Split_Lines(Read_Whole_File(Folder.File("rose.gc"))).size());
+}
+
+}  // namespace
+}  // namespace norvik
