@@ -120,6 +120,7 @@ TEST_F(Compile_Test, Outputs_come_before_the_dwell_of_their_block_only_as_correc
 TEST_F(Compile_Test, Moves_in_front_of_a_stop_end_slowly_only_as_corrected) {
   MachineSetup.Axis_Ramp_Start = 5;
   MachineSetup.Axis_Ramp_Rate = 15;
+  MachineSetup.Axis_Max_Feed_Rate.Fill(100);
   const auto ends = [](bool corrected) {
     MachineSetup.Slow_Before_Stops = corrected;
     Take("F30\nG1 X5\nG4 P1\nG1 X10\nG1 X15\nM0\nG1 X20\nM66\nG1 X25\nG1 X30\nG1 X35\n");
