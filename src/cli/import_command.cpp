@@ -2,6 +2,7 @@
 #include "app/import_menu.h"
 #include "app/openers.h"
 #include "cli/companion.h"
+#include "core/application.h"
 #include "core/fault.h"
 #include "core/paths.h"
 #include "import/gerber/layers.h"
@@ -86,10 +87,12 @@ struct Import_Call {
       GerberLayerSelection_Command_Cancel_Click();
     }
   }
-  // The importers open the program that they made; here it is copied to where it was asked for.
+  // The importers open the program that they made; here it is copied to where it was asked for. One
+  // that was cut short leaves what an earlier call has written.
   void Take_Program(const std::string& path) {
     Unknown_Layers = Select_Layers(Options.Layers);
-    if (Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop() && !Nothing_Arrived()) {
+    const bool whole = !Application.EscFlag && !Import_Report.Cancelled && !Nothing_Arrived();
+    if (whole && Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop()) {
       try {
         const std::string program = Read_Whole_File(path);
         if (Options.Program == "-") {

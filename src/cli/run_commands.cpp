@@ -22,6 +22,7 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <iostream>
 #include <memory>
 #include <optional>
@@ -223,7 +224,8 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
 }
 
 std::string Length_Text(double length) {
-  return Format_Number_Point(length, "0.####");
+  constexpr double finest = 1e4;
+  return Shortest_Text(std::round(length * finest) / finest);
 }
 
 // Where the path of the program leaves an axis: the first line that does, and the farthest point.
