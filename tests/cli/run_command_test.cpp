@@ -289,8 +289,9 @@ TEST_F(Run_Command_Test, The_Engraving_Moves_As_Planned_On_Its_Own_Machine) {
   EXPECT_TRUE(process.Says("Finished")) << process.Output;
   EXPECT_EQ(process.Status(), Done);
   for (const auto& entry : std::filesystem::recursive_directory_iterator(Folder.File("home")))
-    if (entry.path().filename() == "NorvikErr.txt")
+    if (entry.path().filename() == "NorvikErr.txt") {
       EXPECT_THAT(Read_Whole_File(entry.path().string()), Not(HasSubstr("Step Rate Error")));
+    }
 }
 
 TEST_F(Run_Command_Test, A_Machine_File_Of_The_Call_Is_Only_Read) {

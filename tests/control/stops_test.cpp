@@ -214,7 +214,7 @@ TEST_F(Stops_Test, A_bouncing_switch_lets_the_axis_back_off_with_the_filter_only
     Simulated_Machine.Inputs[1].Hysteresis = 0.05;
     Settings_Changed(1);
     Set_Input_Bounce(1, true);
-    const auto run_to = [](double x) {
+    const auto run_to = [this](double x) {
       Load({{1, x}});
       Command_CNC_Play_Click();
     };
