@@ -47,7 +47,8 @@ Fault File_Fault(const std::string& path, const char* what, int reason) {
   };
   switch (reason) {
     case ENOENT:
-      return said(Fault_Number::File_Not_Found, "there is no such file or folder");
+      return said(Fault_Number::File_Not_Found,
+                  "there is no such file or folder; check the name or choose another folder");
     case ENOTDIR:
       return said(Fault_Number::Path_Access, "a part of the path is a file and not a folder");
     case EISDIR:

@@ -26,7 +26,8 @@ TEST_F(Startup_Test, First_Start_Leaves_A_Full_Machine_File) {
   EXPECT_EQ(Messages.LastMessage, "Starting Norvik");
   EXPECT_EQ(Messages.Panel[4], "Default_Machine");
   EXPECT_EQ(scripted.Running_Timers(), 3);  // two of the window, and the watch of the machine
-  EXPECT_THAT(Trace, ElementsAre("place Main", "joystick 0"));
+  EXPECT_THAT(Trace, ElementsAre("place Main", "show CNC_Controls", "show Plot", "show GCode",
+                                 "joystick 0"));
 
   Activate_Main();
   ASSERT_EQ(scripted.Boxes.size(), 2U);

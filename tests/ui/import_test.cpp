@@ -133,6 +133,7 @@ TEST_F(Import_Test, The_Layers_Of_A_Drawing_Are_Listed_Without_Waiting) {
   EXPECT_EQ(Text_Of("Text_Layers"), "LETTERS\nRING\nROSE");
   const QRect place(60, 50, 300, 280);
   Frame_Of("DXF_Import_Layers").setGeometry(place);
+  scripted.Answer_Box(Box_Answer::No);  // the imported program is not kept
   Start_Again();
   EXPECT_FALSE(Window->Tool_Window_Is_Open("DXF_Import_Layers"));
   Choose("Menu_Window_DXF_Import_Layers");
@@ -233,6 +234,7 @@ TEST_F(Import_Test, The_Picture_Window_Browses_Opens_By_Double_Click_And_Remembe
   EXPECT_FALSE(dialog.isVisible());
   Expect_Imported("relief.bmp");
 
+  scripted.Answer_Box(Box_Answer::No);  // the imported program is not kept
   Start_Again();
   Choose("Menu_Import_Bitmap");
   QDialog& again = Find<QDialog>("Bitmap_Import");

@@ -3,10 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
+#include <QContextMenuEvent>
 #include <QFontDatabase>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPainter>
 #include <QPainterPath>
 #include <QPalette>
@@ -152,13 +156,17 @@ class Outlined_Style : public QProxyStyle {
   }
 };
 
-// What the wheel turns over a box without the focus is the panel behind it.
-class Calm_Wheel : public QObject {
+// What the wheel turns over a box without the focus is the panel behind it. And the toolkit's own
+// menus of boxes and scroll bars wait in a loop until they are closed, which would hold the pulses
+// of a move: a line of text gets a menu that does not wait, the others none.
+class Calm_Mouse : public QObject {
  public:
   using QObject::QObject;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
+    if (event->type() == QEvent::ContextMenu)
+      return Takes_Menu(watched, *static_cast<QContextMenuEvent*>(event));
     if (event->type() != QEvent::Wheel && event->type() != QEvent::Polish) return false;
     QWidget* box = qobject_cast<QComboBox*>(watched);
     if (box == nullptr) box = qobject_cast<QAbstractSpinBox*>(watched);
@@ -172,6 +180,20 @@ class Calm_Wheel : public QObject {
     if (box->hasFocus()) return false;
     event->ignore();
     return true;
+  }
+
+ private:
+  static bool Takes_Menu(QObject* watched, const QContextMenuEvent& event) {
+    const auto* widget = qobject_cast<QWidget*>(watched);
+    if (widget == nullptr || widget->contextMenuPolicy() != Qt::DefaultContextMenu) return false;
+    if (auto* line = qobject_cast<QLineEdit*>(watched)) {
+      QMenu* menu = line->createStandardContextMenu();
+      menu->setAttribute(Qt::WA_DeleteOnClose);
+      menu->popup(event.globalPos());
+      return true;
+    }
+    return qobject_cast<QAbstractSpinBox*>(watched) != nullptr ||
+           qobject_cast<QAbstractSlider*>(watched) != nullptr;
   }
 };
 
@@ -323,7 +345,7 @@ QPixmap Sign_Picture(Sign sign, const QColor& color, int size) {
 void Apply_Theme(QApplication& application) {
   // Further than any screen reaches: no drag begins.
   QApplication::setStartDragDistance(1'000'000);
-  application.installEventFilter(new Calm_Wheel(&application));
+  application.installEventFilter(new Calm_Mouse(&application));
   const QByteArray wanted = qgetenv("NORVIK_THEME").toLower();
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
   if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";
