@@ -39,7 +39,9 @@ bool Reads_Back(std::int32_t address, const Output_Port& port) {
     return ((PPGetPort(address) ^ value) & port.Used) == 0;
   };
   if (port.Direction == 0) return !Written_Byte(address) || answers(before);
-  const auto turned = static_cast<std::uint8_t>(before ^ port.Direction);
+  // One pin alone: a driver may take two that change at once for a fault.
+  const auto pin = static_cast<std::uint8_t>(port.Direction & -port.Direction);
+  const auto turned = static_cast<std::uint8_t>(before ^ pin);
   if (!PPSetPort(address, turned, true)) return true;  // a failure of its own, which was said
   const bool turned_read = answers(turned);
   PPSetPort(address, before, true);

@@ -1,5 +1,6 @@
-#include "simulate/port_access.h"
+#include "simulate//port_access.h"
 
+#include "core/setup.h"
 #include "platform/platform.h"
 #include "simulate/axis_model.h"
 #include "simulate/findings.h"
@@ -80,7 +81,9 @@ void Latch_Value(Port_Register& wired, std::uint8_t value) {
   Port_Space.Value[wired.Address] = Read_Value(wired);
   if (changed == 0) return;
   const std::int64_t time = Machine_Time();
-  const bool blind = Simulated_Machine.Output_Read_Back != Read_Back::Latch;
+  // A program that works on remembered bytes does not go by the answer.
+  const bool blind =
+      Simulated_Machine.Output_Read_Back != Read_Back::Latch && !MachineSetup.Port_Shadow;
   const bool stale = blind && Note_Stale_Write(wired, changed, time);
   if (std::has_single_bit(changed)) {
     Output_Pin_Changed(wired.Output_Slot[Bit_Index(changed)], (value & changed) != 0, time);

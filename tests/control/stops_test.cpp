@@ -255,6 +255,7 @@ TEST_F(Stops_Test, A_port_that_does_not_read_back_is_told_and_works_with_the_sha
     Load({{1, -1}});
     Command_CNC_Play_Click();
     EXPECT_EQ(std::abs(True_Position(1) + 1) < 0.01, shadow) << True_Position(1);
+    if (shadow) EXPECT_THAT(View_Simulated_Machine().Findings, ::testing::IsEmpty());
   }
   Simulated_Machine.Output_Read_Back = Read_Back::Latch;
   Drive().Begin_Session();
