@@ -16,6 +16,7 @@
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
 #include "core/event_sounds.h"
+#include "core/messages.h"
 #include "core/setup.h"
 #include "drive/drive.h"
 #include "drive/priority.h"
@@ -23,7 +24,7 @@
 #include "plot/nist_plot.h"
 #include "plot/plot_host.h"
 
-#include <utility>
+#include <string>
 
 namespace norvik {
 
@@ -47,6 +48,14 @@ void Show_New_Table() {
   Controller.Estimated_Process_Time.reset();
   Plot_New_Program();
   Show_Table_Notice();
+}
+
+// What the Goto has said outlives the drawing of the program.
+void Show_Program_Again() {
+  const std::string said = Messages.Panel[1];
+  const int seconds = Messages.Status_Timeout[1];
+  Put_Back_Table();
+  SetStatus(1, said, seconds);
 }
 
 // The first wires of a run lack the coordinates that nothing has named yet: there the machine stays
@@ -75,7 +84,7 @@ void Connect_App() {
   Run_Plot_Host.Mark_Rate_Error = [] { Plot_Mark_At_Cursor("X"); };
   Run_Plot_Host.Draw_Cursor = Draw_Machine_Position;
   Run_Plot_Host.Refresh = Plot_Refresh;
-  Run_Plot_Host.Goto_Ended = Put_Back_Table;
+  Run_Plot_Host.Goto_Ended = Show_Program_Again;
   Run_Consent.May_Begin = May_Begin_Run;
   Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
   Connect_Importers();

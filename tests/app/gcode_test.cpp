@@ -370,6 +370,9 @@ TEST_F(GCode_Test, A_Goto_Gives_The_Table_Back) {
   EXPECT_THAT(shown, ElementsAre(0.7, 2));  // the line, then the program again
   EXPECT_EQ(Program_Wire.Count(), 2U);
   EXPECT_EQ(Compile_Status.CurrentStep, 0);
+  CNC_Controls.Text_Goto.Text = "M0";
+  Command_Goto_Click();
+  EXPECT_EQ(Messages.Panel[1], control_text::Goto_Has_No_Run);
   EXPECT_EQ(Played(), "runs");
   EXPECT_EQ(CNC_Controls.Text_Program_Messages.Text, "G1 X0.2");
 }

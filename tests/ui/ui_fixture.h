@@ -120,6 +120,7 @@ struct Ui_Test : testing::Test {
   }
   // Its end and another start, as after switching the computer off; `between` may change files.
   void Start_Again(const std::function<void()>& between = [] {}) {
+    GCode_Program.Unsaved = false;  // nothing is asked
     Window->close();
     ASSERT_TRUE(scripted.Process_Ended);
     Window.reset();
