@@ -1,4 +1,4 @@
-#include "simulate//port_access.h"
+#include "simulate/port_access.h"
 
 #include "core/setup.h"
 #include "platform/platform.h"
