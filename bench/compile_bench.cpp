@@ -19,6 +19,7 @@
 #include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/fields.h"
+#include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/text/program_text.h"
 #include "compiler/wires/feed_pass.h"

@@ -6,6 +6,7 @@
 #include "control/run/goto.h"
 #include "control/safety/safety.h"
 #include "control_fixture.h"
+#include "drive/drive.h"
 
 #include <random>
 
