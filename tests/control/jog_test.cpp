@@ -355,7 +355,8 @@ TEST_F(Joystick_Test, A_stick_thrown_to_its_other_side_turns_the_axis_round) {
 }
 
 TEST_F(Joystick_Test, A_stick_let_go_while_a_button_is_held_stops_its_axis_alone) {
-  MachineSetup.JoyJog_KeyValue[1] = "1";  // Z up
+  MachineSetup.JoyJog_KeyValue[1] = "1";   // Z up
+  MachineSetup.JoyJog_KeyValue[2] = "NU";  // Z down: button 1 in a fresh setup
   scripted.Run_For(0.1);
   Joystick_State both = Buttons(1);
   both.Axis_X = 60000;

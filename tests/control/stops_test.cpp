@@ -215,6 +215,7 @@ TEST_F(Stops_Test, A_bouncing_switch_lets_the_axis_back_off_with_the_filter_only
     Simulated_Machine.Inputs[1].Hysteresis = 0.05;
     Settings_Changed(1);
     Set_Input_Bounce(1, true);
+    scripted.Run_For(0.1);  // the first look at the switch has come to rest
     const auto run_to = [this](double x) {
       Load({{1, x}});
       Command_CNC_Play_Click();

@@ -43,6 +43,7 @@ TEST_P(Sample_Pictures, Every_Preset_Looks_As_Stored) {
   Application.MachineFile = Sample_File(sample.Machine);
   LoadMachineSetup();
   MachineSetup.MacroFile[1] = Sample_File("macros/hole_row.gc");
+  MachineSetup.MacroFile[2] = Sample_File("macros/pocket_pass.gc");
   Read_Tool_File(Sample_File(sample.Tools));
   SaveChanges(Read_Whole_File(Sample_File(std::string(sample.Name) + ".gc")));
   ASSERT_TRUE(CompileProgram());
