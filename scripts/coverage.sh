@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # coverage.sh: the part of the lines of each room that the tests run. Builds into build/coverage, runs
-# all tests (about ten minutes on two cores) and prints a table as docs/develop/coverage.md holds it.
+# all tests (about ten minutes on two cores) and prints a table.
 # `scripts/coverage.sh --lines FILE` prints the lines of a source that no test runs, after such a run.
 set -euo pipefail
 cd "$(dirname "$0")/.."
