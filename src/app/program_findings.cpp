@@ -6,6 +6,7 @@
 #include "compiler/tables/program_wire.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
+#include "core/messages.h"
 #include "core/operation.h"
 #include "core/setup.h"
 #include "platform/platform.h"
@@ -71,9 +72,13 @@ void Check_Now() {
   if (Compile_Busy()) return;  // in a yield of a compile or of another check
   const auto text = GCode_Program.Text;
   const auto sources = Program_Wire.Program_Origin().Sources;
-  std::vector<Check_Finding> found = Check_Program(text);
+  bool whole = false;
+  std::vector<Check_Finding> found = Check_Program(text, &whole);
   Program_Findings.List = std::move(found);
-  Program_Findings.Text = text;
+  // What a part of the text shows is shown, but stands for no run.
+  Program_Findings.Text = whole ? text : nullptr;
+  if (!whole)
+    AddMessage("The check was cut short: lines behind it are not looked at. Check again.");
   Program_Findings.Sources = sources;
   Gcode_Host.Show_Findings();
 }

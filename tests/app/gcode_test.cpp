@@ -336,6 +336,27 @@ TEST_F(GCode_Test, Play_Refuses_What_Was_Compiled_Of_Other_Settings_Tools_Or_Mac
   EXPECT_THAT(Played(), HasSubstr("Macro 7 is not what it was"));
 }
 
+// An ESC in the check that Play starts leaves findings of a part: they let nothing begin.
+TEST_F(GCode_Test, A_Check_That_Was_Cut_Short_Stands_For_No_Run) {
+  std::string text = "G1 X0.1 F20\n";
+  for (int line = 0; line < 500; ++line) text += "(nothing)\n";
+  Type(text + "G1X9\n");  // lost
+  Command_Update_Click();
+  Program_Findings = {};
+  const auto yield = scripted.On_Yield;
+  scripted.On_Yield = [] {
+    if (Runs(Operation::Check)) Application.EscFlag = true;
+  };
+  EXPECT_NE(Played(), "runs");
+  scripted.On_Yield = yield;
+  EXPECT_EQ(Program_Findings.Text, nullptr);
+  EXPECT_EQ(Machine.Position[1], 0);
+  // Whole, it asks.
+  scripted.Answer_Box(Box_Answer::Cancel);
+  EXPECT_EQ(Played(), control_text::Run_Not_Begun);
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("1X9"));
+}
+
 TEST_F(GCode_Test, A_Paused_Run_Goes_On_With_A_Newer_Text_Only_When_The_Operator_Wants_It) {
   Type("G1 X0.1 F20\nM0\nG1 X0.2\n");
   Command_Update_Click();

@@ -69,7 +69,7 @@ class Checker {
  public:
   explicit Checker(std::shared_ptr<const GCode_Text> program) : Program(std::move(program)) {}
 
-  std::vector<Check_Finding> Run();
+  std::vector<Check_Finding> Run(bool& whole);  // whole: no line was left out by ESC
 
  private:
   struct Open_File {
@@ -448,14 +448,16 @@ Line_Pass_Operations Checker::Operations() {
   return operations;
 }
 
-std::vector<Check_Finding> Checker::Run() {
+std::vector<Check_Finding> Checker::Run(bool& whole) {
   const Compile_Section section(Operation::Check);
   const Kept_State kept;
+  Compile_Status.Cut_Short = false;
   Check_Repeats(std::nullopt, Program->Line_Count(),
                 [&](std::int32_t line) { return Program->Line(line); });
   Run_Line_Pass(Program, Operations());
   Check_Arc_Walks();
   Check_Wires();
+  whole = !Compile_Status.Cut_Short;
   Sort();
   return std::move(Findings);
 }
@@ -466,9 +468,12 @@ std::string File_Of(const Check_Finding& finding) {
   return finding.Macro ? MachineSetup.MacroFile[*finding.Macro] : std::string();
 }
 
-std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program) {
-  if (Compile_Busy()) return {};
-  return Checker(std::move(program)).Run();
+std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program, bool* whole) {
+  bool finished = false;
+  std::vector<Check_Finding> findings;
+  if (!Compile_Busy()) findings = Checker(std::move(program)).Run(finished);
+  if (whole != nullptr) *whole = finished;
+  return findings;
 }
 
 }  // namespace norvik

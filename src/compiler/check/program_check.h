@@ -27,7 +27,9 @@ std::string File_Of(const Check_Finding& finding);
 
 // All findings: first the lines whose G or M words run together, then by line and column; lines of
 // macros behind those of the program. Each line and kind is told once, however often a repeat or a
-// macro runs it. Empty while another compile runs. ESC ends the check early.
-std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program);
+// macro runs it. Empty while another compile runs. ESC ends the check early; `whole`, where it is
+// given, tells whether every line was looked at.
+std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program,
+                                         bool* whole = nullptr);
 
 }  // namespace norvik

@@ -132,10 +132,7 @@ void Run_Goto() {
     Execute_Block();
   });
   Leave_No_Pause();
-  // The plot of the table that comes back empties the panel.
-  const std::string said = Messages.Panel[1];
   Run_Plot_Host.Goto_Ended();
-  if (Messages.Panel[1].empty()) SetStatus(1, said, 10);
   CNCMode_Display();
 }
 
