@@ -314,7 +314,7 @@ TEST_F(GCode_Test, Play_Refuses_What_Was_Compiled_Of_Other_Settings_Tools_Or_Mac
   const auto compiled = [&] {
     Command_Update_Click();
     scripted.Answer_Box(Box_Answer::Ok);  // whatever the check says of it
-    const std::string played = Played();
+    std::string played = Played();
     scripted.Box_Answers.clear();
     return played;
   };

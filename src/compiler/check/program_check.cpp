@@ -62,7 +62,9 @@ class Kept_State {
 struct Check_Place {
   std::optional<std::int16_t> Macro;
   std::int32_t Line = 0;
-  auto operator<=>(const Check_Place&) const = default;
+  friend bool operator<(const Check_Place& a, const Check_Place& b) {
+    return std::tie(a.Macro, a.Line) < std::tie(b.Macro, b.Line);
+  }
 };
 
 class Checker {
