@@ -15,6 +15,7 @@
 #include "core/format.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "core/waiting.h"
 #include "drive/drive.h"
 #include "parallel/ports.h"
 #include "platform/platform.h"
@@ -86,13 +87,13 @@ std::optional<std::string> Ask_At_Pause(const Run_Pause& pause) {
   }
   ::tcflush(STDIN_FILENO, TCIFLUSH);  // what was typed before is no answer to this
   Print_Status_Line("Paused behind " + Pause_Words(pause) + ". Enter goes on, q ends the run: ");
-  while (Look_At_Stops()) {
-    if (const auto answer = Typed_Line(look_ms)) {
-      if (*answer == End_Answer) return "";
-      return std::nullopt;
-    }
-    DoEvents();
-  }
+  std::optional<std::string> answer;
+  Yield_Until([&] {
+    if (!Look_At_Stops()) return true;
+    answer = Typed_Line(look_ms);
+    return answer.has_value();
+  });
+  if (answer && *answer != End_Answer) return std::nullopt;
   return "";
 }
 

@@ -6,6 +6,7 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/setup.h"
+#include "core/waiting.h"
 #include "platform/platform.h"
 #include "plot/line_painter.h"
 #include "plot/plot_form.h"
@@ -44,16 +45,8 @@ bool Stop_Asked() {
 
 // Shows the time of a dwell in the growing picture. Yields; ESC and a closing program end it.
 void Wait_Out_Dwell(double seconds) {
-  constexpr int standing_yields = 10'000;
-  while (Plot_Host.Motion_Active() && !Stop_Asked()) DoEvents();
-  const std::int64_t start = Platform.Monotonic_Clock();
-  std::int64_t now = start;
-  // A clock that stands still ends the wait.
-  for (int yields = 0; static_cast<double>(now - start) < seconds * 1e9 && !Stop_Asked();
-       now = Platform.Monotonic_Clock()) {
-    if (now == start && ++yields > standing_yields) return;
-    DoEvents();
-  }
+  Yield_Until([] { return !Plot_Host.Motion_Active() || Stop_Asked(); });
+  Yield_Until(Stop_Asked, To_Nanoseconds(seconds));
 }
 
 void Build_Plot_Lines() {

@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "core/waiting.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -16,11 +17,10 @@ namespace {
 
 struct Messages_Test : testing::Test {
   Messages_Test() {
-    Messages = {};
-    Application = {};
+    Reset_Core();
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Messages_Test() override { Application = {}; }
+  ~Messages_Test() override { Reset_Core(); }
   std::string Log() { return Read_Whole_File(Application.ErrorFile); }
 
   Temporary_Folder Folder;
@@ -86,6 +86,16 @@ TEST_F(Messages_Test, Wait_Ends_By_The_Clock_That_Never_Goes_Back) {
   EXPECT_NEAR(static_cast<double>(scripted.Now), 0.5e9, 1e5);
   scripted.Yield_Nanoseconds = 0;
   Wait(1);  // a clock that stands still does not hang it
+  int asked = 0;
+  std::vector<std::int64_t> left;
+  const auto rest = [&](std::int64_t left_ns) {
+    left.push_back(left_ns);
+    Platform.Delay_Microseconds(400);
+  };
+  EXPECT_FALSE(Yield_Until([&] { return ++asked > 9; }, 1'000'000, rest));
+  EXPECT_THAT(left, testing::ElementsAre(1'000'000, 600'000, 200'000));
+  EXPECT_TRUE(Yield_Until([&] { return ++asked > 9; }, Without_Limit_ns, rest));
+  EXPECT_EQ(asked, 10);
   scripted.Press(key::Escape);
   EXPECT_TRUE(CheckEsc());
   EXPECT_TRUE(Application.EscFlag);
