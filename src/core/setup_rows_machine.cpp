@@ -103,7 +103,7 @@ Setup_Row_List General_Rows() {
 
 namespace {
 
-Setup_Row_List Axis_Geometry_Rows() {
+Setup_Row_List Axis_Scale_Rows() {
   return {
       Key<&M::UnitsofMeasurement>("Axis", "UnitsofMeasurement")
           .Called(page::Units, "Unit of length")
@@ -157,6 +157,11 @@ Setup_Row_List Axis_Geometry_Rows() {
           .Between(0, 1000)
           .Saved(Save_Place::Axis)
           .Says("Play of the axis, taken up when it reverses, if backlash take-up is on."),
+  };
+}
+
+Setup_Row_List Axis_Place_Rows() {
+  return {
       Family<&M::Axis_HomePos>("Axis", "Axis_HomePos_<n>")
           .Called(page::Homing, "Home position, <n>")
           .Each(Axis_Names)
@@ -337,6 +342,11 @@ Setup_Row_List Axis_Option_Rows() {
           .Saved(Save_Place::Axis)
           .Says("The E-stop switches spindle, coolant and auxiliary output off too. Off: they stay "
                 "as they are, and a spindle keeps turning."),
+  };
+}
+
+Setup_Row_List Level_And_Display_Rows() {
+  return {
       Family<&M::Axis_Tool_Height>("Tool", "Axis_Tool_Height(<n>)")
           .Called(page::Levels, "Z, <n>")
           .Each("travel|normal cut|deep cut")
@@ -381,11 +391,8 @@ Setup_Row_List Axis_Option_Rows() {
 }  // namespace
 
 Setup_Row_List Axis_Rows() {
-  Setup_Row_List rows;
-  for (const auto& part : {Axis_Geometry_Rows(), Axis_Motion_Rows(), Axis_Option_Rows()}) {
-    rows.insert(rows.end(), part.begin(), part.end());
-  }
-  return rows;
+  return Joined({Axis_Scale_Rows(), Axis_Place_Rows(), Axis_Motion_Rows(), Axis_Option_Rows(),
+                 Level_And_Display_Rows()});
 }
 
 Setup_Row_List Input_Rows() {
@@ -422,7 +429,9 @@ Setup_Row_List Input_Rows() {
   };
 }
 
-Setup_Row_List Parallel_Rows() {
+namespace {
+
+Setup_Row_List Port_Choice_Rows() {
   return {
       Family<&M::Output_Names>("Parallel Setup", "Output_Names_<n>")
           .Called(page::Pins, "Name of output <n>")
@@ -459,6 +468,11 @@ Setup_Row_List Parallel_Rows() {
           .Star("2")
           .Saved(Save_Place::Parallel)
           .Says("How the parallel port is reached."),
+  };
+}
+
+Setup_Row_List Pin_Rows() {
+  return {
       Family<&M::Output_Port>("Parallel Setup", "Output_Port_<n>")
           .Called(page::Pins, "Port of <n>")
           .Each(Output_Functions)
@@ -505,6 +519,11 @@ Setup_Row_List Parallel_Rows() {
           .Saved(Save_Place::Parallel)
           .Says("On: the input counts as on when its line is high, so that a contact that opens "
                 "trips it, and a broken wire too."),
+  };
+}
+
+Setup_Row_List Motor_Power_And_Board_Rows() {
+  return {
       Family<&M::Parallel_MCode_High>("Parallel Setup", "Parallel_MCode_High_<n>")
           .Called(page::Pins, "M code that switches the auxiliary output on")
           .Changed(After_Change::Recompile)
@@ -557,6 +576,12 @@ Setup_Row_List Parallel_Rows() {
           .Between(0, Last_Port)
           .Says("Port whose lines the display window shows."),
   };
+}
+
+}  // namespace
+
+Setup_Row_List Parallel_Rows() {
+  return Joined({Port_Choice_Rows(), Pin_Rows(), Motor_Power_And_Board_Rows()});
 }
 
 Setup_Row_List Board_Rows() {
