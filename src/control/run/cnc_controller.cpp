@@ -150,7 +150,7 @@ bool Execute_Due_Step(std::int32_t& step, bool& last) {
   return whole;
 }
 
-// What comes behind `step`.
+// The step to run after `step`.
 std::int32_t Step_Behind(std::int32_t step) {
   return In_Table_Order() ? Program_Wire.Rows()[*Controller.Run_Row].Step : step + 1;
 }
@@ -177,7 +177,8 @@ bool Run_Pass() {
   return Machine.CNCMode == CNC_Running;
 }
 
-// A run that is under way goes on with the table that it began with, and the operator knows it.
+// A run that is under way goes on with the table that it began with. Where the text has been
+// changed since, the operator is asked, once for each text.
 bool Goes_On_With_Old_Text() {
   if (Judge_Table().Standing != Table_Standing::Other_Text) return true;
   if (Controller.Agreed_Text == GCode_Program.Text && !GCode_Program.Typed_Waits) return true;
@@ -217,7 +218,8 @@ bool Prepare_Run(Operation wanted) {
   Compile_Host.Settle_Typed_Text();
   const bool begins = Machine.CNCMode == CNC_Stopped;
   if (!(begins ? Begins_With_Consent() : Goes_On_With_Old_Text())) return false;
-  // A box may have been open: what has happened meanwhile, and the keys that closed it.
+  // Boxes may have been open above. In their time the machine may have been stopped or started, so
+  // that what was asked at the beginning is asked again.
   if (!Begin_Operation(wanted)) return false;
   if (begins != (Machine.CNCMode == CNC_Stopped)) return false;
   Drive().Refresh_Parameters();
@@ -241,7 +243,8 @@ void Run_In_Mode(std::int16_t mode) {
   Announce_End();
 }
 
-// The button was heard, although the machine still moves.
+// Says that the button has had its effect although the machine still moves: the running move is
+// made to its end first.
 void Tell_What_Ends_First() {
   const bool at_once = Controller.Jog_Held || Runs(Operation::Calibration);
   if (Runs(Operation::Move) && !at_once) SetStatus(1, control_text::Move_Ends_First, 5);

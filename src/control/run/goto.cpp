@@ -47,7 +47,8 @@ void Ramp_First_Wire() {
   first.IPM_E = To_Single(Whole_Part(MachineSetup.Axis_Ramp_Start));
 }
 
-// What the line says is not compiled yet: a faulty one has no G91 either.
+// Looked for before the line is compiled, as the compile needs the answer. A line that cannot be
+// read has no G91; the compile then names what is wrong with it.
 bool Holds_G91(const std::string& text) {
   Block block;
   bool found = false;
