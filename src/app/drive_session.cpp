@@ -24,7 +24,7 @@ void Begin_Drive_Session() {
   Drive_Session.Open = true;
   Drive().Begin_Session();
   Set_Application_Priority(MachineSetup.Application_Priority);
-  Look_At_Home_Switches();
+  Home_Safety_Check();
   if (Drive_Session.Watch == 0)
     Drive_Session.Watch = Platform.Start_Timer(Watch_Interval_ms, Watch_Machine);
   if (Drive_Session_Host.Machine_Is_Real()) Mark_Session_Begin();

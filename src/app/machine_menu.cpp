@@ -10,7 +10,6 @@
 #include "core/paths.h"
 #include "core/remembered_files.h"
 #include "core/setup.h"
-#include "core/setup_keys.h"
 #include "platform/platform.h"
 #include "plot/view.h"
 
@@ -71,15 +70,6 @@ void Menu_Machine_Load_Machine_Setup() {
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Zoom_Table();
   Tell_Session_Start();
-}
-
-void Save_Cut_Depths() {
-  Write_Setup_Together([] {
-    for (int level = 0; level <= 2; ++level) {
-      const auto key = Find_Setup_Key("Tool", "Axis_Tool_Height(" + std::to_string(level) + ")");
-      WriteSetup("Tool", Setting_Key(*key->Row, level), Setup_Text(*key->Row, level));
-    }
-  });
 }
 
 void Command_Parameter_Reset_Click() {

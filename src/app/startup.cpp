@@ -113,7 +113,8 @@ void Load_Main() {
   if (!Open_Drive()) return bye();
   Main_Host.Place_Main(Read_Form_Place(Form_Id::Main));
   Show_Open_Forms();
-  Main_Host.Open_Joystick(Joystick_Device);
+  // The first reading opens the device, which takes its time: here, and not in the first jog.
+  Platform.Read_Joystick(Joystick_Device);
   AddMessage("Starting Norvik");
 }
 

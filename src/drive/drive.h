@@ -106,9 +106,12 @@ struct Drive_Operations {
   };
 };
 
+// The drive of a program without a room that knows one: nothing moves.
+const Drive_Operations& Without_Drive();
+
 // The room that knows every drive says which one the loaded machine file asks for.
 struct Drive_Choice_Operations {
-  const Drive_Operations& (*Of_Setup)();
+  const Drive_Operations& (*Of_Setup)() = Without_Drive;
 };
 extern Drive_Choice_Operations Drive_Choice;
 

@@ -46,14 +46,6 @@ void Add_Setup_Finding(const std::string& text) {
   Findings.List.push_back({Finding_Kind::Setup, 0, 0, 0, 1, text});
 }
 
-std::int64_t Finding_Count(Finding_Kind kind, int axis) {
-  std::int64_t count = 0;
-  for (const Finding& finding : Findings.List) {
-    if (finding.Kind == kind && (axis == 0 || finding.Axis == axis)) count += finding.Count;
-  }
-  return count;
-}
-
 std::vector<std::string> Findings_Text() {
   std::vector<const Finding*> order;
   for (const Finding& finding : Findings.List) order.push_back(&finding);

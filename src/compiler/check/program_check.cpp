@@ -466,10 +466,6 @@ std::vector<Check_Finding> Checker::Run(bool& whole) {
 
 }  // namespace
 
-std::string File_Of(const Check_Finding& finding) {
-  return finding.Macro ? MachineSetup.MacroFile[*finding.Macro] : std::string();
-}
-
 std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program, bool* whole) {
   bool finished = false;
   std::vector<Check_Finding> findings;

@@ -217,7 +217,7 @@ void Begin(std::shared_ptr<Compile_Texts> texts, Line_Pass_Operations operations
   Line_Pass.Runs = true;
   Line_Pass.Operations = std::move(operations);
   Line_Pass.Texts = texts;
-  Reset_Compiler(std::move(texts));
+  Begin_Compiler_State(std::move(texts));
   Take_User_Output_Codes();
 }
 

@@ -185,6 +185,10 @@ void CNC_Axis_Display() {
   Show(Fill_CNC_Axis);
 }
 
+void Display_IO() {
+  Show(Fill_IO);
+}
+
 std::string Convert_Process_Time(double seconds) {
   const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 1e15));
   return Padded(whole / 3600) + ":" + Padded(whole / 60 % 60) + ":" + Padded(whole % 60);

@@ -89,10 +89,17 @@ void Label_Tool_Height_Click(int index) {
   if (!value) return;
   Trap("Axis Depth", [&] {
     MachineSetup.Axis_Tool_Height[index] = To_Single(*value);
-    WriteSetup("Tool", "Axis_Tool_Height(" + std::to_string(index) + ")",
-               RegionalFix(Shortest_Text(MachineSetup.Axis_Tool_Height[index])));
+    Save_Cut_Depths();
   });
   Load_Z_Levels();
+}
+
+void Save_Cut_Depths() {
+  Write_Setup_Together([] {
+    for (int level = 0; level <= 2; ++level)
+      WriteSetup("Tool", "Axis_Tool_Height(" + std::to_string(level) + ")",
+                 RegionalFix(Shortest_Text(MachineSetup.Axis_Tool_Height[level])));
+  });
 }
 
 void Load_Z_Levels() {

@@ -81,6 +81,7 @@ void Command_EStop_Click() {
   }
   Application.EscFlag = false;
   CNC_Display();
+  Display_IO();
 }
 
 void EStop_Engage() {
@@ -96,7 +97,7 @@ void Engage_EStop_State() {
   Play_Event_Sound(sound::E_Stop);
 }
 
-void Look_At_Home_Switches() {
+void Home_Safety_Check() {
   Drive_Status.Home_Safety_Off = false;
   Drive().Read_Switches();
   Drive_Status.Home_Safety_Off = Drive().Starts_On_A_Switch();
@@ -116,11 +117,6 @@ void Ask_About_Positions() {
   if (answer != Box_Answer::Yes) return;
   Position_Memory.Doubt.clear();
   AddMessage(control_text::Positions_Confirmed);
-}
-
-void Home_Safety_Check() {
-  Look_At_Home_Switches();
-  Tell_Home_Safety();
 }
 
 void Toggle_Outputs(int index) {

@@ -33,8 +33,6 @@ namespace norvik {
 // counter where it runs at one rate in all states of the processor, on the monotonic clock
 // elsewhere. Calibrates for about 20 ms.
 void Install_Linux_Clock();
-// True when waits use the time-stamp counter.
-bool Waits_Use_Time_Stamp_Counter();
 
 // --- Ports ---------------------------------------------------------------------------------------
 
