@@ -13,6 +13,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <filesystem>
@@ -35,17 +36,7 @@ struct Start_Up_Test : testing::TestWithParam<Sample> {
     std::filesystem::current_path(Before);
     Forget();
   }
-  static void Forget() {
-    Application = {};
-    Machine = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Tools = {};
-    Compiler = {};
-    Compiler_Memory = {};
-    Main_Window = {};
-    Main_Host = {};
-  }
+  static void Forget() { Reset_App(); }
 
   std::string Tables() { return Read_Whole_File(Compile_Tables.LineArc_Path) + Wires(); }
   std::string Wires() { return Read_Whole_File(Compile_Tables.Wire_Path); }

@@ -20,15 +20,6 @@ class Compile_Test : public Line_Pass_Test {
     Restore_Factory_Setup();
     MachineSetup.Arc_Resolution = 32;
     MachineSetup.GC_IJ_Incremental = true;
-    Compile_Status = {};
-    Compile_Host = {};
-  }
-  ~Compile_Test() override {
-    GCode_Program = {};
-    Program_Wire = {};
-    Program_Wire_Host = {};
-    Compile_Host = {};
-    Compile_Status = {};
   }
   static void Take(const std::string& program) {
     GCode_Program.Text = std::make_shared<const GCode_Text>(program);

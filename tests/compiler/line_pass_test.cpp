@@ -47,8 +47,6 @@ TEST_F(Line_Pass_Test, Saved_changes_are_the_program) {
   EXPECT_EQ(Machine.EndingStep, 2);
   EXPECT_EQ(Compile_Status.CurrentStep, 2);
   EXPECT_EQ(Messages.Panel[1], "GCode Step Display: Updateing data...");
-  Compile_Status = {};
-  GCode_Program = {};
 }
 
 // --- Progress and ESC ----------------------------------------------------------------------------

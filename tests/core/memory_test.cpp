@@ -10,6 +10,7 @@
 #include "core/tool_file.h"
 #include "core/window_memory.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <filesystem>
@@ -23,20 +24,12 @@ using testing::HasSubstr;
 
 struct Memory_Test : testing::Test {
   Memory_Test() {
-    Application = {};
-    Messages = {};
-    Machine = {};
-    Recent = {};
-    Remembered = {};
+    Reset_Core();
     Application.Pointer_Folder = Folder.Path;
     Application.MachineFile = Folder.File("Machine.ini");
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Memory_Test() override {
-    Application = {};
-    Recent_Host = {};
-    Window_Area = {};
-  }
+  ~Memory_Test() override { Reset_Core(); }
 
   Temporary_Folder Folder;
   Scripted_Platform scripted;

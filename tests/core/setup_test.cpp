@@ -7,6 +7,7 @@
 #include "core/profile_file.h"
 #include "core/setup_table.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <csignal>
@@ -26,17 +27,13 @@ using testing::HasSubstr;
 class Setup_Test : public testing::Test {
  protected:
   Setup_Test() {
-    Application = {};
-    Messages = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Setup_Host = {};
+    Reset_Core();
     Application.AppDirectory = Folder.Path;
     Application.Pointer_Folder = Folder.Path;
     Application.MachineFile = Folder.File("Machine One.ini");
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Setup_Test() override { Application = {}; }
+  ~Setup_Test() override { Reset_Core(); }
 
   // A machine file with these lines behind the mark of a good save.
   void Write_Machine_File(const std::string& lines) {

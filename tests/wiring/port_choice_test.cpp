@@ -8,6 +8,7 @@
 #include "core/setup.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <csignal>
@@ -22,8 +23,8 @@ namespace {
 // A file stands where the port device is: access by device is granted, and what is written shows.
 struct Port_Choice_Test : testing::Test {
   Port_Choice_Test() {
-    Application = {};
-    MachineSetup = {};
+    Reset_Control();
+    Reset_Simulate();
     Application.AppDirectory = Application.Pointer_Folder = Folder.File("");
     Application.ErrorFile = Folder.File("log.txt");
     Replace_File(Folder.File("port"), std::string(1000, ' '));
@@ -34,7 +35,8 @@ struct Port_Choice_Test : testing::Test {
   ~Port_Choice_Test() override {
     Set_Port_Device("/dev/port");
     Set_Port_Lock("");
-    Application = {};
+    Reset_Control();
+    Reset_Simulate();
   }
 
   Temporary_Folder Folder;
