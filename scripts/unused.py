@@ -13,16 +13,17 @@ from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent
 EXCEPTIONS = {
-    # Operations that a room to come calls.
+    # Operations that stand for whoever needs them.
     "CNC_Retool": "the run loop serves its request; no control of the panel asks for it",
     "EStop_Engage": "the E-stop's one-way form, for whoever finds a fault of the machine",
-    "Gcode_Step_Display": "the text transforms end with it",
-    "Import_Sequence_Text": "the text transform that adds sequence numbers",
+    "Gcode_Step_Display": "the whole text shown anew, line by line",
     "Load_Program_Wire": "the motion file",
-    "ToCommaDecimal": "the text transforms",
-    "ToPointDecimal": "the exports",
-    "WordText": "the text transforms",
-    "WordValue": "the text transforms",
+    # Plain rules of number texts, beside the fast ones of the writers.
+    "Import_Sequence_Text": "what the numbers of the written lines are held against",
+    "ToCommaDecimal": "one of the helpers of number texts",
+    "ToPointDecimal": "one of the helpers of number texts",
+    "WordText": "one of the helpers of number texts",
+    "WordValue": "one of the helpers of number texts",
     # What tests, benchmarks and fuzz targets set up and look at.
     "Parse_LineArc_Table": "each of the two tables has one reader and one writer",
     "Read_LineArc_Table": "as above",
