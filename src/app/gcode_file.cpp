@@ -98,7 +98,7 @@ bool Load_Lines(const std::string& path) {
   const auto before = GCode_Program.Text;
   SetStatus(1, "Open GCode: Loading File...", 5);
   SaveChanges(Read_Program(path));
-  return GCode_Program.Text != before;  // a text that is too large was refused and told
+  return GCode_Program.Text != before;  // a text that is too large was refused, with a message
 }
 
 // Logs a failure and tells the operator what is left.

@@ -58,7 +58,8 @@ Setup_Row_List General_Rows() {
           .Called(page::Tools, "Folder of tool files")
           .Shown_As("`Tools` in the working folder")
           .Computed([](const M&, int) { return Join_Path(Application.AppDirectory, "Tools"); })
-          .Says("Where the dialogs for tool files begin."),
+          .Says("Where the dialogs for tool files begin. Each start sets it to `Tools` in the "
+                "working folder, whatever is stored."),
       Key<&M::Tool_File_Name>("Tools", "Tool_File_Name")
           .Called(page::Tools, "Tool file")
           .Shown_As("`Default.tol` in that folder")

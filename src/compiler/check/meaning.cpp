@@ -228,7 +228,8 @@ std::optional<std::string> Meaning::Centre_Difference(const LineArc& row, int mo
     const double h = side * std::sqrt(square) / d;
     meant[0] = (start[0] + end[0]) / 2 + h * dy;
     meant[1] = (start[1] + end[1]) / 2 - h * dx;
-    // A stored centre counts from zero here; that the setup may walk it otherwise is told apart.
+    // A stored centre counts from zero here; that the setup may walk it otherwise is a finding of
+    // its own.
     runs[0] = *row.CenterI;
     runs[1] = *row.CenterJ;
   } else {

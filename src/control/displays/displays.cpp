@@ -158,7 +158,8 @@ void Fill_IO() {
   CNC_Controls.Label_EStop_State.Caption =
       tripped ? control_text::EStop_Tripped : control_text::EStop_Cleared;
   CNC_Controls.Label_EStop_State.Color = Red_When(tripped);
-  // What was told, not what is read back: a port that reads back nothing would untick the boxes.
+  // What they were last set to, not what is read back: a port that reads back nothing would untick
+  // the boxes.
   for (int n = 1; n <= 5; ++n)
     CNC_Controls.Check_Outputs[n - 1].Value = Drive_Status.Output_Commanded[n];
   for (int axis = 1; axis <= 4; ++axis)
