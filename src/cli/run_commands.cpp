@@ -10,6 +10,7 @@
 #include "control/panel/run_program.h"
 #include "control/safety/safety.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -247,7 +248,7 @@ std::string Words_About_Axis(int axis, const Axis_Travel& travel) {
   }
   if (!first_line) return {};
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  std::string words = std::string(1, " XYZA"[axis]) + " leaves the table at line " +
+  std::string words = std::string(1, Axis_Letter(axis)) + " leaves the table at line " +
                       std::to_string(*first_line) + ": ";
   if (farthest_line != *first_line) words += "farthest at line " + std::to_string(farthest_line);
   if (farthest_line != *first_line) words += ", ";

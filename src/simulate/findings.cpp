@@ -1,5 +1,7 @@
 #include "simulate/findings.h"
 
+#include "core/axes.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -39,7 +41,7 @@ bool Count_Finding(Finding_Kind kind, int axis, std::int64_t time) {
 
 void Word_Finding(const std::string& text) {
   Finding& finding = Findings.List.back();
-  finding.Text = finding.Axis == 0 ? text : std::string(1, " XYZA"[finding.Axis]) + ": " + text;
+  finding.Text = finding.Axis == 0 ? text : std::string(1, Axis_Letter(finding.Axis)) + ": " + text;
 }
 
 void Add_Setup_Finding(const std::string& text) {

@@ -1,6 +1,7 @@
 #include "compiler/check/meaning.h"
 
 #include "compiler/arcs/records.h"
+#include "core/axes.h"
 #include "core/numbers.h"
 #include "core/setup.h"
 
@@ -177,7 +178,7 @@ std::optional<std::string> Meaning::End_Difference(const Block_Event& event,
   for (int axis = 1; axis <= 4; ++axis) {
     const Nullable meant = Target(event, axis);
     if (!Is_Known_And_Other(meant, row.End[axis])) continue;
-    const std::string letter(1, "XYZA"[axis - 1]);
+    const std::string letter(1, Axis_Letter(axis));
     return "it ends at " + letter + Finding_Number(*row.End[axis]) + ", as written at " + letter +
            Finding_Number(*meant);
   }

@@ -5,6 +5,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/rounding.h"
@@ -30,7 +31,7 @@ std::string Ways_Text(const Step_Request& request) {
   std::string text;
   for (int axis = 1; axis <= 4; ++axis) {
     if (request.Steps[axis] <= 0) continue;
-    text += (text.empty() ? "" : " ") + std::string(1, " XYZA"[axis]);
+    text += (text.empty() ? "" : " ") + std::string(1, Axis_Letter(axis));
     text += request.Negative[axis] ? '-' : '+';
   }
   return text;

@@ -15,6 +15,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -189,10 +190,9 @@ std::string Summary_Text(const Run_Summary& summary) {
   text += "\nRun time: " + Convert_Process_Time(summary.Machine_Run_Time);
   text += " (" + Format_Number_Point(summary.Machine_Run_Time, "0.000") + " s)";
   text += "\nPosition:";
-  constexpr char letters[] = " XYZA";
   for (int axis = 1; axis <= 4; ++axis)
-    text +=
-        std::string(" ") + letters[axis] + Format_Number_Point(summary.Position[axis], "0.000000");
+    text += std::string(" ") + Axis_Letter(axis) +
+            Format_Number_Point(summary.Position[axis], "0.000000");
   return text + "\n";
 }
 

@@ -12,6 +12,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -77,7 +78,7 @@ std::string End_Of_Table() {
   for (int axis = 1; axis <= 4; ++axis) {
     if (!end[axis]) continue;
     if (!text.empty()) text += ' ';
-    text += "XYZA"[axis - 1] + Format_Number(*end[axis], "0.######");
+    text += Axis_Letter(axis) + Format_Number(*end[axis], "0.######");
   }
   return text;
 }
