@@ -9,7 +9,6 @@
 #include "core/setup.h"
 #include "drive/drive.h"
 #include "drive/drive_status.h"
-#include "parallel/timing.h"
 #include "platform/platform.h"
 
 #include <algorithm>
