@@ -5,6 +5,7 @@
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "drive/drive_status.h"
+#include "parallel/last_writes.h"
 #include "parallel/ports.h"
 
 #include <string>
@@ -140,6 +141,7 @@ void Output_Off(int n) {
 }
 
 void Idle_All_Outputs() {
+  Prepare_Last_Writes();
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const Pin pin = Output_Pin(Step_Slot(axis));
     Set_Pin(pin, pin.Invert);
