@@ -1,8 +1,5 @@
 #include "parallel/last_writes.h"
 
-#include "core/axes.h"
-#include "core/setup.h"
-#include "parallel/pin_map.h"
 #include "parallel/ports.h"
 
 #include <array>
@@ -17,45 +14,39 @@ struct Last_Write {
   std::uint8_t Own = 0, Off = 0;
 };
 
-// No more ports than slots that are switched off.
+// More ports than functions of a machine.
+constexpr std::size_t Most_Ports = 32;
+
 struct Last_Write_State {
-  std::array<Last_Write, 2 * Axis_Count + 5> Writes{};
-  volatile std::size_t Count = 0;
+  std::array<Last_Write, Most_Ports> Writes{};
+  volatile std::size_t Count = 0;  // counts an entry once it is whole
 };
 Last_Write_State Last_Writes;
 
-Last_Write& Write_Of_Port(std::int32_t port, std::size_t& count) {
-  for (std::size_t i = 0; i < count; ++i) {
-    if (Last_Writes.Writes[i].Port == port) return Last_Writes.Writes[i];
+Last_Write* Entry_Of(std::int32_t port) {
+  for (std::size_t i = 0; i < Last_Writes.Count; ++i) {
+    if (Last_Writes.Writes[i].Port == port) return &Last_Writes.Writes[i];
   }
-  Last_Writes.Writes[count] = {port, 0, 0};
-  return Last_Writes.Writes[count++];
-}
-
-void Add_Slot(int slot, std::size_t& count) {
-  const auto bit = Output_Bit(slot);
-  const std::int32_t port = MachineSetup.Output_Port[slot];
-  if (!bit || port < Lowest_Port || port > 0xFFFF) return;
-  Last_Write& write = Write_Of_Port(port, count);
-  const auto mask = static_cast<std::uint8_t>(1U << *bit);
-  write.Own = static_cast<std::uint8_t>(write.Own | mask);
-  // Off is low, high where the function is inverted.
-  if (MachineSetup.Parallel_Output_Bit_Invert[slot]) {
-    write.Off = static_cast<std::uint8_t>(write.Off | mask);
-  }
+  return nullptr;
 }
 
 }  // namespace
 
-void Prepare_Last_Writes() {
+void Forget_Last_Writes() {
   Last_Writes.Count = 0;
-  std::size_t count = 0;
-  for (int axis = 1; axis <= Axis_Count; ++axis) {
-    Add_Slot(Step_Slot(axis), count);
-    Add_Slot(Enable_Slot(axis), count);
+}
+
+void Add_Last_Write(std::int32_t port, std::uint8_t mask, bool high) {
+  if (port < Lowest_Port || port > 0xFFFF) return;
+  Last_Write* entry = Entry_Of(port);
+  if (entry == nullptr) {
+    if (Last_Writes.Count == Most_Ports) return;
+    entry = &Last_Writes.Writes[Last_Writes.Count];
+    *entry = {port, 0, 0};
+    Last_Writes.Count = Last_Writes.Count + 1;
   }
-  for (int n = 1; n <= 5; ++n) Add_Slot(Output_Slot(n), count);
-  Last_Writes.Count = count;
+  if (high) entry->Off = static_cast<std::uint8_t>(entry->Off | mask);
+  entry->Own = static_cast<std::uint8_t>(entry->Own | mask);
 }
 
 void Make_Last_Writes(Raw_Port_Write write) noexcept {

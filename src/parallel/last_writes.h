@@ -13,9 +13,10 @@ namespace norvik {
 // Writes one byte past everything that may allocate or raise.
 using Raw_Port_Write = void (*)(std::uint16_t port, std::uint8_t value) noexcept;
 
-// Works the table out from the pins of `MachineSetup`: step pins at their idle level, motors and
-// outputs 1 to 5 off.
-void Prepare_Last_Writes();
+// Empties the table.
+void Forget_Last_Writes();
+// One more bit, by its mask, with its level at rest. Ports that are never accessed are left out.
+void Add_Last_Write(std::int32_t port, std::uint8_t mask, bool high);
 
 // Makes the writes; ports that nothing was written to are left out. Safe in a signal handler.
 void Make_Last_Writes(Raw_Port_Write write) noexcept;

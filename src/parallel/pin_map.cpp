@@ -82,6 +82,20 @@ void Count_Step(int axis, bool negative) {
   Drive_Status.Home_Distance[axis] = static_cast<float>(Drive_Status.Home_Distance[axis] + delta);
 }
 
+// For an end by a signal: step pins at rest, motors and outputs off.
+void Prepare_Last_Writes() {
+  Forget_Last_Writes();
+  const auto add = [](int slot) {
+    const Pin pin = Output_Pin(slot);
+    if (pin.Mask != 0) Add_Last_Write(pin.Port, pin.Mask, pin.Invert);
+  };
+  for (int axis = 1; axis <= Axis_Count; ++axis) {
+    add(Step_Slot(axis));
+    add(Enable_Slot(axis));
+  }
+  for (int n = 1; n <= 5; ++n) add(Output_Slot(n));
+}
+
 }  // namespace
 
 std::optional<int> Output_Bit(int slot) {
