@@ -1,7 +1,5 @@
 #include "parallel/last_writes.h"
 
-#include "parallel/ports.h"
-
 #include <array>
 #include <cstddef>
 
@@ -37,7 +35,6 @@ void Forget_Last_Writes() {
 }
 
 void Add_Last_Write(std::int32_t port, std::uint8_t mask, bool high) {
-  if (port < Lowest_Port || port > 0xFFFF) return;
   Last_Write* entry = Entry_Of(port);
   if (entry == nullptr) {
     if (Last_Writes.Count == Most_Ports) return;
@@ -49,10 +46,10 @@ void Add_Last_Write(std::int32_t port, std::uint8_t mask, bool high) {
   entry->Own = static_cast<std::uint8_t>(entry->Own | mask);
 }
 
-void Make_Last_Writes(Raw_Port_Write write) noexcept {
+void Make_Last_Writes(Raw_Port_Write write, Last_Byte_Of last_byte_of) noexcept {
   for (std::size_t i = 0; i < Last_Writes.Count; ++i) {
     const Last_Write& last = Last_Writes.Writes[i];
-    const auto written = Written_Byte(last.Port);
+    const auto written = last_byte_of(last.Port);
     if (!written) continue;
     const int value = (*written & ~last.Own) | last.Off;
     write(static_cast<std::uint16_t>(last.Port), static_cast<std::uint8_t>(value));

@@ -8,6 +8,7 @@
 #include "core/setup.h"
 #include "parallel/last_writes.h"
 #include "parallel/port_ranges.h"
+#include "parallel/ports.h"
 #include "platform/linux/fatal_signals.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/port_cards.h"
@@ -40,7 +41,7 @@ std::string Use_Direct_Port(const Port_Right& right) {
   if (!alone.Granted) throw Fault(Fault_Number::Permission_Denied, alone.Words);
   Find_Cards();
   Install_Direct_Ports(&MachineSetup.Parallel_IODLL, {Is_Machine_Port, Words_About_Refused_Port});
-  Install_Fatal_Signals([]() noexcept { Make_Last_Writes(Write_Port_In_Handler); });
+  Install_Fatal_Signals([]() noexcept { Make_Last_Writes(Write_Port_In_Handler, Written_Byte); });
   Port_Choice.Simulated = false;
   if (right.Granted) return Told("Port: real, motors will move");
   Port_Choice.Refusal = right.Words;
