@@ -1,4 +1,5 @@
 // The line pass as a whole: progress and ESC, wrong input, and properties of generated programs.
+#include "compiler/state/compile_losses.h"
 #include "compiler/text/block_reader.h"
 #include "line_allocations.h"
 #include "line_fixture.h"
