@@ -227,6 +227,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   }
   Print_Losses();
   if (!summary.Finished) return Status_Of_Early_End(companion);
+  if (!options.Trace.empty() && !Move_Trace.Failed_Path.empty()) return Failed;
   return Compile_Losses.Any() && !options.Accept_Losses ? Failed : Done;
 }
 
