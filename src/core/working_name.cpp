@@ -22,6 +22,9 @@ namespace fs = std::filesystem;
 
 constexpr std::string_view Prefix = ".norvik-";
 constexpr std::string_view Unknown_Characters = "XXXXXX";
+// Of a folder not the folder itself is locked: that lock belongs to who writes in it together with
+// other programs (folder_lock.h).
+constexpr std::string_view Lock_Name = ".lock";
 constexpr std::time_t Youngest_Leftover = 60, Youngest_Without_Locks = 24 * 60 * 60;
 
 bool Is_Working_Name(std::string_view name) {
@@ -36,8 +39,9 @@ bool Is_Abandoned(const std::string& path) {
   if (!S_ISREG(about.st_mode) && !S_ISDIR(about.st_mode)) return false;
   const std::time_t age = std::time(nullptr) - about.st_mtime;
   if (age < Youngest_Leftover) return false;
-  const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
-  if (file < 0) return false;
+  const std::string lock = S_ISDIR(about.st_mode) ? Join_Path(path, Lock_Name) : path;
+  const int file = ::open(lock.c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK);
+  if (file < 0) return errno == ENOENT;  // killed before it had locked its folder
   const bool locked_now = ::flock(file, LOCK_EX | LOCK_NB) == 0;
   const bool in_use = !locked_now && errno == EWOULDBLOCK;
   ::close(file);
@@ -67,7 +71,7 @@ Working_Folder::Working_Folder(const std::string& parent) {
   std::string name = Working_Name_In(parent);
   if (::mkdtemp(name.data()) == nullptr) throw File_Fault(parent, "Cannot write", errno);
   Place = name;
-  Lock = ::open(Place.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  Lock = ::open(Join_Path(Place, Lock_Name).c_str(), O_RDONLY | O_CREAT | O_CLOEXEC, 0600);
   if (Lock >= 0) ::flock(Lock, LOCK_EX | LOCK_NB);
 }
 
