@@ -96,10 +96,13 @@ bool Load_Machine(const std::function<bool()>& loaded) {
 
 void Load_Main() {
   if (Platform.Other_Instance_Runs()) {
-    Platform.Message_Box("Norvik 4",
-                         "Norvik is already running. Work with the window that is open, or end it "
-                         "before you start the program again.",
-                         Box_Buttons::Ok);
+    Platform.Message_Box(
+        "Norvik 4",
+        "Norvik is already running. Work with the window that is open, or end it "
+        "before you start the program again. If no window is open, the folder "
+        "norvik-<number> in the temporary folder belongs to somebody else: have it "
+        "removed.",
+        Box_Buttons::Ok);
     bye();
     return;
   }

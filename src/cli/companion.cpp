@@ -2,6 +2,7 @@
 
 #include "app/folders.h"
 #include "app/startup.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
@@ -18,7 +19,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -66,20 +66,6 @@ void Name_Unusable_Values() {
   if (FileExists(Application.MachineFile) && !Saved_Whole()) {
     Complain(Application.MachineFile +
              " was never saved whole; the keys that it lacks have their factory values.");
-  }
-}
-
-constexpr std::string_view Staging_Name = ".norvik-";
-
-// What calls that were killed have left; a call that runs is never as old as a day.
-void Collect_Old_Staging(const std::string& folder) {
-  namespace fs = std::filesystem;
-  std::error_code failure;
-  const auto oldest = fs::file_time_type::clock::now() - std::chrono::hours(24);
-  for (const auto& entry : fs::directory_iterator(folder, failure)) {
-    if (!entry.path().filename().string().starts_with(Staging_Name)) continue;
-    const auto changed = entry.last_write_time(failure);
-    if (!failure && changed < oldest) fs::remove_all(entry.path(), failure);
   }
 }
 
@@ -149,26 +135,17 @@ bool Load_Program(const std::string& path) {
   }
 }
 
-Staged_Tables::Staged_Tables() : Folder(Application.Table_Folder) {
-  Collect_Old_Staging(Folder);
-  Staging = Join_Path(Folder, std::string(Staging_Name) + "XXXXXX");
-  if (::mkdtemp(Staging.data()) == nullptr) throw File_Fault(Folder, "Cannot write", errno);
-  Application.Table_Folder = Staging;
+Staged_Tables::Staged_Tables() : Folder(Application.Table_Folder), Staging(Folder) {
+  Application.Table_Folder = Staging.Path();
 }
 
 Staged_Tables::~Staged_Tables() {
   Application.Table_Folder = Folder;
-  std::error_code ignored;
-  std::filesystem::remove_all(Staging, ignored);
 }
 
 void Staged_Tables::Put_In_Place() {
   Application.Table_Folder = Folder;
-  for (std::string* path : {&Compile_Tables.LineArc_Path, &Compile_Tables.Wire_Path}) {
-    const std::string place = Join_Path(Folder, PathFileName(*path));
-    if (::rename(path->c_str(), place.c_str()) != 0) throw File_Fault(place, "Cannot write", errno);
-    *path = place;
-  }
+  Place_Table_Pair(Folder, Compile_Tables.LineArc_Path, Compile_Tables.Wire_Path);
 }
 
 void Print_Losses() {

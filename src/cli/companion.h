@@ -8,6 +8,7 @@
 // Machine file and pointer file are only read, unless the command is one that changes them.
 #pragma once
 
+#include "core/working_name.h"
 #include "plot/plot_image.h"
 
 #include <functional>
@@ -90,7 +91,8 @@ class Staged_Tables {
   void Put_In_Place();
 
  private:
-  std::string Folder, Staging;
+  std::string Folder;
+  Working_Folder Staging;
 };
 
 // What the compile left out, by line, on standard output; nothing when it left out nothing.

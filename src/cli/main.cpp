@@ -5,6 +5,7 @@
 #include "core/setup.h"
 #include "parallel/ports.h"
 #include "platform/headless/headless_platform.h"
+#include "platform/linux/granted_ports.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/platform.h"
 #include "plot/plot_picture.h"
@@ -15,6 +16,7 @@
 
 #include <csignal>
 #include <cstdlib>
+#include <string>
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -22,7 +24,6 @@
 #include "plot/picture/picture_files.h"
 
 #include <QGuiApplication>
-#include <sys/stat.h>
 #endif
 
 namespace {
@@ -42,6 +43,10 @@ void Keep_Standard_Streams() {
 int main(int argument_count, char** arguments) {
   using namespace norvik;
   Keep_Standard_Streams();
+  if (const std::string words = Words_About_Own_Rights(); !words.empty()) {
+    Complain(words);
+    return 1;
+  }
   Install_Headless_Platform();
   Headless.On_End = [] {  // the second Ctrl-C
     End_Drive_Session();
@@ -80,9 +85,8 @@ int main(int argument_count, char** arguments) {
   };
   environment.Start_Fonts = [&argument_count, arguments] {
     qputenv("QT_QPA_PLATFORM", "offscreen");
-    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR")) {
-      const std::string folder = "/tmp/norvik-" + std::to_string(getuid());
-      mkdir(folder.c_str(), 0700);
+    const std::string folder = Runtime_Folder();
+    if (!qEnvironmentVariableIsSet("XDG_RUNTIME_DIR") && !folder.empty()) {
       qputenv("XDG_RUNTIME_DIR", folder.c_str());
     }
     static QGuiApplication fonts(argument_count, arguments);

@@ -16,6 +16,7 @@
 #include "core/format.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "core/setup_tail.h"
 #include "core/waiting.h"
 #include "drive/drive.h"
 #include "parallel/ports.h"
@@ -42,6 +43,7 @@ struct Run_Command_Options {
   std::string Clock = "real";
   bool No_Pause = false;
   bool Save_Positions = false, Confirm_Positions = false, Accept_Losses = false;
+  bool Confirm_Setup = false;
 };
 
 void Print_Progress(std::int32_t step, std::int32_t last_step) {
@@ -119,7 +121,7 @@ void Use_Simulation(const Companion_Environment& environment) {
 }
 
 // False, after saying why, when the machine cannot be had.
-bool Use_Machine(const Companion_Environment& environment) {
+bool Use_Machine(const Companion_Environment& environment, bool setup_confirmed) {
   Load_Axis_Positions();
   std::string refusal;
   Trap_With([&](const Fault& refused) { refusal = refused.Description; },
@@ -127,6 +129,11 @@ bool Use_Machine(const Companion_Environment& environment) {
               std::cerr << environment.Use_Port() << '\n';
               refusal = environment.Port_Refusal();
             });
+  if (refusal.empty() && environment.Machine_Is_Real() && !setup_confirmed) {
+    refusal = Words_About_Lost_Tail();
+    if (!refusal.empty()) refusal += " --confirm-setup runs with the values as they are.";
+  }
+  if (setup_confirmed) Lost_Tail = {};
   if (!refusal.empty()) Complain(refusal);
   return refusal.empty();
 }
@@ -189,7 +196,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   if (!Load_Program(options.Program)) return Failed;
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
-  } else if (!Use_Machine(companion.Environment)) {
+  } else if (!Use_Machine(companion.Environment, options.Confirm_Setup)) {
     return Failed;
   } else {
     Choose_What_Is_Kept(companion, options);
@@ -222,6 +229,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   }
   Print_Losses();
   if (!summary.Finished) return Status_Of_Early_End(companion);
+  if (!options.Trace.empty() && !Move_Trace.Failed_Path.empty()) return Failed;
   return Compile_Losses.Any() && !options.Accept_Losses ? Failed : Done;
 }
 
@@ -310,6 +318,8 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
   command->add_flag(
       "--confirm-positions", run->Confirm_Positions,
       "The stored positions are those of the machine, although it did not end orderly");
+  command->add_flag("--confirm-setup", run->Confirm_Setup,
+                    "The values of settings that the machine file has lost are right");
   command->add_flag("--accept-losses", run->Accept_Losses,
                     "Run although the compile left out lines, macros or wires");
   command->callback([&companion, run] {

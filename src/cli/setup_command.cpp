@@ -8,6 +8,7 @@
 #include "core/setup.h"
 #include "core/setup_keys.h"
 #include "core/setup_table.h"
+#include "core/setup_tail.h"
 
 #include <iostream>
 #include <memory>
@@ -106,7 +107,8 @@ int Check_Machine() {
     std::cout << '\n';
   }
   for (const std::string& finding : Setup_Store.Findings) std::cout << finding << '\n';
-  const auto count = findings.size() + Setup_Store.Findings.size();
+  for (const std::string& key : Lost_Tail.Keys) std::cout << "missing [" << key << "]\n";
+  const auto count = findings.size() + Setup_Store.Findings.size() + Lost_Tail.Keys.size();
   std::cout << count << (count == 1 ? " finding" : " findings") << '\n';
   return count == 0 ? Done : Failed;
 }

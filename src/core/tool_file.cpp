@@ -3,6 +3,7 @@
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
+#include "core/foreign_file.h"
 #include "core/numbers.h"
 #include "core/paths.h"
 
@@ -32,14 +33,13 @@ bool Read_Tool_File(const std::string& path) {
   Tools = {};
   if (path.empty() || !FileExists(path)) return false;
   return Trap("Read Tool File", [&] {
-    const auto lines = Split_Lines(Read_Whole_File(path));
+    const auto lines = Split_Lines(Read_Foreign_File(path, Largest_Tool_File));
     const int rows = static_cast<int>(std::min<std::size_t>(lines.size(), Tools.Diameter.last));
     for (int tool = 1; tool <= rows; ++tool) {
       const std::string& line = lines[static_cast<std::size_t>(tool - 1)];
       if (Take_Row(tool, line)) continue;
-      ErrorLogWrite("Tool file " + path + ", line " + std::to_string(tool) + ": \"" +
-                    line.substr(0, 60) +
-                    "\" is not diameter,offset; the missing number counts as 0");
+      ErrorLogWrite("Tool file " + path + ", line " + std::to_string(tool) +
+                    " is not diameter,offset; the missing number counts as 0");
     }
   });
 }

@@ -6,7 +6,12 @@
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "parallel/last_writes.h"
+#include "parallel/port_ranges.h"
+#include "parallel/ports.h"
+#include "platform/linux/fatal_signals.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/linux/port_cards.h"
 #include "simulate/simulated_machine.h"
 
 namespace norvik {
@@ -24,10 +29,19 @@ std::string Told(const std::string& text) {
   return text;
 }
 
+// Registers of add-on cards: those that the kernel knows, and those that this computer's own
+// pointer file names. The machine file has no say in it.
+void Find_Cards() {
+  Port_Ranges.Cards = Ranges_In(ReadPointer("Platform", "Card_Ports"));
+  for (const Card_Range& card : Port_Cards()) Port_Ranges.Cards.push_back({card.First, card.Last});
+}
+
 std::string Use_Direct_Port(const Port_Right& right) {
   const Port_Right alone = Lock_Direct_Port();
   if (!alone.Granted) throw Fault(Fault_Number::Permission_Denied, alone.Words);
-  Install_Direct_Ports(&MachineSetup.Parallel_IODLL);
+  Find_Cards();
+  Install_Direct_Ports(&MachineSetup.Parallel_IODLL, {Is_Machine_Port, Words_About_Refused_Port});
+  Install_Fatal_Signals([]() noexcept { Make_Last_Writes(Write_Port_In_Handler, Written_Byte); });
   Port_Choice.Simulated = false;
   if (right.Granted) return Told("Port: real, motors will move");
   Port_Choice.Refusal = right.Words;

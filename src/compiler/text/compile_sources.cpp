@@ -2,6 +2,7 @@
 
 #include "core/application.h"
 #include "core/fault.h"
+#include "core/foreign_file.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "core/setup_table.h"
@@ -54,7 +55,8 @@ Macro_Source Look_At(std::int16_t macro, bool with_content) {
   source.Modified =
       std::filesystem::last_write_time(source.Path, ignored).time_since_epoch().count();
   if (with_content)
-    Trap_With([](const Fault&) {}, [&] { source.Hash = Hash_Of(Read_Whole_File(source.Path)); });
+    Trap_With([](const Fault&) {},
+              [&] { source.Hash = Hash_Of(Read_Foreign_File(source.Path, Largest_Macro_File)); });
   return source;
 }
 

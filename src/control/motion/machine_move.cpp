@@ -39,6 +39,7 @@ std::string Trace_Line(const Move_Order& order) {
 
 // Opened and closed for each line, so that the file is whole whenever the process dies.
 bool Append_Line(const std::string& path, const std::string& line) {
+  Keep_File_Bounded(path, Log_Limits.Trace);
   std::FILE* file = std::fopen(path.c_str(), "ab");
   if (!file) return false;
   const bool written = std::fwrite(line.data(), 1, line.size(), file) == line.size();

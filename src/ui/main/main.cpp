@@ -14,6 +14,7 @@
 #include "core/version.h"
 #include "drive/drive_host.h"
 #include "platform/desktop/desktop_platform.h"
+#include "platform/linux/granted_ports.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/sdl/sdl_platform.h"
 #include "platform/x11/escape_key.h"
@@ -29,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -124,6 +126,11 @@ int main(int argument_count, char** arguments) {
   using namespace norvik;
   if (const auto status = Answer_Without_Window({arguments + 1, arguments + argument_count})) {
     return *status;
+  }
+  // Before the toolkit loads the plugins that the user's environment names.
+  if (const std::string words = Words_About_Own_Rights(); !words.empty()) {
+    std::fprintf(stderr, "norvik: %s\n", words.c_str());
+    return 1;
   }
   Norvik_Application application(argument_count, arguments);
   QApplication::setApplicationName("Norvik");
