@@ -126,8 +126,7 @@ void Tell_Missing_Step_Pins(const Step_Request& request) {
     if (request.Steps[axis] <= 0 || Drive().Can_Step(axis)) continue;
     if (std::exchange(Controller.No_Step_Pin_Told[axis], true)) continue;
     const std::string text = " XYZA"[axis] + std::string(control_text::Has_No_Step_Pin);
-    AddMessage(text);
-    SetStatus(1, text, 10);
+    Tell(text, 10);
   }
 }
 

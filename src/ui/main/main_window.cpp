@@ -567,7 +567,7 @@ void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (Machine.CNCMode == CNC_Running || Anything_Moves()) {
     Platform.Beep();
-    SetStatus(1, "The machine is moving. Press Stop first, then close the program.", 5);
+    Tell("The machine is moving. Press Stop first, then close the program.", 5);
     return;
   }
   if (May_Lose_Program()) Unload_Main();

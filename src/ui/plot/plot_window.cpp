@@ -57,7 +57,7 @@ constexpr int Strip_Lines = 24;
 // The box that asks would hold up a move that runs.
 void Ask_For_Angle(int angle) {
   if (Anything_Moves()) {
-    SetStatus(1, "Not while the machine moves: type the angle into the box beside the letter.", 5);
+    Tell("Not while the machine moves: type the angle into the box beside the letter.", 5);
     return;
   }
   Label_3D_Viewpoint_Click(angle);
