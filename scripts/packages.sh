@@ -6,7 +6,7 @@
 build_packages=(
   build-essential cmake ninja-build ccache pkg-config python3
   libcli11-dev libgtest-dev libgmock-dev
-  qt6-base-dev libgl-dev libvulkan-dev libsdl2-dev libxcb1-dev
+  qt6-base-dev libgl-dev libvulkan-dev libsdl2-dev libxcb1-dev libserialport-dev
   xvfb xauth xdotool imagemagick fonts-dejavu-core
 )
 # What the slower checks and the benchmarks need on top.

@@ -63,6 +63,20 @@ inline constexpr int Escape = 27, F4 = 115, F5 = 116, F6 = 117;
 
 enum class Mouse_Pointer { Normal, Busy };
 
+// A serial port that this computer has.
+struct Serial_Port_Info {
+  std::string Device;       // what `Serial_Open` takes: a path, or a name that a back end gives
+  std::string Description;  // words of the system, empty when it has none
+  std::string
+      Problem;  // why it cannot be opened and what to do; empty: nothing is known against it
+};
+
+// What an attempt to open a serial port came to.
+struct Serial_Opened {
+  int Handle = 0;       // from 1; 0: not open
+  std::string Problem;  // words for the operator when it is not open
+};
+
 using Timer_Id = int;
 
 struct Platform_Operations {
@@ -135,6 +149,26 @@ struct Platform_Operations {
   };
   std::function<void(std::uint16_t address, std::uint8_t value)> Port_Write = [](std::uint16_t,
                                                                                  std::uint8_t) {};
+  // The serial ports that exist, in the order of the system.
+  std::function<std::vector<Serial_Port_Info>()> Serial_Ports = [] {
+    return std::vector<Serial_Port_Info>();
+  };
+  // Opens a port of `Serial_Ports`, or another device by its path, for this program alone: 8 data
+  // bits, no parity, 1 stop bit, no handshake, every byte value unchanged, `baud` bits a second.
+  std::function<Serial_Opened(const std::string& device, std::int32_t baud)> Serial_Open =
+      [](const std::string& device, std::int32_t) {
+        return Serial_Opened{0, "There is no serial port " + device + "."};
+      };
+  // Hands all bytes over to the port without waiting until they are on the line. False: the port is
+  // gone or takes nothing more.
+  std::function<bool(int handle, const std::vector<std::uint8_t>& bytes)> Serial_Write =
+      [](int, const std::vector<std::uint8_t>&) { return false; };
+  // Bytes that have arrived and were not read; -1: the port is gone.
+  std::function<std::int32_t(int handle)> Serial_Available = [](int) { return std::int32_t{-1}; };
+  // Appends what has arrived to `bytes`, without waiting. False: the port is gone.
+  std::function<bool(int handle, std::vector<std::uint8_t>& bytes)> Serial_Read =
+      [](int, std::vector<std::uint8_t>&) { return false; };
+  std::function<void(int handle)> Serial_Close = [](int) {};
   // 0 normal, 1 high, 2 real time. Answers the words for the operator when a right was refused,
   // the empty text otherwise.
   std::function<std::string(int level)> Set_Priority = [](int) { return std::string(); };
