@@ -353,6 +353,13 @@ void Main_Frame::Set_Banner(const QString& text) {
   Show_Banner();
 }
 
+void Main_Frame::Add_Notice(const QString& text, const QString& tip) {
+  auto* notice = new QLabel(text);
+  notice->setObjectName("Label_Notice");
+  notice->setToolTip(tip);
+  statusBar()->insertPermanentWidget(0, notice);
+}
+
 void Main_Frame::Show_Banner() {
   const bool narrow = width() < Text_Height() * 60;
   Banner->setText(narrow ? Banner_Text.section(" - ", 0, 0) : Banner_Text);
