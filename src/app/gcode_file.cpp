@@ -143,6 +143,7 @@ bool Save_GCode(const std::string& path) {
   return Trap_With([](const Fault& fault) { Tell_Failure(fault, "The program is not saved."); },
                    [&] {
                      Take_Typed_Text();
+                     const Progress_Status progress("Save GCode:");
                      SetStatus(1, "Save GCode: Saving File...", -1);
                      const auto saved = GCode_Program.Text;
                      Replace_File(path, Program_Bytes());
@@ -150,7 +151,6 @@ bool Save_GCode(const std::string& path) {
                      if (GCode_Program.Text == saved && !GCode_Program.Typed_Waits)
                        GCode_Program.Unsaved = false;
                      Main_Form.Program_File = path;
-                     SetStatus(1, "", -1);
                    });
 }
 

@@ -102,6 +102,8 @@ void Take_Typed_Text() {
 void Gcode_Step_Display() {
   Current_Step() = std::min(Current_Step(), GCodeLineCount());
   SetStatus(1, "GCode Step Display: Displaying data...", 5);
+  // The opening text stands its time; a share of the way is out of date at the end.
+  const Progress_Status progress("GCode Step Display: Displaying data ");
   const auto program = GCode_Program.Text;  // a handler in a yield may replace it
   std::string text;
   text.reserve(program->Whole().size());
@@ -126,7 +128,7 @@ void Text_GCode_DblClick(std::int32_t text_line) {
   // The plot shows what was compiled; a line of a newer text has another step there, or none.
   const Table_Origin& drawn = Program_Wire.Program_Origin();
   if (GCode_Program.Typed_Waits || (drawn.Sources && !Is_Of_Present_Text(*drawn.Sources))) {
-    SetStatus(1, "The text is newer than the plot: compile it (Ctrl+B) to mark its lines.", 5);
+    Tell("The text is newer than the plot: compile it (Ctrl+B) to mark its lines.", 5);
     return;
   }
   Plot_Highlight_Step(step);
@@ -136,6 +138,7 @@ void Text_GCode_DblClick(std::int32_t text_line) {
 void Print_Data() {
   if (!Stopped_For("Can't print")) return;
   Take_Typed_Text();
+  const Progress_Status progress("GCode Printing");
   const auto program = GCode_Program.Text;
   std::vector<std::string> lines;
   lines.reserve(static_cast<std::size_t>(program->Line_Count()));
@@ -145,8 +148,8 @@ void Print_Data() {
     SetStatus(1, "GCode Printing. " + Line_Percent(line, "##0.00") + "% completed", 5);
     DoEvents();
   }
-  const bool printed = Platform.Print_Lines(lines);
-  SetStatus(1, printed ? "" : "Nothing was printed: there is no printer, or it was cancelled.", 5);
+  if (!Platform.Print_Lines(lines))
+    Tell("Nothing was printed: there is no printer, or it was cancelled.", 5);
 }
 
 std::int32_t Step_Of_Text_Line(std::int32_t text_line) {

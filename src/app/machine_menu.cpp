@@ -77,6 +77,8 @@ void Command_Parameter_Reset_Click() {
   const Box_Answer answer =
       Platform.Message_Box("Parameter Restore", Reset_Question, Box_Buttons::Yes_No_Cancel_Careful);
   if (answer != Box_Answer::Yes) return;
+  // It shows the machine that stands beside the computer, which no parameter takes away.
+  const bool simulated_was_open = Main_Host.View_Of(Form_Id::Simulated_Machine).Visible;
   Main_Host.Unload_Other_Windows();
   for (const Form_Id form : {Form_Id::CNC_Controls, Form_Id::GCode, Form_Id::Plot}) {
     Main_Host.Unload_Form(form);
@@ -87,6 +89,7 @@ void Command_Parameter_Reset_Click() {
   Restore_All_Parameters();
   Begin_Drive_Session();
   Show_Open_Forms();
+  if (simulated_was_open) Main_Host.Show_Form(Form_Id::Simulated_Machine);
   Platform.Message_Box("Parameter Restore", Reset_Done, Box_Buttons::Ok);
   Tell_Session_Start();
 }

@@ -10,6 +10,7 @@
 #include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
+#include "core/beside_machine.h"
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/messages.h"
@@ -47,7 +48,7 @@ void Read_Tools() {
   std::error_code ignored;
   std::filesystem::create_directory(folder, ignored);
   MachineSetup.Tool_Directory = folder;
-  Read_Tool_File(MachineSetup.Tool_File_Name);
+  Read_Tool_File(Beside_Machine_File(MachineSetup.Tool_File_Name));
 }
 
 // The setup of the desktop, which keeps one error log over all its starts.

@@ -205,6 +205,12 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? Done : Wrong_Usage;
   }
+  if (companion.Takes_Pictures) {
+    if (const std::string reason = companion.Environment.Take_Pictures(); !reason.empty()) {
+      Complain(reason);
+      return Failed;
+    }
+  }
   int status = companion.Start();
   if (status == Done) status = companion.Command();
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");

@@ -54,6 +54,9 @@ struct Companion_Environment {
   std::function<void()> Open_Table_Ends = [] {};
   // What the simulated machine noticed; empty on real ports.
   std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };
+  // A command that reads or writes pictures was chosen. Does not come back where another program
+  // takes the call over; otherwise the reason why pictures are not possible, empty: they are.
+  std::function<std::string()> Take_Pictures = [] { return std::string(); };
   // Texts in pictures need the toolkit's application object; no display.
   std::function<void()> Start_Fonts = [] {};
   // Raises a file fault that says what to do.
@@ -65,6 +68,7 @@ struct Companion {
   Companion_Options Options;
   Companion_Environment Environment;
   std::function<int()> Command;  // set by the chosen command
+  bool Takes_Pictures = false;   // the same
 
   // Folders, region, setup and settings of this call. `Done`, or the exit status; the reason is
   // printed.

@@ -165,6 +165,7 @@ void Add_Import_Command(CLI::App& app, Companion& companion) {
       ->delimiter(',')
       ->allow_extra_args(false);
   command->callback([&companion, import] {
+    companion.Takes_Pictures = Kind_Of(*import) == Import_Kind::Bitmap;
     companion.Command = [&companion, import] { return Import(companion, *import); };
   });
 }

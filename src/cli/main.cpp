@@ -2,11 +2,13 @@
 #include "app/drive_session.h"
 #include "cli/companion.h"
 #include "core/application.h"
+#include "core/paths.h"
 #include "core/setup.h"
 #include "parallel/ports.h"
 #include "platform/headless/headless_platform.h"
 #include "platform/linux/granted_ports.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/linux/program_path.h"
 #include "platform/platform.h"
 #include "plot/plot_picture.h"
 #include "simulate/findings.h"
@@ -14,6 +16,7 @@
 #include "simulate/virtual_clock.h"
 #include "wiring/port_choice.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
 #include <string>
@@ -37,6 +40,18 @@ void Keep_Standard_Streams() {
   } while (file >= 0 && file <= STDERR_FILENO);
   ::close(file);
 }
+
+#ifdef NORVIK_PICTURE_PROGRAM
+// The same call in the program that has the toolkit. Comes back with the reason when it is not
+// there.
+std::string Go_On_With_Pictures(char** arguments) {
+  const std::string program =
+      norvik::Join_Path(norvik::PathDirectory(norvik::Program_Path()), NORVIK_PICTURE_PROGRAM);
+  ::execv(program.c_str(), arguments);
+  return norvik::File_Fault(program, "Pictures need the program", errno).Description +
+         ". Install it beside norvik-cli.";
+}
+#endif
 
 }  // namespace
 
@@ -93,6 +108,9 @@ int main(int argument_count, char** arguments) {
   };
 #else
   environment.Write_Picture = Write_Pixmap_File;
+#endif
+#ifdef NORVIK_PICTURE_PROGRAM
+  environment.Take_Pictures = [arguments] { return Go_On_With_Pictures(arguments); };
 #endif
   return Run_Companion(argument_count, arguments, std::move(environment));
 }

@@ -60,6 +60,7 @@ void Add_Plot_Command(CLI::App& app, Companion& companion) {
       ->check(CLI::Range(Smallest_Picture, Largest_Picture));
   command->add_flag("--dark", plot->Dark, "On a dark ground");
   command->callback([&companion, plot] {
+    companion.Takes_Pictures = true;
     companion.Command = [&companion, plot] { return Plot_Program(companion, *plot); };
   });
 }

@@ -20,6 +20,7 @@
 #include "core/waiting.h"
 #include "drive/drive.h"
 #include "parallel/ports.h"
+#include "parallel/read_back.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -143,6 +144,7 @@ class Machine_In_Hand {
  public:
   explicit Machine_In_Hand(bool positions_confirmed) {
     Begin_Drive_Session();
+    if (const std::string words = Words_About_Deaf_Ports(); !words.empty()) Complain(words);
     Tell_Home_Safety();
     if (positions_confirmed) Position_Memory.Doubt.clear();
   }

@@ -67,13 +67,16 @@ Setup_Row_List General_Rows() {
           .Computed(
               [](const M& setup, int) { return Join_Path(setup.Tool_Directory, "Default.tol"); })
           .Says("Diameter and offset of 200 tools. It is read when Norvik starts, and a compile "
-                "corrects the path by it under G41 and G42."),
+                "corrects the path by it under G41 and G42. A name without a full path counts from "
+                "the "
+                "working folder; what is not there is looked for beside the machine file."),
       Family<&M::MacroFile>("Macros", "MacroFile<n>")
           .Called(page::Tools, "Macro <n>")
           .Changed(After_Change::Recompile)
           .Saved(Save_Place::Macros)
           .Says("G-code file of the macro that M98 calls by this number; empty: there is no such "
-                "macro."),
+                "macro. A name without a full path counts from the working folder; what is not "
+                "there is looked for beside the machine file."),
       Key<&M::Goto_Command_Index>("General", "Goto_Command_Index")
           .Called(page::Goto, "Line used last")
           .Plain("0")

@@ -40,6 +40,8 @@ TEST_F(Safety_Test, The_EStop_button_toggles) {
   const std::string log = Read_Whole_File(Application.ErrorFile);
   EXPECT_THAT(log, HasSubstr("Motor Enable Tripped"));
   EXPECT_THAT(log, HasSubstr("Motor Enable Cleared"));
+  EXPECT_THAT(Messages.MessageLog[1], HasSubstr("E-stop: the motors are disabled"));
+  EXPECT_THAT(Messages.MessageLog[0], HasSubstr("the motors are enabled"));
 }
 
 TEST_F(Safety_Test, The_one_way_form_makes_no_log_line_and_never_clears) {
@@ -60,6 +62,8 @@ TEST_F(Safety_Test, A_double_click_in_a_move_still_stops_it) {
   Command_CNC_Play_Click();
   EXPECT_TRUE(Machine.EStop_Flag);
   EXPECT_LT(Machine.Position[1], 1);
+  EXPECT_THAT(Messages.MessageLog, ::testing::Contains("Stopped by the E-stop."));
+  EXPECT_THAT(Messages.MessageLog, ::testing::Contains(control_text::EStop_Stays_Set));
   Command_EStop_Click();
   EXPECT_FALSE(Machine.EStop_Flag);
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);  // clearing moves nothing

@@ -58,6 +58,41 @@ TEST_F(Messages_Test, Panels_One_And_Three_Are_Cleared_In_Time) {
   EXPECT_EQ(Messages.Status_Timeout[1], -1);
 }
 
+TEST_F(Messages_Test, What_Is_Over_Leaves_The_Panel_And_Stays_In_The_List) {
+  Messages = {};
+  Tell("Refused.", 5);
+  Tell("Refused.", 5);  // a key that repeats itself
+  EXPECT_EQ(Messages.Panel[1], "Refused.");
+  EXPECT_EQ(Messages.Status_Timeout[1], 5);
+  EXPECT_EQ(Messages.MessageLog[0], "Refused.");
+  EXPECT_EQ(Messages.MessageLog[1], "");
+  Clear_Standing_Status();  // ends by itself soon
+  EXPECT_EQ(Messages.Panel[1], "Refused.");
+  for (const int seconds : {-1, 1000}) {
+    SetStatus(1, "Done!", seconds);
+    Clear_Standing_Status();
+    EXPECT_EQ(Messages.Panel[1], "");
+    EXPECT_EQ(Messages.Status_Timeout[1], -1);
+  }
+  // Work that ends well, by a fault, and after another text has come.
+  {
+    const Progress_Status work("Work: ");
+    SetStatus(1, "Work: 99.00% completed", 5);
+  }
+  EXPECT_EQ(Messages.Panel[1], "");
+  EXPECT_FALSE(Trap("Work", [] {
+    const Progress_Status work("Work: ");
+    SetStatus(1, "Work: file", -1);
+    throw Fault(Fault_Number::Disk_Full, "full");
+  }));
+  EXPECT_THAT(Messages.Panel[1], testing::HasSubstr("full"));
+  {
+    const Progress_Status work("Work: ");
+    SetStatus(1, "Lines are missing", 10);
+  }
+  EXPECT_EQ(Messages.Panel[1], "Lines are missing");
+}
+
 TEST_F(Messages_Test, Error_Log_Takes_One_Line_An_Entry) {
   ErrorLogWrite("first");
   EXPECT_EQ(Messages.Panel[1], "Error Write:first");

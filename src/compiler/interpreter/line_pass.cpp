@@ -7,6 +7,7 @@
 #include "compiler/text/block_reader.h"
 #include "compiler/text/compile_sources.h"
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/foreign_file.h"
@@ -212,7 +213,7 @@ void Expand(std::int16_t macro) {
     Line_Pass.Operations.Show(macro, name + " already open");
     return Lose_Macro(name + " calls itself; a macro never runs within itself");
   }
-  const std::string path = MachineSetup.MacroFile[macro];
+  const std::string path = Beside_Machine_File(MachineSetup.MacroFile[macro]);
   Add_Macro_Source(Present_Compile, macro);
   if (path.empty()) {
     Line_Pass.Operations.Show(macro, name + " has no file assigned");

@@ -1,6 +1,7 @@
 #include "compiler/text/compile_sources.h"
 
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/fault.h"
 #include "core/foreign_file.h"
 #include "core/paths.h"
@@ -47,7 +48,7 @@ std::uint64_t Hash_Of(std::string_view bytes) {
 Macro_Source Look_At(std::int16_t macro, bool with_content) {
   Macro_Source source;
   source.Number = macro;
-  source.Path = MachineSetup.MacroFile[macro];
+  source.Path = Beside_Machine_File(MachineSetup.MacroFile[macro]);
   source.Present = !source.Path.empty() && FileExists(source.Path);
   if (!source.Present) return source;
   std::error_code ignored;

@@ -87,7 +87,8 @@ std::string Run_Activity() {
   return text + ": ends with this move, " + Format_Number(Move_Seconds_Left(), "0.0") + " s";
 }
 
-// What the machine really does, beside the state that the mode names; empty: nothing to add.
+}  // namespace
+
 std::string Activity_Text() {
   if (!Anything_Moves()) return {};
   const Operation_Entry& entry = *Present_Operation();
@@ -111,6 +112,8 @@ std::string Activity_Text() {
   }
 }
 
+namespace {
+
 void Fill_CNCMode() {
   const auto mode = std::clamp<int>(Machine.CNCMode, CNC_Stopped, CNC_Running);
   const Mode_Row& row = Mode_Rows[mode];
@@ -127,6 +130,9 @@ void Fill_CNC() {
   auto& form = CNC_Controls;
   form.Label_CNC_Step.Caption =
       "Step " + std::to_string(Machine.Run_Step) + " of " + std::to_string(Machine.EndingStep);
+  // 0, as a compile leaves it, runs from the first step too.
+  form.Text_StartingStep.Text = std::to_string(std::max(Machine.StartingStep, 1));
+  form.Text_EndingStep.Text = std::to_string(Machine.EndingStep);
   form.Label_Run_Timer.Caption =
       std::string(control_text::Timer) + Convert_Process_Time(Run_Time_Now());
   form.Label_Tool.Caption = Controller.Tool ? Shortest_Text(*Controller.Tool) : std::string();

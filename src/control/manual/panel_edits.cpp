@@ -33,7 +33,7 @@ constexpr const char* Depth_Prompts[] = {
 
 bool Stands_Still() {
   if (!Anything_Moves()) return true;
-  SetStatus(1, control_text::Not_While_Moving, 5);
+  Tell(control_text::Not_While_Moving, 5);
   return false;
 }
 
@@ -43,7 +43,7 @@ std::optional<double> Ask(const std::string& title, const std::string& prompt,
   const auto answer = Platform.Input_Box(title, prompt, present);
   if (!answer || answer->empty() || *answer == present) return std::nullopt;
   const std::optional<double> value = Try_Number(*answer);
-  if (!value) SetStatus(1, "\"" + *answer + "\" is no number: nothing changed.", 5);
+  if (!value) Tell("\"" + *answer + "\" is no number: nothing changed.", 5);
   return value;
 }
 
@@ -53,7 +53,7 @@ bool Ask_Feed(const char* prompt, const char* key, float& feed) {
   const auto value = Ask("FEED RATE CHANGE", prompt, Format_Number(feed, "00.00"));
   if (!value) return false;
   if (!(*value > 0)) {
-    SetStatus(1, "A feed rate must be above 0: nothing changed.", 5);
+    Tell("A feed rate must be above 0: nothing changed.", 5);
     return false;
   }
   return Trap("FEED RATE CHANGE", [&] {

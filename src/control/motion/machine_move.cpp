@@ -127,9 +127,7 @@ void Tell_Missing_Step_Pins(const Step_Request& request) {
   for (int axis = 1; axis <= 4; ++axis) {
     if (request.Steps[axis] <= 0 || Drive().Can_Step(axis)) continue;
     if (std::exchange(Controller.No_Step_Pin_Told[axis], true)) continue;
-    const std::string text = Axis_Letter(axis) + std::string(control_text::Has_No_Step_Pin);
-    AddMessage(text);
-    SetStatus(1, text, 10);
+    Tell(Axis_Letter(axis) + std::string(control_text::Has_No_Step_Pin), 10);
   }
 }
 

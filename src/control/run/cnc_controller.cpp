@@ -115,7 +115,7 @@ void Begin_Run_If_At_Start() {
 void Announce_Pause() {
   Drive().Wait_Empty();
   CNC_Pause();
-  SetStatus(1, control_text::Paused_For_Retooling, 5);
+  Tell(control_text::Paused_For_Retooling, 5);
   Play_Event_Sound(sound::Pause);
 }
 
@@ -123,10 +123,9 @@ void End_Run() {
   Drive().Wait_Empty();
   Machine.CNCMode = CNC_Stopped;
   CNCMode_Display();
-  SetStatus(1,
-            std::string(control_text::Machine_Run_Time) +
-                Convert_Process_Time(Controller.Machine_Run_Time),
-            -1);
+  Tell(std::string(control_text::Machine_Run_Time) +
+           Convert_Process_Time(Controller.Machine_Run_Time),
+       -1);
   Play_Event_Sound(sound::Motion_Finished);
 }
 
@@ -184,7 +183,7 @@ bool Goes_On_With_Old_Text() {
   if (Controller.Agreed_Text == GCode_Program.Text && !GCode_Program.Typed_Waits) return true;
   if (Platform.Message_Box("Norvik 4", std::string(control_text::Text_Changed_In_Run),
                            Box_Buttons::Ok_Cancel) != Box_Answer::Ok) {
-    SetStatus(1, control_text::Run_Not_Continued, 10);
+    Tell(control_text::Run_Not_Continued, 10);
     return false;
   }
   Controller.Agreed_Text = GCode_Program.Text;
@@ -193,11 +192,11 @@ bool Goes_On_With_Old_Text() {
 
 bool Begins_With_Consent() {
   if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
+    Tell(why_not, 10);
     return false;
   }
   if (Run_Consent.May_Begin()) return true;
-  SetStatus(1, control_text::Run_Not_Begun, 10);
+  Tell(control_text::Run_Not_Begun, 10);
   return false;
 }
 
@@ -205,10 +204,9 @@ bool Begins_With_Consent() {
 bool Positions_Stand() {
   if (Position_Memory.Doubt.empty()) return true;
   Ask_About_Positions();
-  SetStatus(1,
-            Position_Memory.Doubt.empty() ? control_text::Play_Once_More
-                                          : control_text::Positions_In_Doubt,
-            10);
+  Tell(Position_Memory.Doubt.empty() ? control_text::Play_Once_More
+                                     : control_text::Positions_In_Doubt,
+       10);
   return false;
 }
 
@@ -247,7 +245,7 @@ void Run_In_Mode(std::int16_t mode) {
 // made to its end first.
 void Tell_What_Ends_First() {
   const bool at_once = Controller.Jog_Held || Runs(Operation::Calibration);
-  if (Runs(Operation::Move) && !at_once) SetStatus(1, control_text::Move_Ends_First, 5);
+  if (Runs(Operation::Move) && !at_once) Tell(control_text::Move_Ends_First, 5);
 }
 
 }  // namespace
@@ -308,7 +306,7 @@ void Command_CNC_Step_Click() {
 
 void Command_CNC_Pause_Click() {
   if (Machine.CNCMode == CNC_Stopped && Anything_Moves()) {
-    SetStatus(1, control_text::No_Run_To_Pause, 5);
+    Tell(control_text::No_Run_To_Pause, 5);
     return;
   }
   if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over

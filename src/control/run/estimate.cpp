@@ -103,13 +103,13 @@ void Command_Estimate_Process_Time_Click() {
   // The walk over a long table does not yield; the pulses of a move would stop.
   if (Anything_Moves() && !Stopped_For("Can't estimate")) return;
   if (!Drive().Missing.empty()) {
-    SetStatus(1, Drive().Missing, 10);
+    Tell(Drive().Missing, 10);
     return;
   }
   Controller.Estimated_Process_Time.reset();
   CNC_Display();
   if (const std::string_view why_not = Unfit_To_Estimate(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
+    Tell(why_not, 10);
     return;
   }
   Trap("Estimate_Process_Time_Error", [] {

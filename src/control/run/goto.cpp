@@ -100,7 +100,7 @@ void Execute_Block() {
   std::int32_t step = Compile_Status.CurrentStep;
   if (!Program_Wire.Next_Of_Step(step, 0)) {
     const bool empty = Program_Wire.Count() == 0;
-    SetStatus(1, empty ? control_text::Goto_Is_Empty : control_text::Goto_Needs_Reset, 10);
+    Tell(empty ? control_text::Goto_Is_Empty : control_text::Goto_Needs_Reset, 10);
     return;
   }
   Execute_Step(step, Move_And_Draw);
@@ -111,7 +111,7 @@ void Execute_Block() {
 void Leave_No_Pause() {
   if (Machine.CNCMode == CNC_Stopped) return;
   Machine.CNCMode = CNC_Stopped;
-  if (End_Reason().empty()) SetStatus(1, control_text::Goto_Has_No_Run, 10);
+  if (End_Reason().empty()) Tell(control_text::Goto_Has_No_Run, 10);
 }
 
 void Run_Goto() {
@@ -123,12 +123,12 @@ void Run_Goto() {
     const std::string text = CNC_Controls.Text_Goto.Text;
     const bool incremental = Holds_G91(text);
     if (!CompileBlock(text, Place_To_Count_From(incremental))) {
-      SetStatus(1, control_text::Goto_Not_Compiled, 10);
+      Tell(control_text::Goto_Not_Compiled, 10);
       return;
     }
     Ramp_First_Wire();
     if (incremental && !MachineSetup.Goto_From_Position && !Wanted_From_Zero()) {
-      SetStatus(1, control_text::Goto_Not_Done, 10);
+      Tell(control_text::Goto_Not_Done, 10);
       return;
     }
     Execute_Block();

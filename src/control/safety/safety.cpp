@@ -68,15 +68,17 @@ void Lift_Home_Safety() {
 void Command_EStop_Click() {
   if (Machine.EStop_Flag && Anything_Moves()) {
     // Two presses in one yield would otherwise let the operation go on as if none had been made.
-    SetStatus(1, control_text::EStop_Stays_Set, 5);
+    Tell(control_text::EStop_Stays_Set, 5);
     return;
   }
   Machine.EStop_Flag = !Machine.EStop_Flag;
   if (Machine.EStop_Flag) {
     ErrorLogWrite(control_text::Log_Tripped);
+    AddMessage(control_text::EStop_Has_Tripped);
     Trip();
   } else {
     ErrorLogWrite(control_text::Log_Cleared);
+    AddMessage(control_text::EStop_Is_Cleared);
     Clear();
   }
   Application.EscFlag = false;
@@ -124,10 +126,8 @@ void Toggle_Outputs(int index) {
   const bool input_holds = MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On();
   if (on && (Machine.EStop_Flag || input_holds)) {
     CNC_Controls.Check_Outputs[index].Value = false;
-    SetStatus(
-        1,
-        Machine.EStop_Flag ? control_text::Outputs_Stay_Off : control_text::Outputs_Wait_For_Input,
-        5);
+    Tell(Machine.EStop_Flag ? control_text::Outputs_Stay_Off : control_text::Outputs_Wait_For_Input,
+         5);
     CNC_Controls_Host.Form_Changed();
     return;
   }

@@ -87,18 +87,19 @@ QStringList Files_Of_Call() {
 
 // ESC from the key itself where the window system tells, so that it stops the machine while another
 // program has the focus too. Where it does not tell, the operator has to know.
-void Hear_Escape() {
+void Hear_Escape(norvik::Main_Frame& window) {
   const bool wayland =
       QGuiApplication::platformName() != "xcb" || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
   const std::string why_not = wayland ? "the window system tells no program of the keys of another"
                                       : norvik::Install_Escape_Key();
   norvik::Drive_Host.Escape_Held = norvik::Escape_Key_Held;
   if (why_not.empty()) return;
-  norvik::AddMessage(
+  const std::string said =
       "ESC stops the machine only while a window of Norvik has the focus, and up to a quarter of a "
       "second late: " +
-      why_not + ". Log in to an X11 session to have it heard at once.");
-  norvik::SetStatus(2, "ESC: heard with the focus only", -1);
+      why_not + ". Log in to an X11 session to have it heard at once.";
+  norvik::AddMessage(said);
+  window.Add_Notice("ESC: heard with the focus only", QString::fromStdString(said));
 }
 
 constexpr const char* Usage =
@@ -167,7 +168,7 @@ int main(int argument_count, char** arguments) {
   Load_Main();
   // An end that was asked for before the event loop runs would not be heard in it.
   if (Application.ShutdownFlag) return 0;
-  Hear_Escape();
+  Hear_Escape(window);
   if (Port_Is_Simulated()) {
     Offer_Time_Factors();
     window.Add_Tool_Window("Simulated_Machine", "&Simulated machine",

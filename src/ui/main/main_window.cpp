@@ -353,6 +353,13 @@ void Main_Frame::Set_Banner(const QString& text) {
   Show_Banner();
 }
 
+void Main_Frame::Add_Notice(const QString& text, const QString& tip) {
+  auto* notice = new QLabel(text);
+  notice->setObjectName("Label_Notice");
+  notice->setToolTip(tip);
+  statusBar()->insertPermanentWidget(0, notice);
+}
+
 void Main_Frame::Show_Banner() {
   const bool narrow = width() < Text_Height() * 60;
   Banner->setText(narrow ? Banner_Text.section(" - ", 0, 0) : Banner_Text);
@@ -567,7 +574,7 @@ void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (Machine.CNCMode == CNC_Running || Anything_Moves()) {
     Platform.Beep();
-    SetStatus(1, "The machine is moving. Press Stop first, then close the program.", 5);
+    Tell("The machine is moving. Press Stop first, then close the program.", 5);
     return;
   }
   if (May_Lose_Program()) Unload_Main();

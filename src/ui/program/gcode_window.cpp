@@ -152,7 +152,12 @@ QWidget* GCode_Window::Build_Find() {
   close->setAutoRaise(true);
   row->addWidget(close);
   connect(Find_Text, &QLineEdit::returnPressed, this, &GCode_Window::Find_Next);
-  connect(close, &QToolButton::clicked, Find_Row, &QWidget::hide);
+  connect(close, &QToolButton::clicked, this, &GCode_Window::Hide_Find);
+  // ESC closes the bar, and the run that is paused behind it stays so.
+  Find_Row->setProperty("Takes_Escape", true);
+  auto* escape = new QShortcut(Qt::Key_Escape, Find_Row);
+  escape->setContext(Qt::WidgetWithChildrenShortcut);
+  connect(escape, &QShortcut::activated, this, &GCode_Window::Hide_Find);
   Find_Row->hide();
   return Find_Row;
 }
@@ -229,6 +234,11 @@ void GCode_Window::Show_Find() {
   if (!selected.isEmpty()) Find_Text->setText(selected);
   Find_Text->setFocus();
   Find_Text->selectAll();
+}
+
+void GCode_Window::Hide_Find() {
+  Find_Row->hide();
+  Text_GCode->setFocus();
 }
 
 void GCode_Window::Undo() {

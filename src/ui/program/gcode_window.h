@@ -21,6 +21,7 @@ class GCode_Window : public QWidget {
   ~GCode_Window() override;
 
   void Show_Find();
+  void Hide_Find();
   void Undo();
   GCode_Editor& Editor() { return *Text_GCode; }
 
