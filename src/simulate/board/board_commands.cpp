@@ -401,6 +401,7 @@ std::string_view Carry_Out(Simulated_Board& board, std::span<const std::uint8_t>
                            Board_Reply& reply) {
   const Board_Command& command = *Board_Command_Of(frame[1]);
   constexpr std::size_t echo = 3;
+  board.Answers_To = command.Code;
   Begin_Reply(board, command, command.Code, reply);
   Reply_Writer writer(reply);
   std::string_view verdict = "done";
@@ -447,7 +448,8 @@ std::string_view Carry_Out(Simulated_Board& board, std::span<const std::uint8_t>
   return verdict;
 }
 
-void Refuse(const Simulated_Board& board, const Board_Command& command, Board_Reply& reply) {
+void Refuse(Simulated_Board& board, const Board_Command& command, Board_Reply& reply) {
+  board.Answers_To = command.Code;
   Begin_Reply(board, command, Refusal, reply);
   End_Reply(reply);
 }

@@ -14,6 +14,6 @@ namespace norvik {
 std::string_view Carry_Out(Simulated_Board& board, std::span<const std::uint8_t> frame,
                            Board_Reply& reply);
 // A reply that says no, of the command's length.
-void Refuse(const Simulated_Board& board, const Board_Command& command, Board_Reply& reply);
+void Refuse(Simulated_Board& board, const Board_Command& command, Board_Reply& reply);
 
 }  // namespace norvik

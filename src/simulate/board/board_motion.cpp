@@ -170,8 +170,8 @@ void Leave_Entry(Simulated_Board& board, std::int64_t counts, double rate, std::
     board.Axes[axis].Last_Rate = rate == 0 ? 0 : Axis_Rate(board, axis, rate);
     Rebase_Axis(board, axis, counts);
   }
-  Tell_Motion(board, true, why);
   board.Running.Active = false;
+  Tell_Motion(board, true, why);
 }
 
 void Note_Depth(Simulated_Board& board) {

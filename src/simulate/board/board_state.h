@@ -176,6 +176,7 @@ struct Simulated_Board {
   bool Last_Move_Unanswered = false;
   std::optional<std::int64_t> Last_Frame;  // ns
   Board_Reply Reply;
+  std::uint8_t Answers_To = 0;  // the command that it answers
 
   Board_Counts Counts;
   Board_Findings Findings;
