@@ -19,6 +19,7 @@
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "platform/platform.h"
+#include "plot/nist_plot.h"
 
 #include <filesystem>
 
@@ -42,6 +43,7 @@ void Show_New_Program() {
   Machine.EndingStep = GCodeLineCount();
   GCode_Program.Typed_Waits = false;
   Controller.Estimated_Process_Time.reset();
+  Plot_Forget_Path_Before();
   Gcode_Host.Show_Program();
   Display_Gcode_Steps();
   Show_Table_Notice();

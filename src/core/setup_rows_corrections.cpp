@@ -48,6 +48,14 @@ Setup_Row_List Correction_Rows() {
       Correction<&M::Goto_From_Position>("Goto_From_Position", "Goto from the position")
           .Says("Off: a Goto line with G91 counts from zero. On: it counts from where the machine "
                 "is."),
+      Correction<&M::Export_All_Records>("Export_All_Records", "Export the whole table")
+          .Says("Off: an export stops after as many records of the table as the program has moves, "
+                "so records of spindle, coolant and pauses cost as many moves at the end. On: it "
+                "takes all records."),
+      Correction<&M::HPGL_Export_Raw_Z>("HPGL_Export_Raw_Z", "HPGL pen by the Z of the program")
+          .Says(
+              "Off: the HPGL export lifts the pen where Z times 1.016 is the normal cut depth, so "
+              "hardly ever. On: where Z itself is the normal cut depth."),
   };
 }
 

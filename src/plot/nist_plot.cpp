@@ -16,6 +16,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace norvik {
 
@@ -96,6 +97,14 @@ void Paint_Table() {
   painter.Flush();
 }
 
+void Paint_Path_Before() {
+  if (Plot.Path_Before_Waits || Plot.Path_Before.Count() == 0) return;
+  Plot.Last_Line = {};
+  Line_Painter painter = Window_Painter();
+  painter.Draw(Plot.Path_Before, 0, Plot.Path_Before.Count());
+  painter.Flush();
+}
+
 // In one piece, or in pieces that the operator sees grow. Each yield may close the window.
 void Paint_Program(bool watched) {
   // Coordinates that nothing has named yet stand at 0, whatever was drawn before.
@@ -135,6 +144,7 @@ void Paint(bool watched) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_RePlot_Error", [watched] {
     Paint_Table();
+    Paint_Path_Before();
     Paint_Program(watched);
   });
   Plot_Host.Frame_Changed();
@@ -235,8 +245,26 @@ void Plot_Refresh() {
 }
 
 void Plot_New_Program() {
+  if (!std::exchange(Plot.Path_Before_Waits, false)) Plot.Path_Before.Clear();
   Recompute_Program_Extents();
   NIST_Plot(true);
+}
+
+void Plot_Keep_Path_Before() {
+  Plot.Path_Before = Plot.PlotLines;
+  Display_List& path = Plot.Path_Before;
+  path.Fill_Leading({});
+  const std::int32_t color = Faint_On(Current_Palette()[plot_role::Background]);
+  std::fill(path.Color.begin(), path.Color.end(), color);
+  std::fill(path.Width.begin(), path.Width.end(), std::int16_t{1});
+  path.NodeMark.assign(path.Count(), false);
+  path.Has_Nodes = false;
+  Plot.Path_Before_Waits = true;
+}
+
+void Plot_Forget_Path_Before() {
+  Plot.Path_Before.Clear();
+  Plot.Path_Before_Waits = false;
 }
 
 void Plot_Highlight_Step(std::int32_t step) {

@@ -11,6 +11,7 @@
 #include "app/setup_apply.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
+#include "app/transform_menu.h"
 #include "compiler/state/compile_host.h"
 #include "control/manual/home.h"
 #include "control/manual/jog_guard.h"
@@ -37,6 +38,7 @@
 #include "ui/main/error_log_window.h"
 #include "ui/main/safety_bar.h"
 #include "ui/plot/plot_window.h"
+#include "ui/program/find_bar.h"
 #include "ui/program/gcode_window.h"
 #include "ui/program/progress_window.h"
 #include "ui/setup/setup_windows.h"
@@ -123,6 +125,48 @@ const std::vector<Menu_Row>& Menu_Rows() {
        {},
        "Every parameter to its factory value",
        Command_Parameter_Reset_Click},
+      {"Fu&nctions",
+       "Menu_Functions_Scale",
+       "&Scale...",
+       {},
+       "Multiply the coordinates",
+       Menu_Functions_Scale},
+      {"Fu&nctions",
+       "Menu_Functions_Offset",
+       "&Offset...",
+       {},
+       "Move the program, or append a moved copy",
+       Menu_Functions_Offset},
+      {"Fu&nctions",
+       "Menu_Functions_Conv_Absolute",
+       "Convert to &absolute",
+       {},
+       "Positions instead of incremental moves",
+       Menu_Functions_Conv_Absolute},
+      {"Fu&nctions",
+       "Menu_Functions_Conv_Incremental",
+       "Convert to &incremental",
+       {},
+       "Incremental moves instead of positions",
+       Menu_Functions_Conv_Incremental},
+      {"Fu&nctions",
+       "Menu_Functions_OptimizeToolPath",
+       "&File sort",
+       {},
+       "Reads the program; orders nothing",
+       Menu_Functions_OptimizeToolPath},
+      {"&Export",
+       "Menu_File_Export_DXF",
+       "&DXF...",
+       {},
+       "The cutting moves as lines of a drawing",
+       Menu_File_Export_DXF},
+      {"&Export",
+       "Menu_File_Export_HPGL",
+       "&HPGL...",
+       {},
+       "The moves in the plane as a plot file",
+       Menu_File_Export_HPGL},
       {"&View", "Menu_View_Refresh", "&Refresh plot", QKeySequence(Qt::CTRL | Qt::Key_R),
        "Draw the program again", Plot_Refresh},
       {"&View", "Menu_View_Zoom_Table", "Zoom to &table", {}, "Show the whole table", Zoom_Table},
@@ -241,11 +285,14 @@ Main_Frame::~Main_Frame() {
 
 void Main_Frame::Build_Menus() {
   std::map<QString, QMenu*> menus;
-  for (const char* title :
-       {"&File", "&Edit", "&Import", "&View", "&Setup", "&Machine", "&Window", "&Help"}) {
+  for (const char* title : {"&File", "&Edit", "&Import", "Fu&nctions", "&View", "&Setup",
+                            "&Machine", "&Window", "&Help"}) {
     menus[title] = menuBar()->addMenu(title);
     menus[title]->setToolTipsVisible(true);
   }
+  auto* exports = new QMenu("&Export", this);
+  exports->setToolTipsVisible(true);
+  menus["&Export"] = exports;
   for (const Menu_Row& row : Menu_Rows()) {
     QAction* action = menus[row.Menu]->addAction(row.Text);
     if (row.Chosen != nullptr) {
@@ -270,13 +317,25 @@ void Main_Frame::Build_Menus() {
   edit->addAction("&Undo", QKeySequence::Undo, this, [program] {
     if (GCode_Window* window = program()) window->Undo();
   });
-  edit->addAction("&Find...", QKeySequence::Find, this, [this, program] {
-    Show_Tool_Window("GCode");
-    if (GCode_Window* window = program()) window->Show_Find();
-  });
+  const auto find = [&](const char* name, const char* text, const QKeySequence& keys,
+                        void (Find_Bar::*command)()) {
+    edit->addAction(text, keys, this,
+                    [this, program, command] {
+                      Show_Tool_Window("GCode");
+                      if (GCode_Window* window = program()) (window->Finder().*command)();
+                    })
+        ->setObjectName(name);
+  };
+  find("Menu_Edit_Find", "&Find...", QKeySequence::Find, &Find_Bar::Show_Find);
+  find("Menu_Edit_Replace", "&Replace...", QKeySequence(Qt::CTRL | Qt::Key_H),
+       &Find_Bar::Show_Replace);
+  find("Menu_Edit_Find_Next", "Find &next", QKeySequence(Qt::Key_F3), &Find_Bar::Find_Next);
+  find("Menu_Edit_Find_Previous", "Find &previous", QKeySequence(Qt::SHIFT | Qt::Key_F3),
+       &Find_Bar::Find_Previous);
   edit->addAction("&Compile", QKeySequence(Qt::CTRL | Qt::Key_B), this, Command_Update_Click);
 
   QMenu* file = menus["&File"];
+  file->addMenu(exports);
   Recent_Menu = file->addMenu("&Recent files");
   Build_Recent_Menu(*Recent_Menu);
   file->addSeparator();
