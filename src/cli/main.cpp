@@ -19,6 +19,7 @@
 #include <fcntl.h>
 #include <unistd.h>
 #ifdef NORVIK_PICTURES
+#include "platform/sdl/sdl_platform.h"
 #include "plot/picture/picture_files.h"
 
 #include <QGuiApplication>
@@ -36,6 +37,20 @@ void Keep_Standard_Streams() {
   } while (file >= 0 && file <= STDERR_FILENO);
   ::close(file);
 }
+
+#ifdef NORVIK_PICTURES
+std::string Play_To_End(const std::string& path) {
+  constexpr std::int32_t look_us = 10'000, in_the_device_us = 300'000;
+  std::string why_not = norvik::Start_Sound(path);
+  if (!why_not.empty()) return why_not;
+  while (norvik::Sound_Plays() && norvik::Interrupts_Seen() == 0) {
+    ::usleep(look_us);
+    norvik::DoEvents();
+  }
+  ::usleep(in_the_device_us);
+  return {};
+}
+#endif
 
 }  // namespace
 
@@ -75,6 +90,7 @@ int main(int argument_count, char** arguments) {
   };
 #ifdef NORVIK_PICTURES
   Install_Picture_Reader();
+  environment.Play_Sound = Play_To_End;
   environment.Write_Picture = [&](const std::string& path, const Plot_Image& picture) {
     Write_Picture_File(path, picture);
   };
