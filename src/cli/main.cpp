@@ -22,6 +22,8 @@
 #include <string>
 
 #include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #ifdef NORVIK_PICTURES
 #include "plot/picture/picture_files.h"
@@ -52,6 +54,22 @@ std::string Go_On_With_Pictures(char** arguments) {
          ". Install it beside norvik-cli.";
 }
 #endif
+
+// By the small program beside this one: the sound library takes longer to load than most commands
+// need to run.
+std::string Play_To_End(const std::string& path) {
+  std::string player =
+      norvik::Join_Path(norvik::PathDirectory(norvik::Program_Path()), "norvik-sound");
+  std::string file = path;
+  char* words[] = {player.data(), file.data(), nullptr};
+  pid_t child = 0;
+  if (::posix_spawn(&child, player.c_str(), nullptr, nullptr, words, environ) != 0)
+    return "the program norvik-sound is not beside norvik-cli, so nothing can be played";
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? "" : "nothing was heard";
+}
 
 }  // namespace
 
@@ -93,6 +111,7 @@ int main(int argument_count, char** arguments) {
   environment.Findings = [] {
     return Port_Is_Simulated() ? Findings_Text() : std::vector<std::string>();
   };
+  environment.Play_Sound = Play_To_End;
 #ifdef NORVIK_PICTURES
   Install_Picture_Reader();
   environment.Write_Picture = [&](const std::string& path, const Plot_Image& picture) {

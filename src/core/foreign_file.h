@@ -11,7 +11,7 @@
 namespace norvik {
 
 inline constexpr std::int64_t Largest_Macro_File = 50'000'000, Largest_Tool_File = 1'000'000,
-                              Largest_Sound_File = 20'000'000;
+                              Largest_Sound_File = 16 << 20;
 
 // Raises a file fault, which says what is wrong and what to do, unless it may be read.
 void Look_At_Foreign_File(const std::string& path, std::int64_t largest);

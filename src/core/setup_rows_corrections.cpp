@@ -56,6 +56,10 @@ Setup_Row_List Correction_Rows() {
           .Says(
               "Off: the HPGL export lifts the pen where Z times 1.016 is the normal cut depth, so "
               "hardly ever. On: where Z itself is the normal cut depth."),
+      Correction<&M::Motion_File_Any_Length>("Motion_File_Any_Length", "Motion files of any length")
+          .Says("Off: a program whose wire table does not come out even in lines of 29 values "
+                "cannot be saved as a motion file, so that 28 of 29 programs cannot. On: the last "
+                "line is filled up with empty values, which a load takes off again."),
   };
 }
 

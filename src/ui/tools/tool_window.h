@@ -1,0 +1,34 @@
+// tool_window.h: the window `Tool`: 200 tools, edited in place, with a picture of the chosen one.
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+class QLineEdit;
+class QTableView;
+
+namespace norvik {
+
+class Tool_Model;
+class Tool_Picture;
+
+class Tool_Window : public QWidget {
+ public:
+  explicit Tool_Window(QWidget* parent = nullptr);
+  ~Tool_Window() override;
+
+ private:
+  void Build_Head(class QVBoxLayout& rows);
+  void Build_Foot(class QVBoxLayout& rows);
+  void Show_Form();
+  void Find_Diameter();
+  void Choose(int tool);
+
+  Tool_Model* Model;
+  QTableView* List;
+  QLabel *Name, *Note;
+  QLineEdit* Wanted;
+  Tool_Picture* Picture;
+};
+
+}  // namespace norvik
