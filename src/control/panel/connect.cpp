@@ -22,7 +22,7 @@ void Connect_Control() {
     CNC_Controls_Host.Set_Timer_Interval(interval_ms);
   };
   Drive_Host.Mark_Plot = [](std::string_view) { Run_Plot_Host.Mark_Rate_Error(); };
-  Operation_Host.Drive_Missing = [] { return Drive().Missing; };
+  Operation_Host.Drive_Missing = [] { return Drive().Missing(); };
   Jog_Guard_Watch_Dialogs();
 }
 
