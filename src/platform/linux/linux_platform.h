@@ -54,6 +54,12 @@ void Install_Direct_Ports(const std::int16_t* way);
 // The device of way 2; another path in tests.
 void Set_Port_Device(const std::string& path);
 
+// --- Serial ports --------------------------------------------------------------------------------
+
+// Fills the serial operations. A port is this process's alone while it is open; one that cannot be
+// opened is told with what gives it.
+void Install_Serial_Ports();
+
 // --- Locks ---------------------------------------------------------------------------------------
 //
 // Advisory locks on files, held until the process ends, however it ends. The files stay; what they
