@@ -21,13 +21,15 @@ MOST_FILES_IN_A_CIRCLE = 3
 
 
 def rooms_in_order(folder):
-    """The folders of all rooms, lowest first. Rooms within a room come after it."""
+    """The folders of all rooms, lowest first: a room within another one lies below it when it is added
+    before the other is declared, and above it otherwise."""
     text = (folder / "CMakeLists.txt").read_text()
     rooms = []
-    if re.search(r"\bNorvik_Room\(", text):
-        rooms.append(folder.relative_to(SOURCE).as_posix())
-    for name in re.findall(r"^\s*add_subdirectory\((\w+)\)", text, re.M):
-        rooms += rooms_in_order(folder / name)
+    for line in re.finditer(r"^\s*(?:(Norvik_Room)\(|add_subdirectory\((\w+)\))", text, re.M):
+        if not line[1]:
+            rooms += rooms_in_order(folder / line[2])
+        elif (own := folder.relative_to(SOURCE).as_posix()) not in rooms:
+            rooms.append(own)
     return rooms
 
 

@@ -111,6 +111,7 @@ void Add_Setup_Command(CLI::App& app, Companion& companion);
 void Add_Run_Commands(CLI::App& app, Companion& companion);
 void Add_Plot_Command(CLI::App& app, Companion& companion);
 void Add_Import_Command(CLI::App& app, Companion& companion);
+void Add_Transform_Command(CLI::App& app, Companion& companion);
 
 // Parses and runs; the exit status of the process.
 int Run_Companion(int argument_count, char** arguments, Companion_Environment environment);

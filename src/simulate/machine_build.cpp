@@ -58,6 +58,7 @@ void Build_Machine() {
   Findings = {};
   Clear_Trail();
   Simulated_Machine = {};
+  Simulated_Machine.Loaded = true;
   Simulated_Machine.Master = Slave_Master();
   const Wired_Map nothing;
   Wire_Ports(nothing);  // forgets the latches

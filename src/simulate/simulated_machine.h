@@ -158,6 +158,7 @@ struct Simulated_Machine_State {
   std::int64_t Reads = 0, Writes = 0;
 
   // --- Inner -----------------------------------------------------------------------------------
+  bool Loaded = false;     // built from the setup
   int Master = 0;          // axis that A is slaved to; 0: none
   double Skew_Origin = 0;  // A over its master with the gantry straight, units
   bool Askew = false, Cuts_Dry = false;

@@ -1,0 +1,90 @@
+// The command `transform`: values of the call and of the machine file, what is told, what is
+// written.
+#include "cli/companion.h"
+#include "compiler/text/program_text.h"
+#include "core/application.h"
+#include "core/paths.h"
+#include "core/setup.h"
+#include "platform/scripted/scripted_platform.h"
+#include "support/temporary_folder.h"
+
+#include <filesystem>
+
+#include <gmock/gmock.h>
+
+namespace norvik {
+namespace {
+
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+struct Transform_Command_Test : testing::Test {
+  ~Transform_Command_Test() override { Forget(); }
+
+  static void Forget() {
+    Application = {};
+    MachineSetup = {};
+    Setup_Store = {};
+    GCode_Program = {};
+  }
+
+  // A call of the program; what it wrote to the standard streams is in `Said` and `Printed`.
+  int Call(std::vector<std::string> words) {
+    Forget();
+    words.insert(words.begin(), {"norvik-cli", "--home", Folder.File("home"), "--set",
+                                 "G_CODE.GC_ScaleY=3", "--set", "General.Default_Offset_1=10",
+                                 "--set", "Axis.Axis_Format=000.000", "transform"});
+    std::vector<char*> arguments;
+    for (std::string& word : words) arguments.push_back(word.data());
+    testing::internal::CaptureStderr();
+    testing::internal::CaptureStdout();
+    const int status = Run_Companion(static_cast<int>(arguments.size()), arguments.data(), {});
+    Printed = testing::internal::GetCapturedStdout();
+    Said = testing::internal::GetCapturedStderr();
+    return status;
+  }
+  std::string Program(const std::string& text) const {
+    Replace_File(Folder.File("part.gc"), text);
+    return Folder.File("part.gc");
+  }
+
+  Scripted_Platform Scripted;
+  Temporary_Folder Folder;
+  std::string Said, Printed;
+  const std::string Result = Folder.File("result.gc");
+};
+
+TEST_F(Transform_Command_Test, ValuesOfTheCallComeBeforeThoseOfTheMachineFile) {
+  const std::string part = Program("X1 Y1\n");
+  ASSERT_EQ(Call({"scale", part, "-o", "-"}), Done) << Said;
+  EXPECT_EQ(Printed, "X001.000 Y003.000 \r\n");
+  ASSERT_EQ(Call({"scale", "-2,5", part, "-o", Result}), Done) << Said;
+  EXPECT_EQ(Read_Whole_File(Result), "X-002.500 Y003.000 \r\n");
+  EXPECT_THAT(Said, IsEmpty());
+  ASSERT_EQ(Call({"offset", part, "--duplicate", "-o", part}), Done) << Said;
+  EXPECT_EQ(Read_Whole_File(part), "X1 Y1\r\nX011.000 Y001.000 \r\n");
+}
+
+TEST_F(Transform_Command_Test, LossesAreToldAndTheWorkGoesOn) {
+  ASSERT_EQ(Call({"metric", Program("G21 X1 Q2\n"), "-o", Result}), Done);
+  EXPECT_THAT(Said, HasSubstr("norvik-cli: This drops 1 word of 1 line: Q (1), first at line 1."));
+  EXPECT_THAT(Said, HasSubstr("it holds G21"));
+  EXPECT_EQ(Read_Whole_File(Result), "G21 X025.400 \r\n");
+}
+
+TEST_F(Transform_Command_Test, WhatCannotBeDoneLeavesTheResultOfBefore) {
+  Replace_File(Result, "old");
+  EXPECT_EQ(Call({"offset", "1", "2", Program("G91\nX1\n"), "-o", Result}), Failed);
+  EXPECT_THAT(Said, HasSubstr("This file is in incremental mode.  Add offset line in gcode"));
+  EXPECT_EQ(Call({"scale", "two", Program("X1\n"), "-o", Result}), Wrong_Usage);
+  EXPECT_THAT(Said, HasSubstr("\"two\" is no number that scale can take."));
+  EXPECT_EQ(Call({"scale", Folder.File("none.gc"), "-o", Result}), Failed);
+  EXPECT_EQ(Call({"absolute", "1", Program("X1\n"), "-o", Result}), Wrong_Usage);
+  EXPECT_EQ(Call({"scale", Program("X1\n"), "-o", Folder.File("none/x.gc")}), Failed);
+  EXPECT_EQ(Read_Whole_File(Result), "old");
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.Path), {}), 3)
+      << "program, result and home: no temporary neighbours";
+}
+
+}  // namespace
+}  // namespace norvik
