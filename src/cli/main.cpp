@@ -8,6 +8,7 @@
 #include "platform/linux/linux_platform.h"
 #include "platform/platform.h"
 #include "plot/plot_picture.h"
+#include "simulate/board_port.h"
 #include "simulate/findings.h"
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
@@ -52,6 +53,8 @@ int main(int argument_count, char** arguments) {
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write
   Install_Linux_Clock();
   Install_Linux_Priority();
+  Install_Serial_Ports();
+  Install_Simulated_Boards();
 
   Companion_Environment environment;
   environment.Asked_To_Stop = [] { return Interrupts_Seen() > 0; };
