@@ -7,10 +7,12 @@
 #include "serial/serial_link.h"
 #include "serial/serial_session.h"
 #include "serial/stream.h"
+#include "simulate/board/board_axes.h"
 #include "simulate/board/board_faults.h"
 #include "simulate/board/board_findings.h"
-#include "simulate/board/board_hands.h"
+#include "simulate/board/board_motion.h"
 #include "simulate/board/board_state.h"
+#include "simulate/board/running_entry.h"
 #include "simulate/board_port.h"
 #include "simulate/virtual_clock.h"
 
