@@ -164,10 +164,9 @@ bool DravonPoll() {
 }
 
 void Poll_Now_And_Then(int interval_ms) {
-  constexpr std::int64_t ms = 1'000'000, seldom = 1'000;
+  constexpr std::int64_t ms = 1'000'000;
   const std::int64_t since = Platform.Monotonic_Clock() - Dravon.Polled_At;
-  if (since < (Dravon.ControllerPresent ? interval_ms : seldom) * ms) return;
-  DravonPoll();
+  if (Dravon.ControllerPresent && since >= interval_ms * ms) DravonPoll();
 }
 
 Encoder_Config Encoders_Of_Setup() {
@@ -190,7 +189,10 @@ void Compare_Configuration() {
   if (Serial_Link.ControllerGeneration == 0 || Dravon.DravonBusy) return;
   const auto config = ReadConfig();
   if (!config) return;
-  Serial_Session.BufferCapacity = config->BufferCapacity;
+  if (config->BufferCapacity > 0) {
+    Serial_Session.BufferCapacity = config->BufferCapacity;
+    if (!Dravon_Stream.Unsettled) Dravon_Stream.Last_Free = config->BufferCapacity;
+  }
   const bool differs = Differs_From_Setup(*config);
   if (differs && !Dravon.Pelmar_NEQ) {
     constexpr const char* text = "Pelmar Config and Norvik not EQ, update Pelmar";

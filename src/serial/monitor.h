@@ -51,7 +51,7 @@ int Board_Sign(int axis);
 bool Read_Status_Now();
 // The status read. False: no answer, or it was not the time for one.
 bool DravonPoll();
-// The same, at most every so many milliseconds, and seldom while no board answers.
+// The same, at most every so many milliseconds, and not while no board answers.
 void Poll_Now_And_Then(int interval_ms);
 // Pelmar: compares the board's configuration with the setup; a difference is said once.
 void Compare_Configuration();

@@ -21,7 +21,7 @@ namespace {
 constexpr int Watch_Interval_ms = 80;
 
 void Switch_Output(int n, bool on) {
-  if (!(on ? OutputOn(n) : OutputOff(n))) return;
+  if (!Dravon.ControllerPresent || !(on ? OutputOn(n) : OutputOff(n))) return;
   Dravon_Stream.Switched_By_Hand = true;
   Drive_Status.Output_Commanded[n] = on;
 }

@@ -224,6 +224,7 @@ void Serial_Tick() {
     if (now - Connection.Tried_At >= Second) Serial_Connect();
     return;
   }
+  if (Dravon_Stream.Unsettled && !Anything_Moves()) Settle_At_Rest();
   if (lost || Dravon_Stream.Unsettled || now - Connection.Compared_At < Second) return;
   Connection.Compared_At = now;
   Compare_Configuration();

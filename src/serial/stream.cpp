@@ -57,16 +57,16 @@ bool Has_Steps(const Queued_Entry& queued) {
   return std::ranges::any_of(queued.Way, [](std::int32_t steps) { return steps != 0; });
 }
 
-// The reply to an entry was lost or was no reply. Asks for the free places: fewer than before mean
-// that it was taken, since entries that end only free more. Otherwise the board is let run out, and
-// then its counters tell.
+// The reply to an entry was lost or was no reply. Asks for the free places: fewer than at the entry
+// before mean that it was taken, since entries that end only free more. Otherwise the board is let
+// run out, and then its counters tell.
 Fate Ask_For_Fate(const Move_Entry& entry, const Queued_Entry& queued, std::int32_t& free) {
   const std::uint32_t finished_before = Dravon.LastCommandIndex;
   for (int tries = 0; tries < Most_Failures; ++tries) {
     const auto told = ReadBuffer();
     if (!told) continue;
     free = *told;
-    if (free < Dravon_Stream.Last_Free) return Fate::Taken;
+    if (!Dravon_Stream.Queue.empty() && free < Dravon_Stream.Last_Free) return Fate::Taken;
     if (!Drain()) return Fate::Unknown;
     const bool numbered = Serial_Link.ControllerGeneration > 0;
     if (numbered && Dravon.LastCommandIndex == entry.Index && finished_before != entry.Index &&
@@ -302,6 +302,7 @@ void Begin_Chain_At_Rest() {
 }
 
 void Await_Short_Queue() {
+  int rounds_so_far = 0;
   while (Stream_Limit.Seconds > 0 &&
          Dravon_Stream.Queue.size() > Stream_Limit_State::Fewest_Entries &&
          Seconds_Behind_Running() > Stream_Limit.Seconds && !Ended()) {
@@ -314,6 +315,14 @@ void Await_Short_Queue() {
       Rest();
     }
     if (const auto free = ReadBuffer()) Free_Was_Told(*free);
+    // A board that counts its places otherwise than it reports would keep this wait for ever.
+    constexpr int looks = 20;
+    if (++rounds_so_far % looks != 0) continue;
+    const auto flags = ReadMemory(board_memory::Flags);
+    if (flags && (*flags & board_memory::Queue_Runs) == 0) {
+      Dravon_Stream.Queue.clear();
+      Dravon_Stream.Queued_Seconds = 0;
+    }
   }
 }
 

@@ -118,6 +118,9 @@ void Stream_Saw_Counters();
 void Take_Over_Place();
 // Ends the operation: nothing more is sent, and the positions are in doubt.
 void Link_Has_Died(const std::string& why);
+// Takes the place over when the board has done all that it had, as behind a spindle command. True
+// when it rests.
+bool Settle_At_Rest();
 // Starts counting anew, at the begin of a run.
 void Begin_Stream();
 // "12 entries, 1.4 s queued; lowest queue of this run 3; ran dry 0 times"

@@ -88,6 +88,15 @@ void Serial_Stop() {
   Link_Has_Died(std::string("The stop could not be delivered.") + Use_Own_EStop);
 }
 
+bool Settle_At_Rest() {
+  if (!Dravon_Stream.Unsettled) return true;
+  const auto flags = ReadMemory(board_memory::Flags);
+  if (!flags || (*flags & board_memory::Queue_Runs) != 0) return false;
+  if (!Read_Status_Now() || Dravon.InMotion) return false;
+  Take_Over_Place();
+  return true;
+}
+
 bool DravonEStop() {
   const auto answered = Transmit_Repeated(
       Command_Frame(Serial_Code::StopMotion, Serial_Link.ControllerGeneration), Repeats);
@@ -103,6 +112,7 @@ void Serial_EStop(bool engaged) {
       return AddMessage("E-stop: the board has answered and stands still.");
     Say(std::string("E-stop: the board does not answer, so the stop may not have arrived.") +
         Use_Own_EStop);
+    Dravon.ControllerPresent = false;
     if (Dravon_Stream.Unsettled) Link_Has_Died("It did not answer the E-stop.");
     return;
   }
@@ -146,7 +156,7 @@ void Link_Has_Died(const std::string& why) {
 bool DravonLoadPosition(const Indexed<double, 1, 4>& position) {
   constexpr int yields = 10;
   for (int i = 0; Dravon.DravonBusy && i < 10'000; ++i) Rest();
-  if (!Serial_Is_Open() || Dravon_Stream.Unsettled) return false;
+  if (!Serial_Is_Open() || !Settle_At_Rest()) return false;
   Dravon.DravonBusy = true;
   for (int i = 0; i < yields; ++i) DoEvents();
   for (int axis = 1; axis <= Axis_Count; ++axis) Dravon.SPI[axis] = MachineSetup.Axis_SPI[axis];
@@ -206,6 +216,8 @@ bool DravonSetPWM(std::int32_t value) {
   if (!answer.Free) return false;
   Entry_Was_Taken({.Seconds = 0, .Way = {}, .Index = entry.Index}, {}, *answer.Free);
   Dravon_Stream.Switched_By_Hand = true;
+  if (const std::size_t before = Dravon_Stream.Queue.size() - 1; before > 0)
+    SetStatus(1, "Spindle: after " + std::to_string(before) + " moves", 5);
   return true;
 }
 
