@@ -116,7 +116,8 @@ struct Drive_Operations {
   // How long a move takes that begins and ends as asked for, in seconds; null: the plan of
   // move_plan.h tells.
   double (*Move_Seconds)(const Step_Request&) = nullptr;
-  // Stops can't be delivered at this moment: what to do, in the operator's words; empty: they can.
+  // What the panel has to say in red at this moment, such as stops that can't be delivered; empty:
+  // nothing.
   std::string_view (*Alarm)() = [] { return std::string_view(); };
 };
 

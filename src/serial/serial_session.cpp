@@ -242,7 +242,9 @@ std::string_view Serial_Missing() {
 }
 
 std::string_view Serial_Alarm() {
-  return Connection.Alarm;
+  if (!Connection.Alarm.empty()) return Connection.Alarm;
+  if (Dravon.Pelmar_NEQ) return "Pelmar NEQ";
+  return Dravon.EncoderFaultAny ? "Dravon Fault" : "";
 }
 
 bool DravonConfigure() {

@@ -33,7 +33,8 @@ void Serial_End_Session();
 void Serial_Tick();
 // Why nothing can be moved, in the operator's words; empty: it can.
 std::string_view Serial_Missing();
-// Stops can't be delivered at this moment: words for the operator; empty: they can.
+// What is wrong at this moment: stops can't be delivered, the configuration differs, an encoder is
+// in fault; empty: nothing.
 std::string_view Serial_Alarm();
 
 // Sends the setup to the board that answers.
