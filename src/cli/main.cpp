@@ -11,6 +11,7 @@
 #include "platform/linux/program_path.h"
 #include "platform/platform.h"
 #include "plot/plot_picture.h"
+#include "simulate/board_port.h"
 #include "simulate/findings.h"
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
@@ -90,6 +91,8 @@ int main(int argument_count, char** arguments) {
   std::signal(SIGPIPE, SIG_IGN);  // a closed pipe is a failed write
   Install_Linux_Clock();
   Install_Linux_Priority();
+  Install_Serial_Ports();
+  Install_Simulated_Boards();
 
   Companion_Environment environment;
   environment.Asked_To_Stop = [] { return Interrupts_Seen() > 0; };

@@ -22,6 +22,7 @@
 #include "parallel/ports.h"
 #include "parallel/read_back.h"
 #include "platform/platform.h"
+#include "serial/frame_log.h"
 
 #include <algorithm>
 #include <array>
@@ -40,7 +41,7 @@ namespace norvik {
 namespace {
 
 struct Run_Command_Options {
-  std::string Program, Trace, Ports;
+  std::string Program, Trace, Ports, Frames;
   std::string Clock = "real";
   bool No_Pause = false;
   bool Save_Positions = false, Confirm_Positions = false, Accept_Losses = false;
@@ -171,6 +172,14 @@ Run_Summary Run_On_Machine(const Run_Options& options, bool positions_confirmed)
   return summary;
 }
 
+// On the virtual clock. A board needs a session that opens its port and tells it where the axes
+// are.
+Run_Summary Run_Simulated(const Run_Options& options) {
+  if (!Drive().Queues_Moves) return Run_Program(options);
+  Setup_Store.Leaves_Files = true;
+  return Run_On_Machine(options, true);
+}
+
 // --- Commands ------------------------------------------------------------------------------------
 
 // Behind the compile of a run: the tables take their place, and a program that lost something on
@@ -218,13 +227,15 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   try {
     if (!motion) tables.emplace();
     if (!options.Ports.empty()) Record_Ports_To_File(options.Ports);
+    if (!options.Frames.empty()) Record_Frames_To_File(options.Frames);
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;
   }
   const Run_Summary summary =
-      virtual_clock ? Run_Program(run) : Run_On_Machine(run, options.Confirm_Positions);
+      virtual_clock ? Run_Simulated(run) : Run_On_Machine(run, options.Confirm_Positions);
   Stop_Port_Recorder();
+  if (!Stop_Frame_Recorder()) Complain("--frames: the file could not be written to its end.");
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   std::cout << Summary_Text(summary);
   if (!Move_Trace.Failed_Path.empty()) {
@@ -299,7 +310,7 @@ int Estimate(const Companion& companion, const std::string& program) {
     Complain(fault.Description);
     return Failed;
   }
-  const Run_Summary summary = Run_Program(run);
+  const Run_Summary summary = Run_Simulated(run);
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   if (Compile_Losses.Any()) Complain("left out: " + Summary_Of(Compile_Losses));
   if (!summary.Finished) {
@@ -325,6 +336,10 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
   command
       ->add_option("--ports", run->Ports,
                    "File for every write to a port; *.vcd: the pins for a wave viewer")
+      ->type_name("FILE");
+  command
+      ->add_option("--frames", run->Frames,
+                   "File for every exchange with a serial board: number, bytes sent / received")
       ->type_name("FILE");
   command->add_flag("--no-pause", run->No_Pause, "Go on at program pauses without asking");
   command->add_flag("--save-positions", run->Save_Positions,

@@ -82,7 +82,8 @@ void Run_Jog(const Step_Request& request, bool held) {
   Tell_Detail(Ways_Text(request));
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
-    const Move_End end = Drive_Move(request, std::nullopt, 0);
+    Move_End end = Drive_Move(request, std::nullopt, 0);
+    if (Arrived(end)) end = Wait_For_Moves();
     if (end == Move_End::Limit) Tell(Ended_By_Limit(), 5);
     if (end == Move_End::EStop || end == Move_End::Escape || end == Move_End::Failed)
       Announce_End();

@@ -18,6 +18,7 @@
 #include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -71,6 +72,7 @@ void Label_Axis_Pos_DblClick(int axis) {
       Ask("Axis", prompt, Format_Number(Machine.Position[axis], MachineSetup.DRO_Format));
   if (!value) return;
   Machine.Position[axis] = *value;
+  Drive().Set_Position();
   ResetRetoolDisplay();
   Keep_Given_Positions();
   CNC_Axis_Display();

@@ -112,6 +112,11 @@ void Count_Made(const Indexed<double, 1, 6>& position_before) {
   Resynchronise_Position();
 }
 
+std::string Failure_Text() {
+  std::string why = Drive().Why_Failed();
+  return why.empty() ? std::string(control_text::Ended_By_Failure) : why;
+}
+
 // The operator's words for an end that the flags alone do not tell.
 void Note_End(Move_End end) {
   if (!Controller.Stop_Text.empty()) return;
@@ -119,7 +124,7 @@ void Note_End(Move_End end) {
     Controller.Stop_Text = control_text::Ended_By_EStop_Input;
   if (end == Move_End::Failed)
     Controller.Stop_Text =
-        Drive().Missing.empty() ? control_text::Ended_By_Failure : Drive().Missing;
+        !Drive().Missing().empty() ? std::string(Drive().Missing()) : Failure_Text();
 }
 
 // A drive makes the steps of such an axis in silence: they move and count nothing.
@@ -180,6 +185,22 @@ void Resynchronise_Position() {
   for (int axis = 1; axis <= 4; ++axis) Machine.Theoretical_Pos[axis] = Machine.Position[axis];
 }
 
+Move_End Wait_For_Moves() {
+  const Move_End end = Drive().Wait_Empty();
+  Note_End(end);
+  return end;
+}
+
+Move_End Machine_Move_To_End(const Move_Order& order) noexcept {
+  Move_End end = Machine_Move(order);
+  if (!Arrived(end) || !Drive().Queues_Moves) return end;
+  if (const Move_End waited = Wait_For_Moves(); !Arrived(waited)) {
+    Resynchronise_Position();
+    end = waited;
+  }
+  return end;
+}
+
 Move_End Machine_Move(const Move_Order& order) noexcept {
   Move_End end = Move_End::Failed;
   Trap("Machine_Move_Error", [&] {
@@ -197,6 +218,7 @@ Move_End Machine_Move(const Move_Order& order) noexcept {
     Count_Steps(target, request);
     request.Start = order.Start, request.Run = order.Run, request.End = order.End;
     request.Out = order.Out;
+    request.Is_Arc = order.Is_Arc;
     end = Enter_Drive(order, request);
   });
   Note_End(end);

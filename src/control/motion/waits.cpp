@@ -1,5 +1,6 @@
 #include "control/motion/waits.h"
 
+#include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
@@ -53,12 +54,13 @@ bool Wait_Seconds(double seconds) {
   return Wait_Until(To_Nanoseconds(seconds), [] { return false; });
 }
 
-bool Dwell_Wait(double seconds, std::int32_t) {
+bool Dwell_Wait(double seconds, std::int32_t step) {
+  if (Drive().Queues_Moves) return Drive().Dwell(seconds, step) == Move_End::Done;
   return Wait_Seconds(seconds);
 }
 
 bool Wait_For_Aux_Input() {
-  return Drive().Wait_Empty() &&
+  return Arrived(Wait_For_Moves()) &&
          Wait_Until(Without_Limit_ns, [] { return !Drive().Aux_Input_High(); }) &&
          Wait_Until(Without_Limit_ns, [] { return Drive().Aux_Input_High(); });
 }

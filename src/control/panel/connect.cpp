@@ -27,7 +27,8 @@ void Connect_Control() {
   Drive_Host.Mark_Plot = [](std::string_view) { Run_Plot_Host.Mark_Rate_Error(); };
   Operation_Host.Drive_Missing = [] {
     const std::string_view lost = Lost_Tail.Stands_Against;
-    return Drive().Missing.empty() ? lost : Drive().Missing;
+    const std::string_view missing = Drive().Missing();
+    return missing.empty() ? lost : missing;
   };
   Jog_Guard_Watch_Dialogs();
 }

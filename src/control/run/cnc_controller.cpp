@@ -112,15 +112,20 @@ void Begin_Run_If_At_Start() {
 }
 
 // A wire asked for a pause, or the operator did.
-void Announce_Pause() {
-  Drive().Wait_Empty();
+// False when the moves before it have not come to their end.
+bool Announce_Pause() {
+  Drive().Hold(true);
+  if (!Arrived(Wait_For_Moves())) return false;
   CNC_Pause();
   Tell(control_text::Paused_For_Retooling, 5);
   Play_Event_Sound(sound::Pause);
+  return true;
 }
 
+// The last moves may still run. A run that they end otherwise is stopped.
 void End_Run() {
-  Drive().Wait_Empty();
+  if (!Arrived(Wait_For_Moves())) return CNC_Stop();
+  Add_Elapsed_Time();
   Machine.CNCMode = CNC_Stopped;
   CNCMode_Display();
   Tell(std::string(control_text::Machine_Run_Time) +
@@ -167,7 +172,10 @@ bool Run_Pass() {
   if (Machine.CNCMode == CNC_Stopped) return false;
   ++Controller.Steps_Executed;
   Controller.Step_Done = step;
-  if (Machine.CNCMode == CNC_Paused) Announce_Pause();
+  if (Machine.CNCMode == CNC_Paused && !Announce_Pause()) {
+    CNC_Stop();
+    return false;
+  }
   if (last) {
     End_Run();
     return false;
@@ -237,6 +245,9 @@ void Run_In_Mode(std::int16_t mode) {
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
   NIST_CNC_Controller();
+  // A drive with a queue works on when the loop is left: behind a step, or an ESC between two
+  // wires.
+  if (Drive().Queues_Moves && !Arrived(Wait_For_Moves())) CNC_Stop();
   CNC_Display();
   Announce_End();
 }

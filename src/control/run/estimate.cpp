@@ -58,6 +58,12 @@ double Ramp_Seconds(double count, double& ipm, double change, double low, double
 }
 
 double Move_Seconds(const Way& way, const Wire& wire) {
+  if (Drive().Move_Seconds) {
+    Step_Request request;
+    for (int axis = 1; axis <= 4; ++axis) request.Steps[axis] = To_Int32(way.Steps[axis]);
+    request.Start = wire.IPM_S, request.Run = wire.IPM_R, request.End = wire.IPM_E;
+    return Drive().Move_Seconds(request);
+  }
   const Move_Plan plan = Plan_Move(Rules_Of_Setup(), way.Steps, wire.IPM_S, wire.IPM_R, wire.IPM_E);
   const double total = 2 * plan.Major;
   if (!(plan.Increment > 0)) return total * Half_Step_Seconds(plan.Cruise);
@@ -102,8 +108,8 @@ double Find_Material_ProcessTime(const Wire& wire, Indexed<double, 1, 4>& from) 
 void Command_Estimate_Process_Time_Click() {
   // The walk over a long table does not yield; the pulses of a move would stop.
   if (Anything_Moves() && !Stopped_For("Can't estimate")) return;
-  if (!Drive().Missing.empty()) {
-    Tell(Drive().Missing, 10);
+  if (const std::string_view missing = Drive().Missing(); !missing.empty()) {
+    Tell(missing, 10);
     return;
   }
   Controller.Estimated_Process_Time.reset();

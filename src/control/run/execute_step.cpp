@@ -55,7 +55,16 @@ bool Serve_Aux_Wait() {
   return came;
 }
 
-Move_Order Order_Of(const Wire& wire, std::int32_t step) {
+// Chords of an arc stand together under one step.
+bool Is_Chord(std::size_t k) {
+  const auto& rows = Program_Wire.Rows();
+  const auto same = [&](std::size_t other) {
+    return other < rows.size() && rows[other].Motion == 1 && rows[other].Step == rows[k].Step;
+  };
+  return rows[k].Motion == 1 && (same(k + 1) || (k > 0 && same(k - 1)));
+}
+
+Move_Order Order_Of(std::size_t k, const Wire& wire, std::int32_t step) {
   Move_Order order;
   if (wire.Motion == 1)
     for (int axis = 1; axis <= 4; ++axis) order.Target[axis] = wire.End[axis];
@@ -65,6 +74,7 @@ Move_Order Order_Of(const Wire& wire, std::int32_t step) {
   order.Out = wire.Out;
   order.S_Word = wire.S_Word;
   order.Step = step;
+  order.Is_Arc = Is_Chord(k);
   return order;
 }
 
@@ -77,8 +87,8 @@ void End_By(Move_End end) {
 }
 
 // The parts of a wire that move something. False when the step must end here.
-bool Move_Wire(const Wire& wire, std::int32_t step) {
-  const Move_End end = Machine_Move(Order_Of(wire, step));
+bool Move_Wire(std::size_t k, const Wire& wire, std::int32_t step) {
+  const Move_End end = Machine_Move(Order_Of(k, wire, step));
   if (end != Move_End::No_Steps) Controller.From_Rest = false;
   if (!Arrived(end)) {
     End_By(end);
@@ -100,7 +110,7 @@ bool Execute_Wire(std::size_t k, std::int32_t& step, bool moves) {
   }
   if (moves && wire.Dwell > 0 && !Dwell_Wait(wire.Dwell, step)) return false;
   Run_Plot_Host.Draw_Segment(k, wire);
-  return !moves || Move_Wire(wire, step);
+  return !moves || Move_Wire(k, wire, step);
 }
 
 // One wire; a failure is logged and ends the step.

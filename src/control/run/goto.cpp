@@ -103,7 +103,8 @@ void Execute_Block() {
     Tell(empty ? control_text::Goto_Is_Empty : control_text::Goto_Needs_Reset, 10);
     return;
   }
-  Execute_Step(step, Move_And_Draw);
+  const bool whole = Execute_Step(step, Move_And_Draw);
+  if (whole && !Arrived(Wait_For_Moves())) CNC_Stop();
   Announce_End();
 }
 

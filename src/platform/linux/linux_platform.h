@@ -61,6 +61,12 @@ void Write_Port_In_Handler(std::uint16_t address, std::uint8_t value) noexcept;
 // The device of way 2; another path in tests.
 void Set_Port_Device(const std::string& path);
 
+// --- Serial ports --------------------------------------------------------------------------------
+
+// Fills the serial operations. A port is this process's alone while it is open; one that cannot be
+// opened is told with what gives it.
+void Install_Serial_Ports();
+
 // --- Locks ---------------------------------------------------------------------------------------
 //
 // Advisory locks on files, held until the process ends, however it ends. The files stay; what they

@@ -19,6 +19,7 @@
 #include "platform/sdl/sdl_platform.h"
 #include "platform/x11/escape_key.h"
 #include "plot/picture/picture_files.h"
+#include "simulate/board_port.h"
 #include "simulate/virtual_clock.h"
 #include "ui/main/main_window.h"
 #include "ui/main/second_start.h"
@@ -142,6 +143,8 @@ int main(int argument_count, char** arguments) {
   Operation_Host.Escape_Taken = Escape_Went_To_A_Box;
   Install_Linux_Clock();
   Install_Linux_Priority();
+  Install_Serial_Ports();
+  Install_Simulated_Boards();
   Install_Instance_Lock();
   Install_Sdl_Platform();
   Install_Picture_Reader();
