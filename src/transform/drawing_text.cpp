@@ -1,9 +1,12 @@
 #include "transform/drawing_text.h"
 
 #include "core/general_text.h"
+#include "core/number_text.h"
 #include "core/setup.h"
 
-#include <array>
+#include <algorithm>
+#include <cmath>
+#include <cstdint>
 
 namespace norvik {
 
@@ -19,27 +22,40 @@ constexpr double Plotter_Units = 1000;
 
 }  // namespace
 
-void Byte_Buffer::Number(const Nullable& value) {
-  std::array<char, General_Text_Limit> text;
-  char* const end = Write_General(text.data(), value ? *value : 0.0);
-  Bytes.append(text.data(), static_cast<std::size_t>(end - text.data()));
+char* Write_Coordinate(char* out, double value) {
+  // A double within this part of a value with few digits is that value in 15 digits: half a unit
+  // of the 15th digit is 5e-16 of the value or more.
+  constexpr double noise = 3e-16, unit = 10'000, largest = 1e10;
+  const double magnitude = std::abs(value);
+  if (magnitude < largest) {
+    const double few =
+        static_cast<double>(static_cast<std::int64_t>(magnitude * unit + 0.5)) / unit;
+    if (std::abs(magnitude - few) <= magnitude * noise) {
+      return Print_Number(out, std::copysign(few, value));
+    }
+  }
+  return Write_General(out, value);
+}
+
+void Byte_Buffer::Number(double value) {
+  At = Write_Coordinate(At, value);
 }
 
 void Byte_Buffer::Bare_Number(double value) {
-  std::array<char, General_Text_Limit> text;
-  char* const end = Write_General(text.data(), value);
-  char* begin = text.data();
-  const bool negative = *begin == '-';
-  if (negative) ++begin;
-  if (end - begin > 1 && begin[0] == '0' && begin[1] == '.') ++begin;
-  if (negative) Bytes += '-';
-  Bytes.append(begin, static_cast<std::size_t>(end - begin));
+  char* const begin = At;
+  char* const end = Write_Coordinate(At, value);
+  char* const digits = *begin == '-' ? begin + 1 : begin;
+  At = end;
+  if (end - digits < 2 || digits[0] != '0' || digits[1] != '.') return;
+  std::memmove(digits, digits + 1, static_cast<std::size_t>(end - digits - 1));
+  --At;
 }
 
 void Byte_Buffer::Flush() {
-  if (Bytes.empty()) return;
-  Sink(Bytes);
-  Bytes.clear();
+  const auto length = static_cast<std::size_t>(At - Bytes.data());
+  if (length == 0) return;
+  Sink({Bytes.data(), length});
+  At = Bytes.data();
 }
 
 // --- DXF -----------------------------------------------------------------------------------------
@@ -48,20 +64,31 @@ DXF_Writer::DXF_Writer(Byte_Buffer& out, Export_Report& report) : Out(out), Repo
   Out.Text(" 0 \r\nSECTION\r\n 2 \r\nENTITIES\r\n");
 }
 
+void DXF_Writer::Number(const Nullable& value, int axis) {
+  Last_Text& last = Last[axis];
+  if (last.Length > 0 && last.Value == value) return Out.Text({last.Text.data(), last.Length});
+  const char* const begin = Out.Place();
+  Out.Number(value ? *value : 0.0);
+  const auto length = static_cast<std::size_t>(Out.Place() - begin);
+  last.Length = length <= last.Text.size() ? length : 0;
+  last.Value = value;
+  std::copy_n(begin, last.Length, last.Text.data());
+}
+
 void DXF_Writer::Element(const Wire& wire, bool skipped) {
   if (!wire.FeedMove || skipped) return;
   Out.Text(" 0 \r\nLINE\r\n 8 \r\n0\r\n 10 \r\n");
-  Out.Number(wire.Start[1]);
+  Number(wire.Start[1], 1);
   Out.Text("\r\n 20 \r\n");
-  Out.Number(wire.Start[2]);
+  Number(wire.Start[2], 2);
   Out.Text("\r\n 30 \r\n");
-  Out.Number(wire.Start[3]);
+  Number(wire.Start[3], 3);
   Out.Text("\r\n 11 \r\n");
-  Out.Number(wire.End[1]);
+  Number(wire.End[1], 1);
   Out.Text("\r\n 21 \r\n");
-  Out.Number(wire.End[2]);
+  Number(wire.End[2], 2);
   Out.Text("\r\n 31 \r\n");
-  Out.Number(wire.End[3]);
+  Number(wire.End[3], 3);
   Out.Text("\r\n");
   Out.Flush_When_Full();
   ++Report.Elements;

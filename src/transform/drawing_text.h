@@ -4,6 +4,8 @@
 #include "compiler/state/tables.h"
 #include "transform/exports.h"
 
+#include <array>
+#include <cstring>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -12,28 +14,43 @@ namespace norvik {
 
 using Byte_Sink = std::function<void(std::string_view bytes)>;
 
-// Collects bytes, so that a sink is not called for every word.
+// Collects bytes, so that a sink is not called for every word. What is put between two calls of
+// `Flush_When_Full` is at most `Room`.
 class Byte_Buffer {
  public:
-  explicit Byte_Buffer(const Byte_Sink& sink) : Sink(sink) { Bytes.reserve(Limit + Room); }
+  explicit Byte_Buffer(const Byte_Sink& sink) : Sink(sink), Bytes(Limit + Room, '\0') {
+    At = Bytes.data();
+  }
 
-  void Text(std::string_view text) { Bytes.append(text); }
-  // In general form (core/general_text.h), absent as 0.
-  void Number(const Nullable& value);
-  // As `Number`, without the zero in front of a point.
+  void Text(std::string_view text) {
+    std::memcpy(At, text.data(), text.size());
+    At += text.size();
+  }
+  // In general form (core/general_text.h).
+  void Number(double value);
+  // The same without the zero in front of a point.
   void Bare_Number(double value);
   // At the end of a record.
   void Flush_When_Full() {
-    if (Bytes.size() >= Limit) Flush();
+    if (At >= Bytes.data() + Limit) Flush();
   }
   void Flush();
 
+  // Where the next byte goes, for texts that are to be put again.
+  const char* Place() const { return At; }
+
  private:
-  static constexpr std::size_t Limit = 1U << 16, Room = 1U << 12;
+  static constexpr std::size_t Limit = 1U << 16, Room = 1U << 13;
 
   const Byte_Sink& Sink;
   std::string Bytes;
+  char* At = nullptr;
 };
+
+// Writes the general form to `out` (room for General_Text_Limit) and returns one past its end. Most
+// coordinates have at most four decimals, up to the noise of arithmetic that 15 digits do not show;
+// for these whole-number arithmetic gives the same text.
+char* Write_Coordinate(char* out, double value);
 
 // Group code and value on a line each; nothing but the section of the entities.
 class DXF_Writer {
@@ -43,8 +60,18 @@ class DXF_Writer {
   void End();
 
  private:
+  // The text of the value that an axis had last: most lines begin where the one before ended.
+  struct Last_Text {
+    Nullable Value;
+    std::size_t Length = 0;  // 0: none
+    std::array<char, 32> Text;
+  };
+  // Absent as 0.
+  void Number(const Nullable& value, int axis);
+
   Byte_Buffer& Out;
   Export_Report& Report;
+  Indexed<Last_Text, 1, 3> Last{};
 };
 
 // Plotter units are 1016 to the inch. Moves that change Z are left out; what the pen does follows

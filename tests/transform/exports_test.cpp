@@ -5,14 +5,16 @@
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
+#include "core/general_text.h"
 #include "core/paths.h"
 #include "import/dxf/import.h"
 #include "import/pipeline/pipeline.h"
 #include "support/temporary_folder.h"
+#include "transform/drawing_text.h"
 #include "transform_fixture.h"
 
 #include <array>
-#include <filesystem>
+#include <cmath>
 #include <random>
 
 namespace norvik {
@@ -176,6 +178,25 @@ TEST_F(Exports_Test, AFailureIsLoggedAndLeavesTheDrawingOfBefore) {
   EXPECT_FALSE(Report.Written) << "ended by ESC";
   EXPECT_EQ(Read_Whole_File(Folder.File("drawing")), "old");
   EXPECT_EQ(Scripted.Pointers.back(), Mouse_Pointer::Normal);
+}
+
+TEST(Coordinate_Test, TheQuickTextIsTheGeneralForm) {
+  std::mt19937 random(3);
+  std::uniform_real_distribution<double> any(-1000, 1000);
+  std::array<char, General_Text_Limit> text;
+  const auto written = [&](double value) {
+    return std::string(text.data(), Write_Coordinate(text.data(), value));
+  };
+  for (int i = 0; i < 100'000; ++i) {
+    const double raw = any(random), few = std::round(raw * 1e4) / 1e4;
+    for (const double value : {raw, few, few * 1.016 * 1000, few + few * 4e-16, few * 1e7,
+                               std::nextafter(few, 1e9), raw * 1e-9}) {
+      ASSERT_EQ(written(value), General_Text(value)) << i;
+    }
+  }
+  for (const double value : {0.0, -0.0, 1e300, -1e-300, 99'999.99995, 9'999'999'999.99995}) {
+    EXPECT_EQ(written(value), General_Text(value));
+  }
 }
 
 // --- There and back ------------------------------------------------------------------------------
