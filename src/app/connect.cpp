@@ -49,6 +49,7 @@ void Show_New_Table() {
   Controller.Estimated_Process_Time.reset();
   Plot_New_Program();
   Show_Table_Notice();
+  Show_Marks_Of_Table();
 }
 
 // What the Goto has said outlives the drawing of the program.

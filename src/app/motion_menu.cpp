@@ -98,6 +98,11 @@ void Menu_File_Open_Motion() {
   if (path && Load(*path)) Become_Current(*path);
 }
 
+void Show_Marks_Of_Table() {
+  Tool_Host.Form_Changed();
+  Macro_Host.Form_Changed();
+}
+
 void Connect_Tools() {
   Register_Opener(Opened_Kind::Motion, [](const std::string& path) { Load(path); });
   Motion_Analyzer_Host.May_Replace_Table = [] {

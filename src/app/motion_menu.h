@@ -9,6 +9,9 @@ void Menu_File_Save_Motion();
 // `Open motion`: asks for the file. Refused unless the machine stands.
 void Menu_File_Open_Motion();
 
+// Another table has been installed: the marks of the lists follow it.
+void Show_Marks_Of_Table();
+
 // Registers the opener of motion files and fills the hooks of the room `tools`.
 void Connect_Tools();
 

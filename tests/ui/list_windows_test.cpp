@@ -198,7 +198,8 @@ TEST_F(List_Windows_Test, A_Tool_Is_Typed_Into_Its_Cell_Or_A_Box_Found_And_Saved
   Double_Click("List_Tools", 2, tool_column::Offset);
   EXPECT_EQ(Cell("List_Tools", 2, tool_column::Offset), "-1.5");
   list.setCurrentIndex(list.model()->index(100, 1));
-  QTest::keyClicks(&Find("Text_Find_Diameter"), "0,2\r");
+  QTest::keyClicks(&Find("Text_Find_Diameter"), "0,2");
+  QTest::keyClick(&Find("Text_Find_Diameter"), Qt::Key_Return);
   EXPECT_EQ(list.currentIndex().row(), 2);
   EXPECT_TRUE(Text_Of("Label_Note").contains("modified and not saved"));
   scripted.Answer_Box(Box_Answer::Yes);

@@ -5,6 +5,7 @@
 
 class QPlainTextEdit;
 class QTableWidget;
+class QVBoxLayout;
 
 namespace norvik {
 
@@ -17,7 +18,7 @@ class Macro_Files_Window : public QWidget {
   void hideEvent(QHideEvent* event) override;
 
  private:
-  void Build_Foot(class QVBoxLayout& rows);
+  void Build_Foot(QVBoxLayout& rows);
   void Show_Form();
 
   QTableWidget* List;

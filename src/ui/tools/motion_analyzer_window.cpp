@@ -43,7 +43,7 @@ class Analyzer_Model : public QAbstractTableModel {
     if (role == Qt::DisplayRole) return QString::fromStdString(Grid_Cell(record, at.column()));
     if (role == Qt::TextAlignmentRole && at.column() >= grid_column::Dx &&
         at.column() <= grid_column::Hz_Z)
-      return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+      return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
     if (role == Qt::BackgroundRole && Is_Error(record)) {
       QColor ground = Alarm_Red();
       ground.setAlpha(70);

@@ -8,6 +8,7 @@
 
 class QCheckBox;
 class QTableView;
+class QVBoxLayout;
 
 namespace norvik {
 
@@ -21,7 +22,7 @@ class Motion_Analyzer_Window : public QWidget {
 
  private:
   void Build_Grid();
-  void Build_Foot(class QVBoxLayout& rows);
+  void Build_Foot(QVBoxLayout& rows);
   void Add_Keys();
   void Show_Data();
   void Choose_Record(std::int32_t record);

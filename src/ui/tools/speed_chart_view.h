@@ -8,6 +8,8 @@
 
 #include <QWidget>
 
+class QPainter;
+
 namespace norvik {
 
 class Speed_Chart_View : public QWidget {

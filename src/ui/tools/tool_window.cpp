@@ -41,7 +41,7 @@ class Tool_Model : public QAbstractTableModel {
   QVariant data(const QModelIndex& at, int role) const override {
     const int tool = at.row() + 1;
     if (role == Qt::TextAlignmentRole && Is_Value(at))
-      return QVariant(Qt::AlignRight | Qt::AlignVCenter);
+      return static_cast<int>(Qt::AlignRight | Qt::AlignVCenter);
     if (role == Qt::ForegroundRole && at.column() == tool_column::Used && Is_Wrong(tool))
       return Colors().Stop;
     if (role != Qt::DisplayRole && role != Qt::EditRole) return {};
@@ -156,6 +156,10 @@ void Tool_Window::Show_Form() {
   Note->setText("Lengths in " + unit + ". Type into a cell, or double click for a box." +
                 (Tool_Form.Modified ? " The list is modified and not saved." : ""));
   Model->Look_Again();
+  Show_Picture();
+}
+
+void Tool_Window::Show_Picture() {
   Picture->Show_Tool(Tool_Value(Tool_Form.Selected, tool_column::Diameter),
                      Tool_Value(Tool_Form.Selected, tool_column::Offset));
 }
@@ -163,7 +167,7 @@ void Tool_Window::Show_Form() {
 void Tool_Window::Choose(int tool) {
   if (tool < 1) return;
   Tool_Form.Selected = tool;
-  Show_Form();
+  Show_Picture();
 }
 
 void Tool_Window::Find_Diameter() {

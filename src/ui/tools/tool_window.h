@@ -6,6 +6,7 @@
 class QLabel;
 class QLineEdit;
 class QTableView;
+class QVBoxLayout;
 
 namespace norvik {
 
@@ -18,9 +19,10 @@ class Tool_Window : public QWidget {
   ~Tool_Window() override;
 
  private:
-  void Build_Head(class QVBoxLayout& rows);
-  void Build_Foot(class QVBoxLayout& rows);
+  void Build_Head(QVBoxLayout& rows);
+  void Build_Foot(QVBoxLayout& rows);
   void Show_Form();
+  void Show_Picture();
   void Find_Diameter();
   void Choose(int tool);
 
