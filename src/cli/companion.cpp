@@ -110,6 +110,7 @@ int Companion::Start() const {
     return settings_fit;
   });
   if (!readable) return Failed;
+  Environment.Find_Cards();
   Name_Unusable_Values();
   if (!settings_fit) return Wrong_Usage;
   Show_Progress_On_Terminal();
