@@ -6,6 +6,7 @@
 #include "app/main_form.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/state/compiler_state.h"
 #include "control/safety/safety.h"
 #include "core/application.h"
@@ -66,6 +67,14 @@ void Restore_Positions() {
   Drive().Set_Position();
 }
 
+// What a program that was cut short has left, for whoever reads the tables.
+void Tell_Mixed_Tables() {
+  if (Standing_Of_Pair(Application.Table_Folder) != Pair_Standing::Mixed) return;
+  const std::string words = Words_About_Mixed_Pair(Application.Table_Folder);
+  ErrorLogWrite(words);
+  AddMessage(words);
+}
+
 void Start_Timers() {
   Main_Window.Timer1 = Platform.Start_Timer(Timer1_ms, Main_Timer1);
   Main_Window.Timer2 = Platform.Start_Timer(Timer2_ms, Main_Timer2);
@@ -119,6 +128,7 @@ void Load_Main() {
   Show_Open_Forms();
   // The first reading opens the device, which takes its time: here, and not in the first jog.
   Platform.Read_Joystick(Joystick_Device);
+  Tell_Mixed_Tables();
   AddMessage("Starting Norvik");
 }
 

@@ -110,6 +110,7 @@ int Companion::Start() const {
     return settings_fit;
   });
   if (!readable) return Failed;
+  Environment.Find_Cards();
   Name_Unusable_Values();
   if (!settings_fit) return Wrong_Usage;
   Show_Progress_On_Terminal();
@@ -168,11 +169,16 @@ void Print_Losses() {
 
 int Compile_Whole(const Companion& companion, const std::function<bool()>& compile) {
   try {
+    const bool mixed_before = Standing_Of_Pair(Application.Table_Folder) == Pair_Standing::Mixed;
     Staged_Tables tables;
     const bool whole = compile();
     if (companion.Was_Interrupted()) return Interrupted_By_Operator;
     if (whole) {
       tables.Put_In_Place();
+      if (mixed_before) {
+        Complain("the tables of before in " + Application.Table_Folder +
+                 " were not from one compile; now they are.");
+      }
       return Done;
     }
     Complain("The tables were not written; the earlier ones stand.");

@@ -38,6 +38,8 @@ struct Axis_Travel {
 struct Companion_Environment {
   // The operator asked to stop, by Ctrl-C, a request to terminate or a terminal that hung up.
   std::function<bool()> Asked_To_Stop = [] { return false; };
+  // Finds the add-on cards of this computer, once the folders are known.
+  std::function<void()> Find_Cards = [] {};
   // The simulated machine takes the place of the port.
   std::function<void()> Use_Simulated_Machine = [] {};
   // Direct access where the process may use it and the setup asks for it, the simulated machine

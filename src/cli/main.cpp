@@ -96,6 +96,7 @@ int main(int argument_count, char** arguments) {
 
   Companion_Environment environment;
   environment.Asked_To_Stop = [] { return Interrupts_Seen() > 0; };
+  environment.Find_Cards = Find_Cards;
   environment.Use_Simulated_Machine = Use_Simulated_Machine;
   environment.Use_Port = [] {
     const std::string words = Choose_Port();

@@ -33,13 +33,6 @@ std::string Told(const std::string& text) {
   return text;
 }
 
-// Registers of add-on cards: those that the kernel knows, and those that this computer's own
-// pointer file names. The machine file has no say in it.
-void Find_Cards() {
-  Port_Ranges.Cards = Ranges_In(ReadPointer("Platform", "Card_Ports"));
-  for (const Card_Range& card : Port_Cards()) Port_Ranges.Cards.push_back({card.First, card.Last});
-}
-
 std::string Simulated_Board_Of(int generation) {
   return std::string(generation > 0 ? Simulated_Pelmar_Device : Simulated_Dravon_Device);
 }
@@ -73,7 +66,6 @@ std::optional<std::string> Use_Serial_Board(const std::string& wanted) {
 std::string Use_Direct_Port(const Port_Right& right) {
   const Port_Right alone = Lock_Direct_Port();
   if (!alone.Granted) throw Fault(Fault_Number::Permission_Denied, alone.Words);
-  Find_Cards();
   Install_Direct_Ports(&MachineSetup.Parallel_IODLL, {Is_Machine_Port, Words_About_Refused_Port});
   Install_Fatal_Signals([]() noexcept { Make_Last_Writes(Write_Port_In_Handler, Written_Byte); });
   Port_Choice.Simulated = false;
@@ -94,7 +86,13 @@ void Use_Simulated_Machine() {
   Port_Choice.Simulated = true;
 }
 
+void Find_Cards() {
+  Port_Ranges.Cards = Ranges_In(ReadPointer("Platform", "Card_Ports"));
+  for (const Card_Range& card : Port_Cards()) Port_Ranges.Cards.push_back({card.First, card.Last});
+}
+
 std::string Choose_Port() {
+  Find_Cards();
   Port_Choice.Refusal.clear();
   const std::string wanted = Upper(Trim(ReadPointer("Platform", "Port_Access")));
   if (MachineSetup.Parallel_Port_Type > 1) {

@@ -1,6 +1,7 @@
 #include "control/run/estimate.h"
 
 #include "compiler/compile/compile.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
@@ -119,6 +120,11 @@ void Command_Estimate_Process_Time_Click() {
     return;
   }
   Trap("Estimate_Process_Time_Error", [] {
+    // What a crash or another program has left half replaced is made again.
+    if (Standing_Of_Pair(Application.Table_Folder) == Pair_Standing::Mixed) {
+      AddMessage(Words_About_Mixed_Pair(Application.Table_Folder));
+      if (!CompileProgram()) return;
+    }
     // The program's own file; after a Goto the path of the last compile is that of the line.
     const Table<Wire> wires = Read_Wire_Table(Join_Path(Application.Table_Folder, Wire_Table_Name));
     Indexed<double, 1, 4> from;
