@@ -271,12 +271,18 @@ TEST_P(Stream_Test, Counters_elsewhere_end_the_run) {
 }
 
 TEST_P(Stream_Test, A_switch_or_an_encoder_ends_the_moves_with_its_axis) {
-  Serial_Move(Along_X(1000), std::nullopt, 1);
-  Board.Limits = 1;  // the first switch of X
-  EXPECT_EQ(Serial_Move(Along_X(1000), std::nullopt, 2), Move_End::Limit);
+  for (int step = 1; step <= 3; ++step) Serial_Move(Along_X(1000), std::nullopt, step);
+  // The first switch of X: the board stops within the first move and drops its queue.
+  Board.Limits = 1;
+  Board.Counter[0] = 500;
+  Board.Queue.clear();
+  Dravon_Stream.BufferFull = true;
+  EXPECT_EQ(Serial_Move(Along_X(1000), std::nullopt, 4), Move_End::Limit);
   EXPECT_EQ(Drive_Status.Free_Negative[1], false);
-  EXPECT_EQ(Board.Count_Of(10), 1);
+  EXPECT_EQ(Machine.Position[1], 1.25);
+  EXPECT_EQ(Board.Count_Of(10), 3);
   // Away from it the latch stands in no way.
+  EXPECT_EQ(Position_Memory.Doubt, "");
   EXPECT_EQ(Serial_Move(Along_X(100), std::nullopt, 3), Move_End::Done);
   EXPECT_EQ(Serial_Wait_Empty(), Move_End::Done);
   // A seek meets it while it runs.
