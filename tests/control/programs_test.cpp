@@ -1,4 +1,5 @@
 // Whole programs: where they end, how long they take, and what a kill leaves behind.
+#include "compiler/compile/compile.h"
 #include "control/manual/home.h"
 #include "control/motion/waits.h"
 #include "control/panel/run_program.h"
@@ -290,6 +291,23 @@ TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
   EXPECT_NEAR(*Controller.Estimated_Process_Time / summary.Machine_Run_Time, 1, 0.01);
   EXPECT_THAT(CNC_Controls.Label_MaterialProcess_Time.Caption,
               HasSubstr("Estimated Material Process Time 00:00:"));
+}
+
+// A crash has left a wire table of another compile beside the record table.
+TEST_F(Text_Test, An_estimate_of_mixed_tables_compiles_again) {
+  SaveChanges("G1 X3 F60\n");
+  ASSERT_TRUE(CompileProgram());
+  const std::string wires = Join_Path(Application.Table_Folder, Wire_Table_Name);
+  const std::string other = Read_Whole_File(wires);
+  SaveChanges("G1 X1 F60\n");
+  ASSERT_TRUE(CompileProgram());
+  Command_Estimate_Process_Time_Click();
+  const auto right = Controller.Estimated_Process_Time;
+  Replace_File(wires, other);
+  Command_Estimate_Process_Time_Click();
+  ASSERT_TRUE(right);
+  EXPECT_EQ(Controller.Estimated_Process_Time, right);
+  EXPECT_THAT(Messages.Status_Box, HasSubstr("not from one compile"));
 }
 
 TEST_F(Text_Test, An_estimate_waits_while_something_moves) {
