@@ -101,6 +101,35 @@ TEST_F(Programs_Test, The_estimate_agrees_with_the_run) {
   }
 }
 
+// One plan for both: also where a wire begins faster than it cruises and so brakes from its first
+// step on, down to the speed of its end.
+TEST_F(Programs_Test, The_estimate_of_a_wire_ramps_as_the_machine_does) {
+  MachineSetup.Axis_Ramping = true;
+  MachineSetup.Axis_Ramp_Rate = 5;
+  struct {
+    float Start, Cruise, End;
+  } const rows[] = {{10, 60, 10}, {100, 50, 10}, {10, 60, 60}, {60, 60, 5}};
+  for (const auto& row : rows) {
+    Machine.Position = Machine.Theoretical_Pos = {};
+    Reset_Simulated_Machine();
+    Free_Axes();
+    Simulated_Machine.Access_Time = 0;
+    Load({{1, 0.1}, {2, 1.1}});
+    Wire& first = Program_Wire.Rows()[0];
+    first.IPM_S = MachineSetup.Axis_Ramp_Start;  // a run begins so
+    Wire& wire = Program_Wire.Rows()[1];
+    wire.IPM_S = row.Start;
+    wire.IPM_R = row.Cruise;
+    wire.IPM_E = row.End;
+    Indexed<double, 1, 4> from;
+    const double estimate =
+        Find_Material_ProcessTime(first, from) + Find_Material_ProcessTime(wire, from);
+    const Run_Summary summary = Run_Compiled_Program({""});
+    ASSERT_TRUE(summary.Finished) << summary.Ended_By;
+    EXPECT_NEAR(estimate / summary.Machine_Run_Time, 1, 0.005) << row.Start << " " << row.Cruise;
+  }
+}
+
 TEST_F(Programs_Test, Pauses_of_a_run_without_a_panel) {
   Load({{1, 0.1}, {2, {}, {}, {}, {}, -1}, {3, 0.3}, {4, {}, {}, {}, {}, -1}, {5, 0.5}});
   Program_Wire.Rows()[1].Tool = 1;  // in use, and not asked for
