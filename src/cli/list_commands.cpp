@@ -2,6 +2,7 @@
 #include "cli/companion.h"
 #include "cli/json_text.h"
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/event_sounds.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -49,13 +50,14 @@ int List_Tools(const Tool_Options& options) {
 
 // The tools as they stand become the tool file of the setup.
 int Store_Tools() {
+  const std::string path = Beside_Machine_File(MachineSetup.Tool_File_Name);
   try {
-    Save_Tools(MachineSetup.Tool_File_Name);
+    Save_Tools(path);
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;
   }
-  std::cerr << "Saved " << MachineSetup.Tool_File_Name << '\n';
+  std::cerr << "Saved " << path << '\n';
   return Done;
 }
 

@@ -2,6 +2,7 @@
 
 #include "compiler/tables/program_wire.h"
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -63,7 +64,7 @@ std::string Shortened_Path(std::string_view path, std::size_t most) {
 }
 
 std::string Macro_Mark(int number) {
-  const std::string& path = MachineSetup.MacroFile[number];
+  const std::string path = Beside_Machine_File(MachineSetup.MacroFile[number]);
   const std::string called = Is_Called(number) ? "called" : "";
   if (path.empty()) return called.empty() ? "" : "called, no file";
   if (FileExists(path)) return called;
@@ -81,7 +82,7 @@ void Display_Macros() {
 
 std::string First_Lines(int number) {
   constexpr std::size_t most_lines = 12, most_bytes = 4000;
-  const std::string& path = MachineSetup.MacroFile[number];
+  const std::string path = Beside_Machine_File(MachineSetup.MacroFile[number]);
   if (path.empty()) return "No file is assigned to this number.";
   std::string bytes(most_bytes, '\0');
   std::ifstream file(path, std::ios::binary);

@@ -2,6 +2,7 @@
 
 #include "compiler/tables/program_wire.h"
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -232,7 +233,7 @@ bool Tool_Command_OK_Click() {
                            "The tool list has been modified.  Do you want to save " +
                                PathFileName(MachineSetup.Tool_File_Name) + "?",
                            Box_Buttons::Yes_No_Cancel);
-  if (answer == Box_Answer::Yes) return Save_To(MachineSetup.Tool_File_Name);
+  if (answer == Box_Answer::Yes) return Save_To(Beside_Machine_File(MachineSetup.Tool_File_Name));
   if (answer == Box_Answer::No)
     Tool_Form.Modified = false;  // asked once; the tools stay as they are
   return answer == Box_Answer::No;

@@ -221,6 +221,10 @@ TEST_F(Lists_Test, Macros_That_The_Program_Calls_Are_Marked) {
   EXPECT_EQ(Macro_Mark(4), "called, no file");
   EXPECT_EQ(First_Lines(1), "The file is empty.");
   EXPECT_THAT(First_Lines(2), HasSubstr("cannot be read"));
+  MachineSetup.MacroFile[5] = "five_beside_the_machine_file.gc";
+  Write_File(MachineSetup.MacroFile[5], "G0 X5\n");
+  EXPECT_EQ(Macro_Mark(5), "");
+  EXPECT_EQ(First_Lines(5), "G0 X5\n");
 }
 
 TEST_F(Lists_Test, A_Long_Path_Keeps_Its_Name) {

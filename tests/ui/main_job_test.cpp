@@ -11,7 +11,6 @@
 #include <QClipboard>
 #include <QLabel>
 #include <QLineEdit>
-#include <QShortcut>
 #include <QWheelEvent>
 
 namespace norvik {
@@ -58,18 +57,6 @@ TEST_F(Main_Job_Test, The_Line_Numbers_Of_A_Long_Program_Stand_Beside_The_Text) 
   Open("long.gc", program);
   EXPECT_GT(text.viewport()->x(), before);
   EXPECT_GE(text.viewport()->x(), text.Margin_Width());
-}
-
-// A run that is paused stays so when ESC closes the bar.
-TEST_F(Main_Job_Test, The_Find_Bar_Takes_ESC_And_Gives_The_Focus_Back) {
-  Click("Command_Find");
-  const QWidget& bar = *Find("Text_Find").parentWidget();
-  EXPECT_TRUE(bar.isVisible());
-  EXPECT_TRUE(bar.property("Takes_Escape").toBool());
-  ASSERT_NE(bar.findChild<QShortcut*>(), nullptr);
-  EXPECT_EQ(bar.findChild<QShortcut*>()->key(), QKeySequence(Qt::Key_Escape));
-  bar.findChild<QShortcut*>()->activated();
-  EXPECT_FALSE(bar.isVisible());
 }
 
 // What is underlined is not read, and what is read is not underlined.
