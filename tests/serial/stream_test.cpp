@@ -13,6 +13,7 @@
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
 #include "serial/serial_session.h"
+#include "support/reset.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,12 +28,7 @@ struct Stream_Test : testing::TestWithParam<int> {
   Plain_Board Board{GetParam()};
 
   Stream_Test() {
-    Machine = {};
-    Application = {};
-    Messages = {};
-    Position_Memory = {};
-    Drive_Status = {};
-    Serial_Link = {};
+    Reset_Serial();
     Restore_Factory_Setup();
     MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(2 + GetParam());
     for (auto& scale : MachineSetup.Axis_SPI) scale = 400;
@@ -45,15 +41,7 @@ struct Stream_Test : testing::TestWithParam<int> {
     Serial_Begin_Session();
     Board.Port.Sent.clear();
   }
-  ~Stream_Test() override {
-    Serial_Session_Host = {};
-    Dravon_Stream = {};
-    Dravon = {};
-    Serial_Link = {};
-    Machine = {};
-    Application = {};
-    Position_Memory = {};
-  }
+  ~Stream_Test() override { Reset_Serial(); }
 
   bool Second() const { return GetParam() > 0; }
   static Step_Request Along_X(std::int32_t steps) {
