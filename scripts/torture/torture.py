@@ -2,6 +2,7 @@
 import os
 import random
 import resource
+import shlex
 import shutil
 import signal
 import subprocess
@@ -309,7 +310,7 @@ def closed_pipes(row):
         row.tried += 3
         with open("/dev/full", "wb") as full:
             row.expect(run(call, stdout=full)[0] == 1, f"{arguments[0]} > /dev/full")
-        text = subprocess.list2cmdline(call)
+        text = shlex.join(call)
         closed = subprocess.run(["sh", "-c", text + " >&-"], capture_output=True, check=False)
         row.expect(closed.returncode == 1, f"{arguments[0]} >&-: {closed.returncode}")
         reader, writer = os.pipe()

@@ -1,5 +1,6 @@
 // The command `setup`.
 #include "cli/companion.h"
+#include "control/panel/drive_choice.h"
 #include "control/safety/machine_check.h"
 #include "core/application.h"
 #include "core/fault.h"
@@ -100,6 +101,7 @@ int Reset_All() {
 }
 
 int Check_Machine() {
+  Choose_Drive_By_Setup();  // the drive has findings of its own
   const auto findings = Machine_Check();
   for (const Machine_Finding& finding : findings) {
     std::cout << finding.Text;

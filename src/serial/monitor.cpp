@@ -62,10 +62,9 @@ void Take_Counters(const Status_Reply& status) {
     Dravon.EncoderPosition[axis] = status.EncoderCount[axis] * encoder / spi;
     Dravon.FollowingError[axis] =
         sign * status.Step_Count[axis] - spi * Dravon.EncoderPosition[axis];
-    double position = sign * status.Step_Count[axis] / spi;
-    if (MachineSetup.Axis_Backlash_Enable)
-      position -= double{Dravon_Stream.BacklashSteps[axis]} / spi;
-    Machine.Position[axis] = position;
+    double steps = sign * status.Step_Count[axis];
+    if (MachineSetup.Axis_Backlash_Enable) steps -= double{Dravon_Stream.BacklashSteps[axis]};
+    Machine.Position[axis] = steps / spi;
   }
   Dravon.LastCommandIndex = status.LastCommandIndex;
 }

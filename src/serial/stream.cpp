@@ -60,7 +60,8 @@ bool Has_Steps(const Queued_Entry& queued) {
 // The reply to an entry was lost or was no reply. Asks for the free places: fewer than at the entry
 // before mean that it was taken, since entries that end only free more. Otherwise the board is let
 // run out, and then its counters tell.
-Fate Ask_For_Fate(const Move_Entry& entry, const Queued_Entry& queued, std::int32_t& free) {
+Fate Ask_For_Fate(const Move_Entry& entry, const Queued_Entry& queued, bool is_dwell,
+                  std::int32_t& free) {
   const std::uint32_t finished_before = Dravon.LastCommandIndex;
   for (int tries = 0; tries < Most_Failures; ++tries) {
     const auto told = ReadBuffer();
@@ -73,7 +74,10 @@ Fate Ask_For_Fate(const Move_Entry& entry, const Queued_Entry& queued, std::int3
         Dravon_Stream.Last_Entry.Index != entry.Index)
       return Fate::Taken;
     // Outputs and pauses do no harm when they come again to a machine that stands.
-    if (!Has_Steps(queued)) return Outputs_Are_As(entry) ? Fate::Taken : Fate::Not_Taken;
+    if (!Has_Steps(queued)) {
+      const bool seen = !is_dwell && entry.PWM == Unchanged_PWM && Outputs_Are_As(entry);
+      return seen ? Fate::Taken : Fate::Not_Taken;
+    }
     const auto counters = Program_Counters();
     const bool without = Counters_Match(counters, {});
     const bool with = Counters_Match(counters, queued.Way);
@@ -118,7 +122,7 @@ std::optional<std::int32_t> Send(Order& order) {
       Note_Bad_Move();
       if (answer.Refused) continue;
       std::int32_t free = Dravon_Stream.Last_Free;
-      const Fate fate = Ask_For_Fate(order.Entry, order.Queued, free);
+      const Fate fate = Ask_For_Fate(order.Entry, order.Queued, false, free);
       if (fate == Fate::Taken) return free;
       if (fate == Fate::Unknown) return std::nullopt;
       // The machine stands now.
@@ -367,8 +371,8 @@ std::optional<std::int32_t> DravonMove(const Step_Request& request, Nullable s_w
   if (!Await_Turn()) return std::nullopt;
   Dravon.DravonBusy = true;
   Dravon.ReferenceSPI = std::min(Dravon.SPI[1], Dravon.SPI[2]);
-  Order order = Make_Order(request, s_word);
   const auto backlash = Dravon_Stream.BacklashSteps;
+  Order order = Make_Order(request, s_word);
   const std::optional<std::int32_t> free = Send(order);
   if (!free) {
     Dravon_Stream.BacklashSteps = backlash;
@@ -402,7 +406,7 @@ std::optional<std::int32_t> DravonDwell(double seconds, std::uint32_t command_in
     free = answer.Free;
     if (free || answer.Refused) continue;
     std::int32_t told = Dravon_Stream.Last_Free;
-    const Fate fate = Ask_For_Fate(order.Entry, order.Queued, told);
+    const Fate fate = Ask_For_Fate(order.Entry, order.Queued, true, told);
     if (fate == Fate::Taken) free = told;
     if (fate == Fate::Unknown) break;
   }

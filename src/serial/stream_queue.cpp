@@ -183,6 +183,8 @@ Move_End Judge_Place() {
 
 void Stream_Saw_Counters() {
   if (!Dravon_Stream.Place_Known) return;
+  // A switch or an encoder has stopped the board, which has dropped its queue.
+  if (Met_A_Switch() || (Dravon_Stream.Unsettled && !Fault_Axes().empty())) return;
   const auto counters = Program_Counters();
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     if (Inside_Way(axis, counters[axis])) continue;

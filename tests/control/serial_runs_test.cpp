@@ -109,6 +109,7 @@ TEST_P(Serial_Runs_Test, Faults_on_the_line_end_right_or_with_words) {
         "code=MoveSteps:20 silence=5000", "code=MoveSteps:20 disconnect=3000"}) {
     SCOPED_TRACE(fault);
     Clear_Board_Faults(Board());
+    Advance_Virtual_Clock(6'000'000'000);
     Serial_Begin_Session();
     Machine.Position = {};
     Drive().Set_Position();

@@ -13,6 +13,7 @@
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
 #include "serial/serial_session.h"
+#include "support/reset.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -27,12 +28,7 @@ struct Stream_Test : testing::TestWithParam<int> {
   Plain_Board Board{GetParam()};
 
   Stream_Test() {
-    Machine = {};
-    Application = {};
-    Messages = {};
-    Position_Memory = {};
-    Drive_Status = {};
-    Serial_Link = {};
+    Reset_Serial();
     Restore_Factory_Setup();
     MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(2 + GetParam());
     for (auto& scale : MachineSetup.Axis_SPI) scale = 400;
@@ -45,15 +41,7 @@ struct Stream_Test : testing::TestWithParam<int> {
     Serial_Begin_Session();
     Board.Port.Sent.clear();
   }
-  ~Stream_Test() override {
-    Serial_Session_Host = {};
-    Dravon_Stream = {};
-    Dravon = {};
-    Serial_Link = {};
-    Machine = {};
-    Application = {};
-    Position_Memory = {};
-  }
+  ~Stream_Test() override { Reset_Serial(); }
 
   bool Second() const { return GetParam() > 0; }
   static Step_Request Along_X(std::int32_t steps) {
@@ -271,12 +259,18 @@ TEST_P(Stream_Test, Counters_elsewhere_end_the_run) {
 }
 
 TEST_P(Stream_Test, A_switch_or_an_encoder_ends_the_moves_with_its_axis) {
-  Serial_Move(Along_X(1000), std::nullopt, 1);
-  Board.Limits = 1;  // the first switch of X
-  EXPECT_EQ(Serial_Move(Along_X(1000), std::nullopt, 2), Move_End::Limit);
+  for (int step = 1; step <= 3; ++step) Serial_Move(Along_X(1000), std::nullopt, step);
+  // The first switch of X: the board stops within the first move and drops its queue.
+  Board.Limits = 1;
+  Board.Counter[0] = 500;
+  Board.Queue.clear();
+  Dravon_Stream.BufferFull = true;
+  EXPECT_EQ(Serial_Move(Along_X(1000), std::nullopt, 4), Move_End::Limit);
   EXPECT_EQ(Drive_Status.Free_Negative[1], false);
-  EXPECT_EQ(Board.Count_Of(10), 1);
+  EXPECT_EQ(Machine.Position[1], 1.25);
+  EXPECT_EQ(Board.Count_Of(10), 3);
   // Away from it the latch stands in no way.
+  EXPECT_EQ(Position_Memory.Doubt, "");
   EXPECT_EQ(Serial_Move(Along_X(100), std::nullopt, 3), Move_End::Done);
   EXPECT_EQ(Serial_Wait_Empty(), Move_End::Done);
   // A seek meets it while it runs.

@@ -13,9 +13,11 @@ void Reset_Drive();     // and core
 void Reset_Compiler();  // and core
 void Reset_Plot();      // and compiler
 void Reset_Parallel();  // and drive
+void Reset_Serial();    // and drive
+void Reset_Tools();     // and compiler
 void Reset_Simulate();  // and core; the ports of `Platform` are not connected to the machine by it
-void Reset_Control();   // and compiler, parallel
+void Reset_Control();   // and compiler, parallel, serial
 void Reset_Import();    // and core
-void Reset_App();       // and control, plot, import
+void Reset_App();       // and control, plot, import, tools
 
 }  // namespace norvik

@@ -14,6 +14,7 @@ void Reset_App() {
   Reset_Control();
   Reset_Plot();
   Reset_Import();
+  Reset_Tools();
   Bitmap_Import = {};
   Bitmap_Host = {};
   Drive_Session = {};

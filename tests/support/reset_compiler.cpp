@@ -1,3 +1,4 @@
+#include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
@@ -14,6 +15,7 @@ void Reset_Compiler() {
   Reset_Core();
   Compiler = {};
   Compiler_Memory = {};
+  Line_Pass_Limits = {};
   Compile_Tables = {};
   Compile_Status = {};
   Compile_Losses = {};

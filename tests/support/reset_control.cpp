@@ -14,6 +14,7 @@ namespace norvik {
 void Reset_Control() {
   Reset_Compiler();
   Reset_Parallel();
+  Reset_Serial();
   Controller = {};
   CNC_Controls = {};
   CNC_Controls_Host = {};

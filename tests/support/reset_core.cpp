@@ -1,11 +1,13 @@
 #include "core/application.h"
 #include "core/axis_memory.h"
+#include "core/error_log.h"
 #include "core/geometry.h"
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/recent_files.h"
 #include "core/remembered_files.h"
 #include "core/setup.h"
+#include "core/setup_tail.h"
 #include "core/window_memory.h"
 #include "support/reset.h"
 
@@ -18,6 +20,8 @@ void Reset_Core() {
   MachineSetup = {};
   Setup_Store = {};
   Setup_Host = {};
+  Log_Limits = {};
+  Lost_Tail = {};
   Messages = {};
   Messages_Host = {};
   Operations = {};

@@ -1,5 +1,6 @@
 #include "parallel/pin_map.h"
 #include "parallel/port_display.h"
+#include "parallel/port_ranges.h"
 #include "parallel/port_setup.h"
 #include "parallel/ports.h"
 #include "parallel/read_back.h"
@@ -16,6 +17,7 @@ void Reset_Parallel() {
   Port_IO = {};
   Port_Setup = {};
   Port_Failures = {};
+  Port_Ranges = {};
   Port_Recorder = {};
   Forget_Written_Bytes();
   Read_Back = {};

@@ -8,7 +8,8 @@ import sys
 from pathlib import Path
 
 ROOT = Path(__file__).resolve().parent.parent.parent
-ROOMS = ["core", "drive", "compiler", "plot", "parallel", "simulate", "control", "import", "app"]
+ROOMS = ["core", "drive", "compiler", "plot", "parallel", "serial", "tools", "simulate",
+         "control", "import", "app"]
 
 
 def main():

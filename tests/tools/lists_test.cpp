@@ -10,6 +10,7 @@
 #include "core/setup.h"
 #include "core/tool_file.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 #include "tools/macro_list.h"
 #include "tools/sound_list.h"
@@ -40,17 +41,7 @@ struct Lists_Test : testing::Test {
     Tool_Host = {};
     Macro_Host = {};
   }
-  static void Forget() {
-    Application = {};
-    Messages = {};
-    MachineSetup = {};
-    Program_Wire = {};
-    Tools = {};
-    Tool_Form = {};
-    MacroFiles = {};
-    Event_Sounds = {};
-    Remembered = {};
-  }
+  static void Forget() { Reset_Tools(); }
   std::string Write_File(const std::string& name, const std::string& bytes) {
     Replace_File(Folder.File(name), bytes);
     return Folder.File(name);

@@ -13,6 +13,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 #include "tools/motion_file.h"
 #include "tools/speed_chart.h"
@@ -59,16 +60,7 @@ struct Analyzer_Test : testing::Test {
     Motion_Analyzer_Host = {};
     Program_Wire_Host = {};
   }
-  static void Forget() {
-    Application = {};
-    Machine = {};
-    Messages = {};
-    MachineSetup = {};
-    Program_Wire = {};
-    GCode_Program = {};
-    frmMotionAnalyzer = {};
-    Reset_Operations();
-  }
+  static void Forget() { Reset_Tools(); }
   // Checked as a table of these wires and an end that is only looked at.
   void Check(const std::vector<Wire>& wires) {
     Table<Wire> table;

@@ -11,6 +11,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <filesystem>
@@ -84,17 +85,7 @@ struct Motion_File_Test : testing::Test {
     Forget();
     Program_Wire_Host = {};
   }
-  static void Forget() {
-    Application = {};
-    Machine = {};
-    Messages = {};
-    MachineSetup = {};
-    Program_Wire = {};
-    GCode_Program = {};
-    Compile_Status = {};
-    Compile_Tables = {};
-    Reset_Operations();
-  }
+  static void Forget() { Reset_Tools(); }
   // The wire table of the program on disk.
   std::string Write_Wires(int count) {
     Write_Wire_Table(Program_Wire_File(), Wires(count));

@@ -33,7 +33,7 @@ struct Run_Options {
   std::function<void(std::int32_t step, std::int32_t last_step)> Progress = [](std::int32_t,
                                                                                std::int32_t) {};
   // Brings the executing table; answers words when that failed. Empty: the program is compiled.
-  std::function<std::string()> Load_Table;
+  std::function<std::string()> Load_Table = {};
   // The table is there, nothing has moved yet. Words when it must not be run.
   std::function<std::string()> Compiled = [] { return std::string(); };
 };

@@ -111,11 +111,20 @@ void Begin_Run_If_At_Start() {
   if (MachineSetup.Plot_FastDraw == 1) Run_Plot_Host.Refresh();
 }
 
+// What was taken over has come to its end. False: not as it should, which is noted for the
+// operator.
+bool Moves_Have_Arrived() {
+  const Move_End end = Wait_For_Moves();
+  if (end == Move_End::Limit && Controller.Stop_Text.empty())
+    Controller.Stop_Text = Ended_By_Limit();
+  return Arrived(end);
+}
+
 // A wire asked for a pause, or the operator did.
 // False when the moves before it have not come to their end.
 bool Announce_Pause() {
   Drive().Hold(true);
-  if (!Arrived(Wait_For_Moves())) return false;
+  if (!Moves_Have_Arrived()) return false;
   CNC_Pause();
   Tell(control_text::Paused_For_Retooling, 5);
   Play_Event_Sound(sound::Pause);
@@ -124,7 +133,7 @@ bool Announce_Pause() {
 
 // The last moves may still run. A run that they end otherwise is stopped.
 void End_Run() {
-  if (!Arrived(Wait_For_Moves())) return CNC_Stop();
+  if (!Moves_Have_Arrived()) return CNC_Stop();
   Add_Elapsed_Time();
   Machine.CNCMode = CNC_Stopped;
   CNCMode_Display();
@@ -247,7 +256,7 @@ void Run_In_Mode(std::int16_t mode) {
   NIST_CNC_Controller();
   // A drive with a queue works on when the loop is left: behind a step, or an ESC between two
   // wires.
-  if (Drive().Queues_Moves && !Arrived(Wait_For_Moves())) CNC_Stop();
+  if (Drive().Queues_Moves && !Moves_Have_Arrived()) CNC_Stop();
   CNC_Display();
   Announce_End();
 }
