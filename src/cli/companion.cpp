@@ -223,6 +223,7 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Add_Plot_Command(app, companion);
   Add_Import_Command(app, companion);
   Add_Transform_Command(app, companion);
+  companion.Environment.Add_Commands(app, companion);
   try {
     app.parse(argument_count, arguments);
   } catch (const CLI::ParseError& error) {

@@ -1,5 +1,6 @@
 // norvik-cli: chooses the back ends and hands over to the commands.
 #include "app/drive_session.h"
+#include "cli/board/board_commands.h"
 #include "cli/companion.h"
 #include "core/application.h"
 #include "core/setup.h"
@@ -8,6 +9,7 @@
 #include "platform/linux/linux_platform.h"
 #include "platform/platform.h"
 #include "plot/plot_picture.h"
+#include "simulate/board_port.h"
 #include "simulate/findings.h"
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
@@ -53,7 +55,10 @@ int main(int argument_count, char** arguments) {
   Install_Linux_Clock();
   Install_Linux_Priority();
 
+  Install_Simulated_Boards();
+
   Companion_Environment environment;
+  environment.Add_Commands = Add_Board_Commands;
   environment.Asked_To_Stop = [] { return Interrupts_Seen() > 0; };
   environment.Use_Simulated_Machine = Use_Simulated_Machine;
   environment.Use_Port = [] {

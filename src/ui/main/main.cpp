@@ -18,6 +18,7 @@
 #include "platform/sdl/sdl_platform.h"
 #include "platform/x11/escape_key.h"
 #include "plot/picture/picture_files.h"
+#include "simulate/board_port.h"
 #include "simulate/virtual_clock.h"
 #include "ui/main/main_window.h"
 #include "ui/main/second_start.h"
@@ -150,6 +151,7 @@ int main(int argument_count, char** arguments) {
     return 0;
   }
 
+  Install_Simulated_Boards();  // in front of the real serial ports
   Main_Frame window;
   Connect_App();
   Drive_Session_Host.Machine_Is_Real = [] {
