@@ -64,8 +64,10 @@ int main(int argument_count, char** arguments) {
   }
   std::string home = (std::filesystem::temp_directory_path() / "norvik_start_XXXXXX").string();
   if (::mkdtemp(home.data()) == nullptr) return 1;
+  constexpr int rounds = 50;
   std::vector<Call_Times> calls;
-  for (int count = 0; count < 50; ++count) {
+  calls.reserve(rounds);
+  for (int count = 0; count < rounds; ++count) {
     calls.push_back(Time_One_Call(arguments[1], arguments[2], home));
   }
   std::filesystem::remove_all(home);

@@ -34,12 +34,9 @@ inline std::string Enter_Work_Folder() {
   } folder;
   const auto under = [&](const char* name) { return (folder.Path / name).string(); };
   Application = {};
-  Application.ErrorFile = under("NorvikErr.txt");
   Application.Temporary_GCode = under("TEMP_NORVIK999.GC");
   Application.Gerber_Scratch = under("Graftmp.txt");
   Application.Bitmap_Scratch = under("Bitmaptmp.txt");
-  std::error_code ignored;
-  fs::remove(Application.ErrorFile, ignored);
   return folder.Path.string();
 }
 

@@ -1,5 +1,5 @@
-// The block reader and the interpreter: any line is compiled, also as a line of a macro and within
-// a repeat; the quick and the cutting way through the reader must agree.
+// The block reader and the interpreter: any line is compiled; the quick and the cutting way through
+// the reader must agree. Macros, repeats and counts: fuzz_compile.cpp.
 #include "compiler/check/program_check.h"
 #include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compiler_state.h"

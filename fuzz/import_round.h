@@ -44,8 +44,12 @@ inline std::string Fuzz_Folder() {
 
 inline void Fuzz_Setup(unsigned options) {
   const auto bit = [&](int n) { return (options >> n & 1U) != 0; };
-  MachineSetup = {};
-  Restore_Factory_Setup();
+  static const Machine_Setup as_delivered = [] {
+    MachineSetup = {};
+    Restore_Factory_Setup();
+    return MachineSetup;
+  }();
+  MachineSetup = as_delivered;
   MachineSetup.DXF_Sort_Layers = bit(0);
   MachineSetup.DXF_Sort_Lines = MachineSetup.HPGL_Sort_Lines = bit(1);
   MachineSetup.Excellon_Sort_Location = bit(1);
@@ -80,8 +84,7 @@ inline void Fuzz_Import(const std::uint8_t* data, std::size_t size, const char* 
   const unsigned options = size < 2 ? 0U : data[0] | static_cast<unsigned>(data[1]) << 8;
   const std::size_t used = size < 2 ? size : 2;
   Application = {};
-  Application.AppDirectory = folder;
-  Application.ErrorFile = folder + "/NorvikErr.txt";
+  // Neither a folder of its own nor an error log: the files of a round cost more than the round.
   Application.Temporary_GCode = folder + "/TEMP.GC";
   Application.DXF_Scratch = folder + "/DXFtmp.txt";
   Application.HPGL_Scratch = folder + "/HPGLtmp.txt";
@@ -101,7 +104,6 @@ inline void Fuzz_Import(const std::uint8_t* data, std::size_t size, const char* 
   Fuzz_Check(import(path));
   Fuzz_Check(opened);
   Fuzz_Check(!FileExists(Application.DXF_Scratch) && !FileExists(Application.HPGL_Scratch));
-  std::remove(Application.ErrorFile.c_str());
 }
 
 }  // namespace norvik

@@ -45,7 +45,7 @@ compare() {  # $1: what, then two files; a refused input leaves neither
 }
 # The machine file of the samples for one call: a run may write positions into it.
 machine() { # $1: commit, $2: name
-  sed "s#=samples#=$samples#" "$samples/$2.ini" >"$work/$2-$1.ini"
+  sed -E "s#=samples/#=#; s#^(MacroFile[0-9]+|Tool_File_Name)=#&$samples/#" "$samples/$2.ini" >"$work/$2-$1.ini"
   echo "$work/$2-$1.ini"
 }
 

@@ -33,17 +33,17 @@ for option in CONFIG_X86_IOPL_IOPERM CONFIG_DEVPORT; do
 done
 
 step "norvik-cli without Qt"
-build_preset companion --target norvik-cli port_probe
+build_preset companion --target norvik-cli norvik-port port_probe
 
 step "Files of the virtual machine"
 root=$work/root
 rm -rf "$root"
 mkdir -p "$root"/{bin,check,etc}
-programs=(build/companion/src/cli/norvik-cli build/companion/tests/port_probe
+programs=(build/companion/src/cli/norvik-cli build/companion/src/port_helper/norvik-port build/companion/tests/port_probe
   "$(command -v setpriv)" "$(PATH=$PATH:/usr/sbin:/sbin command -v setcap)" "$(command -v busybox)")
 cp "${programs[@]}" "$root/check/"
 # Where the shell of the virtual machine, which has a smaller setpriv of its own, looks first.
-mv "$root"/check/{norvik-cli,port_probe,busybox} "$root/bin/"
+mv "$root"/check/{norvik-cli,norvik-port,port_probe,busybox} "$root/bin/"
 for program in "${programs[@]}"; do ldd "$program" 2>/dev/null || true; done |
   grep -oE '/[^ ]+' | sort -u | while read -r library; do
     mkdir -p "$root$(dirname "$library")"

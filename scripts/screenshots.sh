@@ -29,7 +29,7 @@ window() {
 }
 # $1: light or dark. The sample stands first among the recent files.
 start() {
-  sed "s#=samples#=$PWD/samples#" samples/inch.ini >"$XDG_DATA_HOME/norvik/Default_Machine.ini"
+  sed -E "s#^(MacroFile[0-9]+|Tool_File_Name)=#&$PWD/samples/#" samples/inch.ini >"$XDG_DATA_HOME/norvik/Default_Machine.ini"
   printf '[Platform]\nPort_Access=Simulated\n[FileList]\nRecentFile_1=%s/samples/pocket.gc\n' "$PWD" \
     >"$XDG_CONFIG_HOME/norvik/Norvik.Ini"
   NORVIK_THEME=$1 "$program" >"$scratch/out.txt" 2>&1 &

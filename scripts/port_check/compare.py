@@ -4,12 +4,12 @@ its bus and its parallel port saw. One line for each case; status 1 on any diffe
 import re
 import sys
 
-DATA, STATUS, CONTROL, MARK, DUMMY = 888, 889, 890, 752, 12
+DATA, STATUS, CONTROL, MARK, DUMMY, RESET = 888, 889, 890, 752, 12, 0xCF9
 REGISTERS = (DATA, STATUS, CONTROL)
 # Step bit and direction bit of each axis in the data register, and where sample.gc ends, in steps.
 AXES = {"X": (0, 1, 10), "Y": (2, 3, -5), "Z": (4, 5, -12)}
 END = "Position: X0.010000 Y-0.005000 Z-0.012000 A0.000000"
-SETCAP = r'command "sudo setcap cap_sys_rawio,cap_sys_nice,cap_ipc_lock\+ep /bin/norvik-cli"'
+SETCAP = r'command "sudo setcap cap_sys_rawio,cap_sys_resource\+ep /bin/norvik-port"'
 HINT = "Or set Port_Access to Simulated"
 
 
@@ -42,7 +42,8 @@ def read_trace(path):
                 inside = None if inside == value else value
                 if inside is not None:
                     cases[inside] = ([], [])
-            elif inside is not None and (address - DATA) % DUMMY < 8 and DATA <= address < DATA + 20:
+            elif inside is not None and (address == RESET or
+                                         (address - DATA) % DUMMY < 8 and DATA <= address < DATA + 20):
                 cases[inside][0].append((kind, address, value))
         elif inside is not None and (port := port_line.search(line)):
             cases[inside][1].append((int(port[1], 16), int(port[2], 16)))
@@ -155,6 +156,23 @@ def simulated(case):
     return "simulated machine, no access"
 
 
+def foreign_port(case):
+    case.says("^status 1$")
+    case.expect(case.bus, "accessed no port at all")
+    case.expect(all(address != RESET for _, address, _ in case.bus), "accessed 0xCF9")
+    return "the register that resets the computer is refused"
+
+
+def not_ours(case):
+    case.says("^norvik-port: Usage", "^status 1$")
+    return case.untouched()
+
+
+def own_rights(case):
+    case.says("sudo setcap -r", "^status 1$")
+    return case.untouched()
+
+
 def done(case):
     case.says("^status 0$")
     return "done"
@@ -178,7 +196,9 @@ CASES = {
     "user-auto-1": simulated, "user-auto-2": simulated,
     "member-reads-2": NO_WRITING, "member-2": NO_CAPABILITY,
     "stranger-2": JOIN_GROUP,
-    "words": INSTRUCTIONS, "setcap": done, "capable-1": real_run, "capable-2": real_run,
+    "words": INSTRUCTIONS, "setcap": done, "helped-1": real_run, "helped-auto-1": real_run,
+    "helped-2": NO_CAPABILITY, "foreign-1": foreign_port, "only-ours": not_ours,
+    "capable-itself": own_rights,
 }
 
 

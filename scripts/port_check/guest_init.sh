@@ -37,7 +37,7 @@ run() {
   printf '[Platform]\nPort_Access=%s\n' "$access" >"$home/Norvik.Ini"
   cp /check/machine.ini "$home/machine.ini"
   chmod -R a+rwX "$home"
-  $as /bin/norvik-cli --home "$home" --machine "$home/machine.ini" \
+  $as ${through:-} ${program:-/bin/norvik-cli} --home "$home" --machine "$home/machine.ini" \
     --set "Parallel Setup.Parallel_IODLL=$way" "$@" \
     run /check/sample.gc --clock real --ports /tmp/ports.csv --no-pause
 }
@@ -82,9 +82,22 @@ as=$user
 try words run Direct 1
 command=$(sed -n 's/.*command "sudo \(setcap [^"]*\)".*/\1/p' /tmp/out.txt)
 try setcap /check/$command
-try capable-1 run Direct 1
+through=/bin/norvik-port
+program=norvik-cli
+try helped-1 run Direct 1
+try helped-auto-1 run Auto 1
 as=$member
-try capable-2 run Direct 2
+try helped-2 run Direct 2
+# The registers of the port are handed over, and nothing else: neither other addresses nor rights.
+as=$user
+try foreign-1 run Direct 1 --set "Parallel Setup.Output_Port_13=3321" --set "Parallel Setup.Parallel_Output_Bit_13=0"
+cp /bin/busybox /tmp/norvik-cli
+try only-ours $user /bin/norvik-port /tmp/norvik-cli sh
+# A plugin of the caller's would run with the capabilities of a program that has them.
+through=
+program=/bin/norvik-cli
+/check/setcap cap_sys_rawio+ep /bin/norvik-cli
+try capable-itself run Direct 1
 
 echo "=== all done" >/dev/ttyS1
 sleep 1

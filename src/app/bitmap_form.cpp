@@ -30,7 +30,7 @@ void Sort_Names(std::vector<std::string>& names) {
   });
 }
 
-// Names of a folder; a folder without the right to read shows as empty and is told in the hint.
+// Names of a folder; a folder without the right to read shows as empty, and the hint says why.
 void List_Folder() {
   Bitmap_Import.Dir1.clear();
   Bitmap_Import.File1.clear();

@@ -5,11 +5,14 @@
 #include "core/fault.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "core/working_name.h"
 
 #include <cerrno>
+#include <charconv>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include <langinfo.h>
 #include <locale.h>
@@ -70,6 +73,17 @@ void Set_Table_Folder() {
   Application.Table_Folder = Application.AppDirectory;
 }
 
+// Megabytes in section `Platform` of the pointer file; what is missing or no size leaves the usual
+// one.
+void Set_Limit(std::int64_t& limit, std::string_view key) {
+  constexpr std::int64_t megabyte = 1'000'000, most = 100'000;
+  const std::string text = Trim(ReadPointer("Platform", key));
+  std::int64_t value = 0;
+  const auto read = std::from_chars(text.data(), text.data() + text.size(), value);
+  const bool whole = read.ec == std::errc() && read.ptr == text.data() + text.size();
+  if (whole && value > 0 && value <= most) limit = value * megabyte;
+}
+
 }  // namespace
 
 Folder_Set Usual_Folders() {
@@ -91,6 +105,11 @@ void Use_Folders(const Folder_Set& folders) {
   Set_Working_Files(folders.Working);
   Application.Pointer_Folder = folders.Pointer;
   Set_Table_Folder();
+  Set_Limit(Log_Limits.Error_Log, "Error_Log_Limit_MB");
+  Set_Limit(Log_Limits.Trace, "Trace_Limit_MB");
+  for (const std::string& folder : {folders.Working, folders.Pointer, Application.Table_Folder}) {
+    Collect_Leftovers(folder);
+  }
   Read_Machine_Name();
 }
 

@@ -19,6 +19,7 @@
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "platform/platform.h"
+#include "plot/nist_plot.h"
 
 #include <filesystem>
 
@@ -42,6 +43,7 @@ void Show_New_Program() {
   Machine.EndingStep = GCodeLineCount();
   GCode_Program.Typed_Waits = false;
   Controller.Estimated_Process_Time.reset();
+  Plot_Forget_Path_Before();
   Gcode_Host.Show_Program();
   Display_Gcode_Steps();
   Show_Table_Notice();
@@ -98,7 +100,7 @@ bool Load_Lines(const std::string& path) {
   const auto before = GCode_Program.Text;
   SetStatus(1, "Open GCode: Loading File...", 5);
   SaveChanges(Read_Program(path));
-  return GCode_Program.Text != before;  // a text that is too large was refused and told
+  return GCode_Program.Text != before;  // a text that is too large was refused, with a message
 }
 
 // Logs a failure and tells the operator what is left.
@@ -143,6 +145,7 @@ bool Save_GCode(const std::string& path) {
   return Trap_With([](const Fault& fault) { Tell_Failure(fault, "The program is not saved."); },
                    [&] {
                      Take_Typed_Text();
+                     const Progress_Status progress("Save GCode:");
                      SetStatus(1, "Save GCode: Saving File...", -1);
                      const auto saved = GCode_Program.Text;
                      Replace_File(path, Program_Bytes());
@@ -150,7 +153,6 @@ bool Save_GCode(const std::string& path) {
                      if (GCode_Program.Text == saved && !GCode_Program.Typed_Waits)
                        GCode_Program.Unsaved = false;
                      Main_Form.Program_File = path;
-                     SetStatus(1, "", -1);
                    });
 }
 

@@ -27,6 +27,8 @@ struct Gcode_Form_Record {
   Label_Control Label_GStep;                    // current step
   Label_Control Label_CGStep;                   // text of the current line
   Label_Control Label_FRUnits;                  // "IPM" or "mmPM"
+  // What `Command_Convert` converts to.
+  Combo_Control Combo_Convert{{"to mm", "to inches"}, 0, "to mm"};
   // Beside plot, panel and text: that they do not show one and the same program; empty: they do.
   Label_Control Label_Table_Notice;
 };
@@ -39,6 +41,8 @@ struct Gcode_Host_Operations {
   std::function<std::string()> Typed_Text = [] { return std::string(); };
   // `GCode_Program` is to be shown in Text_GCode.
   std::function<void()> Show_Program = [] {};
+  // The same, as one change that the editor can undo.
+  std::function<void()> Show_Changed_Program = [] {};
   // Colours all lines anew and drops every mark.
   std::function<void()> GCode_HighlightAll = [] {};
   // Marks one line, counted from 1 over the lines of the text, empty ones included.

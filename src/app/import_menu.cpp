@@ -59,7 +59,7 @@ struct Import_Under_Way {
 bool Nothing_Is_Imported() {
   if (Obstacle_To(Operation::Import) != Obstacle::Import) return true;
   Platform.Beep();
-  SetStatus(1, "Can't import another file now: wait for the import, or press ESC to end it", 5);
+  Tell("Can't import another file now: wait for the import, or press ESC to end it", 5);
   return false;
 }
 

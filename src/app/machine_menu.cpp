@@ -10,7 +10,6 @@
 #include "core/paths.h"
 #include "core/remembered_files.h"
 #include "core/setup.h"
-#include "core/setup_keys.h"
 #include "platform/platform.h"
 #include "plot/view.h"
 
@@ -73,20 +72,13 @@ void Menu_Machine_Load_Machine_Setup() {
   Tell_Session_Start();
 }
 
-void Save_Cut_Depths() {
-  Write_Setup_Together([] {
-    for (int level = 0; level <= 2; ++level) {
-      const auto key = Find_Setup_Key("Tool", "Axis_Tool_Height(" + std::to_string(level) + ")");
-      WriteSetup("Tool", Setting_Key(*key->Row, level), Setup_Text(*key->Row, level));
-    }
-  });
-}
-
 void Command_Parameter_Reset_Click() {
   if (!Stopped_For("Can't restore the parameters")) return;
   const Box_Answer answer =
       Platform.Message_Box("Parameter Restore", Reset_Question, Box_Buttons::Yes_No_Cancel_Careful);
   if (answer != Box_Answer::Yes) return;
+  // It shows the machine that stands beside the computer, which no parameter takes away.
+  const bool simulated_was_open = Main_Host.View_Of(Form_Id::Simulated_Machine).Visible;
   Main_Host.Unload_Other_Windows();
   for (const Form_Id form : {Form_Id::CNC_Controls, Form_Id::GCode, Form_Id::Plot}) {
     Main_Host.Unload_Form(form);
@@ -97,6 +89,7 @@ void Command_Parameter_Reset_Click() {
   Restore_All_Parameters();
   Begin_Drive_Session();
   Show_Open_Forms();
+  if (simulated_was_open) Main_Host.Show_Form(Form_Id::Simulated_Machine);
   Platform.Message_Box("Parameter Restore", Reset_Done, Box_Buttons::Ok);
   Tell_Session_Start();
 }

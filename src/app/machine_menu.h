@@ -11,8 +11,6 @@ void Menu_Machine_Create_New_Machine();
 // at the start, so that no direction, mark or switch of the old one counts for it. The positions of
 // the axes stay what they are.
 void Menu_Machine_Load_Machine_Setup();
-// The three Z levels to section `Tool` of the machine file.
-void Save_Cut_Depths();
 // Every parameter to its factory value and into the machine file, after a question. Machine and
 // pins as with another setup.
 void Command_Parameter_Reset_Click();

@@ -39,7 +39,6 @@ struct Main_Host_Operations {
   // Real or simulated port, by the pointer file and the machine file, before the first access.
   // Raises a fault with words for the operator when another program drives the machine.
   std::function<void()> Open_Port = [] {};
-  std::function<void(int device)> Open_Joystick = [](int) {};
 };
 extern Main_Host_Operations Main_Host;
 

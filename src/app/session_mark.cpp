@@ -33,7 +33,7 @@ std::string Now_Text() {
   return text;
 }
 
-// A mark that cannot be kept must not keep the machine from working, but is told.
+// A mark that cannot be kept must not keep the machine from working; the operator reads about it.
 void Log_Unmarked(const Fault& fault) {
   ErrorLogWrite("The mark of this session is not kept, so a crash would not be noticed. " +
                 fault.Description);

@@ -21,7 +21,10 @@ namespace {
 void Told_Saved(bool saved, const char* text) {
   constexpr const char* lost =
       "Not saved: the machine file cannot be written. The change holds until Norvik ends.";
-  SetStatus(1, saved ? text : lost, saved ? 5 : 10);
+  if (saved)
+    SetStatus(1, text, 5);
+  else
+    Tell(lost, 10);
 }
 
 }  // namespace
@@ -62,7 +65,7 @@ void Table_Setup_Apply_Click() {
 
 void Menu_Machine_Diagnostics() {
   if (Anything_Moves()) {
-    SetStatus(1, control_text::Not_While_Moving, 5);
+    Tell(control_text::Not_While_Moving, 5);
     return;
   }
   Platform.Message_Box("Diagnostics", Drive().Diagnostics(), Box_Buttons::Ok);

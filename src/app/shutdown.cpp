@@ -9,6 +9,7 @@
 #include "compiler/state/compiler_state.h"
 #include "core/application.h"
 #include "core/operation.h"
+#include "core/waiting.h"
 #include "drive/drive.h"
 #include "platform/platform.h"
 
@@ -32,10 +33,11 @@ bool Nothing_Runs() {
 void Let_Loops_End() {
   constexpr int at_least = 100;
   const std::int64_t end = Platform.Monotonic_Clock() + Longest_Wait_ns;
-  for (int count = 0; count < Yields; ++count) {
-    if (count >= at_least && (Nothing_Runs() || Platform.Monotonic_Clock() > end)) return;
-    DoEvents();
-  }
+  int count = 0;
+  Yield_Until([&] {
+    if (++count > Yields) return true;
+    return count > at_least && (Nothing_Runs() || Platform.Monotonic_Clock() > end);
+  });
 }
 
 void Stop_Timers() {

@@ -6,10 +6,12 @@
 #include "app/main_form.h"
 #include "app/shutdown.h"
 #include "app/timers.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/state/compiler_state.h"
 #include "control/safety/safety.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
+#include "core/beside_machine.h"
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/messages.h"
@@ -47,7 +49,7 @@ void Read_Tools() {
   std::error_code ignored;
   std::filesystem::create_directory(folder, ignored);
   MachineSetup.Tool_Directory = folder;
-  Read_Tool_File(MachineSetup.Tool_File_Name);
+  Read_Tool_File(Beside_Machine_File(MachineSetup.Tool_File_Name));
 }
 
 // The setup of the desktop, which keeps one error log over all its starts.
@@ -63,6 +65,14 @@ void Load_Desktop_Machine() {
 void Restore_Positions() {
   Load_Axis_Positions();
   Drive().Set_Position();
+}
+
+// What a program that was cut short has left, for whoever reads the tables.
+void Tell_Mixed_Tables() {
+  if (Standing_Of_Pair(Application.Table_Folder) != Pair_Standing::Mixed) return;
+  const std::string words = Words_About_Mixed_Pair(Application.Table_Folder);
+  ErrorLogWrite(words);
+  AddMessage(words);
 }
 
 void Start_Timers() {
@@ -96,10 +106,13 @@ bool Load_Machine(const std::function<bool()>& loaded) {
 
 void Load_Main() {
   if (Platform.Other_Instance_Runs()) {
-    Platform.Message_Box("Norvik 4",
-                         "Norvik is already running. Work with the window that is open, or end it "
-                         "before you start the program again.",
-                         Box_Buttons::Ok);
+    Platform.Message_Box(
+        "Norvik 4",
+        "Norvik is already running. Work with the window that is open, or end it "
+        "before you start the program again. If no window is open, the folder "
+        "norvik-<number> in the temporary folder belongs to somebody else: have it "
+        "removed.",
+        Box_Buttons::Ok);
     bye();
     return;
   }
@@ -113,7 +126,9 @@ void Load_Main() {
   if (!Open_Drive()) return bye();
   Main_Host.Place_Main(Read_Form_Place(Form_Id::Main));
   Show_Open_Forms();
-  Main_Host.Open_Joystick(Joystick_Device);
+  // The first reading opens the device, which takes its time: here, and not in the first jog.
+  Platform.Read_Joystick(Joystick_Device);
+  Tell_Mixed_Tables();
   AddMessage("Starting Norvik");
 }
 

@@ -20,7 +20,7 @@ extern Main_Window_State Main_Window;
 
 // The machine file, then `loaded`, then the tool file that the setup names and the feeds that a
 // compile starts from. `loaded` may change the setup; with false it ends the load there. False when
-// the machine file could not be read, which was told then. Raises nothing.
+// the machine file could not be read; the operator has read why. Raises nothing.
 bool Load_Machine(const std::function<bool()>& loaded);
 
 // Load of the main window. The folders are set (`Enter_Desktop_Folders`) and the back ends chosen.

@@ -2,6 +2,7 @@
 
 #include "app/folders.h"
 #include "app/startup.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
@@ -18,7 +19,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <iostream>
@@ -69,20 +69,6 @@ void Name_Unusable_Values() {
   }
 }
 
-constexpr std::string_view Staging_Name = ".norvik-";
-
-// What calls that were killed have left; a call that runs is never as old as a day.
-void Collect_Old_Staging(const std::string& folder) {
-  namespace fs = std::filesystem;
-  std::error_code failure;
-  const auto oldest = fs::file_time_type::clock::now() - std::chrono::hours(24);
-  for (const auto& entry : fs::directory_iterator(folder, failure)) {
-    if (!entry.path().filename().string().starts_with(Staging_Name)) continue;
-    const auto changed = entry.last_write_time(failure);
-    if (!failure && changed < oldest) fs::remove_all(entry.path(), failure);
-  }
-}
-
 // Ends early when the operator asks to stop.
 std::string Read_Standard_Input() {
   std::string text;
@@ -124,6 +110,7 @@ int Companion::Start() const {
     return settings_fit;
   });
   if (!readable) return Failed;
+  Environment.Find_Cards();
   Name_Unusable_Values();
   if (!settings_fit) return Wrong_Usage;
   Show_Progress_On_Terminal();
@@ -141,7 +128,7 @@ bool Companion::Was_Interrupted() const {
 
 bool Load_Program(const std::string& path) {
   try {
-    SaveChanges(path == "-" ? Read_Standard_Input() : Read_Whole_File(path));
+    SaveChanges(Read_Input(path));
     return true;
   } catch (const std::exception& failure) {
     Complain(failure.what());
@@ -149,26 +136,29 @@ bool Load_Program(const std::string& path) {
   }
 }
 
-Staged_Tables::Staged_Tables() : Folder(Application.Table_Folder) {
-  Collect_Old_Staging(Folder);
-  Staging = Join_Path(Folder, std::string(Staging_Name) + "XXXXXX");
-  if (::mkdtemp(Staging.data()) == nullptr) throw File_Fault(Folder, "Cannot write", errno);
-  Application.Table_Folder = Staging;
+std::string Read_Input(const std::string& path) {
+  return path == "-" ? Read_Standard_Input() : Read_Whole_File(path);
+}
+
+void Write_Output(const std::string& path, std::string_view bytes) {
+  if (path == "-") {
+    std::cout << bytes;
+  } else {
+    Replace_File(path, bytes);
+  }
+}
+
+Staged_Tables::Staged_Tables() : Folder(Application.Table_Folder), Staging(Folder) {
+  Application.Table_Folder = Staging.Path();
 }
 
 Staged_Tables::~Staged_Tables() {
   Application.Table_Folder = Folder;
-  std::error_code ignored;
-  std::filesystem::remove_all(Staging, ignored);
 }
 
 void Staged_Tables::Put_In_Place() {
   Application.Table_Folder = Folder;
-  for (std::string* path : {&Compile_Tables.LineArc_Path, &Compile_Tables.Wire_Path}) {
-    const std::string place = Join_Path(Folder, PathFileName(*path));
-    if (::rename(path->c_str(), place.c_str()) != 0) throw File_Fault(place, "Cannot write", errno);
-    *path = place;
-  }
+  Place_Table_Pair(Folder, Compile_Tables.LineArc_Path, Compile_Tables.Wire_Path);
 }
 
 void Print_Losses() {
@@ -179,11 +169,16 @@ void Print_Losses() {
 
 int Compile_Whole(const Companion& companion, const std::function<bool()>& compile) {
   try {
+    const bool mixed_before = Standing_Of_Pair(Application.Table_Folder) == Pair_Standing::Mixed;
     Staged_Tables tables;
     const bool whole = compile();
     if (companion.Was_Interrupted()) return Interrupted_By_Operator;
     if (whole) {
       tables.Put_In_Place();
+      if (mixed_before) {
+        Complain("the tables of before in " + Application.Table_Folder +
+                 " were not from one compile; now they are.");
+      }
       return Done;
     }
     Complain("The tables were not written; the earlier ones stand.");
@@ -224,10 +219,19 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Add_Import_Command(app, companion);
   Add_Transform_Command(app, companion);
   companion.Environment.Add_Commands(app, companion);
+  Add_Export_Command(app, companion);
+  Add_Motion_Command(app, companion);
+  Add_List_Commands(app, companion);
   try {
     app.parse(argument_count, arguments);
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? Done : Wrong_Usage;
+  }
+  if (companion.Takes_Pictures) {
+    if (const std::string reason = companion.Environment.Take_Pictures(); !reason.empty()) {
+      Complain(reason);
+      return Failed;
+    }
   }
   int status = companion.Start();
   if (status == Done) status = companion.Command();

@@ -8,6 +8,7 @@
 // Machine file and pointer file are only read, unless the command is one that changes them.
 #pragma once
 
+#include "core/working_name.h"
 #include "plot/plot_image.h"
 
 #include <functional>
@@ -39,6 +40,8 @@ struct Companion;
 struct Companion_Environment {
   // The operator asked to stop, by Ctrl-C, a request to terminate or a terminal that hung up.
   std::function<bool()> Asked_To_Stop = [] { return false; };
+  // Finds the add-on cards of this computer, once the folders are known.
+  std::function<void()> Find_Cards = [] {};
   // The simulated machine takes the place of the port.
   std::function<void()> Use_Simulated_Machine = [] {};
   // Direct access where the process may use it and the setup asks for it, the simulated machine
@@ -58,6 +61,14 @@ struct Companion_Environment {
   // Adds the commands of rooms that this one may not see; none by default.
   std::function<void(CLI::App& app, Companion& companion)> Add_Commands = [](CLI::App&,
                                                                              Companion&) {};
+  // A command that reads or writes pictures was chosen. Does not come back where another program
+  // takes the call over; otherwise the reason why pictures are not possible, empty: they are.
+  std::function<std::string()> Take_Pictures = [] { return std::string(); };
+  // Plays a sound file to its end, or until the operator asks to stop. Answers why nothing can be
+  // heard; empty: it was played.
+  std::function<std::string(const std::string& path)> Play_Sound = [](const std::string&) {
+    return std::string("this build of norvik-cli plays no sounds");
+  };
   // Texts in pictures need the toolkit's application object; no display.
   std::function<void()> Start_Fonts = [] {};
   // Raises a file fault that says what to do.
@@ -69,6 +80,7 @@ struct Companion {
   Companion_Options Options;
   Companion_Environment Environment;
   std::function<int()> Command;  // set by the chosen command
+  bool Takes_Pictures = false;   // the same
 
   // Folders, region, setup and settings of this call. `Done`, or the exit status; the reason is
   // printed.
@@ -95,8 +107,20 @@ class Staged_Tables {
   void Put_In_Place();
 
  private:
-  std::string Folder, Staging;
+  std::string Folder;
+  Working_Folder Staging;
 };
+
+// A motion file by its name.
+bool Is_Motion_File(const std::string& path);
+// Makes the wires of a motion file the executing table; touches no file. Answers what stands
+// against it, in words.
+std::string Take_Motion_File(const std::string& path);
+
+// The bytes of a file; "-" is standard input. Raises a file fault.
+std::string Read_Input(const std::string& path);
+// Writes a result whole or not at all; "-" is standard output. Raises a file fault.
+void Write_Output(const std::string& path, std::string_view bytes);
 
 // What the compile left out, by line, on standard output; nothing when it left out nothing.
 void Print_Losses();
@@ -117,6 +141,9 @@ void Add_Run_Commands(CLI::App& app, Companion& companion);
 void Add_Plot_Command(CLI::App& app, Companion& companion);
 void Add_Import_Command(CLI::App& app, Companion& companion);
 void Add_Transform_Command(CLI::App& app, Companion& companion);
+void Add_Export_Command(CLI::App& app, Companion& companion);
+void Add_Motion_Command(CLI::App& app, Companion& companion);
+void Add_List_Commands(CLI::App& app, Companion& companion);
 
 // Parses and runs; the exit status of the process.
 int Run_Companion(int argument_count, char** arguments, Companion_Environment environment);

@@ -28,7 +28,9 @@ struct Compile_Options {
 void Print_Faults(std::size_t log_start) {
   constexpr std::size_t most_lines = 20;
   try {
-    const auto lines = Split_Lines(Read_Whole_File(Application.ErrorFile).substr(log_start));
+    const std::string log = Read_Whole_File(Application.ErrorFile);
+    // Behind the start, unless the log has become the older one meanwhile.
+    const auto lines = Split_Lines(log.size() < log_start ? log : log.substr(log_start));
     for (std::size_t i = 0; i < std::min(lines.size(), most_lines); ++i) {
       std::cerr << lines[i] << '\n';
     }

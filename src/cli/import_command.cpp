@@ -94,12 +94,7 @@ struct Import_Call {
     const bool whole = !Application.EscFlag && !Import_Report.Cancelled && !Nothing_Arrived();
     if (whole && Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop()) {
       try {
-        const std::string program = Read_Whole_File(path);
-        if (Options.Program == "-") {
-          std::cout << program;
-        } else {
-          Replace_File(Options.Program, program);
-        }
+        Write_Output(Options.Program, Read_Whole_File(path));
         Written = true;
       } catch (const Fault& fault) {
         Complain(fault.Description);
@@ -165,6 +160,7 @@ void Add_Import_Command(CLI::App& app, Companion& companion) {
       ->delimiter(',')
       ->allow_extra_args(false);
   command->callback([&companion, import] {
+    companion.Takes_Pictures = Kind_Of(*import) == Import_Kind::Bitmap;
     companion.Command = [&companion, import] { return Import(companion, *import); };
   });
 }

@@ -10,14 +10,19 @@
 #include "control/panel/run_program.h"
 #include "control/safety/safety.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "core/setup_tail.h"
+#include "core/waiting.h"
 #include "drive/drive.h"
 #include "parallel/ports.h"
+#include "parallel/read_back.h"
 #include "platform/platform.h"
+#include "serial/frame_log.h"
 
 #include <algorithm>
 #include <array>
@@ -36,10 +41,11 @@ namespace norvik {
 namespace {
 
 struct Run_Command_Options {
-  std::string Program, Trace, Ports;
+  std::string Program, Trace, Ports, Frames;
   std::string Clock = "real";
   bool No_Pause = false;
   bool Save_Positions = false, Confirm_Positions = false, Accept_Losses = false;
+  bool Confirm_Setup = false;
 };
 
 void Print_Progress(std::int32_t step, std::int32_t last_step) {
@@ -86,13 +92,13 @@ std::optional<std::string> Ask_At_Pause(const Run_Pause& pause) {
   }
   ::tcflush(STDIN_FILENO, TCIFLUSH);  // what was typed before is no answer to this
   Print_Status_Line("Paused behind " + Pause_Words(pause) + ". Enter goes on, q ends the run: ");
-  while (Look_At_Stops()) {
-    if (const auto answer = Typed_Line(look_ms)) {
-      if (*answer == End_Answer) return "";
-      return std::nullopt;
-    }
-    DoEvents();
-  }
+  std::optional<std::string> answer;
+  Yield_Until([&] {
+    if (!Look_At_Stops()) return true;
+    answer = Typed_Line(look_ms);
+    return answer.has_value();
+  });
+  if (answer && *answer != End_Answer) return std::nullopt;
   return "";
 }
 
@@ -117,7 +123,7 @@ void Use_Simulation(const Companion_Environment& environment) {
 }
 
 // False, after saying why, when the machine cannot be had.
-bool Use_Machine(const Companion_Environment& environment) {
+bool Use_Machine(const Companion_Environment& environment, bool setup_confirmed) {
   Load_Axis_Positions();
   std::string refusal;
   Trap_With([&](const Fault& refused) { refusal = refused.Description; },
@@ -125,6 +131,11 @@ bool Use_Machine(const Companion_Environment& environment) {
               std::cerr << environment.Use_Port() << '\n';
               refusal = environment.Port_Refusal();
             });
+  if (refusal.empty() && environment.Machine_Is_Real() && !setup_confirmed) {
+    refusal = Words_About_Lost_Tail();
+    if (!refusal.empty()) refusal += " --confirm-setup runs with the values as they are.";
+  }
+  if (setup_confirmed) Lost_Tail = {};
   if (!refusal.empty()) Complain(refusal);
   return refusal.empty();
 }
@@ -134,6 +145,7 @@ class Machine_In_Hand {
  public:
   explicit Machine_In_Hand(bool positions_confirmed) {
     Begin_Drive_Session();
+    if (const std::string words = Words_About_Deaf_Ports(); !words.empty()) Complain(words);
     Tell_Home_Safety();
     if (positions_confirmed) Position_Memory.Doubt.clear();
   }
@@ -160,6 +172,14 @@ Run_Summary Run_On_Machine(const Run_Options& options, bool positions_confirmed)
   return summary;
 }
 
+// On the virtual clock. A board needs a session that opens its port and tells it where the axes
+// are.
+Run_Summary Run_Simulated(const Run_Options& options) {
+  if (!Drive().Queues_Moves) return Run_Program(options);
+  Setup_Store.Leaves_Files = true;
+  return Run_On_Machine(options, true);
+}
+
 // --- Commands ------------------------------------------------------------------------------------
 
 // Behind the compile of a run: the tables take their place, and a program that lost something on
@@ -184,10 +204,11 @@ Exit_Status Status_Of_Early_End(const Companion& companion) {
 
 int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
-  if (!Load_Program(options.Program)) return Failed;
+  const bool motion = Is_Motion_File(options.Program);
+  if (!motion && !Load_Program(options.Program)) return Failed;
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
-  } else if (!Use_Machine(companion.Environment)) {
+  } else if (!Use_Machine(companion.Environment, options.Confirm_Setup)) {
     return Failed;
   } else {
     Choose_What_Is_Kept(companion, options);
@@ -198,17 +219,23 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   run.Progress = Print_Progress;
   if (!virtual_clock && !options.No_Pause) run.At_Pause = Ask_At_Pause;
   std::optional<Staged_Tables> tables;
-  run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, options); };
+  if (motion) {
+    run.Load_Table = [&] { return Take_Motion_File(options.Program); };
+  } else {
+    run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, options); };
+  }
   try {
-    tables.emplace();
+    if (!motion) tables.emplace();
     if (!options.Ports.empty()) Record_Ports_To_File(options.Ports);
+    if (!options.Frames.empty()) Record_Frames_To_File(options.Frames);
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;
   }
   const Run_Summary summary =
-      virtual_clock ? Run_Program(run) : Run_On_Machine(run, options.Confirm_Positions);
+      virtual_clock ? Run_Simulated(run) : Run_On_Machine(run, options.Confirm_Positions);
   Stop_Port_Recorder();
+  if (!Stop_Frame_Recorder()) Complain("--frames: the file could not be written to its end.");
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   std::cout << Summary_Text(summary);
   if (!Move_Trace.Failed_Path.empty()) {
@@ -220,6 +247,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   }
   Print_Losses();
   if (!summary.Finished) return Status_Of_Early_End(companion);
+  if (!options.Trace.empty() && !Move_Trace.Failed_Path.empty()) return Failed;
   return Compile_Losses.Any() && !options.Accept_Losses ? Failed : Done;
 }
 
@@ -246,7 +274,7 @@ std::string Words_About_Axis(int axis, const Axis_Travel& travel) {
   }
   if (!first_line) return {};
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  std::string words = std::string(1, " XYZA"[axis]) + " leaves the table at line " +
+  std::string words = std::string(1, Axis_Letter(axis)) + " leaves the table at line " +
                       std::to_string(*first_line) + ": ";
   if (farthest_line != *first_line) words += "farthest at line " + std::to_string(farthest_line);
   if (farthest_line != *first_line) words += ", ";
@@ -262,7 +290,8 @@ void Name_What_Leaves_The_Table(const Companion_Environment& environment) {
 }
 
 int Estimate(const Companion& companion, const std::string& program) {
-  if (!Load_Program(program)) return Failed;
+  const bool motion = Is_Motion_File(program);
+  if (!motion && !Load_Program(program)) return Failed;
   Use_Simulation(companion.Environment);
   companion.Environment.Open_Table_Ends();
   Connect_Control();
@@ -270,14 +299,18 @@ int Estimate(const Companion& companion, const std::string& program) {
   run.Trace_File = "";
   run.Progress = Print_Progress;
   std::optional<Staged_Tables> tables;
-  run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, {}); };
+  if (motion) {
+    run.Load_Table = [&] { return Take_Motion_File(program); };
+  } else {
+    run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, {}); };
+  }
   try {
-    tables.emplace();
+    if (!motion) tables.emplace();
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;
   }
-  const Run_Summary summary = Run_Program(run);
+  const Run_Summary summary = Run_Simulated(run);
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   if (Compile_Losses.Any()) Complain("left out: " + Summary_Of(Compile_Losses));
   if (!summary.Finished) {
@@ -294,7 +327,9 @@ int Estimate(const Companion& companion, const std::string& program) {
 void Add_Run_Commands(CLI::App& app, Companion& companion) {
   const auto run = std::make_shared<Run_Command_Options>();
   CLI::App* command = app.add_subcommand("run", "Run a program on the machine or its simulation");
-  command->add_option("program", run->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", run->Program, "G-code or motion file")
+      ->required()
+      ->type_name("PROGRAM");
   command->add_option("--clock", run->Clock, "real or virtual (simulated machine, no waiting)")
       ->check(CLI::IsMember({"real", "virtual"}));
   command->add_option("--trace", run->Trace, "File for one line a move")->type_name("FILE");
@@ -302,12 +337,18 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
       ->add_option("--ports", run->Ports,
                    "File for every write to a port; *.vcd: the pins for a wave viewer")
       ->type_name("FILE");
+  command
+      ->add_option("--frames", run->Frames,
+                   "File for every exchange with a serial board: number, bytes sent / received")
+      ->type_name("FILE");
   command->add_flag("--no-pause", run->No_Pause, "Go on at program pauses without asking");
   command->add_flag("--save-positions", run->Save_Positions,
                     "Store the positions also in a machine file given by --machine");
   command->add_flag(
       "--confirm-positions", run->Confirm_Positions,
       "The stored positions are those of the machine, although it did not end orderly");
+  command->add_flag("--confirm-setup", run->Confirm_Setup,
+                    "The values of settings that the machine file has lost are right");
   command->add_flag("--accept-losses", run->Accept_Losses,
                     "Run although the compile left out lines, macros or wires");
   command->callback([&companion, run] {
@@ -316,7 +357,9 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
 
   const auto program = std::make_shared<std::string>();
   command = app.add_subcommand("estimate", "How long a program takes, by simulation");
-  command->add_option("program", *program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", *program, "G-code or motion file")
+      ->required()
+      ->type_name("PROGRAM");
   command->callback([&companion, program] {
     companion.Command = [&companion, program] { return Estimate(companion, *program); };
   });

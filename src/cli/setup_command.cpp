@@ -1,5 +1,6 @@
 // The command `setup`.
 #include "cli/companion.h"
+#include "control/panel/drive_choice.h"
 #include "control/safety/machine_check.h"
 #include "core/application.h"
 #include "core/fault.h"
@@ -8,6 +9,7 @@
 #include "core/setup.h"
 #include "core/setup_keys.h"
 #include "core/setup_table.h"
+#include "core/setup_tail.h"
 
 #include <iostream>
 #include <memory>
@@ -99,6 +101,7 @@ int Reset_All() {
 }
 
 int Check_Machine() {
+  Choose_Drive_By_Setup();  // the drive has findings of its own
   const auto findings = Machine_Check();
   for (const Machine_Finding& finding : findings) {
     std::cout << finding.Text;
@@ -106,7 +109,8 @@ int Check_Machine() {
     std::cout << '\n';
   }
   for (const std::string& finding : Setup_Store.Findings) std::cout << finding << '\n';
-  const auto count = findings.size() + Setup_Store.Findings.size();
+  for (const std::string& key : Lost_Tail.Keys) std::cout << "missing [" << key << "]\n";
+  const auto count = findings.size() + Setup_Store.Findings.size() + Lost_Tail.Keys.size();
   std::cout << count << (count == 1 ? " finding" : " findings") << '\n';
   return count == 0 ? Done : Failed;
 }

@@ -1,17 +1,29 @@
 #include "core/error_log.h"
 
 #include "core/application.h"
+#include "core/fault.h"
 #include "core/messages.h"
+#include "core/paths.h"
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdio>
 #include <fstream>
 #include <string>
 
+#include <sys/stat.h>
+
 namespace norvik {
 
+Log_Limits_State Log_Limits;
+
 namespace {
+
+struct Log_Failure_State {
+  std::string Told;
+};
+Log_Failure_State Log_Failure;
 
 // "mm/dd/yyyy hh:nn:ss"
 std::string Time_Stamp() {
@@ -22,11 +34,21 @@ std::string Time_Stamp() {
   return text;
 }
 
+// The log has failed; the cause is told once for each file and cause.
+void Tell_On_Standard_Error(const std::string& line, int reason) {
+  const std::string cause = File_Fault(Application.ErrorFile, "Cannot write", reason).Description;
+  if (Log_Failure.Told != cause) std::fprintf(stderr, "Error log: %s\n", cause.c_str());
+  Log_Failure.Told = cause;
+  std::fprintf(stderr, "%s\n", line.c_str());
+}
+
 void Write_Line(const std::string& line, std::ios::openmode mode) {
   if (Application.ErrorFile.empty()) return;
-  // A failure of the log has nowhere to go; the panels have shown the text.
+  Keep_File_Bounded(Application.ErrorFile, Log_Limits.Error_Log);
+  errno = 0;
   std::ofstream file(Application.ErrorFile, std::ios::binary | mode);
-  file << line << "\r\n";
+  file << line << "\r\n" << std::flush;
+  if (!file) Tell_On_Standard_Error(line, errno);
 }
 
 // An entry is one line of readable length, whatever a faulty file put into the text.
@@ -41,6 +63,14 @@ std::string One_Line(std::string_view text) {
 }
 
 }  // namespace
+
+void Keep_File_Bounded(const std::string& path, std::int64_t limit) {
+  struct stat about {};
+  if (::stat(path.c_str(), &about) != 0 || !S_ISREG(about.st_mode) || about.st_size < limit) return;
+  const std::string extension = PathExtension(PathFileName(path));
+  const std::string stem = path.substr(0, path.size() - extension.size());
+  std::rename(path.c_str(), (stem + ".1" + extension).c_str());
+}
 
 void ErrorLogWrite(std::string_view text) {
   const std::string line = One_Line(text);

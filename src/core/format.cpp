@@ -3,9 +3,11 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/numbers.h"
+#include "core/powers_of_ten.h"
 #include "core/setup.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -113,15 +115,14 @@ char* Put_Digits(char* out, const Decimal_Text& text, const Number_Pattern& patt
   return out;
 }
 
-constexpr std::array<double, 10> Powers_Of_Ten{1, 1e1, 1e2, 1e3, 1e4, 1e5, 1e6, 1e7, 1e8, 1e9};
-
 // Most numbers are small with few decimals: whole-number arithmetic gives the same digits, unless
 // the value lies so close to a tie that only its text decides. False: not such a number.
 bool Put_Small_Number(char*& out, double magnitude, bool negative, const Number_Pattern& pattern,
                       char decimal_sign) {
   constexpr double largest = 1e9, near_tie = 1e-5;
-  if (pattern.Decimals >= static_cast<int>(Powers_Of_Ten.size()) || pattern.Grouped) return false;
-  const double scaled = magnitude * Powers_Of_Ten[static_cast<std::size_t>(pattern.Decimals)];
+  constexpr int most_decimals = 9;
+  if (pattern.Decimals > most_decimals || pattern.Grouped) return false;
+  const double scaled = magnitude * Powers_Of_Ten[pattern.Decimals];
   if (!(scaled < largest)) return false;
   const double rounded = std::nearbyint(scaled);
   if (std::abs(std::abs(scaled - rounded) - 0.5) < near_tie) return false;

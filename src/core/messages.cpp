@@ -30,6 +30,22 @@ void Set_Panel(int panel, std::string_view text) {
   Messages_Host.Panel_Changed(panel);
 }
 
+void Tell(std::string_view text, int seconds) {
+  SetStatus(1, text, seconds);
+  Add_New_Message(text);
+}
+
+void Clear_Standing_Status() {
+  constexpr int longest_passing = 10;  // seconds
+  const int left = Messages.Status_Timeout[1];
+  const bool stays = left < 0 || left > longest_passing;
+  if (stays && !Messages.Panel[1].empty()) SetStatus(1, "", -1);
+}
+
+Progress_Status::~Progress_Status() {
+  if (Messages.Panel[1].starts_with(Beginning)) SetStatus(1, "", -1);
+}
+
 void AddMessage(std::string_view text) {
   auto& log = Messages.MessageLog;
   Messages.LastMessage = text;

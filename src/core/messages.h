@@ -33,6 +33,26 @@ extern Messages_Host_Operations Messages_Host;
 void SetStatus(int panel, std::string_view text, int seconds);
 // Panel 4 (and any other) without a time limit's change.
 void Set_Panel(int panel, std::string_view text);
+// Says why something ended or was refused: in status panel 1 for `seconds`, and in the message
+// list, where it can still be read when the panel says something else. A line that repeats itself
+// stands once in the list.
+void Tell(std::string_view text, int seconds);
+// Takes a text without a near end out of panel 1. It tells of something that is over when the next
+// thing begins.
+void Clear_Standing_Status();
+
+// Work that tells its progress in panel 1 by texts that begin with `beginning`: at the end of the
+// scope, however it is left, such a text goes. Any other text stays.
+class Progress_Status {
+ public:
+  explicit Progress_Status(std::string_view beginning) : Beginning(beginning) {}
+  ~Progress_Status();
+  Progress_Status(const Progress_Status&) = delete;
+  Progress_Status& operator=(const Progress_Status&) = delete;
+
+ private:
+  std::string Beginning;
+};
 
 // Pushes a line to the front of the list.
 void AddMessage(std::string_view text);

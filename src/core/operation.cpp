@@ -138,9 +138,4 @@ void Tell_Detail(std::string detail) {
   if (!Operations.Entries.empty()) Operations.Entries.front().Detail = std::move(detail);
 }
 
-void Reset_Operations() {
-  Operations = {};
-  Operation_Host = {};
-}
-
 }  // namespace norvik

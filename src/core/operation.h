@@ -118,9 +118,6 @@ std::string Why_Not_Begin(Operation wanted);
 // The outermost operation says what it does at this moment. Nothing while none runs.
 void Tell_Detail(std::string detail);
 
-// As at the start of the program. For tests.
-void Reset_Operations();
-
 namespace operation_text {
 inline constexpr std::string_view Motors_Are_Disabled =
     "Motors are disabled by the E-stop. Press MOTORS DISABLED to enable them, then try again.";

@@ -112,24 +112,26 @@ std::string Join_Path(std::string_view folder, std::string_view name) {
 namespace {
 
 // More than any file of ours holds; a device gives bytes for ever.
-constexpr std::size_t Largest_File = std::size_t{4} << 30;
+constexpr std::size_t Largest_File = std::size_t{4} << 30, Largest_Stream = std::size_t{64} << 20;
 
-[[noreturn]] void Raise_Too_Large(const std::string& path) {
-  throw Fault(Fault_Number::Out_Of_Memory, "Cannot read " + path + ": it is larger than 4 GB");
+[[noreturn]] void Raise_Too_Large(const std::string& path, std::size_t largest) {
+  throw Fault(Fault_Number::Out_Of_Memory, "Cannot read " + path + ": it gives more than " +
+                                               std::to_string(largest >> 20) + " MB");
 }
 
 std::string Read_Open_File(const Open_File& file, const std::string& path) {
   struct stat about {};
   if (::fstat(file.Number, &about) != 0) throw File_Fault(path, "Cannot read", errno);
   if (S_ISDIR(about.st_mode)) throw File_Fault(path, "Cannot read", EISDIR);
-  if (about.st_size > static_cast<off_t>(Largest_File)) Raise_Too_Large(path);
+  const std::size_t largest = S_ISREG(about.st_mode) ? Largest_File : Largest_Stream;
+  if (about.st_size > static_cast<off_t>(largest)) Raise_Too_Large(path, largest);
   ::fcntl(file.Number, F_SETFL, 0);  // from here on a pipe may be waited for
 
   // One byte more than there is, so that the end is seen without growing.
   std::string bytes(static_cast<std::size_t>(S_ISREG(about.st_mode) ? about.st_size : 0) + 1, '\0');
   std::size_t length = 0;
   for (;;) {
-    if (length > Largest_File) Raise_Too_Large(path);
+    if (length > largest) Raise_Too_Large(path, largest);
     if (length == bytes.size()) bytes.resize(length + std::max<std::size_t>(length / 2, 4096));
     const ssize_t count = ::read(file.Number, bytes.data() + length, bytes.size() - length);
     if (count < 0 && errno == EINTR) continue;

@@ -5,13 +5,17 @@
 //   file.Commit(Flush_To_Disk::Yes);  // now it is `path`
 //
 // Until `Commit` has returned, and when anything fails or the object goes without it, the file of
-// before stands as it was. A link is followed, so that it survives. What is no regular file (a
-// device, a pipe) has no neighbour and is written directly.
+// before stands as it was. Mode and owner stay, also when root saves a file of a user. A symbolic
+// link is followed, so that it survives. A file with several names, or of an owner that cannot be
+// given to a new file, stays the same file: it gets the content of the whole neighbour in one go.
+// What is no regular file (a device, a pipe) has no neighbour and is written directly. Neighbours
+// that killed programs have left in the folder are taken away (core/working_name.h).
 //
 // Constructor, `Write` and `Commit` raise a file fault whose text says what is wrong and what to
 // do.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -32,9 +36,14 @@ class Replacement_File {
   void Commit(Flush_To_Disk flush);
 
  private:
+  void Make_Neighbour();
+  void Keep_Owner(unsigned owner, unsigned group, std::uint64_t names);
+  void Copy_Into_Target();
+
   std::string Target;
   std::string Neighbour;  // empty: none, or it has become the target
   unsigned Rights = 0;    // of the new file: those of the old one, or the usual ones
+  bool Stays = false;     // the target itself takes the new content
   int File = -1;
 };
 

@@ -185,6 +185,9 @@ struct Machine_Setup {
   bool Outputs_Before_Dwell = false;
   bool Slow_Before_Stops = false;
   bool Goto_From_Position = false;
+  bool Export_All_Records = false;
+  bool HPGL_Export_Raw_Z = false;
+  bool Motion_File_Any_Length = false;
 };
 extern Machine_Setup MachineSetup;
 

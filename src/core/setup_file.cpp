@@ -7,6 +7,7 @@
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "core/setup_table.h"
+#include "core/setup_tail.h"
 #include "core/version.h"
 #include "core/waiting.h"
 #include "platform/platform.h"
@@ -15,6 +16,7 @@
 #include <map>
 #include <memory>
 #include <utility>
+#include <vector>
 
 namespace norvik {
 
@@ -150,6 +152,10 @@ std::unique_ptr<Profile_Session> Open_For_Load() {
 void Report_Findings() {
   constexpr std::size_t most_shown = 5;
   for (const std::string& finding : Setup_Store.Findings) ErrorLogWrite("Machine file: " + finding);
+  if (const std::string lost = Words_About_Lost_Tail(); !lost.empty()) {
+    ErrorLogWrite(lost);
+    AddMessage(lost);
+  }
   const auto count = Setup_Store.Findings.size();
   for (std::size_t i = 0; i < std::min(count, most_shown); ++i) AddMessage(Setup_Store.Findings[i]);
   if (count > most_shown) {
@@ -185,6 +191,50 @@ bool Is_Theirs(const Setup_Row& row, int index, const std::string& name) {
          Setup_Text(row, index) == known->second.Ours;
 }
 
+// Settings that another program has changed since the load, and this one not.
+using Setup_Places = std::vector<std::pair<const Setup_Row*, int>>;
+Setup_Places Changed_Elsewhere() {
+  Setup_Places places;
+  const Profile_Session file(Application.MachineFile, Profile_Use::Reading);
+  for (const Setup_Row* row : Setup_Rows_In_Save_Order()) {
+    for (int index = row->Saved.First; index <= row->Saved.Last; ++index) {
+      if (Is_Theirs(*row, index, Save_Name(*row, index))) places.emplace_back(row, index);
+    }
+  }
+  return places;
+}
+
+std::string Question_About(const Setup_Places& places) {
+  constexpr std::size_t most_named = 5;
+  std::string names;
+  for (std::size_t i = 0; i < std::min(places.size(), most_named); ++i) {
+    names += (i == 0 ? "" : ", ") + Save_Name(*places[i].first, places[i].second);
+  }
+  if (places.size() > most_named) names += " ...";
+  return "Another program has changed " + std::to_string(places.size()) +
+         " settings of this machine file since it was loaded here: " + names +
+         ".\n\nYes loads their values, No keeps those of this program.";
+}
+
+// Whose values hold where another program was at the file meanwhile. Whoever does not answer leaves
+// theirs in the file and works on with his own. Nobody is asked without windows.
+void Ask_About_Foreign_Changes() {
+  if (Setup_Store.Without_Windows) return;
+  const Setup_Places places = Changed_Elsewhere();
+  if (places.empty()) return;
+  const Box_Answer answer =
+      Platform.Message_Box("Machine file", Question_About(places), Box_Buttons::Yes_No);
+  for (const auto& [row, index] : places) {
+    if (answer == Box_Answer::Yes) {
+      const std::string text = ReadSetup(row->Section, Save_Name(*row, index));
+      Read_Setup_Text(*row, index, text);
+      Known_File.Values[{row, index}] = {text, Setup_Text(*row, index)};
+    } else if (answer == Box_Answer::No) {
+      Known_File.Values.erase({row, index});
+    }
+  }
+}
+
 void Write_Row(const Setup_Row& row, Known_File_State& after) {
   for (int index = row.Saved.First; index <= row.Saved.Last; ++index) {
     const std::string name = Save_Name(row, index);
@@ -196,6 +246,7 @@ void Write_Row(const Setup_Row& row, Known_File_State& after) {
 }
 
 void Write_All_Rows() {
+  Ask_About_Foreign_Changes();
   Known_File_State after = Known_File;
   if (after.Path != Application.MachineFile) after = {Application.MachineFile, {}};
   Profile_Session session(Application.MachineFile, Profile_Use::Writing);
@@ -223,6 +274,7 @@ bool LoadMachineSetup() {
     const auto session = Open_For_Load();
     readable = session != nullptr;
     Read_All_Rows(After_Row);
+    if (readable) Look_For_Lost_Tail();
   });
   Report_Findings();
   // Of a file out of reach nothing is known, so nothing is to be repaired.
@@ -246,6 +298,7 @@ bool SaveMachineSetup() {
       Write_All_Rows);
   if (written) {
     Application.SelfTestValue = Good_Save;
+    Lost_Tail = {};
   } else {
     MachineSetup.INI_Save_Test = before;
   }

@@ -12,8 +12,11 @@
 
 #include "core/setup_table.h"
 
+#include <initializer_list>
+#include <string_view>
 #include <type_traits>
 #include <utility>
+#include <vector>
 
 namespace norvik {
 
@@ -146,6 +149,13 @@ Row_Builder Family(std::string_view section, std::string_view key) {
 }
 
 using Setup_Row_List = std::vector<Setup_Row>;
+
+// The rows of all parts, one behind the other.
+inline Setup_Row_List Joined(std::initializer_list<Setup_Row_List> parts) {
+  Setup_Row_List rows;
+  for (const Setup_Row_List& part : parts) rows.insert(rows.end(), part.begin(), part.end());
+  return rows;
+}
 
 // The groups, in the order of the load.
 Setup_Row_List General_Rows();     // General head, tools, macros, Goto, scales, log

@@ -48,6 +48,18 @@ Setup_Row_List Correction_Rows() {
       Correction<&M::Goto_From_Position>("Goto_From_Position", "Goto from the position")
           .Says("Off: a Goto line with G91 counts from zero. On: it counts from where the machine "
                 "is."),
+      Correction<&M::Export_All_Records>("Export_All_Records", "Export the whole table")
+          .Says("Off: an export stops after as many records of the table as the program has moves, "
+                "so records of spindle, coolant and pauses cost as many moves at the end. On: it "
+                "takes all records."),
+      Correction<&M::HPGL_Export_Raw_Z>("HPGL_Export_Raw_Z", "HPGL pen by the Z of the program")
+          .Says(
+              "Off: the HPGL export lifts the pen where Z times 1.016 is the normal cut depth, so "
+              "hardly ever. On: where Z itself is the normal cut depth."),
+      Correction<&M::Motion_File_Any_Length>("Motion_File_Any_Length", "Motion files of any length")
+          .Says("Off: a program whose wire table does not come out even in lines of 29 values "
+                "cannot be saved as a motion file, so that 28 of 29 programs cannot. On: the last "
+                "line is filled up with empty values, which a load takes off again."),
   };
 }
 

@@ -58,7 +58,8 @@ Setup_Row_List General_Rows() {
           .Called(page::Tools, "Folder of tool files")
           .Shown_As("`Tools` in the working folder")
           .Computed([](const M&, int) { return Join_Path(Application.AppDirectory, "Tools"); })
-          .Says("Where the dialogs for tool files begin."),
+          .Says("Where the dialogs for tool files begin. Each start sets it to `Tools` in the "
+                "working folder, whatever is stored."),
       Key<&M::Tool_File_Name>("Tools", "Tool_File_Name")
           .Called(page::Tools, "Tool file")
           .Shown_As("`Default.tol` in that folder")
@@ -66,13 +67,16 @@ Setup_Row_List General_Rows() {
           .Computed(
               [](const M& setup, int) { return Join_Path(setup.Tool_Directory, "Default.tol"); })
           .Says("Diameter and offset of 200 tools. It is read when Norvik starts, and a compile "
-                "corrects the path by it under G41 and G42."),
+                "corrects the path by it under G41 and G42. A name without a full path counts from "
+                "the "
+                "working folder; what is not there is looked for beside the machine file."),
       Family<&M::MacroFile>("Macros", "MacroFile<n>")
           .Called(page::Tools, "Macro <n>")
           .Changed(After_Change::Recompile)
           .Saved(Save_Place::Macros)
           .Says("G-code file of the macro that M98 calls by this number; empty: there is no such "
-                "macro."),
+                "macro. A name without a full path counts from the working folder; what is not "
+                "there is looked for beside the machine file."),
       Key<&M::Goto_Command_Index>("General", "Goto_Command_Index")
           .Called(page::Goto, "Line used last")
           .Plain("0")
@@ -103,7 +107,7 @@ Setup_Row_List General_Rows() {
 
 namespace {
 
-Setup_Row_List Axis_Geometry_Rows() {
+Setup_Row_List Axis_Scale_Rows() {
   return {
       Key<&M::UnitsofMeasurement>("Axis", "UnitsofMeasurement")
           .Called(page::Units, "Unit of length")
@@ -157,6 +161,11 @@ Setup_Row_List Axis_Geometry_Rows() {
           .Between(0, 1000)
           .Saved(Save_Place::Axis)
           .Says("Play of the axis, taken up when it reverses, if backlash take-up is on."),
+  };
+}
+
+Setup_Row_List Axis_Place_Rows() {
+  return {
       Family<&M::Axis_HomePos>("Axis", "Axis_HomePos_<n>")
           .Called(page::Homing, "Home position, <n>")
           .Each(Axis_Names)
@@ -337,6 +346,11 @@ Setup_Row_List Axis_Option_Rows() {
           .Saved(Save_Place::Axis)
           .Says("The E-stop switches spindle, coolant and auxiliary output off too. Off: they stay "
                 "as they are, and a spindle keeps turning."),
+  };
+}
+
+Setup_Row_List Level_And_Display_Rows() {
+  return {
       Family<&M::Axis_Tool_Height>("Tool", "Axis_Tool_Height(<n>)")
           .Called(page::Levels, "Z, <n>")
           .Each("travel|normal cut|deep cut")
@@ -381,11 +395,8 @@ Setup_Row_List Axis_Option_Rows() {
 }  // namespace
 
 Setup_Row_List Axis_Rows() {
-  Setup_Row_List rows;
-  for (const auto& part : {Axis_Geometry_Rows(), Axis_Motion_Rows(), Axis_Option_Rows()}) {
-    rows.insert(rows.end(), part.begin(), part.end());
-  }
-  return rows;
+  return Joined({Axis_Scale_Rows(), Axis_Place_Rows(), Axis_Motion_Rows(), Axis_Option_Rows(),
+                 Level_And_Display_Rows()});
 }
 
 Setup_Row_List Input_Rows() {
@@ -422,7 +433,9 @@ Setup_Row_List Input_Rows() {
   };
 }
 
-Setup_Row_List Parallel_Rows() {
+namespace {
+
+Setup_Row_List Port_Choice_Rows() {
   return {
       Family<&M::Output_Names>("Parallel Setup", "Output_Names_<n>")
           .Called(page::Pins, "Name of output <n>")
@@ -459,6 +472,11 @@ Setup_Row_List Parallel_Rows() {
           .Star("2")
           .Saved(Save_Place::Parallel)
           .Says("How the parallel port is reached."),
+  };
+}
+
+Setup_Row_List Pin_Rows() {
+  return {
       Family<&M::Output_Port>("Parallel Setup", "Output_Port_<n>")
           .Called(page::Pins, "Port of <n>")
           .Each(Output_Functions)
@@ -505,6 +523,11 @@ Setup_Row_List Parallel_Rows() {
           .Saved(Save_Place::Parallel)
           .Says("On: the input counts as on when its line is high, so that a contact that opens "
                 "trips it, and a broken wire too."),
+  };
+}
+
+Setup_Row_List Motor_Power_And_Board_Rows() {
+  return {
       Family<&M::Parallel_MCode_High>("Parallel Setup", "Parallel_MCode_High_<n>")
           .Called(page::Pins, "M code that switches the auxiliary output on")
           .Changed(After_Change::Recompile)
@@ -557,6 +580,12 @@ Setup_Row_List Parallel_Rows() {
           .Between(0, Last_Port)
           .Says("Port whose lines the display window shows."),
   };
+}
+
+}  // namespace
+
+Setup_Row_List Parallel_Rows() {
+  return Joined({Port_Choice_Rows(), Pin_Rows(), Motor_Power_And_Board_Rows()});
 }
 
 Setup_Row_List Board_Rows() {

@@ -13,7 +13,9 @@ constexpr double Most_Passes = 1000;
 
 }  // namespace
 
-Setup_Row_List Plot_Rows() {
+namespace {
+
+Setup_Row_List Colour_And_Arc_Rows() {
   return {
       Family<&M::Plot_Color>("General", "Plot_Color_<n>")
           .Called(page::Plot, "Colour of <n>")
@@ -48,6 +50,11 @@ Setup_Row_List Plot_Rows() {
           .Plain("0")
           .Saved(Save_Place::Plot_And_Arcs)
           .Says("Every arc gets the same number of lines, whatever its radius."),
+  };
+}
+
+Setup_Row_List Plot_View_Rows() {
+  return {
       Key<&M::Plot_Bit_Radius_Enable>("General", "Plot_Bit_Radius_Enable")
           .Called(page::Plot, "Draw all lines with one width")
           .One_Of({{"0", "no"}, {"1", "yes"}})
@@ -107,6 +114,12 @@ Setup_Row_List Plot_Rows() {
           .Saved(Save_Place::Offsets)
           .Says("The offset function appends a moved copy; off: it moves the program."),
   };
+}
+
+}  // namespace
+
+Setup_Row_List Plot_Rows() {
+  return Joined({Colour_And_Arc_Rows(), Plot_View_Rows()});
 }
 
 namespace {
@@ -306,11 +319,7 @@ Setup_Row_List Gerber_Rows() {
 }  // namespace
 
 Setup_Row_List Drawing_Rows() {
-  Setup_Row_List rows;
-  for (const auto& part : {DXF_Rows(), HPGL_Rows(), Gerber_Rows()}) {
-    rows.insert(rows.end(), part.begin(), part.end());
-  }
-  return rows;
+  return Joined({DXF_Rows(), HPGL_Rows(), Gerber_Rows()});
 }
 
 namespace {
@@ -436,14 +445,12 @@ Setup_Row_List Scale_Rows() {
 }  // namespace
 
 Setup_Row_List GCode_Rows() {
-  Setup_Row_List rows;
-  for (const auto& part : {Insertion_Rows(), Excellon_Rows(), Scale_Rows()}) {
-    rows.insert(rows.end(), part.begin(), part.end());
-  }
-  return rows;
+  return Joined({Insertion_Rows(), Excellon_Rows(), Scale_Rows()});
 }
 
-Setup_Row_List Bitmap_Rows() {
+namespace {
+
+Setup_Row_List Picture_Rows() {
   constexpr std::string_view section = "Bitmap";
   return {
       Key<&M::BMAP_Material_Size_X>(section, "BMAP_Material_Size_X")
@@ -505,6 +512,12 @@ Setup_Row_List Bitmap_Rows() {
           .Plain("0")
           .Saved(Save_Place::Bitmap)
           .Says("The direction in which the tool goes to and fro."),
+  };
+}
+
+Setup_Row_List Picture_Offset_And_Sound_Rows() {
+  constexpr std::string_view section = "Bitmap";
+  return {
       Key<&M::BMAP_Import_Offset_X>(section, "BMAP_Import_Offset_X")
           .Called(page::Pictures, "Offset, X of a picture")
           .Plain("0")
@@ -537,6 +550,12 @@ Setup_Row_List Bitmap_Rows() {
           .Saved(Save_Place::Sounds)
           .Says("Sound file; `Disabled` or empty: silence."),
   };
+}
+
+}  // namespace
+
+Setup_Row_List Bitmap_Rows() {
+  return Joined({Picture_Rows(), Picture_Offset_And_Sound_Rows()});
 }
 
 }  // namespace norvik

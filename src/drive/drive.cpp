@@ -5,14 +5,13 @@
 
 namespace norvik {
 
-namespace {
-
-constexpr Drive_Operations No_Drive{};
-
-}  // namespace
-
 Drive_Status_State Drive_Status;
 Drive_Host_Operations Drive_Host;
-Drive_Choice_Operations Drive_Choice{[]() -> const Drive_Operations& { return No_Drive; }};
+Drive_Choice_Operations Drive_Choice;
+
+const Drive_Operations& Without_Drive() {
+  static constexpr Drive_Operations no_drive{};
+  return no_drive;
+}
 
 }  // namespace norvik

@@ -28,12 +28,14 @@ namespace norvik {
 struct Drive_Operations {
   // --- What it is -------------------------------------------------------------------------------
   std::string_view Name = "No drive";
-  // Words for the operator when this drive cannot move anything; empty: it can.
-  std::string_view Missing = {};
+  // Words for the operator when this drive cannot move anything at this moment; empty: it can.
+  std::string_view (*Missing)() = [] { return std::string_view(); };
   // This program times every half step, so that time constant and calibration act.
   bool Times_Half_Steps = false;
   // `Set_Override` acts.
   bool Overrides_Feed = false;
+  // Moves and dwells are taken over into a queue: a sequence that needs an end waits for it.
+  bool Queues_Moves = false;
 
   // --- Session ----------------------------------------------------------------------------------
   // Takes the machine in hand: forgets what was kept of a machine before, brings every output to
@@ -57,12 +59,19 @@ struct Drive_Operations {
   // drive with a queue only.
   Move_End (*Move)(const Step_Request&, Nullable s_word, std::int32_t step) =
       [](const Step_Request&, Nullable, std::int32_t) { return Move_End::Failed; };
+  // Takes a pause of the program over, for a drive that queues moves. `step` of the program.
+  Move_End (*Dwell)(double seconds, std::int32_t step) = [](double, std::int32_t) {
+    return Move_End::Failed;
+  };
   // A move, a calibration or the queue runs.
   bool (*Is_Moving)() = [] { return false; };
   // Moves taken over that are not done.
   std::int32_t (*Moves_Queued)() = [] { return std::int32_t{0}; };
-  // Returns when the queue is done: true. False when ESC, the E-stop or Stop ended the wait.
-  bool (*Wait_Empty)() = [] { return true; };
+  // Returns when the queue is done and the machine stands, with the way in which its moves ended;
+  // `Done` when there was nothing to wait for.
+  Move_End (*Wait_Empty)() = [] { return Move_End::Done; };
+  // Why the last move or wait failed, in the operator's words; empty: the error log says it.
+  std::string (*Why_Failed)() = [] { return std::string(); };
   // Holds the queue between two moves, and lets it go on.
   void (*Hold)(bool held) = [](bool) {};
   // Ends what the queue still holds. A move that blocks its caller ends by the flags that it reads.
@@ -104,11 +113,20 @@ struct Drive_Operations {
   // What the loaded setup asks of this drive that may surprise.
   void (*Check_Setup)(std::vector<Machine_Finding>& findings) = [](std::vector<Machine_Finding>&) {
   };
+  // How long a move takes that begins and ends as asked for, in seconds; null: the plan of
+  // move_plan.h tells.
+  double (*Move_Seconds)(const Step_Request&) = nullptr;
+  // What the panel has to say in red at this moment, such as stops that can't be delivered; empty:
+  // nothing.
+  std::string_view (*Alarm)() = [] { return std::string_view(); };
 };
+
+// The drive of a program without a room that knows one: nothing moves.
+const Drive_Operations& Without_Drive();
 
 // The room that knows every drive says which one the loaded machine file asks for.
 struct Drive_Choice_Operations {
-  const Drive_Operations& (*Of_Setup)();
+  const Drive_Operations& (*Of_Setup)() = Without_Drive;
 };
 extern Drive_Choice_Operations Drive_Choice;
 

@@ -14,6 +14,7 @@ struct Step_Request {
   Indexed<bool, 1, 4> Negative;                      // direction, also given for resting axes
   double Start = 0, Run = 0, End = 0;                // IPM at the start, cruising, at the end
   bool No_Rate_Check = false;                        // the move may end early at any speed (jogs)
+  bool Is_Arc = false;                               // a chord of an arc
   Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};  // outputs 1..5: 0 off, 2 on, else unchanged
 };
 

@@ -12,8 +12,7 @@ void Set_Application_Priority(int level) {
   static std::set<std::string> told;
   const std::string refusal = Platform.Set_Priority(level);
   if (refusal.empty() || !told.insert(refusal).second) return;
-  SetStatus(1, refusal, 10);
-  AddMessage(refusal);
+  Tell(refusal, 10);
 }
 
 }  // namespace norvik

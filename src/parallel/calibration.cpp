@@ -124,7 +124,7 @@ void Label_Time_Constant_Click() {
   if (!text || text->empty()) return;
   const bool taken =
       Trap("Label_Time_Constant_Error", [&] { Set_Time_Constant(To_Double(*text)); });
-  if (!taken) SetStatus(1, "\"" + *text + "\" is no number: nothing changed.", 5);
+  if (!taken) Tell("\"" + *text + "\" is no number: nothing changed.", 5);
 }
 
 void Check_FeedRate_Autotune_Click(bool checked) {
@@ -139,7 +139,7 @@ void Load_FeedRate_Autotune() {
 void Command_Get_Time_Constant_Click() {
   SetStatus(1, "Wait while Time Constant is found or press ESC to cancel", -1);
   const Calibration_End end = Find_Time_Constant();
-  SetStatus(1, Calibration_Text(end), 10);
+  Tell(Calibration_Text(end), 10);
   Trap("Command_Get_Time_Constant_Error", Store_Time_Constant);
 }
 

@@ -5,6 +5,7 @@
 #include "core/rounding.h"
 #include "core/setup.h"
 #include "drive/drive_status.h"
+#include "parallel/last_writes.h"
 #include "parallel/ports.h"
 
 #include <string>
@@ -81,6 +82,20 @@ void Count_Step(int axis, bool negative) {
   Drive_Status.Home_Distance[axis] = static_cast<float>(Drive_Status.Home_Distance[axis] + delta);
 }
 
+// For an end by a signal: step pins at rest, motors and outputs off.
+void Prepare_Last_Writes() {
+  Forget_Last_Writes();
+  const auto add = [](int slot) {
+    const Pin pin = Output_Pin(slot);
+    if (pin.Mask != 0) Add_Last_Write(pin.Port, pin.Mask, pin.Invert);
+  };
+  for (int axis = 1; axis <= Axis_Count; ++axis) {
+    add(Step_Slot(axis));
+    add(Enable_Slot(axis));
+  }
+  for (int n = 1; n <= 5; ++n) add(Output_Slot(n));
+}
+
 }  // namespace
 
 std::optional<int> Output_Bit(int slot) {
@@ -140,6 +155,7 @@ void Output_Off(int n) {
 }
 
 void Idle_All_Outputs() {
+  Prepare_Last_Writes();
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const Pin pin = Output_Pin(Step_Slot(axis));
     Set_Pin(pin, pin.Invert);

@@ -3,11 +3,13 @@
 #include "core/setup.h"
 #include "drive/move_plan.h"
 #include "parallel/pin_map.h"
+#include "parallel/port_ranges.h"
 #include "parallel/ports.h"
 
 #include <algorithm>
 #include <cmath>
 #include <optional>
+#include <set>
 #include <string>
 
 namespace norvik {
@@ -194,6 +196,20 @@ void Check_Shared_Bits(Findings& findings) {
                             bits[i].Key});
 }
 
+// Each address once, however many functions it has.
+void Check_Foreign_Ports(Findings& findings) {
+  std::set<std::int32_t> told;
+  const auto check = [&](std::int32_t port, const std::string& key) {
+    if (port < Lowest_Port || port > 65535 || Is_Machine_Port(port)) return;
+    if (told.insert(port).second) findings.push_back({Words_About_Refused_Port(port), key});
+  };
+  for (int slot = 1; slot <= 17; ++slot)
+    if (Output_Bit(slot))
+      check(MachineSetup.Output_Port[slot], "Output_Port_" + std::to_string(slot));
+  for (int slot = 0; slot <= 5; ++slot)
+    if (Input_Bit(slot)) check(MachineSetup.Input_Port[slot], "Input_Port_" + std::to_string(slot));
+}
+
 void Check_Ports(Findings& findings) {
   const auto answers = [](std::int32_t port) { return port >= Lowest_Port && port <= 65535; };
   for (int slot = 0; slot <= 5; ++slot) {
@@ -212,6 +228,7 @@ void Check_Ports(Findings& findings) {
           {Output_Role(slot) + " is on port " + std::to_string(port) + ", which is never written.",
            "Output_Port_" + std::to_string(slot)});
   }
+  Check_Foreign_Ports(findings);
   if (MachineSetup.Parallel_IODLL != 1 && MachineSetup.Parallel_IODLL != 2)
     findings.push_back(
         {"No way of port access is chosen: nothing is read or written.", "Parallel_IODLL"});

@@ -48,19 +48,21 @@ bool Reads_Back(std::int32_t address, const Output_Port& port) {
   return answers(before) && turned_read;
 }
 
-void Say(std::int32_t port) {
-  const std::string text = "Port " + Port_Text(port) +
-                           " does not read back what is written to it: an axis may run the wrong "
-                           "way, outputs may change "
-                           "by themselves. Set Port_Shadow in section Corrections of the machine "
-                           "file to True, then start "
-                           "Norvik again.";
-  ErrorLogWrite(text);
-  AddMessage(text);
-  SetStatus(1, text, 10);
-}
-
 }  // namespace
+
+std::string Words_About_Deaf_Ports() {
+  if (Read_Back.Deaf_Ports.empty() || MachineSetup.Port_Shadow) return {};
+  std::string ports;
+  for (const std::int32_t port : Read_Back.Deaf_Ports)
+    ports += (ports.empty() ? "" : ", ") + Port_Text(port);
+  const std::string what = Read_Back.Deaf_Ports.size() == 1
+                               ? "Port " + ports + " does not read back what is written to it"
+                               : "Ports " + ports + " do not read back what is written to them";
+  return what +
+         ": an axis may run the wrong way, outputs may change by themselves. Set Port_Shadow in "
+         "section Corrections of the machine file to True, then "
+         "start Norvik again.";
+}
 
 void Look_For_Deaf_Ports() {
   Read_Back = {};
@@ -68,8 +70,11 @@ void Look_For_Deaf_Ports() {
     const bool reachable = address >= Lowest_Port && address <= 65535;
     if (!reachable || Reads_Back(address, port)) continue;
     Read_Back.Deaf_Ports.push_back(address);
-    if (!MachineSetup.Port_Shadow) Say(address);
   }
+  const std::string words = Words_About_Deaf_Ports();
+  if (words.empty()) return;
+  ErrorLogWrite(words);
+  Tell(words, 10);
 }
 
 }  // namespace norvik

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
 #include <vector>
 
 namespace norvik {
@@ -15,6 +16,10 @@ struct Read_Back_State {
   std::vector<std::int32_t> Deaf_Ports;
 };
 extern Read_Back_State Read_Back;
+
+// What stands against driving motors through the ports found, for the operator; empty: nothing, or
+// `Port_Shadow` makes up for it.
+std::string Words_About_Deaf_Ports();
 
 // Writes the other level to a direction pin of each output port, reads it, and puts it back; a port
 // without one is only read. Moves nothing. What is found is said in the message list, the error log

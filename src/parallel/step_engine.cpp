@@ -1,6 +1,7 @@
 #include "parallel/step_engine.h"
 
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/error_log.h"
 #include "core/format.h"
 #include "core/operation.h"
@@ -288,7 +289,7 @@ std::string Diagnostics_Text() {
     text += "\r\n" + name + "=" + value;
   };
   for (int axis = 1; axis <= Axis_Count; ++axis) {
-    line(std::string(1, " XYZA"[axis]) + "Steps", std::to_string(e.Request.Steps[axis]));
+    line(std::string(1, Axis_Letter(axis)) + "Steps", std::to_string(e.Request.Steps[axis]));
   }
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     line("StepSkip(" + std::to_string(axis) + ")", Shortest_Text(e.StepSkip[axis]));

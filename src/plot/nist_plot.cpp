@@ -6,6 +6,7 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/setup.h"
+#include "core/waiting.h"
 #include "platform/platform.h"
 #include "plot/line_painter.h"
 #include "plot/plot_form.h"
@@ -15,6 +16,7 @@
 
 #include <algorithm>
 #include <string>
+#include <utility>
 
 namespace norvik {
 
@@ -44,16 +46,8 @@ bool Stop_Asked() {
 
 // Shows the time of a dwell in the growing picture. Yields; ESC and a closing program end it.
 void Wait_Out_Dwell(double seconds) {
-  constexpr int standing_yields = 10'000;
-  while (Plot_Host.Motion_Active() && !Stop_Asked()) DoEvents();
-  const std::int64_t start = Platform.Monotonic_Clock();
-  std::int64_t now = start;
-  // A clock that stands still ends the wait.
-  for (int yields = 0; static_cast<double>(now - start) < seconds * 1e9 && !Stop_Asked();
-       now = Platform.Monotonic_Clock()) {
-    if (now == start && ++yields > standing_yields) return;
-    DoEvents();
-  }
+  Yield_Until([] { return !Plot_Host.Motion_Active() || Stop_Asked(); });
+  Yield_Until(Stop_Asked, To_Nanoseconds(seconds));
 }
 
 void Build_Plot_Lines() {
@@ -103,6 +97,14 @@ void Paint_Table() {
   painter.Flush();
 }
 
+void Paint_Path_Before() {
+  if (Plot.Path_Before_Waits || Plot.Path_Before.Count() == 0) return;
+  Plot.Last_Line = {};
+  Line_Painter painter = Window_Painter();
+  painter.Draw(Plot.Path_Before, 0, Plot.Path_Before.Count());
+  painter.Flush();
+}
+
 // In one piece, or in pieces that the operator sees grow. Each yield may close the window.
 void Paint_Program(bool watched) {
   // Coordinates that nothing has named yet stand at 0, whatever was drawn before.
@@ -142,6 +144,7 @@ void Paint(bool watched) {
   if (!Plot_Host.Picture1) return;
   Trap("NIST_RePlot_Error", [watched] {
     Paint_Table();
+    Paint_Path_Before();
     Paint_Program(watched);
   });
   Plot_Host.Frame_Changed();
@@ -242,8 +245,26 @@ void Plot_Refresh() {
 }
 
 void Plot_New_Program() {
+  if (!std::exchange(Plot.Path_Before_Waits, false)) Plot.Path_Before.Clear();
   Recompute_Program_Extents();
   NIST_Plot(true);
+}
+
+void Plot_Keep_Path_Before() {
+  Plot.Path_Before = Plot.PlotLines;
+  Display_List& path = Plot.Path_Before;
+  path.Fill_Leading({});
+  const std::int32_t color = Faint_On(Current_Palette()[plot_role::Background]);
+  std::fill(path.Color.begin(), path.Color.end(), color);
+  std::fill(path.Width.begin(), path.Width.end(), std::int16_t{1});
+  path.NodeMark.assign(path.Count(), false);
+  path.Has_Nodes = false;
+  Plot.Path_Before_Waits = true;
+}
+
+void Plot_Forget_Path_Before() {
+  Plot.Path_Before.Clear();
+  Plot.Path_Before_Waits = false;
 }
 
 void Plot_Highlight_Step(std::int32_t step) {

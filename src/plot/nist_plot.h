@@ -35,6 +35,10 @@ struct Plot_State {
   Nullable Remembered_Tool;               // the last tool that a wire of a run named
   Indexed<Nullable, 1, 3> Current_Point;  // end of the last wire drawn by a run
 
+  // --- The path of before a change of the program's text ---------------------------------------
+  Display_List Path_Before;        // drawn faint under the program
+  bool Path_Before_Waits = false;  // kept, but the program that is drawn is still that of before
+
   // --- Set by the window ---------------------------------------------------------------------
   // Colours for a background that the setup does not know (a dark desktop); absent: the setup's.
   std::optional<Plot_Palette> Palette;
@@ -72,6 +76,11 @@ void Plot_Mark_At_Cursor(std::string_view text);
 void Plot_Refresh();
 // After a compile or load: extents of the program, then a redraw.
 void Plot_New_Program();
+// The path that is drawn now is kept, and drawn faint under that of the next new program. The one
+// after it forgets it.
+void Plot_Keep_Path_Before();
+// Another program takes the place of this one: there is nothing to compare.
+void Plot_Forget_Path_Before();
 // Marks a step of the program: paints the lists and the step's highlight.
 void Plot_Highlight_Step(std::int32_t step);
 

@@ -63,6 +63,16 @@ std::int32_t Ink_On(std::int32_t background) {
   return Contrast(Black, background) >= Line_Contrast ? Black : White;
 }
 
+std::int32_t Faint_On(std::int32_t background) {
+  const std::int32_t ink = Ink_On(background);
+  std::int32_t color = 0;
+  for (int shift = 0; shift <= 16; shift += 8) {
+    const std::int32_t ground = background >> shift & 0xFF, full = ink >> shift & 0xFF;
+    color |= (ground + (full - ground) / 4) << shift;
+  }
+  return color;
+}
+
 std::int32_t Readable_Color(std::int32_t color, std::int32_t background, double contrast) {
   return Mixed_Until(color, Ink_On(background), [background, contrast](std::int32_t mixed) {
     return Contrast(mixed, background) >= contrast;

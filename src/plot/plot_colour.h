@@ -36,6 +36,9 @@ double Contrast(std::int32_t one, std::int32_t other);
 // Black, or white on a background on which black could not be seen.
 std::int32_t Ink_On(std::int32_t background);
 
+// For what stands behind the program: a quarter of the way from the background to its ink.
+std::int32_t Faint_On(std::int32_t background);
+
 // A colour moved towards black or white until it has a contrast to the background, keeping its hue;
 // one that has it stays.
 std::int32_t Readable_Color(std::int32_t color, std::int32_t background, double contrast);

@@ -258,15 +258,10 @@ void Plot_Key_Up(int key_code) {
 
 namespace {
 
-constexpr double Tool_Room = 1100, Border_On_Resize = 100, Border_On_Load = 200;
+constexpr double Tool_Room = 1100, Border_On_Resize = 100;
 constexpr double Smallest_Form = 2000;
 
 }  // namespace
-
-void Plot_Form_Load(double main_client_height) {
-  Plot_Form.Form_Height = main_client_height - Tool_Room - Border_On_Load;
-  Plot_Form.Pointer = Surface_Pointer::Cross;
-}
 
 void Plot_Form_Resize(double width, double height, bool minimised) {
   Plot_Form_Record& f = Plot_Form;
@@ -285,11 +280,6 @@ void Plot_Form_Resize(double width, double height, bool minimised) {
 World_Point Plot_Pixel_To_World(double x, double y, double width, double height) {
   const Plot_Scale s = Current_Scale();
   return {s.Left + x / width * s.Width(), s.Top + y / height * s.Height()};
-}
-
-World_Point Plot_World_To_Pixel(double x, double y, double width, double height) {
-  const Plot_Scale s = Current_Scale();
-  return {(x - s.Left) / s.Width() * width, (y - s.Top) / s.Height() * height};
 }
 
 void Paint_Shapes(Plot_Surface& over_picture) {

@@ -117,9 +117,7 @@ void Plot_Key_Up(int key_code);
 
 // --- The window itself -----------------------------------------------------------------------
 
-// The window opens: its height follows the main window's (window units) until a saved place says
-// otherwise.
-void Plot_Form_Load(double main_client_height);
+// Width and height in window units, 15 to a pixel.
 void Plot_Form_Resize(double width, double height, bool minimised);
 
 // --- For the window's painting ---------------------------------------------------------------
@@ -127,9 +125,8 @@ void Plot_Form_Resize(double width, double height, bool minimised);
 struct World_Point {
   double X = 0, Y = 0;
 };
-// The plot coordinates of a place on a surface of `width` x `height` pixels, and back.
+// The plot coordinates of a place on a surface of `width` x `height` pixels.
 World_Point Plot_Pixel_To_World(double x, double y, double width, double height);
-World_Point Plot_World_To_Pixel(double x, double y, double width, double height);
 // Draws the visible shapes over a copy of the picture, the spindle over a copy of the strip. The
 // surfaces must have the scales of the originals.
 void Paint_Shapes(Plot_Surface& over_picture);

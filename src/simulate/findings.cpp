@@ -1,5 +1,7 @@
 #include "simulate/findings.h"
 
+#include "core/axes.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -39,19 +41,11 @@ bool Count_Finding(Finding_Kind kind, int axis, std::int64_t time) {
 
 void Word_Finding(const std::string& text) {
   Finding& finding = Findings.List.back();
-  finding.Text = finding.Axis == 0 ? text : std::string(1, " XYZA"[finding.Axis]) + ": " + text;
+  finding.Text = finding.Axis == 0 ? text : std::string(1, Axis_Letter(finding.Axis)) + ": " + text;
 }
 
 void Add_Setup_Finding(const std::string& text) {
   Findings.List.push_back({Finding_Kind::Setup, 0, 0, 0, 1, text});
-}
-
-std::int64_t Finding_Count(Finding_Kind kind, int axis) {
-  std::int64_t count = 0;
-  for (const Finding& finding : Findings.List) {
-    if (finding.Kind == kind && (axis == 0 || finding.Axis == axis)) count += finding.Count;
-  }
-  return count;
 }
 
 std::vector<std::string> Findings_Text() {

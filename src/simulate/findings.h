@@ -52,8 +52,6 @@ void Word_Finding(const std::string& text);
 // A finding of the pin map; each text is its own entry.
 void Add_Setup_Finding(const std::string& text);
 
-// Cases of a kind so far, for one axis or, with 0, for all.
-std::int64_t Finding_Count(Finding_Kind kind, int axis = 0);
 // One line for each entry, the one that happened last first: "12.345678 s  X: ... (3 times)".
 std::vector<std::string> Findings_Text();
 

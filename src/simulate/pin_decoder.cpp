@@ -43,7 +43,7 @@ std::string Output_Name(int slot) {
 std::string Input_Name(int slot) {
   if (slot == 0) return "E-stop input";
   if (slot == 5) return "auxiliary input";
-  return std::string(1, " XYZA"[slot]) + " switch";
+  return std::string(1, Axis_Letter(slot)) + " switch";
 }
 
 struct Named_Pin {
@@ -90,7 +90,7 @@ void Check_Axes(const Wired_Map& map, std::vector<std::string>& texts) {
     const bool step = map.Outputs[3 * axis - 2].Mask != 0;
     const bool direction = map.Outputs[3 * axis - 1].Mask != 0;
     if (step == direction) continue;
-    texts.push_back(std::string(1, " XYZA"[axis]) +
+    texts.push_back(std::string(1, Axis_Letter(axis)) +
                     (step ? " has a step pin but no direction pin: it can move one way only"
                           : " has a direction pin but no step pin: it cannot move"));
   }

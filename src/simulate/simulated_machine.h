@@ -172,7 +172,7 @@ void Load_Simulated_Machine();
 // The same without a look at the pointer file, all at the defaults.
 void Reset_Simulated_Machine();
 // Writes the settings that differ from their defaults to section "Simulated Machine" of the pointer
-// file; the others follow the setup. False when the file cannot be written, which is then told.
+// file; the others follow the setup. False, after a message, when the file cannot be written.
 bool Save_Simulation_Settings();
 // Fills Port_Read and Port_Write of `Platform`.
 void Install_Simulated_Machine();

@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <chrono>
 #include <cmath>
+#include <functional>
 #include <thread>
+#include <utility>
 
 namespace norvik {
 
@@ -45,59 +47,27 @@ void Delay_In_Period(std::int32_t microseconds, std::int64_t period_ns) {
   clock.Keeper.Ended(end);
 }
 
-Virtual_Clock_State::Timer* Due_Timer(std::int64_t until) {
-  Virtual_Clock_State::Timer* next = nullptr;
-  for (auto& timer : Virtual_Clock.Timers) {
-    if (timer.Running || timer.Due > until) continue;
-    if (next == nullptr || timer.Due < next->Due) next = &timer;
-  }
-  return next;
-}
-
-// Each due timer once, in the order in which they fell due. A handler may start and stop timers and
-// may yield.
-void Run_Due_Timers() {
-  const std::int64_t round = Virtual_Clock.Now;
-  while (auto* timer = Due_Timer(round)) {
-    const Timer_Id id = timer->Id;
-    const auto handler = timer->Handler;
-    // The next of its intervals that lies ahead: those that were missed are not made up.
-    timer->Due += ((round - timer->Due) / timer->Interval + 1) * timer->Interval;
-    timer->Running = true;
-    handler();
-    for (auto& other : Virtual_Clock.Timers) {
-      if (other.Id == id) other.Running = false;
-    }
-  }
-}
-
 // Someone waits by yielding.
 void Jump() {
-  const std::int64_t horizon = Virtual_Clock.Now + Longest_Jump;
-  const auto* timer = Due_Timer(horizon);
-  const std::int64_t target = timer == nullptr ? horizon : std::max(timer->Due, Virtual_Clock.Now);
-  Advance_Virtual_Clock(target - Virtual_Clock.Now);
+  const std::int64_t now = Virtual_Clock.Now;
+  Advance_Virtual_Clock(std::clamp(Virtual_Clock.Timers.Next_Due(), now, now + Longest_Jump) - now);
 }
 
 void Yield() {
   if (!Virtual_Clock.Delayed) Jump();
   Virtual_Clock.Delayed = false;
-  Run_Due_Timers();
+  Virtual_Clock.Timers.Run_Due(Virtual_Clock.Now);
   Virtual_Clock.Below.Do_Events();
 }
 
 Timer_Id Start_Timer(int interval_ms, std::function<void()> handler) {
-  Virtual_Clock_State& clock = Virtual_Clock;
-  const std::int64_t interval = std::max(interval_ms, 1) * Millisecond;
-  clock.Timers.push_back(
-      {++clock.Last_Timer, interval, clock.Now + interval, std::move(handler), false});
   // Apart from the ids of the environment below, whose timers may be stopped through here.
-  return -clock.Last_Timer;
+  return -Virtual_Clock.Timers.Start(interval_ms, Virtual_Clock.Now, std::move(handler));
 }
 
 void Stop_Timer(Timer_Id id) {
   if (id > 0) return Virtual_Clock.Below.Stop_Timer(id);
-  std::erase_if(Virtual_Clock.Timers, [id](const auto& timer) { return timer.Id == -id; });
+  Virtual_Clock.Timers.Stop(-id);
 }
 
 double Day_Clock() {

@@ -14,10 +14,9 @@
 
 #include "platform/period.h"
 #include "platform/platform.h"
+#include "platform/timer_queue.h"
 
 #include <cstdint>
-#include <functional>
-#include <vector>
 
 namespace norvik {
 
@@ -30,14 +29,7 @@ struct Virtual_Clock_State {
   double Speed_Factor = 0;
 
   // --- Inner ------------------------------------------------------------------------------------
-  struct Timer {
-    Timer_Id Id = 0;
-    std::int64_t Interval = 0, Due = 0;  // ns
-    std::function<void()> Handler;
-    bool Running = false;  // inside its own handler
-  };
-  std::vector<Timer> Timers;
-  Timer_Id Last_Timer = 0;
+  Timer_Queue Timers;
   bool Delayed = false;  // a delay has passed since the last yield
   Period_Keeper Keeper;
   double Day_Start = 0;                                            // day clock at Now = 0, seconds

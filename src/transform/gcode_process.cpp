@@ -311,13 +311,6 @@ const Transform_Row& Row_Of(Transform transform) {
   return Rows[static_cast<std::size_t>(transform)];
 }
 
-std::optional<Transform> Transform_Of(std::string_view name) {
-  for (const Transform transform : All_Transforms) {
-    if (Row_Of(transform).Name == name) return transform;
-  }
-  return std::nullopt;
-}
-
 Transform_Values Values_Of_Setup(Transform transform) {
   Transform_Values values;
   if (transform == Transform::Scale) {

@@ -17,7 +17,6 @@
 
 #include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -48,8 +47,6 @@ struct Transform_Row {
   int Values;               // how many numbers it takes
 };
 const Transform_Row& Row_Of(Transform transform);
-// By the name of a command line; absent when there is none.
-std::optional<Transform> Transform_Of(std::string_view name);
 
 struct Transform_Values {
   Indexed<float, 1, 3> Axis{{0, 0, 0}};  // factors or offsets of X, Y, Z, units of the program

@@ -6,8 +6,17 @@
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "parallel/last_writes.h"
+#include "parallel/port_ranges.h"
+#include "parallel/ports.h"
+#include "platform/linux/fatal_signals.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/linux/port_cards.h"
+#include "serial/serial_session.h"
+#include "simulate/board_port.h"
 #include "simulate/simulated_machine.h"
+
+#include <optional>
 
 namespace norvik {
 
@@ -24,10 +33,41 @@ std::string Told(const std::string& text) {
   return text;
 }
 
+std::string Simulated_Board_Of(int generation) {
+  return std::string(generation > 0 ? Simulated_Pelmar_Device : Simulated_Dravon_Device);
+}
+
+// While the banner says that nothing moves, nothing does.
+std::string Only_Simulated_Board(int generation, const std::string& named, const std::string&) {
+  if (named.starts_with("simulated:")) return named;
+  if (!named.empty())
+    Add_New_Message("The machine is simulated: " + named +
+                    " is not opened. Start Norvik with the serial board chosen to drive it.");
+  return Simulated_Board_Of(generation);
+}
+
+// The board that is there; a simulated one where the computer has no such port.
+std::string Board_That_Exists(int generation, const std::string& named, const std::string& listed) {
+  if (!named.empty()) return named;
+  return listed.empty() ? Simulated_Board_Of(generation) : listed;
+}
+
+// A serial setup: the parallel port stays as it is. Absent: the board is simulated.
+std::optional<std::string> Use_Serial_Board(const std::string& wanted) {
+  if (wanted == "SIMULATED") return std::nullopt;
+  Serial_Session_Host = {};
+  if (wanted != "DIRECT") Serial_Session_Host.Choose_Device = Board_That_Exists;
+  const std::string device = Device_Of_Port(MachineSetup.Dravon_CommPort);
+  if (device.starts_with("simulated:")) return std::nullopt;
+  Port_Choice.Simulated = false;
+  return Told("Port: serial board, motors will move");
+}
+
 std::string Use_Direct_Port(const Port_Right& right) {
   const Port_Right alone = Lock_Direct_Port();
   if (!alone.Granted) throw Fault(Fault_Number::Permission_Denied, alone.Words);
-  Install_Direct_Ports(&MachineSetup.Parallel_IODLL);
+  Install_Direct_Ports(&MachineSetup.Parallel_IODLL, {Is_Machine_Port, Words_About_Refused_Port});
+  Install_Fatal_Signals([]() noexcept { Make_Last_Writes(Write_Port_In_Handler, Written_Byte); });
   Port_Choice.Simulated = false;
   if (right.Granted) return Told("Port: real, motors will move");
   Port_Choice.Refusal = right.Words;
@@ -42,12 +82,24 @@ void Use_Simulated_Machine() {
   Load_Simulated_Machine();
   Install_Simulated_Machine();
   Axis_Memory_Host.Positions_Given = Align_With_Application;
+  Serial_Session_Host.Choose_Device = Only_Simulated_Board;
   Port_Choice.Simulated = true;
 }
 
+void Find_Cards() {
+  Port_Ranges.Cards = Ranges_In(ReadPointer("Platform", "Card_Ports"));
+  for (const Card_Range& card : Port_Cards()) Port_Ranges.Cards.push_back({card.First, card.Last});
+}
+
 std::string Choose_Port() {
+  Find_Cards();
   Port_Choice.Refusal.clear();
   const std::string wanted = Upper(Trim(ReadPointer("Platform", "Port_Access")));
+  if (MachineSetup.Parallel_Port_Type > 1) {
+    if (auto words = Use_Serial_Board(wanted)) return *words;
+    Use_Simulated_Machine();
+    return Told("Port: simulated machine");
+  }
   const Port_Right right = Direct_Port_Right(MachineSetup.Parallel_IODLL);
   if (wanted == "DIRECT") return Use_Direct_Port(right);
   if (wanted == "SIMULATED" || !right.Granted) {

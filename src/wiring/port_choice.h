@@ -8,6 +8,10 @@ namespace norvik {
 // Puts the simulated machine behind the port, at the positions where the axes stand.
 void Use_Simulated_Machine();
 
+// Fills `Port_Ranges.Cards` with the registers of add-on cards: those that the kernel knows, and
+// those that this computer's own pointer file names. The machine file has no say in it.
+void Find_Cards();
+
 // As `Port_Access` in section `Platform` of the pointer file says:
 //
 //   Direct      the hardware; without the right to it every access fails, and error log, message

@@ -25,6 +25,7 @@
 #include "parallel/step_engine.h"
 #include "parallel/timing.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <string>
@@ -36,37 +37,12 @@ namespace norvik {
 
 struct App_Test : testing::Test {
   App_Test() {
-    Application = {};
-    Machine = {};
-    Messages = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Recent = {};
-    Remembered = {};
-    Controller = {};
-    Compile_Status = {};
-    GCode_Program = {};
-    Program_Wire = {};
-    Program_Findings = {};
-    Main_Window = {};
-    Main_Form = {};
-    Main_Host = {};
-    Gcode_Form = {};
-    Gcode_Host = {};
-    Forms = {};
-    Drive_Session = {};
-    Drive_Session_Host = {};
-    Session_Mark = {};
-    Position_Memory = {};
-    Pins = {};
-    Drive_Status = {};
-    Step_Engine = {};
-    Timing = {};
+    Reset_App();
     Connect_App();
     Use_Folders({Folder.File("work"), Folder.File("config")});
     Record_Windows();
   }
-  ~App_Test() override { Application = {}; }
+  ~App_Test() override { Reset_App(); }
 
   // Every call of the windows, in order.
   void Record_Windows() {
@@ -85,9 +61,6 @@ struct App_Test : testing::Test {
     Main_Host.View_Of = [this](Form_Id form) { return Open[static_cast<std::size_t>(form)]; };
     Main_Host.Place_Main = [this](const Window_Place&) { Trace.push_back("place Main"); };
     Main_Host.Unload_Other_Windows = [this] { Trace.push_back("unload others"); };
-    Main_Host.Open_Joystick = [this](int device) {
-      Trace.push_back("joystick " + std::to_string(device));
-    };
   }
 
   std::string Write_File(const std::string& name, const std::string& text) {

@@ -30,10 +30,6 @@ struct Bitmap_Form_Test : App_Test {
     };
     Bitmap_Import_Form_Load(In(""));
   }
-  ~Bitmap_Form_Test() override {
-    Bitmap_Host = {};
-    Bitmap_Import = {};
-  }
   std::string Write_File(const std::string& name, const std::string& text) {
     std::filesystem::create_directories(Folder.File("pictures"));
     return App_Test::Write_File(name, text);
@@ -107,7 +103,6 @@ TEST_F(Bitmap_Form_Test, Open_And_Double_Click_Close_First_And_Import) {
   Bitmap_Import_File1_Click(0);
   Bitmap_Import_Command_Open_Click();
   EXPECT_EQ(Recent.RecentFiles[1], In("a.jpg"));
-  Import_Host = {};
 }
 
 TEST_F(Bitmap_Form_Test, Cancel_Imports_Nothing_And_The_Folder_Is_Remembered) {

@@ -551,6 +551,7 @@ TEST_F(GCode_Test, Display_Joins_The_Lines_And_Shows_Progress) {
   Gcode_Step_Display();
   EXPECT_THAT(panels, ElementsAre("GCode Step Display: Displaying data 50.00% completed",
                                   "GCode Step Display: Displaying data 100.00% completed"));
+  EXPECT_EQ(Messages.Panel[1], "");
   EXPECT_EQ(GCode_Program.Text->Whole().size(), 7000U);
   EXPECT_EQ(Compile_Status.CurrentStep, 1000);
   EXPECT_EQ(Machine.EndingStep, 1000);
@@ -560,6 +561,7 @@ TEST_F(GCode_Test, Display_Joins_The_Lines_And_Shows_Progress) {
   Print_Data();
   EXPECT_THAT(panels,
               ElementsAre("GCode Printing. 50.00% completed", "GCode Printing. 100.00% completed"));
+  EXPECT_EQ(Messages.Panel[1], "");
   EXPECT_EQ(scripted.Prints[0].size(), 1000U);
   scripted.Printer_Present = false;
   Print_Data();

@@ -39,14 +39,7 @@ const Menu_Case Menu_Cases[] = {
 };
 
 struct Import_Menu_Test : App_Test {
-  Import_Menu_Test() {
-    Restore_Factory_Setup();
-    Import_Report = {};
-  }
-  ~Import_Menu_Test() override {
-    Import_Host = {};
-    Bitmap_Host = {};
-  }
+  Import_Menu_Test() { Restore_Factory_Setup(); }
 
   std::string Two_Layers() {
     return Write_File("two.gbr",

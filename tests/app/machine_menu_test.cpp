@@ -71,11 +71,7 @@ TEST_F(Machine_Menu_Test, Reset_Asks_First) {
   EXPECT_FALSE(Setup_Store.RestoringDefaults);
 }
 
-TEST_F(Machine_Menu_Test, Levels_And_Layout_Are_Written) {
-  MachineSetup.Axis_Tool_Height[2] = -0.25F;
-  Save_Cut_Depths();
-  EXPECT_EQ(ReadSetup("Tool", "Axis_Tool_Height(2)"), "-0.25");
-  EXPECT_EQ(ReadSetup("Tool", "Axis_Tool_Height(0)"), "1");
+TEST_F(Machine_Menu_Test, The_Layout_Is_Written) {
   Main_Host.Show_Form(Form_Id::GCode);
   Save_Default_Form_View();
   EXPECT_EQ(ReadSetup("Form Position", "GCode_Open"), "True");

@@ -26,8 +26,7 @@ TEST_F(Startup_Test, First_Start_Leaves_A_Full_Machine_File) {
   EXPECT_EQ(Messages.LastMessage, "Starting Norvik");
   EXPECT_EQ(Messages.Panel[4], "Default_Machine");
   EXPECT_EQ(scripted.Running_Timers(), 3);  // two of the window, and the watch of the machine
-  EXPECT_THAT(Trace, ElementsAre("place Main", "show CNC_Controls", "show Plot", "show GCode",
-                                 "joystick 0"));
+  EXPECT_THAT(Trace, ElementsAre("place Main", "show CNC_Controls", "show Plot", "show GCode"));
 
   Activate_Main();
   ASSERT_EQ(scripted.Boxes.size(), 2U);
@@ -67,8 +66,7 @@ TEST_F(Startup_Test, Later_Start_Takes_Over_The_Run_Before) {
   EXPECT_EQ(Compiler.TravelFeed, 30);
   EXPECT_EQ(Compiler.CutFeed, 12.5F);
   EXPECT_THAT(scripted.Priorities, ElementsAre(1, 1));  // with the load, and once the drive is open
-  EXPECT_THAT(Trace,
-              ElementsAre("place Main", "show Plot", "show GCode", "joystick 0", "show Plot"));
+  EXPECT_THAT(Trace, ElementsAre("place Main", "show Plot", "show GCode", "show Plot"));
 }
 
 TEST_F(Startup_Test, Serial_Board_Gets_Positions_And_Its_Link) {

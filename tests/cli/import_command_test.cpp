@@ -7,6 +7,7 @@
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -26,13 +27,7 @@ struct Import_Command_Test : testing::Test {
   Import_Command_Test() { Write_File("inch.ini", Read_Whole_File(Samples + "/inch.ini")); }
   ~Import_Command_Test() override { Forget(); }
 
-  static void Forget() {
-    Application = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Import_Host = {};
-    GerberLayerSelection = {};
-  }
+  static void Forget() { Reset_App(); }
 
   // A call of the program; its standard error is in `Said`.
   int Import(std::vector<std::string> words) {

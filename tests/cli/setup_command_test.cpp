@@ -5,6 +5,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <fcntl.h>
@@ -21,12 +22,7 @@ using testing::Not;
 struct Setup_Command_Test : testing::Test {
   ~Setup_Command_Test() override { Forget(); }
 
-  static void Forget() {
-    Application = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Position_Memory = {};
-  }
+  static void Forget() { Reset_App(); }
 
   // A call of the program on `Machine`.
   int Call(std::vector<std::string> words, Companion_Environment environment = {}) {

@@ -13,6 +13,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <filesystem>
@@ -27,25 +28,16 @@ struct Sample {
 };
 
 struct Start_Up_Test : testing::TestWithParam<Sample> {
-  // The names in the sample setups begin where the samples' folder lies.
+  // The sample setups name their files beside themselves, wherever the program was started.
   Start_Up_Test() {
-    std::filesystem::current_path(std::filesystem::path(NORVIK_SAMPLES_FOLDER).parent_path());
+    std::filesystem::copy(NORVIK_SAMPLES_FOLDER, Samples, std::filesystem::copy_options::recursive);
+    std::filesystem::current_path(Folder.Path);
   }
   ~Start_Up_Test() override {
     std::filesystem::current_path(Before);
     Forget();
   }
-  static void Forget() {
-    Application = {};
-    Machine = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Tools = {};
-    Compiler = {};
-    Compiler_Memory = {};
-    Main_Window = {};
-    Main_Host = {};
-  }
+  static void Forget() { Reset_App(); }
 
   std::string Tables() { return Read_Whole_File(Compile_Tables.LineArc_Path) + Wires(); }
   std::string Wires() { return Read_Whole_File(Compile_Tables.Wire_Path); }
@@ -53,12 +45,11 @@ struct Start_Up_Test : testing::TestWithParam<Sample> {
   std::filesystem::path Before = std::filesystem::current_path();
   Temporary_Folder Folder;
   Scripted_Platform scripted;
-  std::string Program = std::string("samples/") + GetParam().Program,
-              Machine_File = Folder.File("machine.ini");
+  std::string Samples = Folder.File("samples"), Program = Samples + "/" + GetParam().Program,
+              Machine_File = Samples + "/" + GetParam().Machine;
 };
 
 TEST_P(Start_Up_Test, Both_Start_Ups_Make_The_Same_Tables) {
-  Replace_File(Machine_File, Read_Whole_File(std::string("samples/") + GetParam().Machine));
   Forget();
   Use_Folders({Folder.File("desktop"), Folder.File("desktop")});
   WritePointer("Machine", "Name", Machine_File);

@@ -10,16 +10,7 @@ namespace {
 
 class Compile_Losses_Test : public Line_Pass_Test {
  protected:
-  Compile_Losses_Test() {
-    Restore_Factory_Setup();
-    Compile_Status = {};
-    Compile_Losses = {};
-  }
-  ~Compile_Losses_Test() override {
-    GCode_Program = {};
-    Compile_Losses = {};
-    Compile_Status = {};
-  }
+  Compile_Losses_Test() { Restore_Factory_Setup(); }
   static std::vector<std::string> Losses_Of(const std::string& program) {
     GCode_Program.Text = std::make_shared<const GCode_Text>(program);
     EXPECT_TRUE(CompileProgram());

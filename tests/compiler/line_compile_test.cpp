@@ -1,6 +1,7 @@
 // The compile as a whole: files, passes, refusals, and what the operator is told.
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/interpreter/compile_section.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/tables/program_wire.h"
@@ -8,6 +9,9 @@
 #include "compiler/wires/feed_pass.h"
 #include "core/operation.h"
 #include "line_fixture.h"
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -20,15 +24,6 @@ class Compile_Test : public Line_Pass_Test {
     Restore_Factory_Setup();
     MachineSetup.Arc_Resolution = 32;
     MachineSetup.GC_IJ_Incremental = true;
-    Compile_Status = {};
-    Compile_Host = {};
-  }
-  ~Compile_Test() override {
-    GCode_Program = {};
-    Program_Wire = {};
-    Program_Wire_Host = {};
-    Compile_Host = {};
-    Compile_Status = {};
   }
   static void Take(const std::string& program) {
     GCode_Program.Text = std::make_shared<const GCode_Text>(program);
@@ -171,6 +166,50 @@ TEST_F(Compile_Test, Tables_that_cannot_be_written_leave_those_of_before) {
   EXPECT_THAT(Messages.Status_Box, ::testing::HasSubstr("could not write its tables"));
   EXPECT_FALSE(Logged().empty());
   EXPECT_FALSE(Program_Is_Held());
+}
+
+TEST_F(Compile_Test, Both_tables_are_of_one_compile_or_it_is_told) {
+  EXPECT_EQ(Standing_Of_Pair(Folder.string()), Pair_Standing::Nothing);
+  Take("G1 X1\n");
+  ASSERT_TRUE(CompileProgram());
+  EXPECT_EQ(Standing_Of_Pair(Folder.string()), Pair_Standing::Whole);
+  const std::string older = File(Wire_Table_Name);
+  ASSERT_TRUE(CompileBlock("G0 X2"));
+  EXPECT_EQ(Standing_Of_Pair(Folder.string()), Pair_Standing::Whole);
+  // As a crash between the two leaves them.
+  Take("G1 X3\n");
+  ASSERT_TRUE(CompileProgram());
+  Replace_File((Folder / Wire_Table_Name).string(), older);
+  EXPECT_EQ(Standing_Of_Pair(Folder.string()), Pair_Standing::Mixed);
+  ASSERT_TRUE(CompileProgram());
+  EXPECT_EQ(Standing_Of_Pair(Folder.string()), Pair_Standing::Whole);
+  for (const auto& entry : fs::directory_iterator(Folder)) {
+    EXPECT_FALSE(entry.is_directory()) << entry.path();
+  }
+}
+
+TEST_F(Compile_Test, Programs_that_compile_into_one_folder_never_mix_their_tables) {
+  constexpr int programs = 3, rounds = 15;
+  std::vector<pid_t> children;
+  for (int n = 0; n < programs; ++n) {
+    children.push_back(::fork());
+    if (children.back() != 0) continue;
+    Take("G1 X" + std::to_string(n + 1) + "\n");
+    bool all = true;
+    for (int round = 0; round < rounds; ++round) all = CompileProgram() && all;
+    ::_exit(all ? 0 : 1);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  EXPECT_EQ(Standing_Of_Pair(Folder.string()), Pair_Standing::Whole);
+  const Table<LineArc> records = Parse_LineArc_Table(File(LineArc_Table_Name), "records");
+  const Table<Wire> wires = Parse_Wire_Table(File(Wire_Table_Name), "wires");
+  ASSERT_EQ(records.Rows.size(), 1U);
+  ASSERT_EQ(wires.Rows.size(), 1U);
+  EXPECT_EQ(records.Rows[0].SourceText, wires.Rows[0].Block_Text);
 }
 
 TEST_F(Compile_Test, A_second_compile_waits_for_the_first) {

@@ -8,6 +8,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 
 #include <filesystem>
 #include <fstream>
@@ -27,21 +28,15 @@ class Line_Pass_Test : public ::testing::Test {
              ("line_" + std::to_string(::getpid()) + "_" +
               std::to_string(reinterpret_cast<std::uintptr_t>(this)));
     std::filesystem::create_directories(Folder);
-    Application = {};
+    Reset_Compiler();
     Application.ErrorFile = (Folder / "errors.txt").string();
     Application.Table_Folder = Folder.string();
-    Machine = {};
-    Tools = {};
-    Messages = {};
-    MachineSetup = {};
     MachineSetup.Axis_Format = "000.000";
     MachineSetup.Axis_Feed_Rate_Travel = 50;
     MachineSetup.Axis_Feed_Rate_Cut = 20;
-    Compiler = {};
-    Compiler_Memory = {};
-    Compile_Tables = {};
   }
   ~Line_Pass_Test() override {
+    Reset_Compiler();
     std::error_code ignored;
     std::filesystem::remove_all(Folder, ignored);
   }

@@ -1,10 +1,13 @@
 // The line pass as a whole: progress and ESC, wrong input, and properties of generated programs.
+#include "compiler/state/compile_losses.h"
 #include "compiler/text/block_reader.h"
 #include "line_allocations.h"
 #include "line_fixture.h"
 
 #include <random>
 #include <sstream>
+
+#include <sys/stat.h>
 
 namespace norvik {
 namespace {
@@ -47,8 +50,6 @@ TEST_F(Line_Pass_Test, Saved_changes_are_the_program) {
   EXPECT_EQ(Machine.EndingStep, 2);
   EXPECT_EQ(Compile_Status.CurrentStep, 2);
   EXPECT_EQ(Messages.Panel[1], "GCode Step Display: Updateing data...");
-  Compile_Status = {};
-  GCode_Program = {};
 }
 
 // --- Progress and ESC ----------------------------------------------------------------------------
@@ -67,6 +68,45 @@ TEST_F(Line_Pass_Test, Escape_leaves_what_was_written) {
   Scripted.On_Yield = [&] { Application.EscFlag = Scripted.Yields == 2; };
   EXPECT_EQ(Compile(Repeated("X1\n", 1000)).size(), 202U);
   EXPECT_FALSE(Application.EscFlag);
+}
+
+// A program or macro that would work for hours or fill the disk ends, and its line is named.
+TEST_F(Line_Pass_Test, Work_without_end_is_bounded) {
+  const auto expect_told = [&](const std::string& program, const char* excess) {
+    Compile_Losses = {};
+    Compile(program);
+    ASSERT_EQ(Compile_Losses.List.size(), 1U) << excess;
+    EXPECT_THAT(Compile_Losses.List[0].Why, ::testing::HasSubstr(excess));
+    EXPECT_EQ(Compile_Losses.List[0].Line, 2);
+    EXPECT_THAT(Logged(), ::testing::Contains(::testing::HasSubstr("at line 2")));
+  };
+  for (int n = 0; n < 3; ++n) {
+    const std::string inner = n == 2 ? "(nothing)" : "M98 " + std::to_string(n + 1);
+    MachineSetup.MacroFile[n] =
+        Write_File("macro" + std::to_string(n), "REPEAT 30000\n" + inner + "\nENDREPEAT\n");
+  }
+  Line_Pass_Limits.Lines = 5000;
+  expect_told("G0 X0\nM98 2\n", "more than 5000 lines");
+  Line_Pass_Limits = {};
+  Line_Pass_Limits.Macro_Calls = 100;
+  expect_told("G0 X0\nM98 1\n", "more than 100 calls");
+  Line_Pass_Limits = {};
+  Line_Pass_Limits.Text_Bytes = 1'000'000;
+  expect_told("G0 X0\nG81 X1 Y1 Z-1 R0.1 L3000 (" + std::string(1000, 'x') + ")\nG0 X1\n",
+              "more than 1 MB");
+  Line_Pass_Limits = {};
+}
+
+// What a machine file names need not be what it says.
+TEST_F(Line_Pass_Test, Macros_are_files_on_a_disk) {
+  const std::string pipe = (Folder / "pipe").string();
+  ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
+  for (const std::string& path :
+       {std::string("/dev/zero"), std::string("/proc/self/environ"), pipe}) {
+    MachineSetup.MacroFile[1] = path;
+    EXPECT_TRUE(Compile("M98 1\n").empty()) << path;
+    EXPECT_THAT(Logged(), ::testing::Contains(::testing::HasSubstr("choose a file on a disk")));
+  }
 }
 
 TEST_F(Line_Pass_Test, Escape_is_heard_in_repeats_and_macros) {

@@ -22,10 +22,10 @@ TEST_P(Samples, Compile_cleanly) {
   Application.MachineFile = (Folder / "machine.ini").string();
   std::filesystem::copy_file(folder + GetParam().Setup, Application.MachineFile);
   LoadMachineSetup();
-  // The paths in the setups count from the folder above.
+  // The setups name their files beside themselves.
   ASSERT_TRUE(Read_Tool_File(folder + GetParam().Tools));
   for (std::string& path : MachineSetup.MacroFile) {
-    if (!path.empty()) path = folder + "../" + path;
+    if (!path.empty()) path = folder + path;
   }
 
   GCode_Program.Text =

@@ -5,6 +5,7 @@
 #include "compiler/state/wire_table.h"
 #include "core/application.h"
 #include "core/setup.h"
+#include "support/reset.h"
 
 #include <gmock/gmock.h>
 
@@ -15,15 +16,14 @@ using testing::ElementsAre;
 
 struct Wire_Pass_Test : testing::Test {
   Wire_Pass_Test() {
-    Compiler = {};
-    Application.EscFlag = false;
+    Reset_Compiler();
     MachineSetup.Arc_Resolution = 4;
     MachineSetup.Arc_Max_Segments = 360;
     MachineSetup.UnitsofMeasurement = MachineSetup.Arc_Radius_Ignore = 0;
     MachineSetup.Parallel_Port_Type = 1;
     MachineSetup.GC_IJ_Incremental = true;
   }
-  ~Wire_Pass_Test() override { Compiler = {}; }
+  ~Wire_Pass_Test() override { Reset_Compiler(); }
 
   LineArc& Add(std::int32_t line, Record_Type type, Indexed<Nullable, 1, 6> end) {
     LineArc record;

@@ -11,7 +11,8 @@ Control_Test::Control_Test() {
   Folder =
       std::filesystem::temp_directory_path() / ("norvik_control_" + std::to_string(::getpid()));
   std::filesystem::create_directories(Folder);
-  Reset_State();
+  Reset_Control();
+  Reset_Simulate();
   Set_Up_Files();
   Set_Up_Machine();
   Reset_Simulated_Machine();
@@ -22,34 +23,9 @@ Control_Test::Control_Test() {
 }
 
 Control_Test::~Control_Test() {
-  Reset_State();
+  Reset_Control();
+  Reset_Simulate();
   std::filesystem::remove_all(Folder);
-}
-
-void Control_Test::Reset_State() {
-  Application = {};
-  Machine = {};
-  MachineSetup = {};
-  Messages = {};
-  Reset_Operations();
-  Controller = {};
-  CNC_Controls = {};
-  CNC_Controls_Host = {};
-  Run_Plot_Host = {};
-  Move_Trace = {};
-  Knob = {};
-  JogKey = {};
-  JogKey_Form = {};
-  Joystick_Jog = {};
-  Pins = {};
-  Drive_Status = {};
-  Timing = {};
-  Step_Engine = {};
-  Drive_Host = {};
-  Compile_Tables = {};
-  Compile_Status = {};
-  GCode_Program = {};
-  Program_Wire = {};
 }
 
 void Control_Test::Set_Up_Files() {

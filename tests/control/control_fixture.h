@@ -39,6 +39,7 @@
 #include "parallel/timing.h"
 #include "platform/scripted/scripted_platform.h"
 #include "simulate/simulated_machine.h"
+#include "support/reset.h"
 
 #include <algorithm>
 #include <array>
@@ -65,7 +66,6 @@ class Control_Test : public ::testing::Test {
   Control_Test();
   ~Control_Test() override;
 
-  static void Reset_State();
   void Set_Up_Files();
   static void Set_Up_Machine();
   static void Wire_Output(int slot, std::int32_t port, int bit);

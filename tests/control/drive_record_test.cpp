@@ -24,6 +24,7 @@ void Note(const std::string& call) {
 constexpr Drive_Operations Queue_Drive = {
     .Name = "a drive with a queue",
     .Overrides_Feed = true,
+    .Queues_Moves = true,
     .Refresh_Parameters = [] { Note("parameters"); },
     .Move =
         [](const Step_Request& request, Nullable s_word, std::int32_t step) {
@@ -38,7 +39,7 @@ constexpr Drive_Operations Queue_Drive = {
     .Wait_Empty =
         [] {
           Note("wait");
-          return true;
+          return Move_End::Done;
         },
     .Hold = [](bool held) { Note(held ? "hold" : "go on"); },
     .Stop = [] { Note("stop"); },
@@ -61,7 +62,7 @@ TEST_F(Drive_Record_Test, A_run_hands_its_moves_over_and_waits_for_the_last) {
   Load({{.Step = 1, .X = 1.0}, {.Step = 2, .X = 2.0}});
   Command_CNC_Play_Click();
   EXPECT_THAT(Calls, ElementsAre("parameters", "go on", "move 400 of step 1", "move 400 of step 2",
-                                 "wait"));
+                                 "wait", "wait"));
   EXPECT_EQ(Machine.Position[1], 2);
   EXPECT_EQ(Machine.Theoretical_Pos[1], 2);
 }
@@ -71,7 +72,7 @@ TEST_F(Drive_Record_Test, A_pause_of_the_program_waits_and_holds) {
   Command_CNC_Play_Click();
   EXPECT_EQ(Machine.CNCMode, CNC_Paused);
   EXPECT_THAT(Calls, ElementsAre("parameters", "go on", "move 400 of step 1", "move 0 of step 1",
-                                 "wait", "hold"));
+                                 "hold", "wait", "hold", "wait"));
   Calls.clear();
   Command_CNC_Stop_Click();
   EXPECT_THAT(Calls, ElementsAre("stop"));
@@ -110,10 +111,10 @@ TEST_F(Drive_Record_Test, A_move_that_is_not_taken_ends_the_run_with_its_reason)
 
 TEST_F(Drive_Record_Test, The_machine_file_chooses_the_drive) {
   Connect_Control();
-  const bool can_move[] = {false, true, false, false};  // by Parallel_Port_Type
+  const bool can_move[] = {false, true, false, false};  // by Parallel_Port_Type; no board answers
   for (std::int16_t type = 0; type <= 3; ++type) {
     MachineSetup.Parallel_Port_Type = type;
-    EXPECT_EQ(Drive().Missing.empty(), can_move[type]) << type;
+    EXPECT_EQ(Drive().Missing().empty(), can_move[type]) << type;
     EXPECT_EQ(Drive().Times_Half_Steps, can_move[type]) << type;
   }
 }

@@ -87,7 +87,9 @@ TEST_F(Execute_Step_Test, From_rest_is_used_up_by_the_first_wire_with_steps) {
   MachineSetup.Axis_Ramping = true;
   Load({{1, {}, {}, {}, {}, 0, {}, {}, {2, 1, 1, 1, 1}}, {2, 0.1}, {3, 0.2}});
   std::vector<double> starts;
-  Run_Plot_Host.Set_Pen = [&](const Wire&) { starts.push_back(Step_Engine.IPM_St); };
+  Run_Plot_Host.Draw_Segment = [&](std::size_t, const Wire&) {
+    starts.push_back(Step_Engine.IPM_St);
+  };
   Command_CNC_Play_Click();
   starts.push_back(Step_Engine.IPM_St);
   EXPECT_THAT(starts, ElementsAre(0, 0, 10, 60));

@@ -65,6 +65,8 @@ TEST_F(Home_Test, Plain_home_rises_goes_across_and_down) {
   EXPECT_EQ(Messages.MessageLog[0], "Homing Completed.");
   EXPECT_EQ(Messages.MessageLog[1], "Homing the Axis.");
   Expect_Position_True();
+  EXPECT_TRUE(Begin_Operation(Operation::Jog));
+  EXPECT_EQ(Messages.Panel[1], "");  // what is over is not said of what comes next
 }
 
 TEST_F(Home_Test, Without_a_Z_position_only_the_rise_is_left_of_Z) {

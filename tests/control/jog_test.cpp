@@ -489,7 +489,8 @@ TEST_F(Jog_Test, Positions_levels_and_feeds_are_edited_in_boxes) {
   Label_Tool_Height_Click(2);
   EXPECT_EQ(scripted.Inputs[2].Prompt, "Change Z Axis Deep Cut Depth");
   EXPECT_EQ(ReadSetup("Tool", "Axis_Tool_Height(2)"), "3.25");
-  Label_FeedRate_Cut_Click();  // no number
+  EXPECT_EQ(ReadSetup("Tool", "Axis_Tool_Height(0)"), "1");  // the three together
+  Label_FeedRate_Cut_Click();                                // no number
   EXPECT_EQ(MachineSetup.Axis_Feed_Rate_Cut, 60);
   EXPECT_THAT(Messages.Panel[1], HasSubstr("\"x\" is no number"));
   Label_FeedRate_Travel_Click();

@@ -2,6 +2,7 @@
 #include "control/safety/machine_check.h"
 
 #include "control_fixture.h"
+#include "parallel/port_ranges.h"
 
 namespace norvik {
 namespace {
@@ -17,6 +18,7 @@ class Machine_Check_Test : public Control_Test {
     setup.Axis_SPI.Fill(3000);
     setup.Axis_Max_Feed_Rate.Fill(100);
     setup.Axis_Ramping = true;
+    Port_Ranges.Cards = {{Output_Port_Address, Aux_Port}};
     setup.Axis_Ramp_Rate = 2;
     setup.Parallel_Time_Constant = 12;
     setup.E_Stop_Output_Disable = true;
@@ -112,6 +114,7 @@ const Hazard_Row Hazards[] = {
      [](auto& s) { s.Parallel_Input_Bit[2] = s.Parallel_Input_Bit[1]; }},
     {"Input_Port_3", "counts as on for ever", [](auto& s) { s.Input_Port[3] = 5; }},
     {"Output_Port_7", "never written", [](auto& s) { s.Output_Port[7] = 70000; }},
+    {"Output_Port_7", "0xCF9", [](auto& s) { s.Output_Port[7] = 0xCF9; }},
     {"Parallel_IODLL", "nothing is read or written", [](auto& s) { s.Parallel_IODLL = 3; }},
 };
 

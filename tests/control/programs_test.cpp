@@ -1,4 +1,5 @@
 // Whole programs: where they end, how long they take, and what a kill leaves behind.
+#include "compiler/compile/compile.h"
 #include "control/manual/home.h"
 #include "control/motion/waits.h"
 #include "control/panel/run_program.h"
@@ -97,6 +98,35 @@ TEST_F(Programs_Test, The_estimate_agrees_with_the_run) {
     ASSERT_TRUE(summary.Finished) << summary.Ended_By;
     EXPECT_NEAR(estimate / summary.Machine_Run_Time, 1, 0.01)
         << "ramps " << row.Ramping << " rate " << row.Rate;
+  }
+}
+
+// One plan for both: also where a wire begins faster than it cruises and so brakes from its first
+// step on, down to the speed of its end.
+TEST_F(Programs_Test, The_estimate_of_a_wire_ramps_as_the_machine_does) {
+  MachineSetup.Axis_Ramping = true;
+  MachineSetup.Axis_Ramp_Rate = 5;
+  struct {
+    float Start, Cruise, End;
+  } const rows[] = {{10, 60, 10}, {100, 50, 10}, {10, 60, 60}, {60, 60, 5}};
+  for (const auto& row : rows) {
+    Machine.Position = Machine.Theoretical_Pos = {};
+    Reset_Simulated_Machine();
+    Free_Axes();
+    Simulated_Machine.Access_Time = 0;
+    Load({{1, 0.1}, {2, 1.1}});
+    Wire& first = Program_Wire.Rows()[0];
+    first.IPM_S = MachineSetup.Axis_Ramp_Start;  // a run begins so
+    Wire& wire = Program_Wire.Rows()[1];
+    wire.IPM_S = row.Start;
+    wire.IPM_R = row.Cruise;
+    wire.IPM_E = row.End;
+    Indexed<double, 1, 4> from;
+    const double estimate =
+        Find_Material_ProcessTime(first, from) + Find_Material_ProcessTime(wire, from);
+    const Run_Summary summary = Run_Compiled_Program({""});
+    ASSERT_TRUE(summary.Finished) << summary.Ended_By;
+    EXPECT_NEAR(estimate / summary.Machine_Run_Time, 1, 0.005) << row.Start << " " << row.Cruise;
   }
 }
 
@@ -290,6 +320,23 @@ TEST_F(Text_Test, The_estimate_of_the_panel_agrees_with_the_run) {
   EXPECT_NEAR(*Controller.Estimated_Process_Time / summary.Machine_Run_Time, 1, 0.01);
   EXPECT_THAT(CNC_Controls.Label_MaterialProcess_Time.Caption,
               HasSubstr("Estimated Material Process Time 00:00:"));
+}
+
+// A crash has left a wire table of another compile beside the record table.
+TEST_F(Text_Test, An_estimate_of_mixed_tables_compiles_again) {
+  SaveChanges("G1 X3 F60\n");
+  ASSERT_TRUE(CompileProgram());
+  const std::string wires = Join_Path(Application.Table_Folder, Wire_Table_Name);
+  const std::string other = Read_Whole_File(wires);
+  SaveChanges("G1 X1 F60\n");
+  ASSERT_TRUE(CompileProgram());
+  Command_Estimate_Process_Time_Click();
+  const auto right = Controller.Estimated_Process_Time;
+  Replace_File(wires, other);
+  Command_Estimate_Process_Time_Click();
+  ASSERT_TRUE(right);
+  EXPECT_EQ(Controller.Estimated_Process_Time, right);
+  EXPECT_THAT(Messages.Status_Box, HasSubstr("not from one compile"));
 }
 
 TEST_F(Text_Test, An_estimate_waits_while_something_moves) {

@@ -40,6 +40,8 @@ TEST_F(Safety_Test, The_EStop_button_toggles) {
   const std::string log = Read_Whole_File(Application.ErrorFile);
   EXPECT_THAT(log, HasSubstr("Motor Enable Tripped"));
   EXPECT_THAT(log, HasSubstr("Motor Enable Cleared"));
+  EXPECT_THAT(Messages.MessageLog[1], HasSubstr("E-stop: the motors are disabled"));
+  EXPECT_THAT(Messages.MessageLog[0], HasSubstr("the motors are enabled"));
 }
 
 TEST_F(Safety_Test, The_one_way_form_makes_no_log_line_and_never_clears) {
@@ -60,6 +62,8 @@ TEST_F(Safety_Test, A_double_click_in_a_move_still_stops_it) {
   Command_CNC_Play_Click();
   EXPECT_TRUE(Machine.EStop_Flag);
   EXPECT_LT(Machine.Position[1], 1);
+  EXPECT_THAT(Messages.MessageLog, ::testing::Contains("Stopped by the E-stop."));
+  EXPECT_THAT(Messages.MessageLog, ::testing::Contains(control_text::EStop_Stays_Set));
   Command_EStop_Click();
   EXPECT_FALSE(Machine.EStop_Flag);
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);  // clearing moves nothing
@@ -108,6 +112,7 @@ TEST_F(Safety_Test, The_panels_timer_stops_a_paused_run_at_the_EStop_input) {
 TEST_F(Safety_Test, A_switch_closed_at_the_start_blocks_nothing_until_all_are_off) {
   Force_Input(1, Input_Force::On);
   Home_Safety_Check();
+  Tell_Home_Safety();
   EXPECT_TRUE(Drive_Status.Home_Safety_Off);
   ASSERT_EQ(scripted.Boxes.size(), 1U);
   EXPECT_EQ(scripted.Boxes[0].Title, "Caution");
@@ -126,8 +131,10 @@ TEST_F(Safety_Test, A_switch_closed_at_the_start_blocks_nothing_until_all_are_of
 
 TEST_F(Safety_Test, The_check_at_start_is_quiet_without_switches_or_with_unread_ones) {
   Home_Safety_Check();
+  Tell_Home_Safety();
   MachineSetup.Input_Port[2] = 1;  // never read: counts as on
   Home_Safety_Check();
+  Tell_Home_Safety();
   EXPECT_FALSE(Drive_Status.Home_Safety_Off);
   EXPECT_TRUE(scripted.Boxes.empty());
 }

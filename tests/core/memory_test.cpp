@@ -1,6 +1,7 @@
 // What the program remembers from run to run: recent files, windows, tools, positions.
 #include "core/application.h"
 #include "core/axis_memory.h"
+#include "core/beside_machine.h"
 #include "core/event_sounds.h"
 #include "core/messages.h"
 #include "core/paths.h"
@@ -10,6 +11,7 @@
 #include "core/tool_file.h"
 #include "core/window_memory.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <filesystem>
@@ -23,20 +25,12 @@ using testing::HasSubstr;
 
 struct Memory_Test : testing::Test {
   Memory_Test() {
-    Application = {};
-    Messages = {};
-    Machine = {};
-    Recent = {};
-    Remembered = {};
+    Reset_Core();
     Application.Pointer_Folder = Folder.Path;
     Application.MachineFile = Folder.File("Machine.ini");
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Memory_Test() override {
-    Application = {};
-    Recent_Host = {};
-    Window_Area = {};
-  }
+  ~Memory_Test() override { Reset_Core(); }
 
   Temporary_Folder Folder;
   Scripted_Platform scripted;
@@ -174,12 +168,26 @@ TEST_F(Memory_Test, Tool_File_Fills_Both_Tables) {
   EXPECT_EQ(Tools.Diameter[5], 0);
   EXPECT_EQ(Tools.Length[5], 1);
   EXPECT_EQ(Tools.Diameter[200], 2);
-  EXPECT_THAT(Messages.Panel[1], HasSubstr("line 5: \"abc,1\" is not diameter,offset"));
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("line 5 is not diameter,offset"));
   EXPECT_FALSE(Read_Tool_File(""));
   EXPECT_EQ(Tools.Diameter[200], 0);
   Tools.Diameter[1] = 1;
   EXPECT_FALSE(Read_Tool_File(Folder.Path));
   EXPECT_EQ(Tools.Diameter[1], 0);
+}
+
+TEST_F(Memory_Test, Files_That_The_Machine_File_Names_May_Lie_Beside_It) {
+  const Temporary_Folder elsewhere;
+  const auto before = std::filesystem::current_path();
+  std::filesystem::current_path(elsewhere.Path);
+  Replace_File(Folder.File("Default.tol"), "1,2\n");
+  EXPECT_EQ(Beside_Machine_File("Default.tol"), Folder.File("Default.tol"));
+  EXPECT_EQ(Beside_Machine_File("gone.gc"), "gone.gc");
+  EXPECT_EQ(Beside_Machine_File(Folder.File("gone.gc")), Folder.File("gone.gc"));
+  EXPECT_EQ(Beside_Machine_File(""), "");
+  Replace_File(elsewhere.File("Default.tol"), "3,4\n");  // the working folder comes first
+  EXPECT_EQ(Beside_Machine_File("Default.tol"), "Default.tol");
+  std::filesystem::current_path(before);
 }
 
 TEST_F(Memory_Test, Sounds_Play_Unless_Disabled) {

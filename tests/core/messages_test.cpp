@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "core/waiting.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
@@ -16,11 +17,10 @@ namespace {
 
 struct Messages_Test : testing::Test {
   Messages_Test() {
-    Messages = {};
-    Application = {};
+    Reset_Core();
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Messages_Test() override { Application = {}; }
+  ~Messages_Test() override { Reset_Core(); }
   std::string Log() { return Read_Whole_File(Application.ErrorFile); }
 
   Temporary_Folder Folder;
@@ -58,6 +58,41 @@ TEST_F(Messages_Test, Panels_One_And_Three_Are_Cleared_In_Time) {
   EXPECT_EQ(Messages.Status_Timeout[1], -1);
 }
 
+TEST_F(Messages_Test, What_Is_Over_Leaves_The_Panel_And_Stays_In_The_List) {
+  Messages = {};
+  Tell("Refused.", 5);
+  Tell("Refused.", 5);  // a key that repeats itself
+  EXPECT_EQ(Messages.Panel[1], "Refused.");
+  EXPECT_EQ(Messages.Status_Timeout[1], 5);
+  EXPECT_EQ(Messages.MessageLog[0], "Refused.");
+  EXPECT_EQ(Messages.MessageLog[1], "");
+  Clear_Standing_Status();  // ends by itself soon
+  EXPECT_EQ(Messages.Panel[1], "Refused.");
+  for (const int seconds : {-1, 1000}) {
+    SetStatus(1, "Done!", seconds);
+    Clear_Standing_Status();
+    EXPECT_EQ(Messages.Panel[1], "");
+    EXPECT_EQ(Messages.Status_Timeout[1], -1);
+  }
+  // Work that ends well, by a fault, and after another text has come.
+  {
+    const Progress_Status work("Work: ");
+    SetStatus(1, "Work: 99.00% completed", 5);
+  }
+  EXPECT_EQ(Messages.Panel[1], "");
+  EXPECT_FALSE(Trap("Work", [] {
+    const Progress_Status work("Work: ");
+    SetStatus(1, "Work: file", -1);
+    throw Fault(Fault_Number::Disk_Full, "full");
+  }));
+  EXPECT_THAT(Messages.Panel[1], testing::HasSubstr("full"));
+  {
+    const Progress_Status work("Work: ");
+    SetStatus(1, "Lines are missing", 10);
+  }
+  EXPECT_EQ(Messages.Panel[1], "Lines are missing");
+}
+
 TEST_F(Messages_Test, Error_Log_Takes_One_Line_An_Entry) {
   ErrorLogWrite("first");
   EXPECT_EQ(Messages.Panel[1], "Error Write:first");
@@ -86,6 +121,16 @@ TEST_F(Messages_Test, Wait_Ends_By_The_Clock_That_Never_Goes_Back) {
   EXPECT_NEAR(static_cast<double>(scripted.Now), 0.5e9, 1e5);
   scripted.Yield_Nanoseconds = 0;
   Wait(1);  // a clock that stands still does not hang it
+  int asked = 0;
+  std::vector<std::int64_t> left;
+  const auto rest = [&](std::int64_t left_ns) {
+    left.push_back(left_ns);
+    Platform.Delay_Microseconds(400);
+  };
+  EXPECT_FALSE(Yield_Until([&] { return ++asked > 9; }, 1'000'000, rest));
+  EXPECT_THAT(left, testing::ElementsAre(1'000'000, 600'000, 200'000));
+  EXPECT_TRUE(Yield_Until([&] { return ++asked > 9; }, Without_Limit_ns, rest));
+  EXPECT_EQ(asked, 10);
   scripted.Press(key::Escape);
   EXPECT_TRUE(CheckEsc());
   EXPECT_TRUE(Application.EscFlag);

@@ -2,6 +2,7 @@
 
 #include "core/application.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 
 #include <gtest/gtest.h>
 
@@ -10,16 +11,8 @@ namespace {
 
 class Operation_Test : public ::testing::Test {
  protected:
-  Operation_Test() {
-    Machine = {};
-    Application = {};
-    Reset_Operations();
-  }
-  ~Operation_Test() override {
-    Machine = {};
-    Application = {};
-    Reset_Operations();
-  }
+  Operation_Test() { Reset_Core(); }
+  ~Operation_Test() override { Reset_Core(); }
   Scripted_Platform Scripted;
 };
 

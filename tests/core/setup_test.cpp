@@ -6,12 +6,15 @@
 #include "core/paths.h"
 #include "core/profile_file.h"
 #include "core/setup_table.h"
+#include "core/setup_tail.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <csignal>
 #include <filesystem>
 #include <map>
+#include <optional>
 #include <set>
 
 #include <gmock/gmock.h>
@@ -26,17 +29,13 @@ using testing::HasSubstr;
 class Setup_Test : public testing::Test {
  protected:
   Setup_Test() {
-    Application = {};
-    Messages = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Setup_Host = {};
+    Reset_Core();
     Application.AppDirectory = Folder.Path;
     Application.Pointer_Folder = Folder.Path;
     Application.MachineFile = Folder.File("Machine One.ini");
     Application.ErrorFile = Folder.File("NorvikErr.txt");
   }
-  ~Setup_Test() override { Application = {}; }
+  ~Setup_Test() override { Reset_Core(); }
 
   // A machine file with these lines behind the mark of a good save.
   void Write_Machine_File(const std::string& lines) {
@@ -231,7 +230,8 @@ TEST_F(Setup_Test, Save_Keeps_The_Order_Told_And_Foreign_Lines) {
         "[Sounds]\r\nSound_Files_0=",
         "[Corrections]\r\nRun_In_Table_Order=False\r\nLimit_Filter_Steps=0\r\n"
         "Home_Needs_Switch=False\r\nPort_Shadow=False\r\nOutputs_Before_Dwell=False\r\n"
-        "Slow_Before_Stops=False\r\nGoto_From_Position=False\r\n"}) {
+        "Slow_Before_Stops=False\r\nGoto_From_Position=False\r\nExport_All_Records=False\r\n"
+        "HPGL_Export_Raw_Z=False\r\n"}) {
     const auto found = fresh.find(line, place);
     ASSERT_NE(found, std::string::npos) << line;
     place = found;
@@ -377,6 +377,38 @@ TEST_F(Setup_Test, Kill_Leaves_A_Whole_File) {
   }
 }
 
+// The mark of a good save stands in front, so that it survives.
+TEST_F(Setup_Test, A_Lost_End_Is_Noticed_And_A_Short_File_Is_Not) {
+  LoadMachineSetup();
+  EXPECT_TRUE(Lost_Tail.Keys.empty());
+  const std::string whole = Read_Whole_File(Application.MachineFile);
+  std::size_t missing_before = 0;
+  for (const int percent : {90, 70, 40, 10}) {
+    SCOPED_TRACE(percent);
+    std::string part = whole.substr(0, whole.size() * static_cast<std::size_t>(percent) / 100);
+    part.resize(part.rfind('\n') + 1);
+    Replace_File(Application.MachineFile, part);
+    LoadMachineSetup();
+    EXPECT_GT(Lost_Tail.Keys.size(), missing_before);
+    missing_before = Lost_Tail.Keys.size();
+    EXPECT_THAT(Words_About_Lost_Tail(), HasSubstr(std::to_string(missing_before) + " settings"));
+  }
+  EXPECT_TRUE(SaveMachineSetup());
+  EXPECT_TRUE(Lost_Tail.Keys.empty());
+  LoadMachineSetup();
+  EXPECT_TRUE(Lost_Tail.Keys.empty());
+  // What people write by hand, and a file from before the corrections.
+  const std::string samples = NORVIK_SAMPLES_FOLDER;
+  for (const char* name : {"/inch.ini", "/metric.ini"}) {
+    Replace_File(Application.MachineFile, Read_Whole_File(samples + name));
+    LoadMachineSetup();
+    EXPECT_TRUE(Lost_Tail.Keys.empty()) << name;
+  }
+  Replace_File(Application.MachineFile, whole.substr(0, whole.find("[Corrections]")));
+  LoadMachineSetup();
+  EXPECT_TRUE(Lost_Tail.Keys.empty());
+}
+
 TEST_F(Setup_Test, Factory_Reset_Reads_No_Key) {
   Write_Machine_File(
       "Arc_Resolution=99\n[Axis]\nAxis_Format=0.0\n[Parallel Setup]\nParallel_Port_Type=3\n");
@@ -451,6 +483,34 @@ TEST_F(Setup_Test, A_Save_Leaves_What_Another_Program_Changed) {
   std::filesystem::remove(path);  // nothing is theirs in a file that is gone
   ASSERT_TRUE(SaveMachineSetup());
   EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "4000");
+}
+
+TEST_F(Setup_Test, Who_Saves_Over_Foreign_Changes_Is_Asked_Whose_Hold) {
+  const auto change_and_save = [&](std::optional<Box_Answer> answer) {
+    Write_Machine_File("Arc_Resolution=99\n[Axis]\nAxis_SPI_1=2000\nAxis_SPI_2=500\n");
+    LoadMachineSetup();
+    Write_Profile(Application.MachineFile, "Axis", "Axis_SPI_1", "3000");  // the other program
+    MachineSetup.Axis_SPI[2] = 700;
+    scripted.Boxes.clear();
+    if (answer) scripted.Box_Answers.push_back(*answer);
+    EXPECT_TRUE(SaveMachineSetup());
+    EXPECT_EQ(Stored("Axis", "Axis_SPI_2"), "700");
+  };
+  change_and_save(Box_Answer::Yes);
+  ASSERT_EQ(scripted.Boxes.size(), 1U);
+  EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("changed 1 settings"));
+  EXPECT_THAT(scripted.Boxes[0].Text, HasSubstr("Axis_SPI_1"));
+  EXPECT_EQ(MachineSetup.Axis_SPI[1], 3000);
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "3000");
+  EXPECT_TRUE(SaveMachineSetup());
+  EXPECT_EQ(scripted.Boxes.size(), 1U) << "asked once";
+  change_and_save(Box_Answer::No);
+  EXPECT_EQ(MachineSetup.Axis_SPI[1], 2000);
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "2000");
+  Setup_Store.Without_Windows = true;
+  change_and_save(std::nullopt);
+  EXPECT_TRUE(scripted.Boxes.empty());
+  EXPECT_EQ(Stored("Axis", "Axis_SPI_1"), "3000");
 }
 
 TEST_F(Setup_Test, A_Call_That_Was_Not_Asked_Leaves_The_Files) {

@@ -22,13 +22,7 @@ using ::testing::StartsWith;
 constexpr Gerber_Number_Format Leading{true, false}, Trailing{false, true}, Neither{};
 
 struct Gerber_Test : Import_Test {
-  Gerber_Test() {
-    MachineSetup.Gerber_Isolation_Minimum_Poly_Width = 0.009F;
-    Gerber_Table = {};
-    Gerber_Apertures = {};
-    Gerber_Layers = {};
-    Gerber_Format = {};
-  }
+  Gerber_Test() { MachineSetup.Gerber_Isolation_Minimum_Poly_Width = 0.009F; }
   // Both scans, without what comes behind.
   void Read(const std::string& text) {
     const std::string path = Store("board.gbr", text);

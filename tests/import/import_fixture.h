@@ -8,6 +8,7 @@
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 
 #include <filesystem>
 #include <fstream>
@@ -26,7 +27,7 @@ struct Import_Test : ::testing::Test {
              ("norvik_import_" + std::to_string(::getpid()) + "_" + std::to_string(++Count()));
     std::filesystem::create_directories(Folder);
     const auto path = [&](const char* name) { return (Folder / name).string(); };
-    Application = {};
+    Reset_Import();
     Application.AppDirectory = Folder.string();
     Application.ErrorFile = path("NorvikErr.txt");
     Application.Temporary_GCode = path("TEMP_NORVIK999.GC");
@@ -34,13 +35,10 @@ struct Import_Test : ::testing::Test {
     Application.HPGL_Scratch = path("HPGLtmp.txt");
     Application.Bitmap_Scratch = path("Bitmaptmp.txt");
     Application.Gerber_Scratch = path("Graftmp.txt");
-    Messages = {};
-    Import_Host = {};
     Import_Host.Open_GCode = [this](const std::string& opened) {
       ++Opened;
       Program = Read_Whole_File(opened);
     };
-    MachineSetup = {};
     MachineSetup.Axis_Format = "000.000";
     MachineSetup.Axis_Depth.Fill(10);
     MachineSetup.Axis_Feed_Rate_Cut = 5;
@@ -58,7 +56,6 @@ struct Import_Test : ::testing::Test {
     MachineSetup.Excellon_Integer_Format = 2;
     MachineSetup.Excellon_Decimal_Format = 3;
     MachineSetup.Excellon_Zero_Format = 2;
-    Tools = {};
   }
   ~Import_Test() override { std::filesystem::remove_all(Folder); }
 

@@ -7,6 +7,11 @@
 
 #include <algorithm>
 #include <regex>
+#include <string>
+#include <vector>
+
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace norvik {
 namespace {
@@ -256,6 +261,43 @@ TEST_P(Wrong_Input, What_cannot_be_read_or_written_is_told) {
   EXPECT_TRUE(By.Import(Store(By.File, sample)));
   EXPECT_EQ(Opened, std::string_view(By.Name) == "excellon" ? 1 : 0);
   EXPECT_EQ(Report().find("nothing was opened") == std::string::npos, Opened == 1);
+}
+
+// --- Several at once ---
+
+// As several programs of one user import at once: each gets its own drawing whole.
+TEST_F(Import_Test, Imports_at_once_never_mix_their_programs) {
+  constexpr int programs = 3, rounds = 20, entities = 60;
+  std::vector<pid_t> children;
+  for (int n = 0; n < programs; ++n) {
+    children.push_back(::fork());
+    if (children.back() != 0) continue;
+    const std::string x = std::to_string(n + 1);
+    std::string text = "0\nSECTION\n2\nENTITIES\n";
+    for (int line = 0; line < entities; ++line) {
+      const std::string y = std::to_string(line);
+      text += "0\nLINE\n8\n0\n10\n" + x + "\n20\n" + y + "\n11\n" + x + ".5\n21\n" + y + "\n";
+    }
+    const std::string path = Store("at_once_" + x + ".dxf", text + "0\nENDSEC\n0\nEOF\n");
+    std::string first;
+    bool same = true;
+    for (int round = 0; round < rounds && same; ++round) {
+      Program.clear();
+      Import_DXF_File(path);
+      if (first.empty()) first = Program;
+      same =
+          !Program.empty() && Program == first && Program.find("at_once_" + x) != std::string::npos;
+    }
+    ::_exit(same ? 0 : 1);
+  }
+  for (const pid_t child : children) {
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    EXPECT_EQ(status, 0);
+  }
+  for (const auto& entry : std::filesystem::directory_iterator(Folder)) {
+    EXPECT_FALSE(entry.is_directory()) << entry.path();
+  }
 }
 
 // --- Sizes ---------------------------------------------------------------------------------------

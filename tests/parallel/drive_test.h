@@ -18,6 +18,7 @@
 #include "parallel/step_engine.h"
 #include "parallel/timing.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/reset.h"
 
 #include <gmock/gmock.h>
 
@@ -42,14 +43,7 @@ inline void Set_Standard_Pins() {
 }
 
 inline void Set_Standard_Machine() {
-  Application = {};
-  Machine = {};
-  Pins = {};
-  Drive_Status = {};
-  Timing = {};
-  Step_Engine = {};
-  Drive_Host = {};
-  Port_Failures = {};
+  Reset_Parallel();
   Restore_Factory_Setup();
   Set_Standard_Pins();
   MachineSetup.Axis_SPI.Fill(1000);
@@ -81,7 +75,7 @@ class Drive_Test : public testing::Test {
   }
   ~Drive_Test() override {
     Stop_Port_Recorder();
-    Drive_Host = {};
+    Reset_Parallel();
   }
 
   // Ends the recording and gives its writes of one port as "t=value" with t in microseconds.

@@ -4,6 +4,7 @@
 #include "core/paths.h"
 #include "parallel/drive_test.h"
 #include "parallel/parallel_drive.h"
+#include "parallel/port_ranges.h"
 #include "support/temporary_folder.h"
 
 namespace norvik {
@@ -122,6 +123,25 @@ TEST_F(Port_Setup_Test, Save_Keeps_What_Was_Set) {
   EXPECT_EQ(MachineSetup.Parallel_MCode_High[0], "62");
   EXPECT_EQ(MachineSetup.Parallel_Setup_Type, Pin_Setup_Page);
   EXPECT_TRUE(MachineSetup.Parallel_Output_Bit_Invert[1]);
+}
+
+// --- Which addresses a machine may be wired to ---------------------------------------------------
+
+TEST(Port_Ranges_Test, Only_Parallel_Ports_And_Cards_Are_Taken) {
+  for (const std::int32_t port : {0x378, 0x37A, 0x278, 0x3BE, 0x378 + 12, 0x3BE + 12}) {
+    EXPECT_TRUE(Is_Machine_Port(port)) << port;
+  }
+  for (const std::int32_t port : {0xCF9, 0x377, 0x37B, 0x3F8, 0xD000, 0, -1, 70'000}) {
+    EXPECT_FALSE(Is_Machine_Port(port)) << port;
+  }
+  Port_Ranges.Cards = Ranges_In("0xD000-0xD007, &HE000 768,nonsense,9-2,0x10,");
+  ASSERT_EQ(Port_Ranges.Cards.size(), 3U);
+  for (const std::int32_t port : {0xD000, 0xD007, 0xD007 + 12, 0xE000, 768}) {
+    EXPECT_TRUE(Is_Machine_Port(port)) << port;
+  }
+  for (const std::int32_t port : {0xD008, 0xE001, 0xCF9}) EXPECT_FALSE(Is_Machine_Port(port));
+  Port_Ranges = {};
+  EXPECT_THAT(Words_About_Refused_Port(0xCF9), HasSubstr("0xCF9"));
 }
 
 }  // namespace

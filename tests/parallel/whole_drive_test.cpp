@@ -4,6 +4,8 @@
 #include "parallel/drive_test.h"
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
+#include "support/findings.h"
+#include "support/reset.h"
 
 #include <random>
 
@@ -19,7 +21,8 @@ class Whole_Drive_Test : public testing::Test {
   }
   ~Whole_Drive_Test() override {
     Remove_Virtual_Clock();
-    Drive_Host = {};
+    Reset_Parallel();
+    Reset_Simulate();
   }
 
   // A machine without ends, so that any move fits.

@@ -2,12 +2,18 @@
 // machine, so rights are tested both ways.
 #include "platform/linux/linux_platform.h"
 
+#include "platform/linux/granted_ports.h"
 #include "platform/platform.h"
 #include "support/temporary_folder.h"
 
 #include <csignal>
+#include <cstddef>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <functional>
+#include <optional>
+#include <string>
 
 #include <gmock/gmock.h>
 #include <sys/mman.h>
@@ -133,7 +139,7 @@ TEST_F(Linux_Platform_Test, Priority_Levels_Are_Nice_Values) {
     EXPECT_EQ(::getpriority(PRIO_PROCESS, 0), -10);
     EXPECT_EQ(Platform.Set_Priority(0), "");
   } else {
-    EXPECT_THAT(refused, HasSubstr("cap_sys_nice"));
+    EXPECT_THAT(refused, HasSubstr("norvik-port"));
     EXPECT_THAT(refused, HasSubstr("limits.conf"));
   }
   EXPECT_EQ(::getpriority(PRIO_PROCESS, 0), started);
@@ -166,6 +172,71 @@ TEST_F(Linux_Platform_Test, One_Program_Drives_The_Port_And_The_Next_When_It_Has
   EXPECT_THAT(Lock_Direct_Port().Words, HasSubstr(folder.File("no/folder/port.lock")));
   for (const int end : ready) ::close(end);
   Set_Port_Lock("");
+}
+
+// --- Rights that come from elsewhere -------------------------------------------------------------
+
+// What the environment says about this process; gone with the scope.
+struct Environment_Value {
+  Environment_Value(const char* name, const std::string& value) : Name(name) {
+    const char* before = ::getenv(name);
+    if (before != nullptr) Before = before;
+    ::setenv(name, value.c_str(), 1);
+  }
+  ~Environment_Value() {
+    if (Before) {
+      ::setenv(Name, Before->c_str(), 1);
+    } else {
+      ::unsetenv(Name);
+    }
+  }
+  Environment_Value(const Environment_Value&) = delete;
+  Environment_Value& operator=(const Environment_Value&) = delete;
+
+  const char* Name;
+  std::optional<std::string> Before;
+};
+
+TEST_F(Linux_Platform_Test, Granted_Ports_Are_Believed_For_This_Process_Alone) {
+  const auto granted = [](const std::string& process, const std::string& ranges) {
+    const Environment_Value told("NORVIK_PORTS", process + ":" + ranges);
+    return Granted_Ports();
+  };
+  const std::string own = std::to_string(::getpid());
+  const auto ports = granted(own, "378-37A,D000-D000,zz-1,5,FFFF-1FFFF,");
+  EXPECT_EQ(ports.count(), 3U + 1U + 1U);
+  for (const std::size_t port : {0x378U, 0x379U, 0x37AU, 0xD000U, 0xFFFFU}) {
+    EXPECT_TRUE(ports[port]) << port;
+  }
+  EXPECT_TRUE(granted(std::to_string(::getppid()), "378-37A,").none());
+  EXPECT_TRUE(granted("", "378-37A,").none());
+  EXPECT_TRUE(granted(own, "").none());
+  EXPECT_EQ(Words_About_Own_Rights(), "");
+}
+
+TEST_F(Linux_Platform_Test, Locks_Lie_Where_Nobody_Else_Can_Write) {
+  const Temporary_Folder folder;
+  const std::string given = folder.File("given");
+  std::filesystem::create_directory(given);
+  const Environment_Value runtime("XDG_RUNTIME_DIR", given), temporary("TMPDIR", folder.Path);
+  const auto mode = [](const std::string& path, unsigned bits) {
+    std::filesystem::permissions(path, std::filesystem::perms(bits));
+  };
+  mode(given, 0700);
+  EXPECT_EQ(Runtime_Folder(), given);
+  mode(given, 0777);
+  const std::string own = folder.File("norvik-" + std::to_string(::geteuid()));
+  EXPECT_EQ(Runtime_Folder(), own);
+  EXPECT_EQ(std::filesystem::status(own).permissions(), std::filesystem::perms(0700));
+  // Somebody was there before, with a folder that all may write to, or a link to one of ours.
+  mode(own, 0777);
+  EXPECT_EQ(Runtime_Folder(), "");
+  Install_Instance_Lock();
+  EXPECT_TRUE(Platform.Other_Instance_Runs()) << "who does not know does not believe to be alone";
+  std::filesystem::remove(own);
+  std::filesystem::create_directory(folder.File("ours"));
+  std::filesystem::create_symlink("ours", own);
+  EXPECT_EQ(Runtime_Folder(), "");
 }
 
 }  // namespace

@@ -48,6 +48,23 @@ TEST_F(Nist_Plot_Test, Draws_The_Program_And_Cleans_Up) {
   EXPECT_THAT(Picture1.Lines(), IsEmpty());
 }
 
+TEST_F(Nist_Plot_Test, Path_Of_Before_Lies_Faint_Under_The_Next_One) {
+  constexpr std::int32_t faint = 0xBCBCBC;  // three quarters of the ground's 0xFA, rounded up
+  Load_Program({{.From = {}, .To = {1.0, 0.0, 0.0}}});
+  Plot_New_Program();
+  Plot_Keep_Path_Before();
+  Load_Program({{.From = {0.0, 0.0, 0.0}, .To = {2.0, 0.0, 0.0}}});
+  const Plot_Line old{0, 0, 1, 0, faint, 1}, present{0, 0, 2, 0, Cut_Color, 1};
+  NIST_Plot(true);
+  EXPECT_THAT(Picture1.Lines(), ElementsAre(present)) << "not before the next new program";
+  Plot_New_Program();
+  EXPECT_THAT(Picture1.Lines(), ElementsAre(old, present));
+  NIST_RePlot();
+  EXPECT_THAT(Picture1.Lines(), ElementsAre(old, present)) << "turning the view keeps it";
+  Plot_New_Program();
+  EXPECT_THAT(Picture1.Lines(), ElementsAre(present));
+}
+
 TEST_F(Nist_Plot_Test, Grid_And_Origin_Come_First) {
   MachineSetup.Plot_Show_Grid = 1;
   MachineSetup.Axis_Depth = {{4, 4, 4, 1}};

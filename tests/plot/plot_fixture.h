@@ -12,6 +12,7 @@
 #include "plot/plot_host.h"
 #include "plot/recording_surface.h"
 #include "plot/view.h"
+#include "support/reset.h"
 
 #include <array>
 #include <fstream>
@@ -73,21 +74,21 @@ inline void PrintTo(const Plot_Line& line, std::ostream* out) {
        << std::hex << line.Color << std::dec << " width " << line.Width;
 }
 
+// The place on a surface of `width` x `height` pixels where a plot coordinate lies: the reverse of
+// Plot_Pixel_To_World, which is linear.
+inline World_Point Plot_World_To_Pixel(double x, double y, double width, double height) {
+  const World_Point from = Plot_Pixel_To_World(0, 0, width, height);
+  const World_Point to = Plot_Pixel_To_World(width, height, width, height);
+  return {(x - from.X) / (to.X - from.X) * width, (y - from.Y) / (to.Y - from.Y) * height};
+}
+
 // Everything at its start state, a table of 10 x 8 x 4 with a grid of 1, an open plot window.
 class Plot_Test : public testing::Test {
  protected:
   Plot_Test() {
-    View = {};
-    Plot = {};
-    Plot_Form = {};
-    Cursor = {};
-    Messages = {};
-    Machine = {};
-    Application = {};
+    Reset_Plot();
     Application.ErrorFile = testing::TempDir() + std::to_string(::getpid()) + "plot_errors.txt";
     std::remove(Application.ErrorFile.c_str());
-    Tools = {};
-    MachineSetup = {};
     MachineSetup.Plot_Color = {
         {Travel_Color, Cut_Color, Deep_Color, Ground_Color, Grid_Color, 0x0000AA, 0x00AAAA}};
     MachineSetup.Axis_Depth = {{10, 8, 4, 1}};
@@ -97,11 +98,10 @@ class Plot_Test : public testing::Test {
     MachineSetup.Axis_Tool_Height = {{1, 0.5F, -1}};
     MachineSetup.Axis_Format = "000.000";
     Load_Program({});
-    Plot_Host = {};
     Plot_Host.Picture1 = &Picture1;
     Plot_Host.Picture_ZAxis = &Picture_ZAxis;
   }
-  ~Plot_Test() override { Plot_Host = {}; }
+  ~Plot_Test() override { Reset_Plot(); }
 
   std::string Error_Log() const {
     std::ifstream file(Application.ErrorFile);

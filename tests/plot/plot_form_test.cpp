@@ -233,8 +233,6 @@ TEST_F(Plot_Form_Test, Refresh_And_Escape_Bring_The_Highlight_Back) {
 }
 
 TEST_F(Plot_Form_Test, The_Surface_Stays_Square) {
-  Plot_Form_Load(10000);
-  EXPECT_EQ(Plot_Form.Form_Height, 8700);
   Plot_Form_Resize(12000, 9200, false);
   EXPECT_EQ(Plot_Form.Picture1.Width, 8000);
   EXPECT_EQ(Plot_Form.Picture1.Height, 8000);

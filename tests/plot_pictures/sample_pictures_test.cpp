@@ -11,6 +11,7 @@
 #include "platform/scripted/scripted_platform.h"
 #include "plot/plot_picture.h"
 #include "plot/view.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 
 #include <utility>
@@ -37,7 +38,7 @@ class Sample_Pictures : public testing::TestWithParam<Sample> {
 
 TEST_P(Sample_Pictures, Every_Preset_Looks_As_Stored) {
   const Sample& sample = GetParam();
-  Application = {};
+  Reset_Plot();
   Application.Table_Folder = Application.Pointer_Folder = Folder.Path;
   Application.ErrorFile = Folder.File("errors.txt");
   Application.MachineFile = Sample_File(sample.Machine);

@@ -6,6 +6,8 @@
 #include "platform/scripted/scripted_platform.h"
 #include "simulate/simulated_machine.h"
 #include "simulate/virtual_clock.h"
+#include "support/findings.h"
+#include "support/reset.h"
 
 #include <cstdint>
 #include <string>
@@ -22,8 +24,7 @@ inline constexpr std::uint16_t Data = 888, Status = 889, Control = 890, Second =
 class Simulated_Machine_Test : public testing::Test {
  protected:
   Simulated_Machine_Test() {
-    Application = {};
-    Machine = {};
+    Reset_Simulate();
     Restore_Factory_Setup();
     MachineSetup.Axis_SPI.Fill(100);
     Wire_Output(1, Data, 0);

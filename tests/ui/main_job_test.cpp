@@ -4,6 +4,7 @@
 #include "core/format.h"
 #include "core/operation.h"
 #include "core/version.h"
+#include "ui/program/gcode_colors.h"
 #include "ui/program/gcode_editor.h"
 #include "ui_fixture.h"
 
@@ -56,6 +57,26 @@ TEST_F(Main_Job_Test, The_Line_Numbers_Of_A_Long_Program_Stand_Beside_The_Text) 
   Open("long.gc", program);
   EXPECT_GT(text.viewport()->x(), before);
   EXPECT_GE(text.viewport()->x(), text.Margin_Width());
+}
+
+// What is underlined is not read, and what is read is not underlined.
+TEST_F(Main_Job_Test, A_Macro_Call_Is_Underlined_Only_Where_It_Runs_Nothing) {
+  MachineSetup.MacroFile[12] = Folder.File("twelve.gc");
+  Replace_File(MachineSetup.MacroFile[12], "G1 X1\n");
+  const auto underlined = [](const QString& line) {
+    std::string words;
+    for (const auto& span : GCode_HighlightWords(line))
+      if (span.format.underlineStyle() != QTextCharFormat::NoUnderline)
+        words += line.mid(span.start, span.length).trimmed().toStdString() + ";";
+    return words;
+  };
+  EXPECT_EQ(underlined("N5 M98 12 (file 7)"), "");
+  EXPECT_EQ(underlined("m98P12"), "");
+  EXPECT_EQ(underlined("M98 13"), "M98 13;");
+  EXPECT_EQ(underlined("M98"), "M98;");
+  EXPECT_EQ(underlined("G1 X1 M98 12"), "G1;X1;");  // the call alone is read
+  EXPECT_EQ(underlined("(M98 13)"), "M98 13;");
+  EXPECT_EQ(underlined("G1 X1 M97"), "M97;");
 }
 
 TEST_F(Main_Job_Test, Mouse_And_Wheel_Zoom_The_Plot) {

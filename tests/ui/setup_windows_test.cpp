@@ -266,7 +266,7 @@ TEST_F(Setup_Windows_Test, The_Port_Window_Tells_What_It_Cannot_Take_And_Forgets
   EXPECT_TRUE(In<QLabel>(window, "Label_Hint").isVisible());
   EXPECT_THAT(In<QLabel>(window, "Label_Hint").text().toStdString(), HasSubstr("\"LPT1\""));
   table.item(X_Step, Bit)->setText("NU");
-  EXPECT_EQ(In<QComboBox>(window, "Option_Port_Type").count(), 1);  // no board is offered
+  EXPECT_EQ(In<QComboBox>(window, "Option_Port_Type").count(), 3);  // the port and two boards
   Press(window, "Command_Cancel");
   EXPECT_EQ(In<QTableWidget>(Opened("Port_Setup"), "Table_Pins").item(X_Step, Bit)->text(), "0");
   EXPECT_EQ(MachineSetup.Parallel_Output_Bit[1], "0");

@@ -29,6 +29,7 @@
 #include "simulate/findings.h"
 #include "simulate/simulated_machine.h"
 #include "simulate/trail.h"
+#include "support/reset.h"
 #include "support/temporary_folder.h"
 #include "ui/main/main_window.h"
 #include "ui/simulated/simulated_window.h"
@@ -68,26 +69,8 @@ struct Ui_Test : testing::Test {
   }
 
   static void Forget() {
-    Application = {};
-    Machine = {};
-    Messages = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Recent = {};
-    Controller = {};
-    CNC_Controls = {};
-    Compile_Status = {};
-    GCode_Program = {};
-    Program_Wire = {};
-    Main_Window = {};
-    Main_Form = {};
-    Main_Host = {};
-    Gcode_Form = {};
-    Gcode_Host = {};
-    Forms = {};
-    Step_Engine = {};
-    Timing = {};
-    Window_Area = {};
+    Reset_App();
+    Reset_Simulate();
   }
 
   static std::string Main_Window_Size(int width, int height) {

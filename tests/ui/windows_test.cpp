@@ -112,11 +112,12 @@ TEST_F(Windows_Test, The_Layout_Of_The_Last_Time_Holds_Whatever_It_Is) {
   EXPECT_FALSE(Find("JogKey").hasFocus()) << "keys that move the machine ask for a click first";
 }
 
-TEST_F(Windows_Test, A_Factory_Reset_In_A_First_Run_Leaves_The_Three_Windows_Open) {
+TEST_F(Windows_Test, A_Factory_Reset_In_A_First_Run_Leaves_The_Windows_Open) {
+  Choose("Menu_Window_Simulated_Machine");
   scripted.Answer_Box(Box_Answer::Yes);
   scripted.Answer_Box(Box_Answer::Ok);
   Choose("Menu_Machine_Restore");
-  for (const char* name : {"Plot", "GCode", "CNC_Controls"}) {
+  for (const char* name : {"Plot", "GCode", "CNC_Controls", "Simulated_Machine"}) {
     EXPECT_TRUE(Window->Tool_Window_Is_Open(name)) << name;
   }
 }

@@ -34,7 +34,7 @@ struct Meant_Modes;
 void Check_Arcs(const Block_Event& event, const Meant_Modes& modes, std::size_t place,
                 std::vector<Pending_Arc>& pending, const Report_Finding& report);
 
-// Full circles agree with both readings of I and J. They are told where the other arcs of the
+// Full circles agree with both readings of I and J. They are findings where the other arcs of the
 // program agree with the other reading only.
 void Check_Full_Circles(
     const std::vector<Pending_Arc>& arcs,

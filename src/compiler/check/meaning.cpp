@@ -1,6 +1,7 @@
 #include "compiler/check/meaning.h"
 
 #include "compiler/arcs/records.h"
+#include "core/axes.h"
 #include "core/numbers.h"
 #include "core/setup.h"
 
@@ -177,7 +178,7 @@ std::optional<std::string> Meaning::End_Difference(const Block_Event& event,
   for (int axis = 1; axis <= 4; ++axis) {
     const Nullable meant = Target(event, axis);
     if (!Is_Known_And_Other(meant, row.End[axis])) continue;
-    const std::string letter(1, "XYZA"[axis - 1]);
+    const std::string letter(1, Axis_Letter(axis));
     return "it ends at " + letter + Finding_Number(*row.End[axis]) + ", as written at " + letter +
            Finding_Number(*meant);
   }
@@ -228,7 +229,8 @@ std::optional<std::string> Meaning::Centre_Difference(const LineArc& row, int mo
     const double h = side * std::sqrt(square) / d;
     meant[0] = (start[0] + end[0]) / 2 + h * dy;
     meant[1] = (start[1] + end[1]) / 2 - h * dx;
-    // A stored centre counts from zero here; that the setup may walk it otherwise is told apart.
+    // A stored centre counts from zero here; that the setup may walk it otherwise is a finding of
+    // its own.
     runs[0] = *row.CenterI;
     runs[1] = *row.CenterJ;
   } else {

@@ -2,11 +2,11 @@
 //
 // A small interpreter of its own follows the program by the rules of RS274/NGC, from the words as
 // their programmer reads them. It shares with the compiler only where the tool stands before a
-// line, so that one lost line is not told again with each line behind it:
+// line, so that one lost line is not reported again with each line behind it:
 //
 //   line      as meant                      as compiled
-//   G1X1      G1 to X1                      lost, told as such
-//   X2        goes on with G1, to X2        a travel move to X2     -> told by this page
+//   G1X1      G1 to X1                      lost: a finding of its own
+//   X2        goes on with G1, to X2        a travel move to X2     -> found by this file
 //
 // It is the last net: it speaks where the line does something else than meant and no rule with a
 // better text has found the cause.

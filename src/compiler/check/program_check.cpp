@@ -16,7 +16,9 @@
 #include "compiler/wires/wire_pass.h"
 #include "core/application.h"
 #include "core/axes.h"
+#include "core/beside_machine.h"
 #include "core/format.h"
+#include "core/messages.h"
 #include "core/numbers.h"
 #include "core/paths.h"
 #include "core/rounding.h"
@@ -66,6 +68,8 @@ struct Check_Place {
     return std::tie(a.Macro, a.Line) < std::tie(b.Macro, b.Line);
   }
 };
+
+constexpr const char* Progress_Front = "GCode Check: ";
 
 class Checker {
  public:
@@ -244,7 +248,7 @@ void Checker::Tell_Macro_Number(Check_Place place, const std::string& number) {
            "macros are numbered from 0 to 150");
     return;
   }
-  const std::string& path = MachineSetup.MacroFile[To_Int16(*value)];
+  const std::string path = Beside_Machine_File(MachineSetup.MacroFile[To_Int16(*value)]);
   if (!path.empty() && !FileExists(path)) {
     Report(place, Check_Kind::Macro_Missing, 0,
            "the file of macro " + number + " is missing: " + path);
@@ -445,13 +449,14 @@ Line_Pass_Operations Checker::Operations() {
   };
   operations.Macro_End = [this] { Files.pop_back(); };
   operations.Before_Yield = [] {};
-  operations.Progress_Front = "GCode Check: ";
+  operations.Progress_Front = Progress_Front;
   operations.Progress_Back = "% completed, press ESC to cancel";
   return operations;
 }
 
 std::vector<Check_Finding> Checker::Run(bool& whole) {
   const Compile_Section section(Operation::Check);
+  const Progress_Status progress(Progress_Front);
   const Kept_State kept;
   Compile_Status.Cut_Short = false;
   Check_Repeats(std::nullopt, Program->Line_Count(),
@@ -465,10 +470,6 @@ std::vector<Check_Finding> Checker::Run(bool& whole) {
 }
 
 }  // namespace
-
-std::string File_Of(const Check_Finding& finding) {
-  return finding.Macro ? MachineSetup.MacroFile[*finding.Macro] : std::string();
-}
 
 std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program, bool* whole) {
   bool finished = false;

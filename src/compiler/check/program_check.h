@@ -22,9 +22,6 @@
 
 namespace norvik {
 
-// The file of a finding in a macro; empty for the program itself.
-std::string File_Of(const Check_Finding& finding);
-
 // All findings: first the lines whose G or M words run together, then by line and column; lines of
 // macros behind those of the program. Each line and kind is told once, however often a repeat or a
 // macro runs it. Empty while another compile runs. ESC ends the check early; `whole`, where it is

@@ -267,7 +267,7 @@ void Tell_Words_Cut_Wrongly(const Line_Check& check) {
   }
 }
 
-// A line number takes all up to the next blank. What it takes beside its own number is told as one
+// A line number takes all up to the next blank. What it takes beside its own number is one
 // finding and leaves the line.
 void Take_Out_Swallowed(std::string_view text, Meant_Line& meant, const Report_Finding& report) {
   const auto number = std::ranges::find(meant.Words, 'N', &Meant_Word::Letter);

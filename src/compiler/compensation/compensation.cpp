@@ -28,7 +28,8 @@ using namespace compensation;
 
 constexpr std::int16_t Left = 1, Right = 2;
 constexpr std::int16_t XY_Plane = 17;
-// A contour that the tool does not fit into is wrong in many places; so many are told.
+// A contour that the tool does not fit into is wrong in many places; so many are named to the
+// operator.
 constexpr int Most_Gouges_Told = 20;
 
 bool Moves(const LineArc& record) {

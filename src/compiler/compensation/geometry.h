@@ -62,7 +62,7 @@ Piece Line_Piece(Point start, Point end);
 // Start and end equal: a full circle.
 Piece Arc_Piece(Point start, Point end, Point centre, Turn direction);
 
-// Angle from direction `from` to direction `to` in 0..2*pi, turning as told.
+// Angle from direction `from` to direction `to` in 0..2*pi, turning the way that is asked for.
 double Swept(Point from, Point to, Turn direction);
 
 // Direction of motion at either end; (0, 0) for a line without length.

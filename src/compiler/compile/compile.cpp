@@ -1,6 +1,7 @@
 #include "compiler/compile/compile.h"
 
 #include "compiler/compensation/compensation.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/interpreter/compile_section.h"
 #include "compiler/interpreter/line_pass.h"
 #include "compiler/state/compile_host.h"
@@ -16,6 +17,7 @@
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/paths.h"
+#include "core/working_name.h"
 #include "platform/platform.h"
 
 #include <optional>
@@ -30,9 +32,9 @@ bool Refused() {
   return Compile_Busy();
 }
 
-void Set_Paths(std::string_view wire_name) {
-  Compile_Tables.LineArc_Path = Join_Path(Application.Table_Folder, LineArc_Table_Name);
-  Compile_Tables.Wire_Path = Join_Path(Application.Table_Folder, wire_name);
+void Set_Paths(const std::string& folder, std::string_view wire_name) {
+  Compile_Tables.LineArc_Path = Join_Path(folder, LineArc_Table_Name);
+  Compile_Tables.Wire_Path = Join_Path(folder, wire_name);
 }
 
 void Report_Unwritten(const Fault& fault) {
@@ -40,12 +42,39 @@ void Report_Unwritten(const Fault& fault) {
   AddMessage("The compile could not write its tables: " + fault.Description);
 }
 
+// The tables of one compile in a folder of their own, so that no other program writes into them,
+// until both are complete and take their place together.
+class Tables_In_Work {
+ public:
+  explicit Tables_In_Work(std::string_view wire_name) : Wire_Name(wire_name) {
+    Trap_With(Report_Unwritten, [&] { Folder.emplace(Application.Table_Folder); });
+    if (Folder) Set_Paths(Folder->Path(), Wire_Name);
+  }
+  ~Tables_In_Work() { Set_Paths(Application.Table_Folder, Wire_Name); }
+  Tables_In_Work(const Tables_In_Work&) = delete;
+  Tables_In_Work& operator=(const Tables_In_Work&) = delete;
+
+  bool Can_Be_Written() const { return Folder.has_value(); }
+  // True when both stand where others read them.
+  bool Put_In_Place() {
+    return Trap_With(Report_Unwritten, [&] {
+      Place_Table_Pair(Application.Table_Folder, Compile_Tables.LineArc_Path,
+                       Compile_Tables.Wire_Path);
+    });
+  }
+
+ private:
+  std::string_view Wire_Name;
+  std::optional<Working_Folder> Folder;
+};
+
 // `Program_LineArc` on its way to disk. The records of a stretch of lines are written before the
 // yield that ends it, so that no long write stands at the end.
 class Record_File {
  public:
-  Record_File() {
-    Whole = Trap_With(Report_Unwritten, [&] { Writer.emplace(Compile_Tables.LineArc_Path); });
+  explicit Record_File(const Tables_In_Work& tables) {
+    Whole = tables.Can_Be_Written() &&
+            Trap_With(Report_Unwritten, [&] { Writer.emplace(Compile_Tables.LineArc_Path); });
   }
 
   // Appends the records made since the last call. Records that are still to be compensated wait.
@@ -107,7 +136,6 @@ void Begin_Program() {
   Compile_Losses = {};
   Present_Compile = Present_Sources();
   Compile_Host.Show_Progress("GCode Compile Progress");
-  Set_Paths(Wire_Table_Name);
 }
 
 void End_Program() {
@@ -118,7 +146,8 @@ void End_Program() {
 
 // All passes, up to the wires. True when both files are complete.
 bool Run_Passes(Table<Wire>& wires) {
-  Record_File records;
+  Tables_In_Work tables(Wire_Table_Name);
+  Record_File records(tables);
   Line_Pass_Operations operations = Compile_Operations();
   operations.Before_Yield = [&] { records.Add_New(); };
   Run_Line_Pass(Present_Compile.Text, std::move(operations));
@@ -134,7 +163,7 @@ bool Run_Passes(Table<Wire>& wires) {
     AddMessage("The compile could not write its wire table; the error log says why");
     return false;
   }
-  return records.Finish();
+  return records.Finish() && tables.Put_In_Place();
 }
 
 // The wires become the executing table. Those that cannot be taken leave an empty one that is not
@@ -183,16 +212,16 @@ bool CompileBlock(std::string_view text, const Start_Position& from) {
   DoEvents();
   Compile_Losses = {};
   Present_Compile = {};
-  Set_Paths(Block_Wire_Table_Name);
   Trap("CompileBlock", [&] {
-    Record_File records;
+    Tables_In_Work tables(Block_Wire_Table_Name);
+    Record_File records(tables);
     Run_Block_Pass(std::string(text), Compile_Operations(), from);
     Compiler.UsesCompensation = false;  // a block is not compensated
     if (!records.Complete()) return;
     wires = Convert_To_Wires();
     whole =
         Trap_With(Report_Unwritten, [&] { Write_Wire_Table(Compile_Tables.Wire_Path, wires); }) &&
-        records.Finish();
+        records.Finish() && tables.Put_In_Place();
   });
   Set_Panel(1, "");
   section.reset();

@@ -4,9 +4,9 @@
 //     -> wire pass -> feed pass -> Program_Wire on disk
 //
 // The tables stay in memory between the passes, and each file is written once. A file is replaced
-// only when the new one is complete: a full disk or a missing right is told and leaves the tables
-// of the last compile. ESC cuts a pass short; the passes behind it run over what there is, so the
-// files fit together.
+// only when the new one is complete: a full disk or a missing right is reported and leaves the
+// tables of the last compile. ESC cuts a pass short; the passes behind it run over what there is,
+// so the files fit together.
 //
 // The compiler knows no error in G-code as such: an unknown letter is left unread, an unknown code
 // does nothing, a block that cannot be read is logged and left out. `Compile_Losses`

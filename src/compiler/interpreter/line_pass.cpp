@@ -7,8 +7,10 @@
 #include "compiler/text/block_reader.h"
 #include "compiler/text/compile_sources.h"
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/error_log.h"
 #include "core/fault.h"
+#include "core/foreign_file.h"
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/numbers.h"
@@ -23,6 +25,8 @@
 #include <utility>
 
 namespace norvik {
+
+Line_Pass_Limits_State Line_Pass_Limits;
 
 namespace {
 
@@ -46,6 +50,11 @@ struct Line_Pass_State {
   std::size_t Bytes_Since_Yield = 0, Rows_At_Yield = 0;
   double Shown_Percent = -1;
   std::string Progress_Text;
+
+  // --- Work done --------------------------------------------------------------------------------
+  std::uint64_t Lines_Run = 0, Macro_Calls = 0;
+  std::uint64_t Text_Bytes = 0;  // of all records
+  std::size_t Rows_Counted = 0;
 
   std::string_view Call_Text;  // the line of the macro call at hand
 };
@@ -76,6 +85,9 @@ void Yield_With_Progress() {
 }
 
 void Count_Line(std::string_view text) {
+  ++Line_Pass.Lines_Run;
+  Line_Pass.Text_Bytes += (Row_Count() - Line_Pass.Rows_Counted) * text.size();
+  Line_Pass.Rows_Counted = Row_Count();
   ++Line_Pass.Lines_Since_Yield;
   Line_Pass.Bytes_Since_Yield += text.size();
   if (Line_Pass.Program_Lines > 0 &&
@@ -86,10 +98,31 @@ void Count_Line(std::string_view text) {
   }
 }
 
+// What the program has too much of; empty: it may go on.
+std::string Excess() {
+  const auto more_than = [](std::uint64_t count, const char* what) {
+    return "more than " + std::to_string(count) + what;
+  };
+  if (Row_Count() >= LineArc_Table_Limit) return more_than(LineArc_Table_Limit, " records");
+  if (Line_Pass.Lines_Run >= Line_Pass_Limits.Lines)
+    return more_than(Line_Pass_Limits.Lines, " lines of repeats and macros");
+  if (Line_Pass.Macro_Calls >= Line_Pass_Limits.Macro_Calls)
+    return more_than(Line_Pass_Limits.Macro_Calls, " calls of macros");
+  if (Line_Pass.Text_Bytes >= Line_Pass_Limits.Text_Bytes)
+    return more_than(Line_Pass_Limits.Text_Bytes / 1'000'000, " MB of block texts");
+  return {};
+}
+
+bool Has_Excess() {
+  return Row_Count() >= LineArc_Table_Limit || Line_Pass.Lines_Run >= Line_Pass_Limits.Lines ||
+         Line_Pass.Macro_Calls >= Line_Pass_Limits.Macro_Calls ||
+         Line_Pass.Text_Bytes >= Line_Pass_Limits.Text_Bytes;
+}
+
 // ESC stays set until the pass over the program clears it, so that macros and repeats end on it
 // too.
 bool Ends_Early() {
-  return Application.EscFlag || Row_Count() >= LineArc_Table_Limit;
+  return Application.EscFlag || Has_Excess();
 }
 
 // --- Repeats -------------------------------------------------------------------------------------
@@ -156,7 +189,7 @@ const Macro_Text& Text_Of_Macro(std::int16_t macro, const std::string& path) {
   auto& macros = Line_Pass.Texts->Macros;
   const auto known = macros.find(macro);
   if (known != macros.end()) return known->second;
-  return macros.try_emplace(macro, Read_Whole_File(path)).first->second;
+  return macros.try_emplace(macro, Read_Foreign_File(path, Largest_Macro_File)).first->second;
 }
 
 void Run_Macro_Lines(const Macro_Text& text) {
@@ -180,13 +213,14 @@ void Expand(std::int16_t macro) {
     Line_Pass.Operations.Show(macro, name + " already open");
     return Lose_Macro(name + " calls itself; a macro never runs within itself");
   }
-  const std::string path = MachineSetup.MacroFile[macro];
+  const std::string path = Beside_Machine_File(MachineSetup.MacroFile[macro]);
   Add_Macro_Source(Present_Compile, macro);
   if (path.empty()) {
     Line_Pass.Operations.Show(macro, name + " has no file assigned");
     return Lose_Macro(name + " has no file; choose one in the macro list");
   }
   if (!FileExists(path)) return Lose_Macro("the file of " + name + " is missing: " + path);
+  ++Line_Pass.Macro_Calls;
   const Open_Macro open(macro);
   SetStatus(1, "NIST Compile: Processing " + name, 5);
   const Macro_Text& text = Text_Of_Macro(macro, path);
@@ -198,13 +232,12 @@ void Expand(std::int16_t macro) {
 // --- The pass ------------------------------------------------------------------------------------
 
 void Report_Full_Table(std::string_view line) {
-  const std::string text = "The program makes more than " + std::to_string(LineArc_Table_Limit) +
-                           " records; the compile ends at line " +
+  const std::string excess = Excess();
+  const std::string text = "The program makes " + excess + "; the compile ends at line " +
                            std::to_string(Line_Pass.Program_Line) +
                            ". Look for a REPEAT, an L word or a macro that runs too often";
   Line_Pass.Operations.Table_Full(text);
-  Note_Loss_At(Line_Pass.Program_Line, Loss_Kind::Records, line,
-               "the program makes more than " + std::to_string(LineArc_Table_Limit) + " records");
+  Note_Loss_At(Line_Pass.Program_Line, Loss_Kind::Records, line, "the program makes " + excess);
 }
 
 // The state of a pass ends with it, whatever happens.
@@ -217,7 +250,7 @@ void Begin(std::shared_ptr<Compile_Texts> texts, Line_Pass_Operations operations
   Line_Pass.Runs = true;
   Line_Pass.Operations = std::move(operations);
   Line_Pass.Texts = texts;
-  Reset_Compiler(std::move(texts));
+  Begin_Compiler_State(std::move(texts));
   Take_User_Output_Codes();
 }
 
@@ -234,7 +267,7 @@ void Run_All_Lines(const GCode_Text& program) {
     Count_Line(text);
     if (Ends_Early()) break;
   }
-  if (Row_Count() >= LineArc_Table_Limit) Report_Full_Table(program.Line(Line_Pass.Program_Line));
+  if (Has_Excess()) Report_Full_Table(program.Line(Line_Pass.Program_Line));
   if (std::exchange(Application.EscFlag, false)) Compile_Status.Cut_Short = true;
 }
 

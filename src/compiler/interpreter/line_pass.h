@@ -47,6 +47,15 @@ struct Line_Pass_Operations {
 // What a compile uses.
 Line_Pass_Operations Compile_Operations();
 
+// More than any program needs; a wrong count in nested repeats or macros would work for hours or
+// fill the disk. The pass ends there as at a full table.
+struct Line_Pass_Limits_State {
+  std::uint64_t Lines = 20'000'000;  // run, those of repeats and macros each time
+  std::uint64_t Macro_Calls = 1'000'000;
+  std::uint64_t Text_Bytes = 500'000'000;  // of the blocks of all records
+};
+extern Line_Pass_Limits_State Line_Pass_Limits;
+
 // Runs the whole pass over `program`: state reset, all lines, into `Compile_Tables`. ESC ends it
 // early and is cleared, and so does a program that makes too many records, which is logged.
 // Nothing happens when a pass runs already: false.

@@ -13,7 +13,7 @@ Compile_Tables_State Compile_Tables;
 Compile_Status_State Compile_Status;
 Compile_Host_Operations Compile_Host;
 
-void Reset_Compiler(std::shared_ptr<const void> texts) {
+void Begin_Compiler_State(std::shared_ptr<const void> texts) {
   Compiler = {};
   Compiler.TravelFeed = MachineSetup.Axis_Feed_Rate_Travel;
   Compiler.CutFeed = MachineSetup.Axis_Feed_Rate_Cut;

@@ -157,6 +157,6 @@ extern Compile_Status_State Compile_Status;
 
 // Brings `Compiler` to its start state with the feeds of the setup, empties the record table and
 // lets it keep the texts that the coming records point into.
-void Reset_Compiler(std::shared_ptr<const void> texts);
+void Begin_Compiler_State(std::shared_ptr<const void> texts);
 
 }  // namespace norvik

@@ -85,7 +85,6 @@ class Code_Set {
     if (place >= 0) Bits |= std::uint64_t{1} << place;
   }
   void Remove(std::int8_t place) { Bits &= ~(std::uint64_t{1} << place); }
-  bool Has(std::int8_t place) const { return place >= 0 && (Bits >> place & 1) != 0; }
   bool Empty() const { return Bits == 0; }
   // The lowest place from `from` up to and without `end`; No_Code when there is none.
   int Next(int from, int end) const {

@@ -1,7 +1,9 @@
 #include "compiler/text/compile_sources.h"
 
 #include "core/application.h"
+#include "core/beside_machine.h"
 #include "core/fault.h"
+#include "core/foreign_file.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "core/setup_table.h"
@@ -46,7 +48,7 @@ std::uint64_t Hash_Of(std::string_view bytes) {
 Macro_Source Look_At(std::int16_t macro, bool with_content) {
   Macro_Source source;
   source.Number = macro;
-  source.Path = MachineSetup.MacroFile[macro];
+  source.Path = Beside_Machine_File(MachineSetup.MacroFile[macro]);
   source.Present = !source.Path.empty() && FileExists(source.Path);
   if (!source.Present) return source;
   std::error_code ignored;
@@ -54,7 +56,8 @@ Macro_Source Look_At(std::int16_t macro, bool with_content) {
   source.Modified =
       std::filesystem::last_write_time(source.Path, ignored).time_since_epoch().count();
   if (with_content)
-    Trap_With([](const Fault&) {}, [&] { source.Hash = Hash_Of(Read_Whole_File(source.Path)); });
+    Trap_With([](const Fault&) {},
+              [&] { source.Hash = Hash_Of(Read_Foreign_File(source.Path, Largest_Macro_File)); });
   return source;
 }
 

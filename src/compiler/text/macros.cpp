@@ -1,11 +1,14 @@
 #include "compiler/text/macros.h"
 
+#include "core/beside_machine.h"
 #include "core/fault.h"
 #include "core/numbers.h"
 #include "core/paths.h"
 #include "core/rounding.h"
+#include "core/setup.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <utility>
 
@@ -51,21 +54,35 @@ bool HasMacroCall(std::string_view text) {
   return false;
 }
 
-std::optional<std::string> MacroNumber(std::string_view text) {
-  const std::size_t call = Upper(text).find("M98");
-  if (call == npos) return std::nullopt;
-  std::string number;
-  bool seen = false;
-  for (const char c : text.substr(call + 3)) {
+std::optional<Macro_Call> Find_Macro_Call(std::string_view text) {
+  const std::size_t begin = Upper(text).find("M98");
+  if (begin == npos) return std::nullopt;
+  Macro_Call call{begin, begin + 3, {}};
+  for (std::size_t at = call.End; at < text.size(); ++at) {
+    const char c = text[at];
     if (Is_Digit(c) || c == ',' || c == '.') {
-      number += c;
-      seen = true;
-    } else if (seen) {
+      call.Number += c;
+      call.End = at + 1;
+    } else if (!call.Number.empty()) {
       break;
     }
   }
-  if (number.empty()) return std::nullopt;
-  return number;
+  return call;
+}
+
+std::optional<std::string> MacroNumber(std::string_view text) {
+  auto call = Find_Macro_Call(text);
+  if (!call || call->Number.empty()) return std::nullopt;
+  return std::move(call->Number);
+}
+
+std::optional<std::string> Macro_File(const std::string& number) {
+  const auto value = Try_Number(number);
+  constexpr double last = decltype(MachineSetup.MacroFile)::last;
+  if (!value || *value < 0 || std::nearbyint(*value) > last) return std::nullopt;
+  std::string path = Beside_Machine_File(MachineSetup.MacroFile[To_Int16(*value)]);
+  if (path.empty() || !FileExists(path)) return std::nullopt;
+  return path;
 }
 
 bool MayHoldRepeat(std::string_view text) {

@@ -12,6 +12,7 @@
 // A macro file's lines end at commas too.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -22,9 +23,17 @@ namespace norvik {
 
 // True when "M98" stands anywhere, in any case.
 bool HasMacroCall(std::string_view text);
+// The first call of a line: where it stands, up to behind its number, and the number (empty: none).
+struct Macro_Call {
+  std::size_t Begin, End;
+  std::string Number;
+};
+std::optional<Macro_Call> Find_Macro_Call(std::string_view text);
 // The digits, "," and "." behind the first "M98"; what stands before the first of them is passed
 // over. Absent when there are none.
 std::optional<std::string> MacroNumber(std::string_view text);
+// The file that a call of this number runs; absent when none is assigned or it is not there.
+std::optional<std::string> Macro_File(const std::string& number);
 
 // One stretch of lines that repeats.
 struct Repeat_State {

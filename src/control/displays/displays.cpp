@@ -9,7 +9,6 @@
 #include "core/setup.h"
 #include "drive/drive.h"
 #include "drive/drive_status.h"
-#include "parallel/timing.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -88,7 +87,8 @@ std::string Run_Activity() {
   return text + ": ends with this move, " + Format_Number(Move_Seconds_Left(), "0.0") + " s";
 }
 
-// What the machine really does, beside the state that the mode names; empty: nothing to add.
+}  // namespace
+
 std::string Activity_Text() {
   if (!Anything_Moves()) return {};
   const Operation_Entry& entry = *Present_Operation();
@@ -112,6 +112,8 @@ std::string Activity_Text() {
   }
 }
 
+namespace {
+
 void Fill_CNCMode() {
   const auto mode = std::clamp<int>(Machine.CNCMode, CNC_Stopped, CNC_Running);
   const Mode_Row& row = Mode_Rows[mode];
@@ -128,6 +130,9 @@ void Fill_CNC() {
   auto& form = CNC_Controls;
   form.Label_CNC_Step.Caption =
       "Step " + std::to_string(Machine.Run_Step) + " of " + std::to_string(Machine.EndingStep);
+  // 0, as a compile leaves it, runs from the first step too.
+  form.Text_StartingStep.Text = std::to_string(std::max(Machine.StartingStep, 1));
+  form.Text_EndingStep.Text = std::to_string(Machine.EndingStep);
   form.Label_Run_Timer.Caption =
       std::string(control_text::Timer) + Convert_Process_Time(Run_Time_Now());
   form.Label_Tool.Caption = Controller.Tool ? Shortest_Text(*Controller.Tool) : std::string();
@@ -158,7 +163,8 @@ void Fill_IO() {
   CNC_Controls.Label_EStop_State.Caption =
       tripped ? control_text::EStop_Tripped : control_text::EStop_Cleared;
   CNC_Controls.Label_EStop_State.Color = Red_When(tripped);
-  // What was told, not what is read back: a port that reads back nothing would untick the boxes.
+  // What they were last set to, not what is read back: a port that reads back nothing would untick
+  // the boxes.
   for (int n = 1; n <= 5; ++n)
     CNC_Controls.Check_Outputs[n - 1].Value = Drive_Status.Output_Commanded[n];
   for (int axis = 1; axis <= 4; ++axis)
@@ -183,6 +189,10 @@ void CNC_Display() {
 
 void CNC_Axis_Display() {
   Show(Fill_CNC_Axis);
+}
+
+void Display_IO() {
+  Show(Fill_IO);
 }
 
 std::string Convert_Process_Time(double seconds) {

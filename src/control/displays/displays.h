@@ -11,8 +11,11 @@ namespace norvik {
 
 // Buttons and `Label_CNC_Status` by `CNCMode`. While the E-stop is set the label keeps saying so.
 void CNCMode_Display();
-// Step, run timer, feeds, estimate, home safety.
+// Step, range of a run, run timer, feeds, estimate, home safety.
 void CNC_Display();
+// What the machine really does at this moment, beside the state that the mode names: "pausing: ends
+// with this move, 3.2 s", "homing Z: seek". Empty: nothing to add.
+std::string Activity_Text();
 // Positions and the distance to go of the running move.
 void CNC_Axis_Display();
 // Spindle, E-stop, outputs and limit switches.

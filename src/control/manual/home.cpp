@@ -57,7 +57,7 @@ Move_End Move_To(const Axis_Targets& target, Speeds speeds) {
   order.Target = target;
   order.Start = order.End = speeds.Edge;
   order.Run = speeds.Run;
-  return Machine_Move(order);
+  return Machine_Move_To_End(order);
 }
 
 Axis_Targets Only(int axis, Nullable target) {
@@ -105,7 +105,7 @@ std::optional<Move_End> Seek(int axis, double target, float run, const char* pha
   const Move_End end = Move_To(Only(axis, target), {Edge_Speed, run});
   if (!Arrived(end) && end != Move_End::Limit) return std::nullopt;
   constexpr double settle = 0.1;  // seconds
-  if (!Look_At_Stops() || !Wait_Seconds(settle) || !Drive().Wait_Empty()) return std::nullopt;
+  if (!Look_At_Stops() || !Wait_Seconds(settle)) return std::nullopt;
   return end;
 }
 

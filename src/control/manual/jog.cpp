@@ -5,6 +5,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/rounding.h"
@@ -30,7 +31,7 @@ std::string Ways_Text(const Step_Request& request) {
   std::string text;
   for (int axis = 1; axis <= 4; ++axis) {
     if (request.Steps[axis] <= 0) continue;
-    text += (text.empty() ? "" : " ") + std::string(1, " XYZA"[axis]);
+    text += (text.empty() ? "" : " ") + std::string(1, Axis_Letter(axis));
     text += request.Negative[axis] ? '-' : '+';
   }
   return text;
@@ -40,19 +41,19 @@ std::string Ways_Text(const Step_Request& request) {
 
 bool Begin_Jog(Operation wanted) {
   if (Anything_Moves()) {
-    SetStatus(1, control_text::Still_Moving, 5);
+    Tell(control_text::Still_Moving, 5);
     return false;
   }
   return Begin_Operation(wanted);
 }
 
 void Trap_Jog(std::string_view name, const std::function<void()>& jog) {
-  if (!Trap(name, jog)) SetStatus(1, control_text::Ended_By_Failure, 10);
+  if (!Trap(name, jog)) Tell(control_text::Ended_By_Failure, 10);
 }
 
 bool Jogs_By_Itself(int axis) {
   if (axis != 4 || MachineSetup.Slave_A_Axis_to == "None") return true;
-  SetStatus(1, control_text::A_Is_Slaved, 5);
+  Tell(control_text::A_Is_Slaved, 5);
   return false;
 }
 
@@ -81,8 +82,9 @@ void Run_Jog(const Step_Request& request, bool held) {
   Tell_Detail(Ways_Text(request));
   {
     const Value_In_Scope holds(Controller.Jog_Held, held);
-    const Move_End end = Drive_Move(request, std::nullopt, 0);
-    if (end == Move_End::Limit) SetStatus(1, Ended_By_Limit(), 5);
+    Move_End end = Drive_Move(request, std::nullopt, 0);
+    if (Arrived(end)) end = Wait_For_Moves();
+    if (end == Move_End::Limit) Tell(Ended_By_Limit(), 5);
     if (end == Move_End::EStop || end == Move_End::Escape || end == Move_End::Failed)
       Announce_End();
   }

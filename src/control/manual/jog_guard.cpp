@@ -32,8 +32,7 @@ void Refuse_While_Moving(std::function<Answer(Arguments...)>& operation) {
   operation = [inner = std::move(operation)](Arguments... arguments) -> Answer {
     if (!Anything_Moves()) return inner(arguments...);
     Jog_Guard_Window_Lost();
-    SetStatus(1, control_text::Not_While_Moving, 5);
-    Add_New_Message(control_text::Not_While_Moving);  // who asked may have words of its own
+    Tell(control_text::Not_While_Moving, 5);
     return {};
   };
 }

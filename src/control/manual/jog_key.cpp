@@ -87,7 +87,7 @@ void Start_Key_Jog(const std::vector<Jog_Way>& ways) {
       const bool turned = axis == 3 && MachineSetup.Display_Z_Coordinate_Invert;
       Add_Jog_Axis(request, axis, negative != turned, Key_Distance);
     }
-    const float feed = MachineSetup.Axis_Feed_Rate_Jogging / JogKey.Jog_Divisor;
+    const float feed = MachineSetup.Axis_Feed_Rate_Jogging / static_cast<float>(JogKey.Jog_Divisor);
     request.Start = MachineSetup.Axis_Ramp_Start;
     request.Run = request.End = feed;
     Controller.Live_Feed = feed;
@@ -153,7 +153,7 @@ void Display_Jog_Feed() {
 }
 
 void Increment_Jog_Toggle() {
-  JogKey.Jog_Divisor = JogKey.Jog_Divisor == 1 ? 2 : JogKey.Jog_Divisor == 2 ? 10 : 1;
+  JogKey.Jog_Divisor = To_Int16(JogKey.Jog_Divisor == 1 ? 2 : JogKey.Jog_Divisor == 2 ? 10 : 1);
   Display_Jog_Toggle();
 }
 

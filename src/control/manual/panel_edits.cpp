@@ -18,6 +18,7 @@
 #include "core/operation.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ constexpr const char* Depth_Prompts[] = {
 
 bool Stands_Still() {
   if (!Anything_Moves()) return true;
-  SetStatus(1, control_text::Not_While_Moving, 5);
+  Tell(control_text::Not_While_Moving, 5);
   return false;
 }
 
@@ -43,7 +44,7 @@ std::optional<double> Ask(const std::string& title, const std::string& prompt,
   const auto answer = Platform.Input_Box(title, prompt, present);
   if (!answer || answer->empty() || *answer == present) return std::nullopt;
   const std::optional<double> value = Try_Number(*answer);
-  if (!value) SetStatus(1, "\"" + *answer + "\" is no number: nothing changed.", 5);
+  if (!value) Tell("\"" + *answer + "\" is no number: nothing changed.", 5);
   return value;
 }
 
@@ -53,7 +54,7 @@ bool Ask_Feed(const char* prompt, const char* key, float& feed) {
   const auto value = Ask("FEED RATE CHANGE", prompt, Format_Number(feed, "00.00"));
   if (!value) return false;
   if (!(*value > 0)) {
-    SetStatus(1, "A feed rate must be above 0: nothing changed.", 5);
+    Tell("A feed rate must be above 0: nothing changed.", 5);
     return false;
   }
   return Trap("FEED RATE CHANGE", [&] {
@@ -71,6 +72,7 @@ void Label_Axis_Pos_DblClick(int axis) {
       Ask("Axis", prompt, Format_Number(Machine.Position[axis], MachineSetup.DRO_Format));
   if (!value) return;
   Machine.Position[axis] = *value;
+  Drive().Set_Position();
   ResetRetoolDisplay();
   Keep_Given_Positions();
   CNC_Axis_Display();
@@ -89,10 +91,17 @@ void Label_Tool_Height_Click(int index) {
   if (!value) return;
   Trap("Axis Depth", [&] {
     MachineSetup.Axis_Tool_Height[index] = To_Single(*value);
-    WriteSetup("Tool", "Axis_Tool_Height(" + std::to_string(index) + ")",
-               RegionalFix(Shortest_Text(MachineSetup.Axis_Tool_Height[index])));
+    Save_Cut_Depths();
   });
   Load_Z_Levels();
+}
+
+void Save_Cut_Depths() {
+  Write_Setup_Together([] {
+    for (int level = 0; level <= 2; ++level)
+      WriteSetup("Tool", "Axis_Tool_Height(" + std::to_string(level) + ")",
+                 RegionalFix(Shortest_Text(MachineSetup.Axis_Tool_Height[level])));
+  });
 }
 
 void Load_Z_Levels() {

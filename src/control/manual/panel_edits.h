@@ -14,6 +14,8 @@ void Command_Zero_Pos_Click(int axis);
 // Z level 0..2: travel, normal cut, deep cut.
 void Label_Tool_Height_Click(int index);
 void Load_Z_Levels();
+// Writes the three levels to section `Tool` of the machine file.
+void Save_Cut_Depths();
 
 void Label_FeedRate_Cut_Click();
 void Label_FeedRate_Travel_Click();

@@ -8,6 +8,10 @@
 #include "core/setup.h"
 #include "platform/platform.h"
 
+#include <string>
+#include <utility>
+#include <vector>
+
 namespace norvik {
 
 Table_Setup_Keys_Form_State Table_Setup_Keys;
@@ -77,13 +81,13 @@ void Command_JoyJog_RestoreDefaults() {
 void Timer_Joy() {
   const auto state = Platform.Read_Joystick(0);
   if (!state) return;
-  auto& list = Table_Setup_Keys.List_Joy;
-  list = Joystick_Lines(*state);
-  const auto stick = [&](const char* name, std::int32_t x, std::int32_t y) {
-    list.push_back(std::string(name) + " Stick  =" + std::to_string(x) + ", " + std::to_string(y));
+  std::vector<std::string> lines = Joystick_Lines(*state);
+  const auto stick = [&lines](const char* name, std::int32_t x, std::int32_t y) {
+    lines.push_back(std::string(name) + " Stick  =" + std::to_string(x) + ", " + std::to_string(y));
   };
   stick("Left", state->Axis_X, state->Axis_Y);
   stick("Right", state->Axis_Z, state->Axis_R);
+  Table_Setup_Keys.List_Joy = std::move(lines);
 }
 
 }  // namespace norvik

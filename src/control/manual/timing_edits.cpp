@@ -22,7 +22,7 @@ bool May_Calibrate() {
 
 void Panel_Time_Constant_Click() {
   if (Anything_Moves()) {
-    SetStatus(1, control_text::Not_While_Moving, 5);
+    Tell(control_text::Not_While_Moving, 5);
     return;
   }
   Label_Time_Constant_Click();

@@ -4,6 +4,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/error_log.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -38,6 +39,7 @@ std::string Trace_Line(const Move_Order& order) {
 
 // Opened and closed for each line, so that the file is whole whenever the process dies.
 bool Append_Line(const std::string& path, const std::string& line) {
+  Keep_File_Bounded(path, Log_Limits.Trace);
   std::FILE* file = std::fopen(path.c_str(), "ab");
   if (!file) return false;
   const bool written = std::fwrite(line.data(), 1, line.size(), file) == line.size();
@@ -110,6 +112,11 @@ void Count_Made(const Indexed<double, 1, 6>& position_before) {
   Resynchronise_Position();
 }
 
+std::string Failure_Text() {
+  std::string why = Drive().Why_Failed();
+  return why.empty() ? std::string(control_text::Ended_By_Failure) : why;
+}
+
 // The operator's words for an end that the flags alone do not tell.
 void Note_End(Move_End end) {
   if (!Controller.Stop_Text.empty()) return;
@@ -117,7 +124,7 @@ void Note_End(Move_End end) {
     Controller.Stop_Text = control_text::Ended_By_EStop_Input;
   if (end == Move_End::Failed)
     Controller.Stop_Text =
-        Drive().Missing.empty() ? control_text::Ended_By_Failure : Drive().Missing;
+        !Drive().Missing().empty() ? std::string(Drive().Missing()) : Failure_Text();
 }
 
 // A drive makes the steps of such an axis in silence: they move and count nothing.
@@ -125,9 +132,7 @@ void Tell_Missing_Step_Pins(const Step_Request& request) {
   for (int axis = 1; axis <= 4; ++axis) {
     if (request.Steps[axis] <= 0 || Drive().Can_Step(axis)) continue;
     if (std::exchange(Controller.No_Step_Pin_Told[axis], true)) continue;
-    const std::string text = " XYZA"[axis] + std::string(control_text::Has_No_Step_Pin);
-    AddMessage(text);
-    SetStatus(1, text, 10);
+    Tell(Axis_Letter(axis) + std::string(control_text::Has_No_Step_Pin), 10);
   }
 }
 
@@ -180,6 +185,22 @@ void Resynchronise_Position() {
   for (int axis = 1; axis <= 4; ++axis) Machine.Theoretical_Pos[axis] = Machine.Position[axis];
 }
 
+Move_End Wait_For_Moves() {
+  const Move_End end = Drive().Wait_Empty();
+  Note_End(end);
+  return end;
+}
+
+Move_End Machine_Move_To_End(const Move_Order& order) noexcept {
+  Move_End end = Machine_Move(order);
+  if (!Arrived(end) || !Drive().Queues_Moves) return end;
+  if (const Move_End waited = Wait_For_Moves(); !Arrived(waited)) {
+    Resynchronise_Position();
+    end = waited;
+  }
+  return end;
+}
+
 Move_End Machine_Move(const Move_Order& order) noexcept {
   Move_End end = Move_End::Failed;
   Trap("Machine_Move_Error", [&] {
@@ -197,6 +218,7 @@ Move_End Machine_Move(const Move_Order& order) noexcept {
     Count_Steps(target, request);
     request.Start = order.Start, request.Run = order.Run, request.End = order.End;
     request.Out = order.Out;
+    request.Is_Arc = order.Is_Arc;
     end = Enter_Drive(order, request);
   });
   Note_End(end);

@@ -28,12 +28,19 @@ struct Move_Order {
   Indexed<std::int16_t, 0, 4> Out{{1, 1, 1, 1, 1}};  // outputs 1..5: 0 off, 1 unchanged, 2 on
   Nullable S_Word = Unchanged_S_Word;
   std::int32_t Step = 0;  // program step, for a serial board
+  bool Is_Arc = false;    // a chord of an arc, for a serial board
 };
 
 // Runs one move and returns when it has ended. Refused while the E-stop flag is set. A target or
 // scale that gives no step count is logged as "Machine_Move_Error" and moves nothing. Raises
 // nothing.
 Move_End Machine_Move(const Move_Order& order) noexcept;
+
+// The same, and the machine stands when it returns: for sequences that need a move's end. On a
+// drive with a queue the move may have been ended by a switch after it was taken over.
+Move_End Machine_Move_To_End(const Move_Order& order) noexcept;
+// Until the drive has done all that it has taken over; keeps the reason of another end.
+Move_End Wait_For_Moves();
 
 // Raises a fault when the axis has no scale to go that distance by: not finite, not above 0, or
 // less than a step in 1000 units. Its part of the move would otherwise be left out in silence.

@@ -59,9 +59,10 @@ bool Begin_Operation(Operation wanted) {
   const Obstacle obstacle = Obstacle_To(wanted);
   if (obstacle == Obstacle::Something_Moves) return false;
   if (obstacle != Obstacle::None) {
-    SetStatus(1, Why_Not_Begin(wanted), obstacle == Obstacle::No_Drive ? 10 : 5);
+    Tell(Why_Not_Begin(wanted), obstacle == Obstacle::No_Drive ? 10 : 5);
     return false;
   }
+  Clear_Standing_Status();
   Controller.Stop_Request = false;
   Controller.Stop_Text.clear();
   Operation_Host.Forget_Presses();
@@ -93,19 +94,19 @@ std::string_view End_Reason() {
 }
 
 void Announce_End() {
-  if (const std::string_view reason = End_Reason(); !reason.empty()) SetStatus(1, reason, 10);
+  if (const std::string_view reason = End_Reason(); !reason.empty()) Tell(reason, 10);
 }
 
 bool Stopped_For(std::string_view what) {
   const Obstacle obstacle = Obstacle_To(Operation::Open);
   if (obstacle == Obstacle::None) return true;
   if (obstacle == Obstacle::Program_Is_Held) {
-    SetStatus(1, Why_Not_Begin(Operation::Open), 5);
+    Tell(Why_Not_Begin(Operation::Open), 5);
     return false;
   }
   Platform.Beep();
   const bool runs = Machine.CNCMode == CNC_Running || Anything_Moves();
-  SetStatus(1, std::string(what) + (runs ? " while CNC running" : " while a run is paused"), 5);
+  Tell(std::string(what) + (runs ? " while CNC running" : " while a run is paused"), 5);
   return false;
 }
 

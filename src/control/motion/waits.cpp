@@ -1,5 +1,6 @@
 #include "control/motion/waits.h"
 
+#include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
@@ -16,26 +17,18 @@ namespace norvik {
 
 namespace {
 
-constexpr std::int64_t Rest_ns = 1'000'000;
-constexpr std::int64_t Forever_ns = std::int64_t{1} << 61;
-// A wait for time on a clock that stands still ends after so many rounds.
-constexpr int Standing_Rounds = 10'000;
+// A millisecond or what is left; none where the yield brought an end.
+void Rest_Between_Looks(std::int64_t left_ns) {
+  constexpr std::int64_t longest_ns = 1'000'000;
+  if (Interrupted() != Interruption::None) return;
+  const std::int64_t rest = std::min(longest_ns, left_ns);
+  if (rest >= 1000) Platform.Delay_Microseconds(static_cast<std::int32_t>(rest / 1000));
+}
 
 // Waits until `done` or for `length_ns`; true unless interrupted.
 bool Wait_Until(std::int64_t length_ns, const std::function<bool()>& done) {
-  const std::int64_t start = Platform.Monotonic_Clock();
-  int standing = 0;
-  while (Look_At_Stops()) {
-    if (done()) return true;
-    const std::int64_t passed = Platform.Monotonic_Clock() - start;
-    if (passed >= length_ns) return true;
-    if (passed == 0 && length_ns < Forever_ns && ++standing > Standing_Rounds) return true;
-    DoEvents();
-    if (Interrupted() != Interruption::None) break;
-    const std::int64_t rest = std::min(Rest_ns, start + length_ns - Platform.Monotonic_Clock());
-    if (rest >= 1000) Platform.Delay_Microseconds(static_cast<std::int32_t>(rest / 1000));
-  }
-  return false;
+  Yield_Until([&] { return !Look_At_Stops() || done(); }, length_ns, Rest_Between_Looks);
+  return Interrupted() == Interruption::None;
 }
 
 }  // namespace
@@ -58,18 +51,18 @@ bool Look_At_Stops() {
 }
 
 bool Wait_Seconds(double seconds) {
-  constexpr double longest = 1e9;  // seconds; thirty years stand for "until interrupted"
-  return Wait_Until(static_cast<std::int64_t>(std::min(seconds, longest) * 1e9),
-                    [] { return false; });
+  return Wait_Until(To_Nanoseconds(seconds), [] { return false; });
 }
 
-bool Dwell_Wait(double seconds, std::int32_t) {
+bool Dwell_Wait(double seconds, std::int32_t step) {
+  if (Drive().Queues_Moves) return Drive().Dwell(seconds, step) == Move_End::Done;
   return Wait_Seconds(seconds);
 }
 
 bool Wait_For_Aux_Input() {
-  return Drive().Wait_Empty() && Wait_Until(Forever_ns, [] { return !Drive().Aux_Input_High(); }) &&
-         Wait_Until(Forever_ns, [] { return Drive().Aux_Input_High(); });
+  return Arrived(Wait_For_Moves()) &&
+         Wait_Until(Without_Limit_ns, [] { return !Drive().Aux_Input_High(); }) &&
+         Wait_Until(Without_Limit_ns, [] { return Drive().Aux_Input_High(); });
 }
 
 }  // namespace norvik

@@ -8,8 +8,11 @@
 #include "control/state/run_plot_host.h"
 #include "core/operation.h"
 #include "core/rounding.h"
+#include "core/setup_tail.h"
 #include "drive/drive.h"
 #include "drive/drive_host.h"
+
+#include <string_view>
 
 namespace norvik {
 
@@ -22,7 +25,11 @@ void Connect_Control() {
     CNC_Controls_Host.Set_Timer_Interval(interval_ms);
   };
   Drive_Host.Mark_Plot = [](std::string_view) { Run_Plot_Host.Mark_Rate_Error(); };
-  Operation_Host.Drive_Missing = [] { return Drive().Missing; };
+  Operation_Host.Drive_Missing = [] {
+    const std::string_view lost = Lost_Tail.Stands_Against;
+    const std::string_view missing = Drive().Missing();
+    return missing.empty() ? lost : missing;
+  };
   Jog_Guard_Watch_Dialogs();
 }
 

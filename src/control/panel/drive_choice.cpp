@@ -5,43 +5,43 @@
 #include "drive/drive.h"
 #include "parallel/parallel_drive.h"
 #include "parallel/pin_map.h"
+#include "serial/serial_drive.h"
 
 namespace norvik {
 
 namespace {
 
-// Boards that cannot be driven yet. The port is left in order all the same: whoever chose a board
-// may still have motors on it.
-constexpr Drive_Operations First_Board = {
-    .Name = "serial board",
-    .Missing = control_text::No_Serial_Board,
-    .Overrides_Feed = true,
-    .End_Session = Leave_Parallel_Port,
-    .All_Off = All_Outputs_Off,
-};
-constexpr Drive_Operations Second_Board = {
-    .Name = "serial board",
-    .Missing = control_text::No_Serial_Board,
-    .Overrides_Feed = true,
-    .Begin_Session = Idle_All_Outputs,
-    .End_Session = Leave_Parallel_Port,
-    .All_Off = All_Outputs_Off,
-};
+Drive_Operations First() {
+  Drive_Operations board = Serial_Drive;
+  board.Name = "Serial Port (Dravon v4.xx)";
+  return board;
+}
+// Beside the second board the parallel port is brought to rest: motors may still hang on it.
+Drive_Operations Second() {
+  Drive_Operations board = Serial_Drive;
+  board.Name = "Serial Port (Pelmar v5.xx)";
+  board.Begin_Session = [] {
+    Idle_All_Outputs();
+    Serial_Drive.Begin_Session();
+  };
+  return board;
+}
 constexpr Drive_Operations Unknown = {
-    .Missing = control_text::Unknown_Drive,
+    .Missing = [] { return control_text::Unknown_Drive; },
     .Begin_Session = Idle_All_Outputs,
     .End_Session = Leave_Parallel_Port,
     .All_Off = All_Outputs_Off,
 };
 
 const Drive_Operations& Drive_Of_Setup() {
+  static const Drive_Operations first_board = First(), second_board = Second();
   switch (MachineSetup.Parallel_Port_Type) {
     case 1:
       return Parallel_Drive;
     case 2:
-      return First_Board;
+      return first_board;
     default:
-      return MachineSetup.Parallel_Port_Type > 2 ? Second_Board : Unknown;
+      return MachineSetup.Parallel_Port_Type > 2 ? second_board : Unknown;
   }
 }
 

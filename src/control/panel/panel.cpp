@@ -25,8 +25,6 @@ void CNC_Controls_Timer1() {
 }
 
 void Load_CNC_Controls() {
-  CNC_Controls.Text_StartingStep.Text = std::to_string(Machine.StartingStep);
-  CNC_Controls.Text_EndingStep.Text = std::to_string(Machine.EndingStep);
   Controller.Live_Feed = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;

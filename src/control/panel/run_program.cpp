@@ -15,6 +15,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/axis_memory.h"
 #include "core/fault.h"
 #include "core/format.h"
@@ -170,10 +171,11 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
 Run_Summary Run_Program(const Run_Options& options) {
   if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
   if (!Position_Memory.Doubt.empty()) return Failed(Position_Memory.Doubt);
-  if (const std::string why = Compile_For_Run(); !why.empty()) return Failed(why);
+  const std::string no_table = options.Load_Table ? options.Load_Table() : Compile_For_Run();
+  if (!no_table.empty()) return Failed(no_table);
   if (const std::string why = options.Compiled(); !why.empty()) return Failed(why);
   Machine.StartingStep = 1;
-  Machine.EndingStep = GCodeLineCount();
+  Machine.EndingStep = Last_Program_Step();
   Run_Summary summary = Run_Compiled_Program(options);
   if (summary.Finished && (Compile_Losses.Records_Cut || Compile_Losses.Wires_Cut)) {
     summary.Finished = false;
@@ -189,10 +191,9 @@ std::string Summary_Text(const Run_Summary& summary) {
   text += "\nRun time: " + Convert_Process_Time(summary.Machine_Run_Time);
   text += " (" + Format_Number_Point(summary.Machine_Run_Time, "0.000") + " s)";
   text += "\nPosition:";
-  constexpr char letters[] = " XYZA";
   for (int axis = 1; axis <= 4; ++axis)
-    text +=
-        std::string(" ") + letters[axis] + Format_Number_Point(summary.Position[axis], "0.000000");
+    text += std::string(" ") + Axis_Letter(axis) +
+            Format_Number_Point(summary.Position[axis], "0.000000");
   return text + "\n";
 }
 

@@ -111,22 +111,35 @@ void Begin_Run_If_At_Start() {
   if (MachineSetup.Plot_FastDraw == 1) Run_Plot_Host.Refresh();
 }
 
-// A wire asked for a pause, or the operator did.
-void Announce_Pause() {
-  Drive().Wait_Empty();
-  CNC_Pause();
-  SetStatus(1, control_text::Paused_For_Retooling, 5);
-  Play_Event_Sound(sound::Pause);
+// What was taken over has come to its end. False: not as it should, which is noted for the
+// operator.
+bool Moves_Have_Arrived() {
+  const Move_End end = Wait_For_Moves();
+  if (end == Move_End::Limit && Controller.Stop_Text.empty())
+    Controller.Stop_Text = Ended_By_Limit();
+  return Arrived(end);
 }
 
+// A wire asked for a pause, or the operator did.
+// False when the moves before it have not come to their end.
+bool Announce_Pause() {
+  Drive().Hold(true);
+  if (!Moves_Have_Arrived()) return false;
+  CNC_Pause();
+  Tell(control_text::Paused_For_Retooling, 5);
+  Play_Event_Sound(sound::Pause);
+  return true;
+}
+
+// The last moves may still run. A run that they end otherwise is stopped.
 void End_Run() {
-  Drive().Wait_Empty();
+  if (!Moves_Have_Arrived()) return CNC_Stop();
+  Add_Elapsed_Time();
   Machine.CNCMode = CNC_Stopped;
   CNCMode_Display();
-  SetStatus(1,
-            std::string(control_text::Machine_Run_Time) +
-                Convert_Process_Time(Controller.Machine_Run_Time),
-            -1);
+  Tell(std::string(control_text::Machine_Run_Time) +
+           Convert_Process_Time(Controller.Machine_Run_Time),
+       -1);
   Play_Event_Sound(sound::Motion_Finished);
 }
 
@@ -150,7 +163,7 @@ bool Execute_Due_Step(std::int32_t& step, bool& last) {
   return whole;
 }
 
-// What comes behind `step`.
+// The step to run after `step`.
 std::int32_t Step_Behind(std::int32_t step) {
   return In_Table_Order() ? Program_Wire.Rows()[*Controller.Run_Row].Step : step + 1;
 }
@@ -168,7 +181,10 @@ bool Run_Pass() {
   if (Machine.CNCMode == CNC_Stopped) return false;
   ++Controller.Steps_Executed;
   Controller.Step_Done = step;
-  if (Machine.CNCMode == CNC_Paused) Announce_Pause();
+  if (Machine.CNCMode == CNC_Paused && !Announce_Pause()) {
+    CNC_Stop();
+    return false;
+  }
   if (last) {
     End_Run();
     return false;
@@ -177,13 +193,14 @@ bool Run_Pass() {
   return Machine.CNCMode == CNC_Running;
 }
 
-// A run that is under way goes on with the table that it began with, and the operator knows it.
+// A run that is under way goes on with the table that it began with. Where the text has been
+// changed since, the operator is asked, once for each text.
 bool Goes_On_With_Old_Text() {
   if (Judge_Table().Standing != Table_Standing::Other_Text) return true;
   if (Controller.Agreed_Text == GCode_Program.Text && !GCode_Program.Typed_Waits) return true;
   if (Platform.Message_Box("Norvik 4", std::string(control_text::Text_Changed_In_Run),
                            Box_Buttons::Ok_Cancel) != Box_Answer::Ok) {
-    SetStatus(1, control_text::Run_Not_Continued, 10);
+    Tell(control_text::Run_Not_Continued, 10);
     return false;
   }
   Controller.Agreed_Text = GCode_Program.Text;
@@ -192,11 +209,11 @@ bool Goes_On_With_Old_Text() {
 
 bool Begins_With_Consent() {
   if (const std::string why_not = Unfit_To_Run(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
+    Tell(why_not, 10);
     return false;
   }
   if (Run_Consent.May_Begin()) return true;
-  SetStatus(1, control_text::Run_Not_Begun, 10);
+  Tell(control_text::Run_Not_Begun, 10);
   return false;
 }
 
@@ -204,10 +221,9 @@ bool Begins_With_Consent() {
 bool Positions_Stand() {
   if (Position_Memory.Doubt.empty()) return true;
   Ask_About_Positions();
-  SetStatus(1,
-            Position_Memory.Doubt.empty() ? control_text::Play_Once_More
-                                          : control_text::Positions_In_Doubt,
-            10);
+  Tell(Position_Memory.Doubt.empty() ? control_text::Play_Once_More
+                                     : control_text::Positions_In_Doubt,
+       10);
   return false;
 }
 
@@ -217,7 +233,8 @@ bool Prepare_Run(Operation wanted) {
   Compile_Host.Settle_Typed_Text();
   const bool begins = Machine.CNCMode == CNC_Stopped;
   if (!(begins ? Begins_With_Consent() : Goes_On_With_Old_Text())) return false;
-  // A box may have been open: what has happened meanwhile, and the keys that closed it.
+  // Boxes may have been open above. In their time the machine may have been stopped or started, so
+  // that what was asked at the beginning is asked again.
   if (!Begin_Operation(wanted)) return false;
   if (begins != (Machine.CNCMode == CNC_Stopped)) return false;
   Drive().Refresh_Parameters();
@@ -237,14 +254,18 @@ void Run_In_Mode(std::int16_t mode) {
   CNCMode_Display();
   Controller.Run_Clock = Platform.Monotonic_Clock();
   NIST_CNC_Controller();
+  // A drive with a queue works on when the loop is left: behind a step, or an ESC between two
+  // wires.
+  if (Drive().Queues_Moves && !Moves_Have_Arrived()) CNC_Stop();
   CNC_Display();
   Announce_End();
 }
 
-// The button was heard, although the machine still moves.
+// Says that the button has had its effect although the machine still moves: the running move is
+// made to its end first.
 void Tell_What_Ends_First() {
   const bool at_once = Controller.Jog_Held || Runs(Operation::Calibration);
-  if (Runs(Operation::Move) && !at_once) SetStatus(1, control_text::Move_Ends_First, 5);
+  if (Runs(Operation::Move) && !at_once) Tell(control_text::Move_Ends_First, 5);
 }
 
 }  // namespace
@@ -305,7 +326,7 @@ void Command_CNC_Step_Click() {
 
 void Command_CNC_Pause_Click() {
   if (Machine.CNCMode == CNC_Stopped && Anything_Moves()) {
-    SetStatus(1, control_text::No_Run_To_Pause, 5);
+    Tell(control_text::No_Run_To_Pause, 5);
     return;
   }
   if (!Anything_Moves()) Application.EscFlag = false;  // of something that is over
@@ -344,7 +365,9 @@ std::string Unfit_To_Run() {
     case Table_Standing::Other_Text:
       return std::string(control_text::Program_Not_Compiled);
     case Table_Standing::Cut_Short:
-      return std::string(control_text::Program_Cut_Short);
+      return std::string(Program_Wire.Origin().Kind == Table_Kind::Motion_File
+                             ? control_text::Motion_File_Cut_Short
+                             : control_text::Program_Cut_Short);
     case Table_Standing::Other_Sources:
       return table.Changed + std::string(control_text::Source_Has_Changed);
   }

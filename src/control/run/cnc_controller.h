@@ -34,7 +34,8 @@ void CNC_Play();
 // Moves to the ReTool position and ends in the E-stop state.
 void CNC_Retool();
 
-// The loop itself, by the mode and the requests that stand.
+// The loop itself: does what `Machine.CNCMode` and `Retool_Request` ask for, until the run pauses
+// or ends.
 void NIST_CNC_Controller();
 
 // --- Buttons -------------------------------------------------------------------------------------

@@ -1,6 +1,7 @@
 #include "control/run/estimate.h"
 
 #include "compiler/compile/compile.h"
+#include "compiler/compile/table_pair.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
@@ -58,6 +59,12 @@ double Ramp_Seconds(double count, double& ipm, double change, double low, double
 }
 
 double Move_Seconds(const Way& way, const Wire& wire) {
+  if (Drive().Move_Seconds) {
+    Step_Request request;
+    for (int axis = 1; axis <= 4; ++axis) request.Steps[axis] = To_Int32(way.Steps[axis]);
+    request.Start = wire.IPM_S, request.Run = wire.IPM_R, request.End = wire.IPM_E;
+    return Drive().Move_Seconds(request);
+  }
   const Move_Plan plan = Plan_Move(Rules_Of_Setup(), way.Steps, wire.IPM_S, wire.IPM_R, wire.IPM_E);
   const double total = 2 * plan.Major;
   if (!(plan.Increment > 0)) return total * Half_Step_Seconds(plan.Cruise);
@@ -102,17 +109,22 @@ double Find_Material_ProcessTime(const Wire& wire, Indexed<double, 1, 4>& from) 
 void Command_Estimate_Process_Time_Click() {
   // The walk over a long table does not yield; the pulses of a move would stop.
   if (Anything_Moves() && !Stopped_For("Can't estimate")) return;
-  if (!Drive().Missing.empty()) {
-    SetStatus(1, Drive().Missing, 10);
+  if (const std::string_view missing = Drive().Missing(); !missing.empty()) {
+    Tell(missing, 10);
     return;
   }
   Controller.Estimated_Process_Time.reset();
   CNC_Display();
   if (const std::string_view why_not = Unfit_To_Estimate(); !why_not.empty()) {
-    SetStatus(1, why_not, 10);
+    Tell(why_not, 10);
     return;
   }
   Trap("Estimate_Process_Time_Error", [] {
+    // What a crash or another program has left half replaced is made again.
+    if (Standing_Of_Pair(Application.Table_Folder) == Pair_Standing::Mixed) {
+      AddMessage(Words_About_Mixed_Pair(Application.Table_Folder));
+      if (!CompileProgram()) return;
+    }
     // The program's own file; after a Goto the path of the last compile is that of the line.
     const Table<Wire> wires = Read_Wire_Table(Join_Path(Application.Table_Folder, Wire_Table_Name));
     Indexed<double, 1, 4> from;

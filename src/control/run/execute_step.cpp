@@ -34,8 +34,9 @@ void Clear_Status() {
   if (!Messages.Panel[1].empty()) SetStatus(1, "", -1);
 }
 
-// A count above 0 marks the step to come back to; any other counts down, and when it is used up the
-// run goes on.
+// A wire with a count above 0 begins a repeat: its step is the one to come back to. A wire with any
+// other count ends a round: while rounds are left `step` becomes the step to come back to, after
+// the last one it stays as it is and the run goes on.
 void Serve_Repeat(double repeat, std::int32_t& step) {
   if (repeat > 0) {
     Controller.Repeat_Step = step;
@@ -54,7 +55,16 @@ bool Serve_Aux_Wait() {
   return came;
 }
 
-Move_Order Order_Of(const Wire& wire, std::int32_t step) {
+// Chords of an arc stand together under one step.
+bool Is_Chord(std::size_t k) {
+  const auto& rows = Program_Wire.Rows();
+  const auto same = [&](std::size_t other) {
+    return other < rows.size() && rows[other].Motion == 1 && rows[other].Step == rows[k].Step;
+  };
+  return rows[k].Motion == 1 && (same(k + 1) || (k > 0 && same(k - 1)));
+}
+
+Move_Order Order_Of(std::size_t k, const Wire& wire, std::int32_t step) {
   Move_Order order;
   if (wire.Motion == 1)
     for (int axis = 1; axis <= 4; ++axis) order.Target[axis] = wire.End[axis];
@@ -64,10 +74,12 @@ Move_Order Order_Of(const Wire& wire, std::int32_t step) {
   order.Out = wire.Out;
   order.S_Word = wire.S_Word;
   order.Step = step;
+  order.Is_Arc = Is_Chord(k);
   return order;
 }
 
-// What a move that did not arrive means for the operation around it.
+// A move that did not reach its end stops the run. Where a limit switch did it, this is the reason
+// that the operator reads, unless there is an earlier one.
 void End_By(Move_End end) {
   if (end == Move_End::Limit && Controller.Stop_Text.empty())
     Controller.Stop_Text = Ended_By_Limit();
@@ -75,8 +87,8 @@ void End_By(Move_End end) {
 }
 
 // The parts of a wire that move something. False when the step must end here.
-bool Move_Wire(const Wire& wire, std::int32_t step) {
-  const Move_End end = Machine_Move(Order_Of(wire, step));
+bool Move_Wire(std::size_t k, const Wire& wire, std::int32_t step) {
+  const Move_End end = Machine_Move(Order_Of(k, wire, step));
   if (end != Move_End::No_Steps) Controller.From_Rest = false;
   if (!Arrived(end)) {
     End_By(end);
@@ -89,17 +101,16 @@ bool Move_Wire(const Wire& wire, std::int32_t step) {
 }
 
 bool Execute_Wire(std::size_t k, std::int32_t& step, bool moves) {
-  // A copy: a yield inside may look at the table.
+  // A copy: a handler that runs in a yield may install another table.
   const Wire wire = Program_Wire.Rows()[k];
   if (moves) {
     if (!Look_At_Stops()) return false;
     if (wire.Repeat) Serve_Repeat(*wire.Repeat, step);
     if (wire.Aux_Wait == 1 && !Serve_Aux_Wait()) return false;
   }
-  Run_Plot_Host.Set_Pen(wire);
   if (moves && wire.Dwell > 0 && !Dwell_Wait(wire.Dwell, step)) return false;
   Run_Plot_Host.Draw_Segment(k, wire);
-  return !moves || Move_Wire(wire, step);
+  return !moves || Move_Wire(k, wire, step);
 }
 
 // One wire; a failure is logged and ends the step.

@@ -12,6 +12,7 @@
 #include "control/state/control_texts.h"
 #include "control/state/run_plot_host.h"
 #include "core/application.h"
+#include "core/axes.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -47,7 +48,8 @@ void Ramp_First_Wire() {
   first.IPM_E = To_Single(Whole_Part(MachineSetup.Axis_Ramp_Start));
 }
 
-// What the line says is not compiled yet: a faulty one has no G91 either.
+// Looked for before the line is compiled, as the compile needs the answer. A line that cannot be
+// read has no G91; the compile then names what is wrong with it.
 bool Holds_G91(const std::string& text) {
   Block block;
   bool found = false;
@@ -76,7 +78,7 @@ std::string End_Of_Table() {
   for (int axis = 1; axis <= 4; ++axis) {
     if (!end[axis]) continue;
     if (!text.empty()) text += ' ';
-    text += "XYZA"[axis - 1] + Format_Number(*end[axis], "0.######");
+    text += Axis_Letter(axis) + Format_Number(*end[axis], "0.######");
   }
   return text;
 }
@@ -98,10 +100,11 @@ void Execute_Block() {
   std::int32_t step = Compile_Status.CurrentStep;
   if (!Program_Wire.Next_Of_Step(step, 0)) {
     const bool empty = Program_Wire.Count() == 0;
-    SetStatus(1, empty ? control_text::Goto_Is_Empty : control_text::Goto_Needs_Reset, 10);
+    Tell(empty ? control_text::Goto_Is_Empty : control_text::Goto_Needs_Reset, 10);
     return;
   }
-  Execute_Step(step, Move_And_Draw);
+  const bool whole = Execute_Step(step, Move_And_Draw);
+  if (whole && !Arrived(Wait_For_Moves())) CNC_Stop();
   Announce_End();
 }
 
@@ -109,7 +112,7 @@ void Execute_Block() {
 void Leave_No_Pause() {
   if (Machine.CNCMode == CNC_Stopped) return;
   Machine.CNCMode = CNC_Stopped;
-  if (End_Reason().empty()) SetStatus(1, control_text::Goto_Has_No_Run, 10);
+  if (End_Reason().empty()) Tell(control_text::Goto_Has_No_Run, 10);
 }
 
 void Run_Goto() {
@@ -121,12 +124,12 @@ void Run_Goto() {
     const std::string text = CNC_Controls.Text_Goto.Text;
     const bool incremental = Holds_G91(text);
     if (!CompileBlock(text, Place_To_Count_From(incremental))) {
-      SetStatus(1, control_text::Goto_Not_Compiled, 10);
+      Tell(control_text::Goto_Not_Compiled, 10);
       return;
     }
     Ramp_First_Wire();
     if (incremental && !MachineSetup.Goto_From_Position && !Wanted_From_Zero()) {
-      SetStatus(1, control_text::Goto_Not_Done, 10);
+      Tell(control_text::Goto_Not_Done, 10);
       return;
     }
     Execute_Block();

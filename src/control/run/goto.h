@@ -2,13 +2,17 @@
 //
 //   Text_Goto --CompileBlock--> block wire file, Program_Wire --> Execute_Step(CurrentStep)
 //
-// A Goto replaces the executing table, until it is put back (`Put_Back_Table`, which the spine does
-// when the Goto has ended) or the next full compile. The wires of a block carry step 0, and the
-// step executed is the pointer of the `Gcode` window, `CurrentStep`: a Goto moves while that
-// pointer stands at 0, as it does after a compile.
+// While a Goto runs, its line is the executing table. The program's table is set aside meanwhile
+// and put back when the Goto has ended (`Put_Back_Table`, called by the spine through
+// `Run_Plot_Host.Goto_Ended`).
 //
-// Words with G91 count from 0, wherever the machine is, unless `Goto_From_Position` is on. Such a
-// line says where it will end and is executed only when the operator wants that.
+// All wires of the line have step 0, and the step that is executed is the one at which the `Gcode`
+// window points, `CurrentStep`. So a Goto moves only while that pointer is 0, as a compile leaves
+// it; with any other value the line has no wires of that step, and the operator reads what to do.
+//
+// With G91 the line's targets count from 0 and not from where the machine is, unless the setting
+// `Goto_From_Position` is on. As that surprises, a box says where the line ends, and the machine
+// moves only when the operator agrees.
 #pragma once
 
 namespace norvik {

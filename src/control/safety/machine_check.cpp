@@ -84,7 +84,8 @@ void Check_Homing(Findings& findings) {
 
 void Check_Safety(Findings& findings) {
   const auto& setup = MachineSetup;
-  if (setup.Axis_Backlash_Enable)
+  const bool drives_pins = Drive().Times_Half_Steps;
+  if (drives_pins && setup.Axis_Backlash_Enable)
     findings.push_back(
         {"Backlash take-up makes an odd number of half steps at each reversal, one "
          "toggle too many, so that the step pin ends at its other level and the axis "
@@ -110,12 +111,12 @@ void Check_Safety(Findings& findings) {
          "power "
          "of motors and spindle itself.",
          "E_Stop_Output_Disable"});
-  if (setup.Parallel_MotorEnable_Option == 0)
+  if (drives_pins && setup.Parallel_MotorEnable_Option == 0)
     findings.push_back(
         {"Motors are switched off after every move: an axis under load may sink or "
          "be pushed, and its position is lost.",
          "Parallel_MotorEnable_Option"});
-  if (setup.Parallel_MotorEnable_Option == 1)
+  if (drives_pins && setup.Parallel_MotorEnable_Option == 1)
     findings.push_back(
         {"Motors stay enabled until the program ends, also while the E-stop button "
          "reads MOTORS DISABLED.",

@@ -68,19 +68,22 @@ void Lift_Home_Safety() {
 void Command_EStop_Click() {
   if (Machine.EStop_Flag && Anything_Moves()) {
     // Two presses in one yield would otherwise let the operation go on as if none had been made.
-    SetStatus(1, control_text::EStop_Stays_Set, 5);
+    Tell(control_text::EStop_Stays_Set, 5);
     return;
   }
   Machine.EStop_Flag = !Machine.EStop_Flag;
   if (Machine.EStop_Flag) {
     ErrorLogWrite(control_text::Log_Tripped);
+    AddMessage(control_text::EStop_Has_Tripped);
     Trip();
   } else {
     ErrorLogWrite(control_text::Log_Cleared);
+    AddMessage(control_text::EStop_Is_Cleared);
     Clear();
   }
   Application.EscFlag = false;
   CNC_Display();
+  Display_IO();
 }
 
 void EStop_Engage() {
@@ -96,7 +99,7 @@ void Engage_EStop_State() {
   Play_Event_Sound(sound::E_Stop);
 }
 
-void Look_At_Home_Switches() {
+void Home_Safety_Check() {
   Drive_Status.Home_Safety_Off = false;
   Drive().Read_Switches();
   Drive_Status.Home_Safety_Off = Drive().Starts_On_A_Switch();
@@ -118,20 +121,13 @@ void Ask_About_Positions() {
   AddMessage(control_text::Positions_Confirmed);
 }
 
-void Home_Safety_Check() {
-  Look_At_Home_Switches();
-  Tell_Home_Safety();
-}
-
 void Toggle_Outputs(int index) {
   const bool on = CNC_Controls.Check_Outputs[index].Value;
   const bool input_holds = MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On();
   if (on && (Machine.EStop_Flag || input_holds)) {
     CNC_Controls.Check_Outputs[index].Value = false;
-    SetStatus(
-        1,
-        Machine.EStop_Flag ? control_text::Outputs_Stay_Off : control_text::Outputs_Wait_For_Input,
-        5);
+    Tell(Machine.EStop_Flag ? control_text::Outputs_Stay_Off : control_text::Outputs_Wait_For_Input,
+         5);
     CNC_Controls_Host.Form_Changed();
     return;
   }

@@ -19,13 +19,11 @@ void EStop_Engage();
 // The end of a ReTool request: flag, red button, stopped, sound.
 void Engage_EStop_State();
 
-// Looks for a switch that is on; once, after the ports were set up and before anything can move.
-// Says so in a box.
+// Looks for a switch that is on; once, after the ports were set up and before the first window can
+// move anything.
 void Home_Safety_Check();
-// Its two halves, for a start whose windows are not there yet: the flag must stand before the first
-// of them can move anything, the box must wait until there is a window to answer it in.
-void Look_At_Home_Switches();
-void Tell_Home_Safety();  // nothing while no switch was found on
+// Its box, which waits until there is a window to answer it in. Nothing where no switch was on.
+void Tell_Home_Safety();
 
 // After an end without order: asks whether the positions are those of the machine. Nothing while
 // there is no doubt about them.

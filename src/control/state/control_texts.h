@@ -26,6 +26,9 @@ inline constexpr std::string_view Spindle_On = "Spindle On";
 inline constexpr std::string_view Spindle_Off = "Spindle Off";
 inline constexpr std::string_view Log_Tripped = "Motor Enable Tripped";
 inline constexpr std::string_view Log_Cleared = "Motor Enable Cleared";
+inline constexpr std::string_view EStop_Has_Tripped =
+    "E-stop: the motors are disabled. Press MOTORS DISABLED to enable them.";
+inline constexpr std::string_view EStop_Is_Cleared = "E-stop cleared: the motors are enabled.";
 inline constexpr std::string_view Watch_Tripped =
     "The E-Stop was engaged because a limit switch tripped while in Run mode.";
 inline constexpr std::string_view Home_Safety_Off =
@@ -113,6 +116,8 @@ inline constexpr std::string_view Run_Not_Continued =
 inline constexpr std::string_view Run_Not_Begun = "The run was not started.";
 inline constexpr std::string_view Program_Cut_Short =
     "The program was not compiled to its end: compile it again, then start.";
+inline constexpr std::string_view Motion_File_Cut_Short =
+    "Lines of the motion file are missing: load a whole one, then start.";
 inline constexpr std::string_view Program_Behind_Goto =
     "A Goto has taken the place of the program: compile it again, then start.";
 inline constexpr std::string_view Nothing_To_Estimate =

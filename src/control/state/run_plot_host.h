@@ -11,8 +11,6 @@
 namespace norvik {
 
 struct Run_Plot_Host_Operations {
-  // A wire is about to be executed: set the pen for it.
-  std::function<void(const Wire&)> Set_Pen = [](const Wire&) {};
   // Draw the segment of wire `k` of the executing table (counted from 0).
   std::function<void(std::size_t k, const Wire&)> Draw_Segment = [](std::size_t, const Wire&) {};
   // Draw the cursor at the live position.

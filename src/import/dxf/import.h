@@ -1,4 +1,4 @@
-// import.h: ASCII DXF to G-code; the steps are told in import/dxf/table.h.
+// import.h: ASCII DXF to G-code; the steps are described in import/dxf/table.h.
 #pragma once
 
 #include <string>

@@ -13,8 +13,8 @@
 // | 40, 50, 51     | radius, start and end angle in degrees                                  |
 // | 70             | bit 0: the polyline is closed                                           |
 //
-// Entities are told by the end of their name, so that "MYARC" is an ARC; only LINE must match as a
-// whole. An ARC is cut backwards, from its end to its start, clockwise. A circle is two half
+// Entities are recognised by the end of their name, so that "MYARC" is an ARC; only LINE must match
+// as a whole. An ARC is cut backwards, from its end to its start, clockwise. A circle is two half
 // circles. Bulges, elevations and extrusions are not taken; the import report counts them, as it
 // counts entities of other kinds and those that lack a coordinate.
 #pragma once

@@ -1,4 +1,4 @@
-// import.h: drill files to G-code; the tables are told in import/excellon/table.h.
+// import.h: drill files to G-code; the tables are described in import/excellon/table.h.
 #pragma once
 
 #include <string>

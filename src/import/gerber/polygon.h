@@ -47,7 +47,6 @@ struct Iso_Polygon {
   std::size_t End(std::int32_t polygon) const {
     return First_Point[static_cast<std::size_t>(polygon) + 1];
   }
-  std::size_t Poly_Count(std::int32_t polygon) const { return End(polygon) - First(polygon); }
   Plane_Point At(std::size_t point) const { return {Poly_X[point], Poly_Y[point]}; }
 
   // Raises an overflow fault when a point does not fit a single.

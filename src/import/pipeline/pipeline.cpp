@@ -6,6 +6,7 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/paths.h"
+#include "core/working_name.h"
 #include "import/pipeline/report.h"
 #include "platform/platform.h"
 
@@ -14,6 +15,8 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <optional>
+#include <utility>
 
 namespace norvik {
 
@@ -39,6 +42,41 @@ constexpr std::array<Import_Kind_Row, 5> Rows{{
      "BMap_File_Source_Directory", "BMap_Source_File_Name", "NORVIK 4  "},
 }};
 
+// The working files of one import in a folder of their own, so that imports of several programs
+// never write into each other's. Files that were given a place outside the working folder keep it.
+class Import_Folder {
+ public:
+  Import_Folder() : Before(Paths_Of_Now()) {
+    if (Application.AppDirectory.empty()) return;
+    Folder.emplace(Application.AppDirectory);
+    for (std::string* path : Working_Paths()) {
+      const std::string name = PathFileName(*path);
+      if (*path == Join_Path(Application.AppDirectory, name))
+        *path = Join_Path(Folder->Path(), name);
+    }
+  }
+  ~Import_Folder() {
+    std::size_t i = 0;
+    for (std::string* path : Working_Paths()) *path = std::move(Before[i++]);
+  }
+  Import_Folder(const Import_Folder&) = delete;
+  Import_Folder& operator=(const Import_Folder&) = delete;
+
+ private:
+  static std::array<std::string*, 5> Working_Paths() {
+    return {&Application.Temporary_GCode, &Application.DXF_Scratch, &Application.HPGL_Scratch,
+            &Application.Bitmap_Scratch, &Application.Gerber_Scratch};
+  }
+  static std::vector<std::string> Paths_Of_Now() {
+    std::vector<std::string> paths;
+    for (const std::string* path : Working_Paths()) paths.push_back(*path);
+    return paths;
+  }
+
+  std::vector<std::string> Before;
+  std::optional<Working_Folder> Folder;
+};
+
 }  // namespace
 
 Import_Host_Operations Import_Host;
@@ -57,12 +95,15 @@ bool Run_Import(Import_Kind kind, const std::string& path, const std::string& sc
   Start_Import_Report(kind, path);
   AddMessage(std::string(Import_Row(kind).Message) + path);
 
-  const bool written = [&] {
+  const std::string fault_name = std::string(Import_Row(kind).Name) + " Import Error";
+  std::optional<Import_Folder> folder;
+  bool written = false;
+  if (Trap(fault_name, [&] { folder.emplace(); })) {
     const Scratch_File scratch_file(scratch);
-    bool complete = false;
-    Trap(std::string(Import_Row(kind).Name) + " Import Error", [&] { complete = steps(); });
-    return complete;
-  }();
+    Trap(fault_name, [&] { written = steps(); });
+  } else {
+    Report_Note("The working files could not be made; nothing was opened. See the error log.");
+  }
   Finish_Import_Report(Application.EscFlag, written);
   if (written) Import_Host.Open_GCode(Application.Temporary_GCode);
   Application.EscFlag = false;

@@ -276,7 +276,7 @@ void Show_Import_Report() {
   const std::vector<std::string> lines = Import_Report_Lines();
   // The list shows the newest message first.
   for (auto line = lines.rbegin(); line != lines.rend(); ++line) AddMessage(*line);
-  // An importer that was called off in its window has told so in its own words.
+  // An importer that was cancelled in its window has said so itself.
   const bool told = Import_Report.Cancelled && !Import_Report.Written;
   const std::string ending = Ending(Import_Report);
   if (!ending.empty() && !told) SetStatus(1, ending, 10);

@@ -97,6 +97,8 @@ bool Key_Is_Down(int code) {
   return answer;
 }
 
+// The toolkit's timers and not a Timer_Queue: an idle program waits in the toolkit's event loop,
+// which has to wake up for them.
 Timer_Id Start_Desktop_Timer(int interval_ms, std::function<void()> handler) {
   const Timer_Id id = Desktop.Next_Timer++;
   auto timer = std::make_unique<QTimer>();

@@ -1,13 +1,16 @@
 #include "platform/headless/headless_platform.h"
 
 #include "platform/platform.h"
+#include "platform/timer_queue.h"
 
-#include <algorithm>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <ctime>
+#include <functional>
+#include <string>
+#include <utility>
 
 #include <unistd.h>
 
@@ -21,18 +24,9 @@ namespace {
 volatile std::sig_atomic_t Interrupts = 0;
 volatile std::sig_atomic_t Guarded = 0;  // a machine is driven
 
-struct Timer {
-  Timer_Id Id = 0;
-  std::int64_t Interval = 0, Due = 0;  // nanoseconds
-  std::function<void()> Handler;
-  bool Running = false;
-};
-
 struct Queue_State {
-  std::vector<Timer> Timers;
-  Timer_Id Last_Timer = 0;
-  std::int64_t Next_Due = 0;  // no timer is due before
-  int Interrupts_Taken = 0;   // of `Interrupts`, those already seen as ESC
+  Timer_Queue Timers;
+  int Interrupts_Taken = 0;  // of `Interrupts`, those already seen as ESC
 };
 Queue_State Queue;
 
@@ -80,38 +74,6 @@ void Busy_Delay(std::int32_t microseconds) {
   }
 }
 
-void Note_Next_Due() {
-  Queue.Next_Due = INT64_MAX;
-  for (const Timer& timer : Queue.Timers) {
-    if (!timer.Running) Queue.Next_Due = std::min(Queue.Next_Due, timer.Due);
-  }
-}
-
-Timer* Due_Timer(std::int64_t now) {
-  Timer* next = nullptr;
-  for (Timer& timer : Queue.Timers) {
-    if (timer.Running || timer.Due > now) continue;
-    if (next == nullptr || timer.Due < next->Due) next = &timer;
-  }
-  return next;
-}
-
-// Each due timer once. A handler may start and stop timers and may yield; it never runs inside
-// itself.
-void Run_Due_Timers(std::int64_t now) {
-  while (Timer* timer = Due_Timer(now)) {
-    const Timer_Id id = timer->Id;
-    const auto handler = timer->Handler;
-    timer->Due = std::max(timer->Due + timer->Interval, now + 1);
-    timer->Running = true;
-    handler();
-    const auto place = std::find_if(Queue.Timers.begin(), Queue.Timers.end(),
-                                    [id](const Timer& other) { return other.Id == id; });
-    if (place != Queue.Timers.end()) place->Running = false;
-  }
-  Note_Next_Due();
-}
-
 void End_Now() {
   std::fflush(nullptr);
   std::_Exit(130);
@@ -124,9 +86,7 @@ void Handle_Events() {
     Queue.Interrupts_Taken = 0;
     end();
   }
-  if (Queue.Timers.empty()) return;
-  const std::int64_t now = Real_Monotonic();
-  if (now >= Queue.Next_Due) Run_Due_Timers(now);
+  if (Queue.Timers.Size() > 0) Queue.Timers.Run_Due(Real_Monotonic());
 }
 
 bool Escape_Seen() {
@@ -152,16 +112,9 @@ void Beep_On_Terminal() {
 
 void Install_Timers() {
   Platform.Start_Timer = [](int interval_ms, std::function<void()> handler) {
-    const std::int64_t interval = std::int64_t{interval_ms} * 1'000'000;
-    Queue.Timers.push_back(
-        {++Queue.Last_Timer, interval, Real_Monotonic() + interval, std::move(handler)});
-    Note_Next_Due();
-    return Queue.Last_Timer;
+    return Queue.Timers.Start(interval_ms, Real_Monotonic(), std::move(handler));
   };
-  Platform.Stop_Timer = [](Timer_Id id) {
-    std::erase_if(Queue.Timers, [id](const Timer& timer) { return timer.Id == id; });
-    Note_Next_Due();
-  };
+  Platform.Stop_Timer = [](Timer_Id id) { Queue.Timers.Stop(id); };
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ void Install_Headless_Platform();
 // From here on the process drives a machine: no signal of a terminal, a shell or a closed pipe ends
 // or halts it by itself, however often it comes, because outputs would stay on. Requests to stop
 // stay requests; Ctrl-Z does nothing. For a process that hangs there is Ctrl-\ (SIGQUIT), which
-// leaves outputs and motors as they are.
+// switches outputs and motors of a real port off (platform/linux/fatal_signals.h).
 void Guard_Driven_Machine();
 
 // How often the operator asked to stop since the installation.

@@ -101,8 +101,4 @@ void Install_Linux_Clock() {
   Platform.Delay_In_Period = Delay_In_Period;
 }
 
-bool Waits_Use_Time_Stamp_Counter() {
-  return Spin_Clock.Counter;
-}
-
 }  // namespace norvik

@@ -1,6 +1,6 @@
+#include "platform/linux/granted_ports.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/port_instructions.h"
-#include "platform/linux/program_path.h"
 #include "platform/platform.h"
 
 #include <array>
@@ -30,7 +30,8 @@ struct Failure {
 
 struct Direct_Port_State {
   const std::int16_t* Way = nullptr;
-  std::bitset<65536> Allowed;  // way 1: addresses that ioperm has given
+  Port_Permission Permission;
+  std::bitset<65536> Allowed = Granted_Ports();  // way 1: addresses that ioperm has given
   std::string Device = "/dev/port";
   int File = -1;  // way 2; -1 not open
   int Open_Error = 0;
@@ -44,11 +45,9 @@ const std::string Simulated_Hint =
     " Or set Port_Access to Simulated to work on the simulated machine.";
 
 std::string Raw_IO_Words() {
-  return "Give the program the capability CAP_SYS_RAWIO with the command \"sudo setcap "
-         "cap_sys_rawio,cap_sys_nice,cap_ipc_lock+ep " +
-         Program_Path() +
-         "\" and start it again. If that does not help, Secure Boot has locked the kernel down: "
-         "switch it off in the firmware.";
+  return "Choose the first port access library (Parallel_IODLL 1) and " + Helper_Words() +
+         " If that does not help, Secure Boot has locked the kernel down: switch it off in the "
+         "firmware.";
 }
 
 std::string Instruction_Words(int error) {
@@ -103,11 +102,17 @@ std::string Device_Lost_Words(int error) {
   throw std::runtime_error(failure.Words);
 }
 
+void Need_Permission(std::uint16_t address) {
+  if (Ports.Permission.Permitted(address)) return;
+  throw std::runtime_error(Ports.Permission.Refused_Words(address));
+}
+
 // --- Way 1 ---------------------------------------------------------------------------------------
 
 // 0, or the error number. Also after an earlier refusal: the right may have been given meanwhile.
 int Allow(std::uint16_t address) {
   if (Ports.Allowed[address]) return 0;
+  Need_Permission(address);
   const int error = Allow_Port(address);
   if (error == 0) Ports.Allowed[address] = true;
   return error;
@@ -140,6 +145,7 @@ void Expect_One(ssize_t moved) {
 }
 
 std::uint8_t Read_By_Device(std::uint16_t address) {
+  Need_Permission(address);
   if (!Device_Open()) Fail(2, Ports.Open_Error, Device_Words);
   std::uint8_t value = 0;
   Expect_One(::pread(Ports.File, &value, 1, address));
@@ -147,6 +153,7 @@ std::uint8_t Read_By_Device(std::uint16_t address) {
 }
 
 void Write_By_Device(std::uint16_t address, std::uint8_t value) {
+  Need_Permission(address);
   if (!Device_Open()) Fail(2, Ports.Open_Error, Device_Words);
   Expect_One(::pwrite(Ports.File, &value, 1, address));
 }
@@ -165,14 +172,24 @@ Port_Right Direct_Port_Right(int way) {
   return {false, "No port access library is chosen: set Parallel_IODLL to 1 or 2."};
 }
 
-void Install_Direct_Ports(const std::int16_t* way) {
+void Install_Direct_Ports(const std::int16_t* way, const Port_Permission& permission) {
   Ports.Way = way;
+  Ports.Permission = permission;
   Platform.Port_Read = [](std::uint16_t address) {
     return *Ports.Way == 1 ? Read_By_Instruction(address) : Read_By_Device(address);
   };
   Platform.Port_Write = [](std::uint16_t address, std::uint8_t value) {
     return *Ports.Way == 1 ? Write_By_Instruction(address, value) : Write_By_Device(address, value);
   };
+}
+
+void Write_Port_In_Handler(std::uint16_t address, std::uint8_t value) noexcept {
+  if (Ports.Way == nullptr) return;
+  if (*Ports.Way == 1 && Ports.Allowed[address]) Out_Byte(address, value);
+  if (*Ports.Way == 2 && Ports.File >= 0 && Ports.Permission.Permitted(address)) {
+    // A failure has nowhere to go: the process is about to end.
+    [[maybe_unused]] const ssize_t written = ::pwrite(Ports.File, &value, 1, address);
+  }
 }
 
 void Set_Port_Device(const std::string& path) {

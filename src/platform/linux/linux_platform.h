@@ -33,8 +33,6 @@ namespace norvik {
 // counter where it runs at one rate in all states of the processor, on the monotonic clock
 // elsewhere. Calibrates for about 20 ms.
 void Install_Linux_Clock();
-// True when waits use the time-stamp counter.
-bool Waits_Use_Time_Stamp_Counter();
 
 // --- Ports ---------------------------------------------------------------------------------------
 
@@ -48,18 +46,39 @@ Port_Right Direct_Port_Right(int way);
 
 // Fills Port_Read and Port_Write with direct access. `way` is read at every access, so that the
 // setting acts at once, and must live as long as the process. An access that is refused, or that
-// fails later, raises a std::runtime_error with the words, every time.
-void Install_Direct_Ports(const std::int16_t* way);
+// fails later, raises a std::runtime_error with the words, every time. Addresses that are not
+// permitted are never accessed.
+struct Port_Permission {
+  bool (*Permitted)(std::int32_t address) noexcept = [](std::int32_t) noexcept { return true; };
+  std::string (*Refused_Words)(std::int32_t address) = [](std::int32_t) { return std::string(); };
+};
+void Install_Direct_Ports(const std::int16_t* way, const Port_Permission& permission = {});
+
+// Writes one byte without raising or allocating, for a signal handler; nothing where an access
+// before was refused.
+void Write_Port_In_Handler(std::uint16_t address, std::uint8_t value) noexcept;
 
 // The device of way 2; another path in tests.
 void Set_Port_Device(const std::string& path);
+
+// --- Serial ports --------------------------------------------------------------------------------
+
+// Fills the serial operations. A port is this process's alone while it is open; one that cannot be
+// opened is told with what gives it.
+void Install_Serial_Ports();
 
 // --- Locks ---------------------------------------------------------------------------------------
 //
 // Advisory locks on files, held until the process ends, however it ends. The files stay; what they
 // hold means nothing.
 
-// Fills Other_Instance_Runs: one desktop for each user and temporary folder.
+// A folder that belongs to this user alone: $XDG_RUNTIME_DIR, otherwise "norvik-<user>" in the
+// temporary folder, made with mode 700. Empty when neither is ours, as where somebody else has made
+// the second one before.
+std::string Runtime_Folder();
+
+// Fills Other_Instance_Runs: one desktop for each user, by a lock in that folder. It answers true
+// also when the lock cannot be made.
 void Install_Instance_Lock();
 
 // Makes this process the only one of this computer that drives motors at its ports, whoever

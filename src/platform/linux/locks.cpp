@@ -3,8 +3,10 @@
 
 #include <array>
 #include <cerrno>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <system_error>
 
 #include <fcntl.h>
 #include <sys/file.h>
@@ -62,17 +64,31 @@ std::string Common_Folder() {
   return "/tmp";
 }
 
-std::string Instance_Path() {
-  std::error_code missing;
-  const auto folder = std::filesystem::temp_directory_path(missing);
-  return (missing ? "/tmp" : folder) / ("norvik-" + std::to_string(::getuid()) + ".lock");
+// Nobody else can put anything into it or take it away.
+bool Is_Own_Folder(const std::string& path) {
+  struct stat found {};
+  return ::lstat(path.c_str(), &found) == 0 && S_ISDIR(found.st_mode) &&
+         found.st_uid == ::geteuid() && (found.st_mode & (S_IWGRP | S_IWOTH)) == 0;
 }
 
 }  // namespace
 
+std::string Runtime_Folder() {
+  const char* given = std::getenv("XDG_RUNTIME_DIR");
+  if (given != nullptr && given[0] == '/' && Is_Own_Folder(given)) return given;
+  std::error_code missing;
+  const auto temporary = std::filesystem::temp_directory_path(missing);
+  const std::string own =
+      (missing ? "/tmp" : temporary) / ("norvik-" + std::to_string(::geteuid()));
+  ::mkdir(own.c_str(), S_IRWXU);
+  return Is_Own_Folder(own) ? own : std::string();
+}
+
 void Install_Instance_Lock() {
-  Locks.Instance.Path = Instance_Path();
-  Platform.Other_Instance_Runs = [] { return Hold(Locks.Instance) == EWOULDBLOCK; };
+  const std::string folder = Runtime_Folder();
+  Locks.Instance.Path = folder.empty() ? "" : folder + "/norvik.lock";
+  // Who does not know may not believe to be alone.
+  Platform.Other_Instance_Runs = [] { return Hold(Locks.Instance) != 0; };
 }
 
 Port_Right Lock_Direct_Port() {

@@ -1,3 +1,4 @@
+#include "platform/linux/granted_ports.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/linux/program_path.h"
 #include "platform/platform.h"
@@ -90,11 +91,9 @@ int Lock_Flags() {
 
 std::string Nice_Words(int nice, int error) {
   return "The higher priority (nice " + std::to_string(nice) + ") was refused (" +
-         std::strerror(error) +
-         "); the steps run at normal priority. Give the program the capability CAP_SYS_NICE with "
-         "the command \"sudo setcap cap_sys_rawio,cap_sys_nice,cap_ipc_lock+ep " +
-         Program_Path() +
-         "\", or your group the right with a line \"@group - nice -20\" in "
+         std::strerror(error) + "); the steps run at normal priority. To have it, " +
+         Helper_Words() +
+         " Or give your group the right with a line \"@group - nice -20\" in "
          "/etc/security/limits.conf, then log in again.";
 }
 
@@ -109,11 +108,9 @@ std::string Group_Words(int error) {
 
 std::string Lock_Words(int error) {
   return std::string("Locking the memory was refused (") + std::strerror(error) +
-         "); the system may page the program out while it moves. Give the program the capability "
-         "CAP_IPC_LOCK with the command \"sudo setcap "
-         "cap_sys_rawio,cap_sys_nice,cap_ipc_lock+ep " +
-         Program_Path() +
-         "\", or your group the right with a line \"@group - memlock unlimited\" in "
+         "); the system may page the program out while it moves. To have it locked, " +
+         Helper_Words() +
+         " Or give your group the right with a line \"@group - memlock unlimited\" in "
          "/etc/security/limits.conf, then log in again.";
 }
 

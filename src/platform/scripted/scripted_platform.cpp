@@ -42,29 +42,21 @@ void Scripted_Platform::Run_For(double seconds) {
     DoEvents();
     if (Now != before) continue;
     // Yields cost nothing: go on to the next timer or to the end.
-    std::int64_t next = end;
-    for (const Timer& timer : Timers) {
-      if (timer.Due > Now) next = std::min(next, timer.Due);
-    }
-    Now = next;
+    Now = std::clamp(Timers.Next_Due(), Now, end);
   }
   DoEvents();
 }
 
 int Scripted_Platform::Running_Timers() const {
-  return static_cast<int>(Timers.size());
+  return static_cast<int>(Timers.Size());
 }
 
 void Scripted_Platform::Install_Time() {
   Platform.Do_Events = [this] { Yield(); };
   Platform.Start_Timer = [this](int interval_ms, std::function<void()> handler) {
-    const std::int64_t interval = std::int64_t{interval_ms} * 1'000'000;
-    Timers.push_back({++Last_Timer, interval, Now + interval, std::move(handler)});
-    return Last_Timer;
+    return Timers.Start(interval_ms, Now, std::move(handler));
   };
-  Platform.Stop_Timer = [this](Timer_Id id) {
-    std::erase_if(Timers, [id](const Timer& timer) { return timer.Id == id; });
-  };
+  Platform.Stop_Timer = [this](Timer_Id id) { Timers.Stop(id); };
   Platform.Monotonic_Clock = [this] { return Now; };
   Platform.Day_Clock = [this] {
     return std::fmod(Day_Start + static_cast<double>(Now) / Nanoseconds, Day_Seconds);
@@ -138,32 +130,8 @@ void Scripted_Platform::Install_Devices() {
 void Scripted_Platform::Yield() {
   ++Yields;
   Now += Yield_Nanoseconds;
-  Run_Due_Timers();
+  Timers.Run_Due(Now);
   if (On_Yield) On_Yield();
-}
-
-// Each due timer once; a handler may start and stop timers and may yield itself.
-void Scripted_Platform::Run_Due_Timers() {
-  const std::int64_t round_start = Now;
-  while (Timer* timer = Next_Due_Timer(round_start)) {
-    const Timer_Id id = timer->Id;
-    const auto handler = timer->Handler;
-    timer->Due = std::max(timer->Due + timer->Interval, round_start + 1);
-    timer->Running = true;
-    handler();
-    const auto place = std::find_if(Timers.begin(), Timers.end(),
-                                    [id](const Timer& other) { return other.Id == id; });
-    if (place != Timers.end()) place->Running = false;
-  }
-}
-
-Scripted_Platform::Timer* Scripted_Platform::Next_Due_Timer(std::int64_t round_start) {
-  Timer* next = nullptr;
-  for (Timer& timer : Timers) {
-    if (timer.Running || timer.Due > round_start) continue;
-    if (next == nullptr || timer.Due < next->Due) next = &timer;
-  }
-  return next;
 }
 
 }  // namespace norvik

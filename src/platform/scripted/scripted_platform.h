@@ -14,6 +14,7 @@
 #pragma once
 
 #include "platform/platform.h"
+#include "platform/timer_queue.h"
 
 #include <array>
 #include <deque>
@@ -87,23 +88,13 @@ struct Scripted_Platform {
   std::map<std::uint16_t, std::uint8_t> Ports;
 
  private:
-  struct Timer {
-    Timer_Id Id = 0;
-    std::int64_t Interval = 0, Due = 0;
-    std::function<void()> Handler;
-    bool Running = false;
-  };
-
   void Install_Time();
   void Install_Dialogs();
   void Install_Devices();
   void Yield();
-  void Run_Due_Timers();
-  Timer* Next_Due_Timer(std::int64_t round_start);
 
   Platform_Operations Before;
-  std::vector<Timer> Timers;
-  Timer_Id Last_Timer = 0;
+  Timer_Queue Timers;
   std::set<int> Keys_Pressed;
 };
 

@@ -108,7 +108,7 @@ std::string Json_Text(std::string_view text) {
       json += '\\';
       json += letter;
     } else if (static_cast<unsigned char>(letter) < first_printable) {
-      char escape[8];
+      char escape[16];
       std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(letter));
       json += escape;
     } else {

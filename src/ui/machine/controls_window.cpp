@@ -17,6 +17,7 @@
 #include "ui/machine/jog_pad.h"
 #include "ui/machine/knob_widget.h"
 #include "ui/machine/panel_values.h"
+#include "ui/widgets/form_binding.h"
 #include "ui/widgets/panel_group.h"
 #include "ui/widgets/theme.h"
 
@@ -25,6 +26,7 @@
 
 #include <QApplication>
 #include <QGroupBox>
+#include <QLabel>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QScrollArea>
@@ -65,6 +67,38 @@ QPushButton* Big_Button(const Button_Row& row) {
   return button;
 }
 
+// What is wrong with the drive, in red; nothing otherwise.
+QWidget* Build_Drive_Alarm(Form_Binding& binding) {
+  auto* alarm = new QLabel;
+  alarm->setObjectName("Label_Dravon_Fault");
+  alarm->setTextFormat(Qt::PlainText);
+  alarm->setWordWrap(true);
+  alarm->setFont(Bold_Font(1.1));
+  alarm->setStyleSheet("color: white; background: #c00000; padding: 6px;");
+  binding.Also([alarm] {
+    const std::string_view words = Drive().Alarm();
+    alarm->setText(QString::fromUtf8(words.data(), static_cast<qsizetype>(words.size())));
+    alarm->setVisible(!words.empty());
+  });
+  return alarm;
+}
+
+// Queue, link and encoders of a drive with a queue.
+QWidget* Build_Board(Form_Binding& binding) {
+  auto* layout = new QVBoxLayout;
+  auto* words = new QLabel;
+  words->setObjectName("Label_Board");
+  words->setTextFormat(Qt::PlainText);
+  words->setWordWrap(true);
+  layout->addWidget(words);
+  QWidget* group = Panel_Group("Board", layout);
+  binding.Also([words, group] {
+    group->setVisible(Drive().Queues_Moves);
+    if (Drive().Queues_Moves) words->setText(QString::fromStdString(Drive().Diagnostics()));
+  });
+  return group;
+}
+
 }  // namespace
 
 Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
@@ -74,6 +108,7 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
   auto* outer = new QVBoxLayout(this);
   outer->addWidget(Build_Status());
   outer->addWidget(Build_Run_Buttons());
+  outer->addWidget(Build_Drive_Alarm(Binding));
 
   auto* content = new QWidget;
   auto* rows = new QVBoxLayout(content);
@@ -89,6 +124,7 @@ Controls_Window::Controls_Window(QWidget* parent) : QWidget(parent) {
   QWidget* timing = Build_Timing(Binding);
   Binding.Also([timing] { timing->setVisible(Drive().Times_Half_Steps); });
   left->addWidget(timing);
+  left->addWidget(Build_Board(Binding));
   left->addStretch(1);
   auto* right = new QVBoxLayout;
   right->addWidget(Build_Feeds(Binding, Knob));

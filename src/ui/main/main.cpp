@@ -14,6 +14,7 @@
 #include "core/version.h"
 #include "drive/drive_host.h"
 #include "platform/desktop/desktop_platform.h"
+#include "platform/linux/granted_ports.h"
 #include "platform/linux/linux_platform.h"
 #include "platform/sdl/sdl_platform.h"
 #include "platform/x11/escape_key.h"
@@ -30,6 +31,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -86,18 +88,19 @@ QStringList Files_Of_Call() {
 
 // ESC from the key itself where the window system tells, so that it stops the machine while another
 // program has the focus too. Where it does not tell, the operator has to know.
-void Hear_Escape() {
+void Hear_Escape(norvik::Main_Frame& window) {
   const bool wayland =
       QGuiApplication::platformName() != "xcb" || qEnvironmentVariableIsSet("WAYLAND_DISPLAY");
   const std::string why_not = wayland ? "the window system tells no program of the keys of another"
                                       : norvik::Install_Escape_Key();
   norvik::Drive_Host.Escape_Held = norvik::Escape_Key_Held;
   if (why_not.empty()) return;
-  norvik::AddMessage(
+  const std::string said =
       "ESC stops the machine only while a window of Norvik has the focus, and up to a quarter of a "
       "second late: " +
-      why_not + ". Log in to an X11 session to have it heard at once.");
-  norvik::SetStatus(2, "ESC: heard with the focus only", -1);
+      why_not + ". Log in to an X11 session to have it heard at once.";
+  norvik::AddMessage(said);
+  window.Add_Notice("ESC: heard with the focus only", QString::fromStdString(said));
 }
 
 constexpr const char* Usage =
@@ -126,6 +129,11 @@ int main(int argument_count, char** arguments) {
   if (const auto status = Answer_Without_Window({arguments + 1, arguments + argument_count})) {
     return *status;
   }
+  // Before the toolkit loads the plugins that the user's environment names.
+  if (const std::string words = Words_About_Own_Rights(); !words.empty()) {
+    std::fprintf(stderr, "norvik: %s\n", words.c_str());
+    return 1;
+  }
   Norvik_Application application(argument_count, arguments);
   QApplication::setApplicationName("Norvik");
   QApplication::setQuitOnLastWindowClosed(false);
@@ -135,6 +143,8 @@ int main(int argument_count, char** arguments) {
   Operation_Host.Escape_Taken = Escape_Went_To_A_Box;
   Install_Linux_Clock();
   Install_Linux_Priority();
+  Install_Serial_Ports();
+  Install_Simulated_Boards();
   Install_Instance_Lock();
   Install_Sdl_Platform();
   Install_Picture_Reader();
@@ -151,7 +161,6 @@ int main(int argument_count, char** arguments) {
     return 0;
   }
 
-  Install_Simulated_Boards();  // in front of the real serial ports
   Main_Frame window;
   Connect_App();
   Drive_Session_Host.Machine_Is_Real = [] {
@@ -162,7 +171,7 @@ int main(int argument_count, char** arguments) {
   Load_Main();
   // An end that was asked for before the event loop runs would not be heard in it.
   if (Application.ShutdownFlag) return 0;
-  Hear_Escape();
+  Hear_Escape(window);
   if (Port_Is_Simulated()) {
     Offer_Time_Factors();
     window.Add_Tool_Window("Simulated_Machine", "&Simulated machine",

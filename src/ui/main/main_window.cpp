@@ -7,10 +7,12 @@
 #include "app/import_menu.h"
 #include "app/machine_menu.h"
 #include "app/main_form.h"
+#include "app/motion_menu.h"
 #include "app/openers.h"
 #include "app/setup_apply.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
+#include "app/transform_menu.h"
 #include "compiler/state/compile_host.h"
 #include "control/manual/home.h"
 #include "control/manual/jog_guard.h"
@@ -27,6 +29,7 @@
 #include "import/pipeline/pipeline.h"
 #include "plot/nist_plot.h"
 #include "plot/view.h"
+#include "tools/motion_analyzer.h"
 #include "ui/imports/bitmap_import_window.h"
 #include "ui/imports/dxf_layers_window.h"
 #include "ui/imports/gerber_layers_window.h"
@@ -37,9 +40,11 @@
 #include "ui/main/error_log_window.h"
 #include "ui/main/safety_bar.h"
 #include "ui/plot/plot_window.h"
+#include "ui/program/find_bar.h"
 #include "ui/program/gcode_window.h"
 #include "ui/program/progress_window.h"
 #include "ui/setup/setup_windows.h"
+#include "ui/tools/tool_windows.h"
 #include "ui/widgets/theme.h"
 
 #include <algorithm>
@@ -78,6 +83,18 @@ const std::vector<Menu_Row>& Menu_Rows() {
        Menu_File_Save},
       {"&File", "Menu_File_Save_As", "Save &as...", QKeySequence::SaveAs,
        "Save the program into another file", Menu_File_Save_As},
+      {"&File",
+       "Menu_File_Open_Motion",
+       "Open &motion...",
+       {},
+       "Run a compiled program without its text",
+       Menu_File_Open_Motion},
+      {"&File",
+       "Menu_File_Save_Motion",
+       "Save m&otion...",
+       {},
+       "Save the compiled program, to be run without its text",
+       Menu_File_Save_Motion},
       {"&File", "Menu_File_Print", "&Print...", QKeySequence::Print, "Print the program",
        Print_Data},
       {"&Import", "Menu_Import_DXF", "&DXF...", {}, "Make a program of a drawing", Menu_Import_DXF},
@@ -123,6 +140,48 @@ const std::vector<Menu_Row>& Menu_Rows() {
        {},
        "Every parameter to its factory value",
        Command_Parameter_Reset_Click},
+      {"Fu&nctions",
+       "Menu_Functions_Scale",
+       "&Scale...",
+       {},
+       "Multiply the coordinates",
+       Menu_Functions_Scale},
+      {"Fu&nctions",
+       "Menu_Functions_Offset",
+       "&Offset...",
+       {},
+       "Move the program, or append a moved copy",
+       Menu_Functions_Offset},
+      {"Fu&nctions",
+       "Menu_Functions_Conv_Absolute",
+       "Convert to &absolute",
+       {},
+       "Positions instead of incremental moves",
+       Menu_Functions_Conv_Absolute},
+      {"Fu&nctions",
+       "Menu_Functions_Conv_Incremental",
+       "Convert to &incremental",
+       {},
+       "Incremental moves instead of positions",
+       Menu_Functions_Conv_Incremental},
+      {"Fu&nctions",
+       "Menu_Functions_OptimizeToolPath",
+       "&File sort",
+       {},
+       "Reads the program; orders nothing",
+       Menu_Functions_OptimizeToolPath},
+      {"&Export",
+       "Menu_File_Export_DXF",
+       "&DXF...",
+       {},
+       "The cutting moves as lines of a drawing",
+       Menu_File_Export_DXF},
+      {"&Export",
+       "Menu_File_Export_HPGL",
+       "&HPGL...",
+       {},
+       "The moves in the plane as a plot file",
+       Menu_File_Export_HPGL},
       {"&View", "Menu_View_Refresh", "&Refresh plot", QKeySequence(Qt::CTRL | Qt::Key_R),
        "Draw the program again", Plot_Refresh},
       {"&View", "Menu_View_Zoom_Table", "Zoom to &table", {}, "Show the whole table", Zoom_Table},
@@ -231,6 +290,7 @@ Main_Frame::~Main_Frame() {
   Close_Tool_Windows();
   Main_Host = {};
   Compile_Host.Show_Progress = [](const std::string&) {};
+  Compile_Host.Show_Motion_Analyzer = [] {};
   Recent_Host.List_Changed = [] {};
   Messages_Host.Panel_Changed = [](int) {};
   Bitmap_Host = {};
@@ -241,11 +301,14 @@ Main_Frame::~Main_Frame() {
 
 void Main_Frame::Build_Menus() {
   std::map<QString, QMenu*> menus;
-  for (const char* title :
-       {"&File", "&Edit", "&Import", "&View", "&Setup", "&Machine", "&Window", "&Help"}) {
+  for (const char* title : {"&File", "&Edit", "&Import", "Fu&nctions", "&View", "&Setup",
+                            "&Machine", "&Window", "&Help"}) {
     menus[title] = menuBar()->addMenu(title);
     menus[title]->setToolTipsVisible(true);
   }
+  auto* exports = new QMenu("&Export", this);
+  exports->setToolTipsVisible(true);
+  menus["&Export"] = exports;
   for (const Menu_Row& row : Menu_Rows()) {
     QAction* action = menus[row.Menu]->addAction(row.Text);
     if (row.Chosen != nullptr) {
@@ -270,13 +333,25 @@ void Main_Frame::Build_Menus() {
   edit->addAction("&Undo", QKeySequence::Undo, this, [program] {
     if (GCode_Window* window = program()) window->Undo();
   });
-  edit->addAction("&Find...", QKeySequence::Find, this, [this, program] {
-    Show_Tool_Window("GCode");
-    if (GCode_Window* window = program()) window->Show_Find();
-  });
+  const auto find = [&](const char* name, const char* text, const QKeySequence& keys,
+                        void (Find_Bar::*command)()) {
+    edit->addAction(text, keys, this,
+                    [this, program, command] {
+                      Show_Tool_Window("GCode");
+                      if (GCode_Window* window = program()) (window->Finder().*command)();
+                    })
+        ->setObjectName(name);
+  };
+  find("Menu_Edit_Find", "&Find...", QKeySequence::Find, &Find_Bar::Show_Find);
+  find("Menu_Edit_Replace", "&Replace...", QKeySequence(Qt::CTRL | Qt::Key_H),
+       &Find_Bar::Show_Replace);
+  find("Menu_Edit_Find_Next", "Find &next", QKeySequence(Qt::Key_F3), &Find_Bar::Find_Next);
+  find("Menu_Edit_Find_Previous", "Find &previous", QKeySequence(Qt::SHIFT | Qt::Key_F3),
+       &Find_Bar::Find_Previous);
   edit->addAction("&Compile", QKeySequence(Qt::CTRL | Qt::Key_B), this, Command_Update_Click);
 
   QMenu* file = menus["&File"];
+  file->addMenu(exports);
   Recent_Menu = file->addMenu("&Recent files");
   Build_Recent_Menu(*Recent_Menu);
   file->addSeparator();
@@ -292,10 +367,24 @@ void Main_Frame::Build_Menus() {
         ->addAction(window.Menu_Text, this, [this, window_name] { Show_Tool_Window(window_name); })
         ->setObjectName("Menu_Window_" + name);
   }
+  Build_List_Entries();
   Build_Setup_Entries(*menus["&Setup"]);
   Bar = new Safety_Bar;
   menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
   Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
+}
+
+void Main_Frame::Build_List_Entries() {
+  Window_Menu->addSeparator();
+  for (const List_Window_Row& row : List_Window_Rows()) {
+    const QString name = row.Name;
+    Tool_Windows[name] = {row.Menu_Text, row.Make, nullptr, true};
+    QAction* action =
+        Window_Menu->addAction(row.Menu_Text, this, [this, name] { Show_Tool_Window(name); });
+    action->setObjectName("Menu_Window_" + name);
+    connect(Window_Menu, &QMenu::aboutToShow, action,
+            [action, offered = row.Offered] { action->setVisible(offered()); });
+  }
 }
 
 void Main_Frame::Build_Setup_Entries(QMenu& menu) {
@@ -353,6 +442,13 @@ void Main_Frame::Set_Banner(const QString& text) {
   Show_Banner();
 }
 
+void Main_Frame::Add_Notice(const QString& text, const QString& tip) {
+  auto* notice = new QLabel(text);
+  notice->setObjectName("Label_Notice");
+  notice->setToolTip(tip);
+  statusBar()->insertPermanentWidget(0, notice);
+}
+
 void Main_Frame::Show_Banner() {
   const bool narrow = width() < Text_Height() * 60;
   Banner->setText(narrow ? Banner_Text.section(" - ", 0, 0) : Banner_Text);
@@ -395,6 +491,11 @@ void Main_Frame::Connect_Hosts() {
   Main_Host.Unload_Setup_Windows = [this] { Close_Setup_Windows(); };
   Compile_Host.Show_Progress = [this](const std::string& caption) {
     Progress->Show_Progress(QString::fromStdString(caption));
+  };
+  Compile_Host.Show_Motion_Analyzer = [this] {
+    const bool opens = !Tool_Window_Is_Open("frmMotionAnalyzer");
+    Show_Tool_Window("frmMotionAnalyzer");
+    if (!opens) frmMotionAnalyzer_Load();  // one that opens loads by itself
   };
   Import_Host.Show_DXF_Layers = [this] {
     Show_Tool_Window("DXF_Import_Layers");
@@ -567,7 +668,7 @@ void Main_Frame::closeEvent(QCloseEvent* event) {
   event->ignore();
   if (Machine.CNCMode == CNC_Running || Anything_Moves()) {
     Platform.Beep();
-    SetStatus(1, "The machine is moving. Press Stop first, then close the program.", 5);
+    Tell("The machine is moving. Press Stop first, then close the program.", 5);
     return;
   }
   if (May_Lose_Program()) Unload_Main();

@@ -33,6 +33,8 @@ class Main_Frame : public QMainWindow {
   // A text that stays in the status bar, for the warning that no real machine is driven. A narrow
   // window shows what stands before its dash.
   void Set_Banner(const QString& text);
+  // A text that stays in the status bar, beside the panels that others write.
+  void Add_Notice(const QString& text, const QString& tip);
 
  protected:
   void closeEvent(QCloseEvent* event) override;
@@ -52,6 +54,7 @@ class Main_Frame : public QMainWindow {
 
   void Build_Menus();
   void Build_Setup_Entries(QMenu& menu);
+  void Build_List_Entries();
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
   void Show_Banner();

@@ -1,5 +1,6 @@
 #include "ui/main/safety_bar.h"
 
+#include "control/displays/displays.h"
 #include "control/run/cnc_controller.h"
 #include "control/safety/safety.h"
 #include "control/state/cnc_controls_form.h"
@@ -7,6 +8,8 @@
 #include "core/application.h"
 #include "core/operation.h"
 #include "ui/widgets/theme.h"
+
+#include <algorithm>
 
 #include <QHBoxLayout>
 
@@ -33,6 +36,7 @@ QPushButton* Bar_Button(const QString& name, const QString& caption, const QStri
 Safety_Bar::Safety_Bar(QWidget* parent)
     : QWidget(parent),
       State(new QLabel),
+      Activity(new QLabel),
       Stop(Bar_Button("Command_Bar_Stop", "Stop", "End the run with the running move (F8 or ESC)",
                       Command_CNC_Stop_Click)),
       EStop(Bar_Button("Command_Bar_EStop", "E-STOP",
@@ -44,13 +48,22 @@ Safety_Bar::Safety_Bar(QWidget* parent)
   State->setObjectName("Label_Bar_State");
   State->setTextFormat(Qt::PlainText);
   State->setFont(Bold_Font(1.0));
-  State->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-  // The widest of its texts, so that the buttons never move under a hand.
-  State->setMinimumWidth(QFontMetrics(State->font()).horizontalAdvance("MOTORS DISABLED "));
+  Activity->setObjectName("Label_Bar_Activity");
+  Activity->setTextFormat(Qt::PlainText);
+  // The widest of their texts, so that the buttons never move under a hand.
+  State->setMinimumWidth(std::max(
+      QFontMetrics(State->font()).horizontalAdvance("MOTORS DISABLED "),
+      QFontMetrics(Activity->font()).horizontalAdvance("pausing: ends with this move, 99.9 s ")));
+  auto* lines = new QVBoxLayout;
+  lines->setSpacing(0);
+  for (QLabel* line : {State, Activity}) {
+    line->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    lines->addWidget(line);
+  }
   Stop->setIcon(Sign_Icon(Sign::Stop));
   EStop->setIcon(EStop_Icon());
   Set_Face(*EStop, Alarm_Red(), Qt::white);
-  row->addWidget(State);
+  row->addLayout(lines);
   row->addWidget(Stop);
   row->addWidget(EStop);
   Show_State();
@@ -75,6 +88,9 @@ void Safety_Bar::Show_State() {
     State->setText(text);
     State->setForegroundRole(disabled || moves ? QPalette::Link : QPalette::WindowText);
   }
+  const QString activity = QString::fromStdString(Activity_Text());
+  if (Activity->text() != activity) Activity->setText(activity);
+  if (Activity->isHidden() != activity.isEmpty()) Activity->setHidden(activity.isEmpty());
   // A second press would enable the motors; that is done where the whole panel is in sight.
   if (EStop->isEnabled() == disabled) EStop->setEnabled(!disabled);
   if (Stop->isEnabled() != (moves || Machine.CNCMode != CNC_Stopped)) {

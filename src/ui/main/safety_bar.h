@@ -1,4 +1,4 @@
-// safety_bar.h: what the machine does, with Stop and E-stop beside it.
+// safety_bar.h: the state of the machine and what it really does, with Stop and E-stop beside it.
 //
 // It stands in the menu bar, above every window inside the main one, so that both buttons are in
 // reach when the panel is closed or covered.
@@ -20,7 +20,7 @@ class Safety_Bar : public QWidget {
   void Show_State();
 
  private:
-  QLabel* State;
+  QLabel *State, *Activity;
   QPushButton *Stop, *EStop;
   Timer_Id Timer = 0;
 };

@@ -57,7 +57,7 @@ constexpr int Strip_Lines = 24;
 // The box that asks would hold up a move that runs.
 void Ask_For_Angle(int angle) {
   if (Anything_Moves()) {
-    SetStatus(1, "Not while the machine moves: type the angle into the box beside the letter.", 5);
+    Tell("Not while the machine moves: type the angle into the box beside the letter.", 5);
     return;
   }
   Label_3D_Viewpoint_Click(angle);
@@ -113,6 +113,7 @@ Plot_Window::Plot_Window(QWidget* parent) : QWidget(parent) {
   Notice = new QLabel(this);
   Notice->setObjectName("Label_Plot_Notice");
   Notice->setMargin(Text_Height() / 4);
+  Notice->setWordWrap(true);
   Set_Face(*Notice, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
   Notice->hide();
   Plot_Host.Picture1 = &Picture1->Surface();
@@ -209,11 +210,14 @@ QWidget* Plot_Window::Build_Turn_Frame() {
   return frame;
 }
 
-// Over the upper edge of the picture.
+// Over the upper edge of the picture, in as many lines as it needs.
 void Plot_Window::Show_Notice() {
   Notice->setText(QString::fromStdString(Gcode_Form.Label_Table_Notice.Caption));
   Notice->setVisible(!Notice->text().isEmpty());
-  Notice->setGeometry(QRect(Picture1->pos(), Notice->sizeHint().boundedTo(Picture1->size())));
+  const int one_line =
+      Notice->fontMetrics().horizontalAdvance(Notice->text() + "  ") + 2 * Notice->margin();
+  const int width = std::min(one_line, Picture1->width());
+  Notice->setGeometry(QRect(Picture1->pos(), QSize(width, Notice->heightForWidth(width))));
 }
 
 void Plot_Window::Show_Form() {

@@ -1,6 +1,7 @@
 #include "ui/program/gcode_colors.h"
 
 #include "compiler/text/codes.h"
+#include "compiler/text/macros.h"
 #include "ui/widgets/theme.h"
 
 #include <optional>
@@ -85,7 +86,6 @@ Word_Kind Kind_Of_Code(char letter, const QString& digits) {
   bool numeric = false;
   const double number = digits.trimmed().toDouble(&numeric);
   if (!numeric || number < 0 || number > 1000) return Word_Kind::Ignored_Code;
-  if (letter == 'M' && static_cast<int>(number) == 98) return Word_Kind::Code;
   const std::int8_t place = Find_Code(letter, static_cast<std::int16_t>(number));
   if (place == No_Code) return Word_Kind::Ignored_Code;
   switch (Code_Table()[static_cast<std::size_t>(place)].Loss) {
@@ -133,6 +133,18 @@ Word_Kind Kind_Of_Word(char letter, const QString& value) {
   }
 }
 
+// The call of a macro, and whether it runs one.
+struct Call_Span {
+  Span Where;
+  bool Runs;
+};
+std::optional<Call_Span> Call_Of(const QString& line) {
+  const auto call = Find_Macro_Call(line.toLatin1().toStdString());  // a character for each
+  if (!call) return std::nullopt;
+  return Call_Span{{static_cast<int>(call->Begin), static_cast<int>(call->End)},
+                   Macro_File(call->Number).has_value()};
+}
+
 }  // namespace
 
 QList<QTextLayout::FormatRange> GCode_HighlightWords(const QString& line) {
@@ -142,6 +154,11 @@ QList<QTextLayout::FormatRange> GCode_HighlightWords(const QString& line) {
   };
   const std::optional<Span> comment = Comment_Of(line);
   if (comment) add(comment->Start, comment->End, Word_Kind::Comment);
+  // A line with a call is not read but for it, be it within a comment. Behind the comment: what
+  // comes later covers it.
+  const std::optional<Call_Span> call = Call_Of(line);
+  if (call)
+    add(call->Where.Start, call->Where.End, call->Runs ? Word_Kind::Code : Word_Kind::Ignored_Code);
 
   const auto is_letter = [&line](int at) {
     const QChar sign = line[at].toUpper();
@@ -154,13 +171,18 @@ QList<QTextLayout::FormatRange> GCode_HighlightWords(const QString& line) {
       at = comment->End;
       continue;
     }
+    if (call && at == call->Where.Start) {
+      at = call->Where.End;
+      continue;
+    }
     if (!is_letter(at)) {
       ++at;
       continue;
     }
     int stop = at + 1;
     const auto inside = [&](int place) {
-      return place < end && !is_letter(place) && !(comment && place == comment->Start);
+      return place < end && !is_letter(place) && !(comment && place == comment->Start) &&
+             !(call && place == call->Where.Start);
     };
     if (line.mid(at, 9).compare(u"ENDREPEAT", Qt::CaseInsensitive) == 0) {
       stop = at + 9;
@@ -170,8 +192,10 @@ QList<QTextLayout::FormatRange> GCode_HighlightWords(const QString& line) {
     const bool keyword = stop > at + 1;
     while (inside(stop)) ++stop;
     const char letter = line[at].toUpper().toLatin1();
-    add(at, stop,
-        keyword ? Word_Kind::Code : Kind_Of_Word(letter, line.mid(at + 1, stop - at - 1)));
+    Word_Kind kind =
+        keyword ? Word_Kind::Code : Kind_Of_Word(letter, line.mid(at + 1, stop - at - 1));
+    if (call && letter != 'N') kind = Word_Kind::Unread;
+    add(at, stop, kind);
     at = stop;
   }
   return formats;

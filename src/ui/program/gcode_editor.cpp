@@ -77,6 +77,21 @@ void GCode_Editor::Set_Program(const QString& text) {
   Fit_Margin();  // the signals are blocked while a program is shown
 }
 
+void GCode_Editor::Replace_Text(const QString& text) {
+  Marks.clear();
+  const int line = textCursor().blockNumber();
+  const int top = verticalScrollBar()->value();
+  QTextCursor cursor(document());
+  cursor.beginEditBlock();
+  cursor.select(QTextCursor::Document);
+  cursor.insertText(text);
+  cursor.endEditBlock();
+  const QTextBlock block = document()->findBlockByNumber(std::min(line, blockCount() - 1));
+  setTextCursor(QTextCursor(block));
+  verticalScrollBar()->setValue(top);
+  Fit_Margin();
+}
+
 void GCode_Editor::Show_Line(int line) {
   const QTextBlock block = document()->findBlockByNumber(line - 1);
   if (!block.isValid()) return;

@@ -21,6 +21,8 @@ class GCode_Editor : public QPlainTextEdit {
 
   // Replaces the text; neither the change nor the old text can be undone.
   void Set_Program(const QString& text);
+  // Replaces the text as one change that can be undone; the cursor keeps its line.
+  void Replace_Text(const QString& text);
   // Selects a line, counted from 1 over all lines of the text, and scrolls to it.
   void Show_Line(int line);
   // Selects the first place that holds `text`; false when there is none.

@@ -2,21 +2,22 @@
 
 #include "app/gcode_form.h"
 #include "app/program_findings.h"
+#include "app/transform_menu.h"
 #include "compiler/check/program_check.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
 #include "core/operation.h"
+#include "ui/program/find_bar.h"
 #include "ui/program/gcode_editor.h"
 #include "ui/widgets/theme.h"
 
 #include <map>
 
+#include <QComboBox>
 #include <QHBoxLayout>
 #include <QListWidget>
 #include <QPushButton>
-#include <QShortcut>
 #include <QSplitter>
-#include <QToolButton>
 
 namespace norvik {
 
@@ -41,6 +42,15 @@ constexpr Tool_Row Text_Tools[] = {
      Command_GCode_Reset_Click},
 };
 
+constexpr Tool_Row Transform_Tools[] = {
+    {"Command_Add_Seq", "Add N", "Number the lines anew", Command_Add_Seq_Click},
+    {"Command_Rem_Seq", "Remove N", "Take the line numbers away", Command_Rem_Seq_Click},
+    {"Command_DecimalFormat", "Format", "Print the numbers by the numeral format",
+     Command_DecimalFormat_Click},
+    {"Command_Convert", "Convert", "Convert lengths from one unit to the other",
+     Command_Convert_Click},
+};
+
 }  // namespace
 
 GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GCode_Editor) {
@@ -49,12 +59,12 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   auto* rows = new QVBoxLayout(this);
   rows->setContentsMargins(4, 4, 4, 4);
   rows->addWidget(Build_Tools());
+  rows->addWidget(Build_Transforms());
   auto* notice = new QLabel;
   notice->setWordWrap(true);
   Binding.Label(notice, "Label_Table_Notice", Gcode_Form.Label_Table_Notice);
   Binding.Also([notice] { notice->setVisible(!notice->text().isEmpty()); });
   rows->addWidget(notice);
-  rows->addWidget(Build_Find());
   auto* split = new QSplitter(Qt::Vertical);
   split->addWidget(Text_GCode);
   Findings = new QListWidget;
@@ -67,6 +77,8 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   split->setStretchFactor(1, 1);
   split->setChildrenCollapsible(false);
   rows->addWidget(split, 1);
+  Find = new Find_Bar(Text_GCode);
+  rows->addWidget(Find);
   rows->addWidget(Build_Steps());
 
   connect(Text_GCode, &QPlainTextEdit::textChanged, this, Text_GCode_Change);
@@ -82,6 +94,10 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   Gcode_Host.Show_Program = [this] {
     const QSignalBlocker quiet(Text_GCode);
     Text_GCode->Set_Program(QString::fromStdString(GCode_Program.Text->Whole()));
+  };
+  Gcode_Host.Show_Changed_Program = [this] {
+    const QSignalBlocker quiet(Text_GCode);
+    Text_GCode->Replace_Text(QString::fromStdString(GCode_Program.Text->Whole()));
   };
   Gcode_Host.GCode_HighlightAll = [this] {
     Text_GCode->Set_Marks({});
@@ -128,7 +144,7 @@ QWidget* GCode_Window::Build_Tools() {
             if (Begin_Check()) Check_Now();
           });
   connect(add("Command_Find", "Find", "Find a text (Ctrl+F)"), &QPushButton::clicked, this,
-          &GCode_Window::Show_Find);
+          [this] { Find->Show_Find(); });
   row->addStretch(1);
   auto* lines = new QLabel;
   lines->setToolTip("Lines of the program");
@@ -137,24 +153,24 @@ QWidget* GCode_Window::Build_Tools() {
   return area;
 }
 
-QWidget* GCode_Window::Build_Find() {
-  Find_Row = new QWidget;
-  auto* row = new QHBoxLayout(Find_Row);
+QWidget* GCode_Window::Build_Transforms() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
   row->setContentsMargins(0, 0, 0, 0);
-  Find_Text = new QLineEdit;
-  Find_Text->setObjectName("Text_Find");
-  Find_Text->setPlaceholderText("Text to find; Enter goes to the next place");
-  row->addWidget(Find_Text, 1);
-  Find_Answer = new QLabel;
-  row->addWidget(Find_Answer);
-  auto* close = new QToolButton;
-  close->setText(QString::fromUtf8("\u2715"));
-  close->setAutoRaise(true);
-  row->addWidget(close);
-  connect(Find_Text, &QLineEdit::returnPressed, this, &GCode_Window::Find_Next);
-  connect(close, &QToolButton::clicked, Find_Row, &QWidget::hide);
-  Find_Row->hide();
-  return Find_Row;
+  for (const Tool_Row& tool : Transform_Tools) {
+    auto* button = new QPushButton(tool.Caption);
+    button->setObjectName(tool.Name);
+    button->setToolTip(tool.Tip);
+    button->setFocusPolicy(Qt::NoFocus);
+    connect(button, &QPushButton::clicked, this, tool.Clicked);
+    row->addWidget(button);
+  }
+  auto* unit = new QComboBox;
+  unit->setToolTip("What Convert converts to");
+  Binding.Combo(unit, "Combo_Convert", Gcode_Form.Combo_Convert, [] {});
+  row->addWidget(unit);
+  row->addStretch(1);
+  return area;
 }
 
 QWidget* GCode_Window::Build_Steps() {
@@ -223,25 +239,8 @@ void GCode_Window::Show_Form() {
   Text_GCode->Set_Current_Line(Text_Line_Of_Step(Compile_Status.CurrentStep));
 }
 
-void GCode_Window::Show_Find() {
-  Find_Row->show();
-  const QString selected = Text_GCode->textCursor().selectedText();
-  if (!selected.isEmpty()) Find_Text->setText(selected);
-  Find_Text->setFocus();
-  Find_Text->selectAll();
-}
-
 void GCode_Window::Undo() {
   Text_GCode->undo();
-}
-
-void GCode_Window::Find_Next() {
-  bool found = Text_GCode->find(Find_Text->text());
-  if (!found) {
-    Text_GCode->moveCursor(QTextCursor::Start);
-    found = Text_GCode->find(Find_Text->text());
-  }
-  Find_Answer->setText(found ? QString() : "Not found");
 }
 
 void GCode_Window::Show_Findings() {

@@ -6,11 +6,11 @@
 
 #include <QWidget>
 
-class QLineEdit;
 class QListWidget;
 
 namespace norvik {
 
+class Find_Bar;
 class GCode_Editor;
 
 class GCode_Window : public QWidget {
@@ -20,7 +20,7 @@ class GCode_Window : public QWidget {
   explicit GCode_Window(QWidget* parent = nullptr);
   ~GCode_Window() override;
 
-  void Show_Find();
+  Find_Bar& Finder() { return *Find; }
   void Undo();
   GCode_Editor& Editor() { return *Text_GCode; }
 
@@ -30,8 +30,7 @@ class GCode_Window : public QWidget {
  private:
   QWidget* Build_Tools();
   QWidget* Build_Steps();
-  QWidget* Build_Find();
-  void Find_Next();
+  QWidget* Build_Transforms();
   void Show_Form();
   // Looks at the compiled program and shows what was found.
   void Show_Findings();
@@ -39,10 +38,8 @@ class GCode_Window : public QWidget {
   Form_Binding Binding;
   Timer_Id Timer = 0;
   GCode_Editor* Text_GCode;
-  QLineEdit* Find_Text = nullptr;
-  QWidget* Find_Row = nullptr;
+  Find_Bar* Find = nullptr;
   QLabel* Step_Line = nullptr;
-  QLabel* Find_Answer = nullptr;
   QListWidget* Findings = nullptr;
 };
 

@@ -1,9 +1,17 @@
 #include "ui/setup/port_setup_window.h"
 
 #include "app/setup_apply.h"
+#include "core/operation.h"
+#include "core/setup.h"
+#include "drive/drive.h"
 #include "parallel/port_setup.h"
+#include "platform/platform.h"
+#include "serial/serial_session.h"
 #include "ui/setup/pin_table.h"
 #include "ui/widgets/theme.h"
+
+#include <algorithm>
+#include <initializer_list>
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -12,6 +20,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace norvik {
@@ -44,6 +53,16 @@ QLineEdit* Field(QFormLayout& form, const QString& title, const QString& name, c
 
 QString Text(const std::string& text) {
   return QString::fromStdString(text);
+}
+
+// Words that take as many lines as they need.
+QLabel* Words(QFormLayout& form, const QString& title, const QString& name) {
+  auto* words = new QLabel;
+  words->setObjectName(name);
+  words->setTextFormat(Qt::PlainText);
+  words->setWordWrap(true);
+  form.addRow(title, words);
+  return words;
 }
 
 }  // namespace
@@ -103,6 +122,7 @@ QWidget* Port_Setup_Window::Build_Side() {
   form->setRowWrapPolicy(QFormLayout::WrapAllRows);
   form->setContentsMargins(0, 0, Text_Height() / 2, 0);
   Build_Port(*form);
+  Build_Board(*form);
   Build_Motors(*form);
   MCode_High = Field(*form, "Output 5 on by M", "Text_MCode_High",
                      "Number of the M code that switches output 5 on; empty: none",
@@ -144,6 +164,40 @@ void Port_Setup_Window::Build_Port(QFormLayout& form) {
   connect(Access, &QComboBox::activated, this, [this] {
     Port_Setup.Option_IODLL = static_cast<std::int16_t>(Access->currentData().toInt());
   });
+}
+
+void Port_Setup_Window::Build_Board(QFormLayout& form) {
+  Serial_Port = List(form, "Serial port of the board", "Combo_Dravon_SerialPort",
+                     "Ports of this computer by their number; Apply opens the chosen one");
+  connect(Serial_Port, &QComboBox::activated, this, [this] { Show_Serial_Ports(); });
+  Port_Problem = Words(form, "Port", "Label_Serial_Port");
+  Board = Words(form, "Board", "Label_ComOK");
+  constexpr int interval_ms = 500;
+  auto* timer = new QTimer(this);
+  timer->setObjectName("DRAVON_Timer1");
+  timer->setInterval(interval_ms);
+  connect(timer, &QTimer::timeout, this, [this] {
+    if (isVisible()) Show_Board();
+  });
+  timer->start();
+}
+
+// The port that is chosen: what the system says of it, and why it cannot be opened.
+void Port_Setup_Window::Show_Serial_Ports() {
+  const int number = std::max(Serial_Port->currentIndex(), 0) + 1;
+  const std::string device = Device_Of_Port(number);
+  std::string words = device.empty() ? "no port of this number" : device;
+  for (const Serial_Port_Info& port : Platform.Serial_Ports()) {
+    if (port.Device != device) continue;
+    if (!port.Description.empty()) words += ", " + port.Description;
+    if (!port.Problem.empty()) words += ". " + port.Problem;
+  }
+  Port_Problem->setText(Text(words));
+}
+
+void Port_Setup_Window::Show_Board() {
+  const bool serial = MachineSetup.Parallel_Port_Type > 1;
+  Board->setText(serial ? Text(Drive().Health()) : QString("none in use"));
 }
 
 void Port_Setup_Window::Build_Motors(QFormLayout& form) {
@@ -190,12 +244,21 @@ void Port_Setup_Window::Show_Form() {
   Pages[form.Pins_Enabled ? 1 : 0]->setChecked(true);
   Connector->setEditText(Text(form.Combo_LPT_Pin_Port));
   Connector->setEnabled(form.LPT_Page_Enabled);
-  // A board that is not there is shown where the setup names it, and never offered.
   Port_Type->clear();
-  Port_Type->addItem("LPT parallel port", 1);
-  if (form.Option_Port_Type != 1)
-    Port_Type->addItem("Serial board (not built in)", form.Option_Port_Type);
-  Port_Type->setCurrentIndex(Port_Type->findData(form.Option_Port_Type));
+  Port_Type->addItem("LPT Parallel Port (dll)", 1);
+  Port_Type->addItem("Serial Port (Dravon v4.xx)", 2);
+  Port_Type->addItem("Serial Port (Pelmar v5.xx", 3);
+  const int type = std::min<int>(form.Option_Port_Type, 3);
+  Port_Type->setCurrentIndex(Port_Type->findData(type));
+  Serial_Port->clear();
+  for (int number = 1; number <= Serial_Port_Count; ++number)
+    Serial_Port->addItem(QString::number(number));
+  Serial_Port->setCurrentIndex(std::clamp<int>(MachineSetup.Dravon_CommPort, 1, Serial_Port_Count) -
+                               1);
+  for (QWidget* part : std::initializer_list<QWidget*>{Serial_Port, Port_Problem, Board})
+    part->setEnabled(type > 1);
+  Show_Serial_Ports();
+  Show_Board();
   Access->setCurrentIndex(Access->findData(form.Option_IODLL));
   Motors->setCurrentIndex(form.Option_MotorEnable < Motors->count() ? form.Option_MotorEnable : -1);
   Off_Time->setEnabled(form.Option_MotorEnable == 2);
@@ -207,6 +270,8 @@ void Port_Setup_Window::Show_Form() {
 }
 
 void Port_Setup_Window::Apply() {
+  if (!Anything_Moves())
+    MachineSetup.Dravon_CommPort = static_cast<std::int16_t>(Serial_Port->currentIndex() + 1);
   Port_Setup_Apply_Click();
   Show_Form();
 }

@@ -23,9 +23,12 @@ class Port_Setup_Window : public QWidget {
   QWidget* Build_Pages();
   QWidget* Build_Side();
   void Build_Port(QFormLayout& form);
+  void Build_Board(QFormLayout& form);
   void Build_Motors(QFormLayout& form);
   QWidget* Build_Buttons();
   void Show_Form();
+  void Show_Serial_Ports();
+  void Show_Board();
   void Apply();
 
   Pin_Table* Pins;
@@ -33,6 +36,8 @@ class Port_Setup_Window : public QWidget {
   QComboBox *Port_Type = nullptr, *Connector = nullptr, *Access = nullptr;
   QComboBox *Motors = nullptr, *Off_Time = nullptr;
   QLineEdit *MCode_High = nullptr, *MCode_Low = nullptr;
+  QComboBox* Serial_Port = nullptr;
+  QLabel *Port_Problem = nullptr, *Board = nullptr;
   QLabel* Hint = nullptr;
 };
 

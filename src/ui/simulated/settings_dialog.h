@@ -15,7 +15,7 @@ class QTableWidgetItem;
 namespace norvik {
 
 // Every change counts at once; the pointer file takes it with "Save". A text that cannot be taken
-// is told below the table and the old value stays. Holds nothing up while a program runs.
+// is named below the table and the old value stays. Holds nothing up while a program runs.
 class Simulation_Settings_Dialog : public QDialog {
  public:
   explicit Simulation_Settings_Dialog(QWidget* parent);

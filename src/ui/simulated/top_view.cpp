@@ -1,5 +1,6 @@
 #include "ui/simulated/top_view.h"
 
+#include "core/axes.h"
 #include "ui/widgets/theme.h"
 
 #include <algorithm>
@@ -211,7 +212,7 @@ void Top_View::Draw_Marks(QPainter& painter) const {
     } else {
       painter.drawRect(QRectF(place - right, place + right));
     }
-    painter.drawText(place + QPointF(half + 2, 0), QString(" XYZA"[mark.Axis]));
+    painter.drawText(place + QPointF(half + 2, 0), QString(Axis_Letter(mark.Axis)));
   }
 }
 

@@ -3,12 +3,14 @@
 #include <algorithm>
 #include <cmath>
 
+#include <QAbstractButton>
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QApplication>
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QFontDatabase>
+#include <QImage>
 #include <QLineEdit>
 #include <QMenu>
 #include <QPainter>
@@ -30,6 +32,41 @@ struct Theme_State {
 };
 
 Theme_State Theme;
+
+// How light a colour looks, from 0 to 1: the relative luminance of the guidelines for readable
+// text.
+double Light_Of(const QColor& color) {
+  const auto linear = [](double part) {
+    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+  };
+  return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) +
+         0.0722 * linear(color.blueF());
+}
+
+// The least contrast of letters on a button of this colour: the style paints a shade of its own,
+// lighter above than below.
+double Contrast_On_Button(const QColor& ground, const QColor& text) {
+  constexpr int side = 48;
+  QImage face(side, side, QImage::Format_RGB32);
+  face.fill(ground);
+  QStyleOptionButton option;
+  option.rect = face.rect();
+  option.state = QStyle::State_Enabled | QStyle::State_Raised;
+  option.palette.setColor(QPalette::Button, ground);
+  QPainter painter(&face);
+  QApplication::style()->drawPrimitive(QStyle::PE_PanelButtonCommand, &option, &painter);
+  painter.end();
+  return std::min(Contrast(face.pixelColor(side / 2, side / 4), text),
+                  Contrast(face.pixelColor(side / 2, side * 3 / 4), text));
+}
+
+// The colour nearest to the wanted one on which the letters can be read.
+QColor Ground_Of_Button(QColor ground, const QColor& text) {
+  constexpr int most_tries = 20, change = 108;  // percent
+  for (int n = 0; n < most_tries && Contrast_On_Button(ground, text) < Readable_Contrast; ++n)
+    ground = Light_Of(text) > Light_Of(ground) ? ground.darker(change) : ground.lighter(change);
+  return ground;
+}
 
 QPalette Light_Palette() {
   QPalette palette;
@@ -392,19 +429,21 @@ QColor Alarm_Red() {
   return QColor(0xA81C1C);
 }
 
-QColor Ink_On_Face(const QColor& ground) {
-  const auto linear = [](double part) {
-    return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-  };
-  const double light = 0.2126 * linear(ground.redF()) + 0.7152 * linear(ground.greenF()) +
-                       0.0722 * linear(ground.blueF());
-  constexpr double even = 0.179;  // as far from black as from white
-  return light > even ? QColor(Qt::black) : QColor(Qt::white);
+double Contrast(const QColor& one, const QColor& other) {
+  const double a = Light_Of(one), b = Light_Of(other);
+  return (std::max(a, b) + 0.05) / (std::min(a, b) + 0.05);
 }
 
-void Set_Face(QWidget& control, const QColor& ground, const QColor& text) {
+QColor Ink_On_Face(const QColor& ground) {
+  constexpr double even = 0.179;  // as far from black as from white
+  return Light_Of(ground) > even ? QColor(Qt::black) : QColor(Qt::white);
+}
+
+void Set_Face(QWidget& control, const QColor& wanted, const QColor& text) {
   QPalette palette = QApplication::palette(&control);
-  if (ground.isValid()) {
+  if (wanted.isValid()) {
+    const bool button = qobject_cast<QAbstractButton*>(&control) != nullptr;
+    const QColor ground = button && text.isValid() ? Ground_Of_Button(wanted, text) : wanted;
     palette.setColor(QPalette::Button, ground);
     palette.setColor(QPalette::Window, ground);
     control.setAutoFillBackground(true);

@@ -43,8 +43,13 @@ QColor Alarm_Red();
 // Black or white, whichever stands out more from the ground.
 QColor Ink_On_Face(const QColor& ground);
 
-// Paints the face of a button or label: invalid colours give it back its normal look.
-void Set_Face(QWidget& control, const QColor& ground, const QColor& text);
+// From 1, the same, to 21, black and white; letters can be read from `Readable_Contrast` on.
+double Contrast(const QColor& one, const QColor& other);
+inline constexpr double Readable_Contrast = 4.5;
+
+// Paints the face of a button or label: invalid colours give it back its normal look. A button gets
+// the colour that is nearest to the wanted one and leaves its letters readable as it is painted.
+void Set_Face(QWidget& control, const QColor& wanted, const QColor& text);
 
 // Signs drawn as shapes, sharp at every scale.
 enum class Sign {

@@ -1,0 +1,197 @@
+// Whole programs and operations on the simulated controller boards, on the virtual clock.
+#include "control/manual/home.h"
+#include "control/panel/run_program.h"
+#include "control_fixture.h"
+#include "drive/drive.h"
+#include "serial/monitor.h"
+#include "serial/serial_link.h"
+#include "serial/serial_session.h"
+#include "serial/stream.h"
+#include "simulate/board/board_axes.h"
+#include "simulate/board/board_faults.h"
+#include "simulate/board/board_findings.h"
+#include "simulate/board/board_motion.h"
+#include "simulate/board/board_state.h"
+#include "simulate/board/running_entry.h"
+#include "simulate/board_port.h"
+#include "simulate/virtual_clock.h"
+
+#include <cmath>
+#include <random>
+
+namespace norvik {
+namespace {
+
+using ::testing::HasSubstr;
+
+class Serial_Runs_Test : public Control_Test, public ::testing::WithParamInterface<int> {
+ protected:
+  Serial_Runs_Test() {
+    Free_Axes();
+    MachineSetup.Axis_Depth.Fill(1e4F);
+    MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(2 + GetParam());
+    MachineSetup.Axis_Ramp_Rate = 5;
+    MachineSetup.Axis_Ramp_Start = 12;
+    MachineSetup.Dravon_SASF = 1;
+    Connect_Control();
+    Install_Virtual_Clock();
+    Before = Platform;
+    Install_Simulated_Boards();
+    Serial_Session_Host.Choose_Device = [](int generation, const std::string&, const std::string&) {
+      return std::string(generation > 0 ? Simulated_Pelmar_Device : Simulated_Dravon_Device);
+    };
+    Drive().Begin_Session();
+    Ticks = Platform.Start_Timer(100, [] {
+      Drive().Tick();
+      Watch_Machine();
+    });
+  }
+  ~Serial_Runs_Test() override {
+    Platform.Stop_Timer(Ticks);
+    Drive().End_Session();
+    Forget_Simulated_Boards();
+    Serial_Session_Host = {};
+    Remove_Virtual_Clock();
+    Dravon_Stream = {};
+    Dravon = {};
+    Serial_Link = {};
+  }
+
+  Simulated_Board& Board() {
+    return Simulated_Line(GetParam() > 0 ? Board_Generation::Pelmar : Board_Generation::Dravon)
+        .Board;
+  }
+  void Harm(const std::string& fault) { ASSERT_EQ(Add_Board_Fault(Board(), fault), "") << fault; }
+
+  // A chain of short chords, as of a contour.
+  std::vector<Row> Contour(int count) {
+    std::vector<Row> rows;
+    for (int i = 1; i <= count; ++i) {
+      Row row;
+      row.Step = i;
+      row.X = std::sin(i * 0.1);
+      row.Y = 1 - std::cos(i * 0.1);
+      row.Feed = 40;
+      rows.push_back(row);
+    }
+    return rows;
+  }
+  void Expect_Arrived(const std::vector<Row>& rows) {
+    const Row& last = rows.back();
+    EXPECT_NEAR(Counter_Of(Board(), 1), *last.X * 400, 0.5 + double(Dravon_Stream.Excess[1]) + 2);
+    EXPECT_NEAR(Counter_Of(Board(), 2), *last.Y * 400, 0.5 + double(Dravon_Stream.Excess[2]) + 2);
+    EXPECT_NEAR(Machine.Position[1], Counter_Of(Board(), 1) / 400.0, 1e-9);
+  }
+
+  Platform_Operations Before;
+  Timer_Id Ticks = 0;
+};
+
+TEST_P(Serial_Runs_Test, A_program_ends_where_it_should_and_takes_its_time) {
+  ASSERT_EQ(Drive().Missing(), "");
+  const auto rows = Contour(200);
+  Load(rows);
+  const Run_Summary summary = Run_Compiled_Program({""});
+  EXPECT_TRUE(summary.Finished) << summary.Ended_By;
+  Expect_Arrived(rows);
+  // 200 chords of 0.1 at 40 units a minute: half a minute, and what starts and ends cost.
+  EXPECT_GT(summary.Machine_Run_Time, 29);
+  EXPECT_LT(summary.Machine_Run_Time, 60);
+  EXPECT_EQ(Serial_Link.ErrorCount, 0);
+}
+
+// Whatever happens on the line: the counters are right at the end, or the run stopped with words.
+TEST_P(Serial_Runs_Test, Faults_on_the_line_end_right_or_with_words) {
+  for (const char* fault :
+       {"code=MoveSteps:20 no-reply", "code=MoveSteps:20 cut=2", "code=MoveSteps:20 checksum=low",
+        "code=MoveSteps:20 noise=1B0A07", "code=MoveSteps:20 twice", "code=MoveSteps:20 delay=400",
+        "code=ReadStatus:30 no-reply", "code=AxisPrepare:30 no-reply", "code=MoveSteps:20 restart",
+        "code=MoveSteps:20 silence=5000", "code=MoveSteps:20 disconnect=3000"}) {
+    SCOPED_TRACE(fault);
+    Clear_Board_Faults(Board());
+    Advance_Virtual_Clock(6'000'000'000);
+    Serial_Begin_Session();
+    Machine.Position = {};
+    Drive().Set_Position();
+    Position_Memory = {};
+    Application.EscFlag = false;
+    const std::string wrong = Add_Board_Fault(Board(), fault);
+    if (!wrong.empty()) {
+      ADD_FAILURE() << wrong;
+      continue;
+    }
+    const auto rows = Contour(60);
+    Load(rows);
+    const Run_Summary summary = Run_Compiled_Program({""});
+    if (summary.Finished) {
+      Expect_Arrived(rows);
+    } else {
+      EXPECT_NE(summary.Ended_By, "");
+      EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+    }
+    EXPECT_EQ(Board_Finding_Count(Board().Findings, Board_Finding_Kind::Doubled_Move), 0);
+  }
+}
+
+TEST_P(Serial_Runs_Test, A_pause_ends_at_a_wire_and_goes_on) {
+  const auto rows = Contour(100);
+  Load(rows);
+  const Timer_Id once = Platform.Start_Timer(3'000, [] {
+    if (Machine.CNCMode == CNC_Running) Command_CNC_Pause_Click();
+  });
+  Command_CNC_Play_Click();
+  Platform.Stop_Timer(once);
+  EXPECT_EQ(Machine.CNCMode, CNC_Paused);
+  EXPECT_FALSE(In_Motion(Board()));
+  for (int axis = 1; axis <= 2; ++axis)
+    EXPECT_NEAR(Machine.Position[axis], Machine.Theoretical_Pos[axis], 0.02);
+  EXPECT_LT(Machine.Run_Step, 100);
+  Command_CNC_Play_Click();
+  EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+  Expect_Arrived(rows);
+}
+
+TEST_P(Serial_Runs_Test, Stop_and_E_stop_leave_nothing_in_the_board) {
+  for (const bool emergency : {false, true}) {
+    Load(Contour(200));
+    const Timer_Id once = Platform.Start_Timer(4'000, [&] {
+      if (Machine.CNCMode != CNC_Running) return;
+      emergency ? Command_EStop_Click() : Command_CNC_Stop_Click();
+    });
+    Command_CNC_Play_Click();
+    Platform.Stop_Timer(once);
+    EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
+    EXPECT_FALSE(In_Motion(Board()));
+    EXPECT_EQ(Queue_Used(Board()), 0);
+    EXPECT_EQ(Machine.Position[1], Counter_Of(Board(), 1) / 400.0);
+    EXPECT_EQ(Machine.Theoretical_Pos[1], Machine.Position[1]);
+    EXPECT_EQ(Position_Memory.Doubt, "");
+    if (emergency) Command_EStop_Click();
+    EXPECT_EQ(Machine.EStop_Flag, false);
+  }
+}
+
+TEST_P(Serial_Runs_Test, A_held_jog_ends_soon_after_its_release) {
+  MachineSetup.Axis_Feed_Rate_Jogging = 40;
+  Step_Request jog;
+  jog.Steps[1] = 400'000'000;
+  jog.Start = 12, jog.Run = jog.End = 40;
+  jog.No_Rate_Check = true;
+  const Operation_Scope scope(Operation::Jog);
+  double released = 0;
+  const Timer_Id once = Platform.Start_Timer(2'000, [&] {
+    if (released == 0) released = Machine.Position[1];
+    Release_Jog();
+  });
+  Run_Jog(jog, true);
+  Platform.Stop_Timer(once);
+  EXPECT_GT(released, 0.5);
+  EXPECT_LT(Machine.Position[1] - released, 0.3);
+  EXPECT_FALSE(In_Motion(Board()));
+  EXPECT_EQ(Machine.Theoretical_Pos[1], Machine.Position[1]);
+}
+
+INSTANTIATE_TEST_SUITE_P(Both_Boards, Serial_Runs_Test, ::testing::Values(0, 1));
+
+}  // namespace
+}  // namespace norvik

@@ -1,0 +1,32 @@
+#include "app/bitmap_form.h"
+#include "app/drive_session.h"
+#include "app/forms.h"
+#include "app/gcode_form.h"
+#include "app/main_form.h"
+#include "app/program_findings.h"
+#include "app/session_mark.h"
+#include "app/startup.h"
+#include "support/reset.h"
+
+namespace norvik {
+
+void Reset_App() {
+  Reset_Control();
+  Reset_Plot();
+  Reset_Import();
+  Reset_Tools();
+  Bitmap_Import = {};
+  Bitmap_Host = {};
+  Drive_Session = {};
+  Drive_Session_Host = {};
+  Forms = {};
+  Gcode_Form = {};
+  Gcode_Host = {};
+  Main_Form = {};
+  Main_Host = {};
+  Main_Window = {};
+  Program_Findings = {};
+  Session_Mark = {};
+}
+
+}  // namespace norvik
