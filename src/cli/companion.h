@@ -34,6 +34,8 @@ struct Axis_Travel {
   double Low = 0, High = 0;
 };
 
+struct Companion;
+
 // What main wires in: back ends that the commands may not see.
 struct Companion_Environment {
   // The operator asked to stop, by Ctrl-C, a request to terminate or a terminal that hung up.
@@ -56,6 +58,9 @@ struct Companion_Environment {
   std::function<void()> Open_Table_Ends = [] {};
   // What the simulated machine noticed; empty on real ports.
   std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };
+  // Adds the commands of rooms that this one may not see; none by default.
+  std::function<void(CLI::App& app, Companion& companion)> Add_Commands = [](CLI::App&,
+                                                                             Companion&) {};
   // A command that reads or writes pictures was chosen. Does not come back where another program
   // takes the call over; otherwise the reason why pictures are not possible, empty: they are.
   std::function<std::string()> Take_Pictures = [] { return std::string(); };

@@ -1,5 +1,6 @@
 // norvik-cli: chooses the back ends and hands over to the commands.
 #include "app/drive_session.h"
+#include "cli/board/board_commands.h"
 #include "cli/companion.h"
 #include "core/application.h"
 #include "core/paths.h"
@@ -95,6 +96,7 @@ int main(int argument_count, char** arguments) {
   Install_Simulated_Boards();
 
   Companion_Environment environment;
+  environment.Add_Commands = Add_Board_Commands;
   environment.Asked_To_Stop = [] { return Interrupts_Seen() > 0; };
   environment.Find_Cards = Find_Cards;
   environment.Use_Simulated_Machine = Use_Simulated_Machine;

@@ -1,4 +1,6 @@
 // The panel of the simulated machine: faults, hands, findings, the view from above, the settings.
+#include "simulate/board/board.h"
+#include "simulate/board_port.h"
 #include "ui_fixture.h"
 
 #include <QCheckBox>
@@ -237,6 +239,44 @@ TEST_F(Simulated_Panel_Test, Every_Size_Shows_The_EStop_And_Reaches_Every_Part) 
       EXPECT_TRUE(widget.isVisible()) << part << " at " << width;
     }
   }
+}
+
+// The board is there once its port has been opened; its hands act on the line and on the machine.
+TEST_F(Simulated_Panel_Test, A_Controller_Board_Shows_Itself_And_Trains_Faults) {
+  EXPECT_FALSE(Find("Group_Board").isVisible());
+  Install_Simulated_Boards();
+  const int handle = Platform.Serial_Open("simulated:pelmar", 115'200).Handle;
+  ASSERT_GT(handle, 0);
+  Look();
+  EXPECT_TRUE(Find("Group_Board").isVisible());
+  EXPECT_EQ(Text_Of("Label_Board_Entry"), "at rest");
+  const std::vector<std::uint8_t> output_3{27, 13, 3, 43, 0};
+  Platform.Serial_Write(handle, output_3);
+  Look();
+  EXPECT_THAT(Text_Of("Label_Board_State").toStdString(), HasSubstr("Outputs on: 3"));
+  EXPECT_THAT(Text_Of("Label_Board_Link").toStdString(), HasSubstr("plugged in: 1 frames, 0 bad"));
+  Click("Command_Board_Low_X");
+  Look();
+  EXPECT_EQ(Text_Of("Command_Board_Low_X"), "ON");
+  EXPECT_TRUE(Low_Switch_On(Line_In_Use()->Board, 1));
+  Click("Command_Board_Slip_Y");
+  EXPECT_EQ(Line_In_Use()->Board.Axes[2].Settings.Slip, 0.05);
+  Click("Command_Board_Watchdog");
+  Click("Command_Board_Aux");
+  Click("Command_Board_Restart");
+  EXPECT_EQ(Line_In_Use()->Board.Watchdog_Errors, 1);
+  EXPECT_EQ(Line_In_Use()->Board.Aux, Input_State::On);
+  Look();
+  EXPECT_THAT(Items_Noticed().toStdString(), HasSubstr("the board restarted"));
+  Click("Command_Board_Unplug");
+  Look();
+  EXPECT_EQ(Platform.Serial_Available(handle), -1);
+  EXPECT_THAT(Text_Of("Label_Board_Link").toStdString(), HasSubstr("UNPLUGGED"));
+  Click("Command_Board_Unplug");
+  EXPECT_GT(Platform.Serial_Open("simulated:pelmar", 115'200).Handle, 0);
+  Forget_Simulated_Boards();
+  Look();
+  EXPECT_FALSE(Find("Group_Board").isVisible());
 }
 
 }  // namespace

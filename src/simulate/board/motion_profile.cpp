@@ -87,8 +87,9 @@ void End_Early(Motion_Profile& profile, double seconds, double rate, double ramp
   const double from = Count_At(profile, seconds), now = Rate_At(profile, seconds);
   const double lowest = std::max(rate, Slowest_Rate);
   // Whole counts: the last one is made.
-  const double end =
-      std::min(std::ceil(from + std::max(now - lowest, 0.0) / ramp_rate), profile.End);
+  constexpr double rounding = 1e-6;
+  const double fall = std::max(now - lowest, 0.0) / ramp_rate;
+  const double end = std::min(std::ceil(from + fall - rounding), profile.End);
   // One segment of what has been made is enough: nobody looks back.
   profile.Segments[0] = Segment_At(profile, seconds);
   profile.Count = 1;

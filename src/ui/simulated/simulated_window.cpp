@@ -1,8 +1,10 @@
 #include "ui/simulated/simulated_window.h"
 
 #include "core/setup.h"
+#include "simulate/board_port.h"
 #include "simulate/virtual_clock.h"
 #include "ui/simulated/axes_panel.h"
+#include "ui/simulated/board_panel.h"
 #include "ui/simulated/input_button.h"
 #include "ui/simulated/place_dialog.h"
 #include "ui/simulated/settings_dialog.h"
@@ -60,12 +62,14 @@ Simulated_Window::Simulated_Window(QWidget* parent) : QWidget(parent) {
   setObjectName("Simulated_Machine");
   setWindowTitle("Simulated machine");
   auto* rows = new QVBoxLayout(this);
-  auto* head = new QLabel("SIMULATED MACHINE - no motion takes place");
-  head->setFont(Bold_Font(1.1));
-  head->setMargin(Text_Height() / 8);
-  head->setAlignment(Qt::AlignCenter);
-  Set_Face(*head, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
-  rows->addWidget(head);
+  Head = new QLabel("SIMULATED MACHINE - no motion takes place");
+  Head->setFont(Bold_Font(1.1));
+  Head->setMargin(Text_Height() / 8);
+  Head->setAlignment(Qt::AlignCenter);
+  Set_Face(*Head, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
+  rows->addWidget(Head);
+  Board = new Board_Panel;
+  rows->addWidget(Board);
 
   auto* content = new QWidget;
   Grid = new QGridLayout(content);
@@ -231,6 +235,7 @@ QWidget* Simulated_Window::Build_Findings() {
                      "Clears what happened; what is wrong with the pin map stays");
   connect(clear, &QPushButton::clicked, this, [this] {
     Clear_Findings();
+    if (Board_Line* line = Line_In_Use()) line->Board.Findings = {};
     Show_View();
   });
   row->addWidget(clear, 0, Qt::AlignTop);
@@ -248,6 +253,10 @@ void Simulated_Window::Show_Findings(const std::vector<std::string>& texts) {
 }
 
 void Simulated_Window::Show_View() {
+  Board->Show_Board();
+  const Board_Line* line = Line_In_Use();
+  Set_Text(*Head, line == nullptr ? "SIMULATED MACHINE - no motion takes place"
+                                  : "SIMULATED BOARD - no motion takes place");
   const Simulated_Machine_View view = View_Simulated_Machine();
   Axes->Show_View(view);
   for (int input = 0; input <= 5; ++input) {
@@ -265,9 +274,14 @@ void Simulated_Window::Show_View() {
   Cuts_Power->setChecked(view.EStop_Cuts_Power);
   Set_Text(*Spindle, QString("Spindle %1 %").arg(std::lround(view.Spindle_Speed * 100)));
   Above->Show_View(view);
-  Show_Findings(view.Findings);
+  std::vector<std::string> findings = view.Findings;
+  if (line != nullptr) {
+    const auto noticed = Board_Findings_Text(line->Board.Findings);
+    findings.insert(findings.begin(), noticed.begin(), noticed.end());
+  }
+  Show_Findings(findings);
   const int page = Tabs->indexOf(Noticed);
-  if (page >= 0) Tabs->setTabText(page, QString("Noticed (%1)").arg(view.Findings.size()));
+  if (page >= 0) Tabs->setTabText(page, QString("Noticed (%1)").arg(findings.size()));
 }
 
 }  // namespace norvik

@@ -20,6 +20,7 @@ class QTabWidget;
 namespace norvik {
 
 class Axes_Panel;
+class Board_Panel;
 class Input_Button;
 class View_Page;
 
@@ -44,6 +45,8 @@ class Simulated_Window : public QWidget {
   void Show_View();
   void Show_Findings(const std::vector<std::string>& texts);
 
+  QLabel* Head = nullptr;
+  Board_Panel* Board = nullptr;
   Axes_Panel* Axes = nullptr;
   std::array<Input_Button*, 6> Inputs{};
   std::array<QLabel*, 6> Outputs{};
