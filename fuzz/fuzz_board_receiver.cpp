@@ -12,7 +12,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   using namespace norvik;
   if (size < 2) return 0;
   Board_Line line;
-  line.Board = Make_Board((data[0] & 1) != 0 ? Board_Generation::Pelmar : Board_Generation::Dravon);
+  line.Board =
+      Make_Board((data[0] & 1) != 0 ? Board_Generation::Pelmar_V5 : Board_Generation::Dravon_V4);
   line.Board.Settings.Answer_Bad_Frames = (data[0] & 2) != 0;
   line.Board.Host.Frame = [](const Board_Frame_Event& event) {
     if (event.To_Host && !Checksum_Is_Right(event.Frame)) std::abort();

@@ -38,8 +38,8 @@ Board_Port& Port_Of(Board_Generation generation) {
 }
 
 std::optional<Board_Generation> Generation_Of_Device(std::string_view device) {
-  if (device == Simulated_Dravon_Device) return Board_Generation::Dravon;
-  if (device == Simulated_Pelmar_Device) return Board_Generation::Pelmar;
+  if (device == Simulated_Dravon_Device) return Board_Generation::Dravon_V4;
+  if (device == Simulated_Pelmar_Device) return Board_Generation::Pelmar_V5;
   return std::nullopt;
 }
 
@@ -125,8 +125,8 @@ std::int64_t Now() {
 
 std::vector<Serial_Port_Info> List_Ports() {
   auto ports = Board_Ports.Below.Serial_Ports();
-  for (const auto generation : {Board_Generation::Dravon, Board_Generation::Pelmar}) {
-    const bool dravon = generation == Board_Generation::Dravon;
+  for (const auto generation : {Board_Generation::Dravon_V4, Board_Generation::Pelmar_V5}) {
+    const bool dravon = generation == Board_Generation::Dravon_V4;
     ports.push_back({std::string(dravon ? Simulated_Dravon_Device : Simulated_Pelmar_Device),
                      "Simulated " + Name_Of(generation) + " board: no motion takes place", ""});
   }

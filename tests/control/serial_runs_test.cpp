@@ -58,9 +58,11 @@ class Serial_Runs_Test : public Control_Test, public ::testing::WithParamInterfa
   }
 
   Simulated_Board& Board() {
-    return Simulated_Line(GetParam() > 0 ? Board_Generation::Pelmar : Board_Generation::Dravon)
+    return Simulated_Line(GetParam() > 0 ? Board_Generation::Pelmar_V5
+                                         : Board_Generation::Dravon_V4)
         .Board;
   }
+  double Count(int axis) { return static_cast<double>(Counter_Of(Board(), axis)); }
   void Harm(const std::string& fault) { ASSERT_EQ(Add_Board_Fault(Board(), fault), "") << fault; }
 
   // A chain of short chords, as of a contour.
@@ -78,9 +80,9 @@ class Serial_Runs_Test : public Control_Test, public ::testing::WithParamInterfa
   }
   void Expect_Arrived(const std::vector<Row>& rows) {
     const Row& last = rows.back();
-    EXPECT_NEAR(Counter_Of(Board(), 1), *last.X * 400, 0.5 + double(Dravon_Stream.Excess[1]) + 2);
-    EXPECT_NEAR(Counter_Of(Board(), 2), *last.Y * 400, 0.5 + double(Dravon_Stream.Excess[2]) + 2);
-    EXPECT_NEAR(Machine.Position[1], Counter_Of(Board(), 1) / 400.0, 1e-9);
+    EXPECT_NEAR(Count(1), *last.X * 400, 2.5 + Dravon_Stream.Excess[1]);
+    EXPECT_NEAR(Count(2), *last.Y * 400, 2.5 + Dravon_Stream.Excess[2]);
+    EXPECT_NEAR(Machine.Position[1], Count(1) / 400, 1e-9);
   }
 
   Platform_Operations Before;
@@ -163,7 +165,7 @@ TEST_P(Serial_Runs_Test, Stop_and_E_stop_leave_nothing_in_the_board) {
     EXPECT_EQ(Machine.CNCMode, CNC_Stopped);
     EXPECT_FALSE(In_Motion(Board()));
     EXPECT_EQ(Queue_Used(Board()), 0);
-    EXPECT_EQ(Machine.Position[1], Counter_Of(Board(), 1) / 400.0);
+    EXPECT_EQ(Machine.Position[1], Count(1) / 400);
     EXPECT_EQ(Machine.Theoretical_Pos[1], Machine.Position[1]);
     EXPECT_EQ(Position_Memory.Doubt, "");
     if (emergency) Command_EStop_Click();

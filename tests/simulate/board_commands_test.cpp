@@ -10,7 +10,8 @@ using ::testing::ElementsAre;
 using ::testing::IsEmpty;
 
 INSTANTIATE_TEST_SUITE_P(Generations, Both_Boards,
-                         ::testing::Values(Board_Generation::Dravon, Board_Generation::Pelmar),
+                         ::testing::Values(Board_Generation::Dravon_V4,
+                                           Board_Generation::Pelmar_V5),
                          [](const auto& run) { return Name_Of(run.param); });
 
 TEST_P(Both_Boards, Says_Who_It_Is) {

@@ -124,7 +124,7 @@ TEST_F(Board_Fault_Test, What_Is_Wrong_In_A_Line_Is_Said) {
 
 class Board_Line_Fault : public ::testing::Test {
  protected:
-  Board_Line_Fault() { Line.Board = Make_Board(Board_Generation::Dravon); }
+  Board_Line_Fault() { Line.Board = Make_Board(Board_Generation::Dravon_V4); }
   // What the host has received some time after it has sent the frame.
   Bytes Exchange(const Bytes& frame, std::int64_t wait = 100 * Test_Millisecond) {
     Bytes answer;
@@ -207,7 +207,7 @@ TEST_F(Board_Line_Fault, An_Adapter_Sends_Full_Packets_At_Once) {
 TEST(Board_Receiver_Test, Any_Bytes_Leave_The_Board_Whole) {
   std::mt19937 random(11);
   const auto below = [&](std::uint32_t end) { return static_cast<std::uint32_t>(random() % end); };
-  for (const auto generation : {Board_Generation::Dravon, Board_Generation::Pelmar}) {
+  for (const auto generation : {Board_Generation::Dravon_V4, Board_Generation::Pelmar_V5}) {
     Board_Line line;
     line.Board = Make_Board(generation);
     std::int64_t answers = 0;

@@ -60,7 +60,7 @@ inline Bytes Move_Payload(Board_Generation generation, const Test_Move& move) {
   for (const std::uint8_t byte : {directions, move.High, move.Low, move.Pwm_High, move.Pwm_Low}) {
     payload.push_back(byte);
   }
-  if (generation == Board_Generation::Pelmar) Append_Number(payload, move.Index, 3);
+  if (generation == Board_Generation::Pelmar_V5) Append_Number(payload, move.Index, 3);
   return payload;
 }
 
@@ -110,14 +110,14 @@ class Board_Test : public ::testing::Test {
     return Board_Finding_Count(Board.Findings, kind, axis) > 0;
   }
 
-  Simulated_Board Board = Make_Board(Board_Generation::Dravon);
+  Simulated_Board Board = Make_Board(Board_Generation::Dravon_V4);
 };
 
 // Runs for both generations.
 class Both_Boards : public Board_Test, public ::testing::WithParamInterface<Board_Generation> {
  protected:
   void SetUp() override { Power_Up(GetParam()); }
-  bool Is_Pelmar() const { return GetParam() == Board_Generation::Pelmar; }
+  bool Is_Pelmar() const { return GetParam() == Board_Generation::Pelmar_V5; }
 };
 
 }  // namespace norvik

@@ -13,7 +13,7 @@ namespace {
 class Pelmar_Machine : public Board_Test {
  protected:
   void SetUp() override {
-    Power_Up(Board_Generation::Pelmar);
+    Power_Up(Board_Generation::Pelmar_V5);
     Board.Axes[1].Settings.Low_Switch = -100;
     Board.Axes[1].Settings.High_Switch = 1000;
     Board.Axes[1].Settings.Hysteresis = 4;
@@ -222,7 +222,7 @@ TEST_F(Pelmar_Machine, A_Stream_That_Runs_Dry_Is_Noticed_And_An_End_Is_Not) {
 
 TEST(Board_Options_Test, Options_And_Machines_Are_Taken_By_Name) {
   Board_Line line;
-  line.Board = Make_Board(Board_Generation::Dravon);
+  line.Board = Make_Board(Board_Generation::Dravon_V4);
   EXPECT_EQ(Set_Board_Option(line, "usb_latency=16"), "");
   EXPECT_EQ(line.Usb_Latency, 16 * Test_Millisecond);
   EXPECT_EQ(Set_Board_Option(line, "pace=off"), "");

@@ -9,7 +9,7 @@ namespace norvik {
 namespace {
 
 using ::testing::HasSubstr;
-constexpr auto Dravon = Board_Generation::Dravon, Pelmar = Board_Generation::Pelmar;
+constexpr auto Dravon = Board_Generation::Dravon_V4, Pelmar = Board_Generation::Pelmar_V5;
 
 std::string Decoded(Board_Generation generation, std::string_view hex,
                     Frame_Side side = Frame_Side::Command) {

@@ -97,7 +97,7 @@ Simulated_Board Make_Board(Board_Generation generation) {
   Simulated_Board board;
   board.Generation = generation;
   board.Receiver.Generation = generation;
-  if (generation == Board_Generation::Pelmar) {
+  if (generation == Board_Generation::Pelmar_V5) {
     board.Settings.Capacity = Pelmar_Capacity;
     board.Settings.Revision = {5, 7, 1};
     board.Settings.Date = {9, 11, 20, 21};

@@ -51,7 +51,7 @@ bool Meets_Switch(const Simulated_Board& board, int axis, std::int64_t counts) {
 bool Encoder_Is_Watched(const Simulated_Board& board, int axis) {
   constexpr std::uint8_t enabled = 128;
   const Board_Axis& a = board.Axes[axis];
-  return board.Generation == Board_Generation::Pelmar && (a.Encoder_Byte & enabled) != 0 &&
+  return board.Generation == Board_Generation::Pelmar_V5 && (a.Encoder_Byte & enabled) != 0 &&
          !a.Encoder_Fault;
 }
 

@@ -54,11 +54,11 @@ constexpr std::array<std::uint8_t, Most_Codes> Place_Of_Code = Places_By_Code();
 }  // namespace
 
 std::string Name_Of(Board_Generation generation) {
-  return generation == Board_Generation::Dravon ? "Dravon" : "Pelmar";
+  return generation == Board_Generation::Dravon_V4 ? "Dravon" : "Pelmar";
 }
 
 std::optional<Board_Generation> Generation_Named(std::string_view name) {
-  for (const auto generation : {Board_Generation::Dravon, Board_Generation::Pelmar}) {
+  for (const auto generation : {Board_Generation::Dravon_V4, Board_Generation::Pelmar_V5}) {
     if (Upper(name) == Upper(Name_Of(generation))) return generation;
   }
   return std::nullopt;

@@ -19,7 +19,7 @@
 
 namespace norvik {
 
-enum class Board_Generation : std::uint8_t { Dravon = 0, Pelmar = 1 };
+enum class Board_Generation : std::uint8_t { Dravon_V4 = 0, Pelmar_V5 = 1 };
 
 // "Dravon" or "Pelmar".
 std::string Name_Of(Board_Generation generation);
@@ -66,7 +66,7 @@ const Board_Command* Board_Command_Named(std::string_view name);
 
 // --- Parts of frames -------------------------------------------------------------------------
 
-inline constexpr std::uint8_t Frame_Start = 27;
+inline constexpr std::uint8_t Board_Frame_Start = 27;
 inline constexpr std::size_t Dwell_Payload = 35;  // on both boards
 inline constexpr std::uint32_t No_Steps_Divider = 0xFFFFFFFF;
 inline constexpr std::uint16_t Dwell_Rate = 1000;  // Hz: a count of a dwell is a millisecond

@@ -38,7 +38,7 @@ void Begin_Reply(const Simulated_Board& board, const Board_Command& command, std
                  Board_Reply& reply) {
   reply.Length = command.Reply_Of(board.Generation);
   std::fill_n(reply.Bytes.begin(), reply.Length, std::uint8_t{0});
-  reply.Bytes[0] = Frame_Start;
+  reply.Bytes[0] = Board_Frame_Start;
   reply.Bytes[1] = answer;
 }
 
@@ -136,7 +136,7 @@ std::string_view Take_Move(Simulated_Board& board, std::span<const std::uint8_t>
 
 void Answer_Free(const Simulated_Board& board, Reply_Writer reply) {
   constexpr std::size_t low = 3, high = 4;
-  if (board.Generation == Board_Generation::Dravon) {
+  if (board.Generation == Board_Generation::Dravon_V4) {
     return reply.Byte(low, static_cast<std::uint32_t>(Queue_Used(board)));
   }
   const auto free = static_cast<std::uint32_t>(Queue_Free(board));
@@ -171,7 +171,7 @@ std::uint8_t Status_Flags(const Simulated_Board& board) {
 void Answer_Status(const Simulated_Board& board, Reply_Writer reply) {
   constexpr std::size_t counters = 3, encoders = 15, number = 3, index = 34;
   constexpr double tenth = 10, largest = 65'535;
-  const bool pelmar = board.Generation == Board_Generation::Pelmar;
+  const bool pelmar = board.Generation == Board_Generation::Pelmar_V5;
   const std::size_t latches = pelmar ? encoders + Axis_Count * number : encoders;
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const std::size_t place = static_cast<std::size_t>(axis - 1) * number;

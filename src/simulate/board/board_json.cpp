@@ -162,7 +162,7 @@ std::string Board_Queue_Json(const Simulated_Board& board, std::size_t most) {
   std::vector<std::string> entries;
   if (board.Running.Active) entries.push_back(Entry_Json(board.Running.Entry));
   for (std::size_t i = 0; i < board.Queue_Count && entries.size() < most; ++i) {
-    entries.push_back(Entry_Json(Queued_Entry(board, i)));
+    entries.push_back(Entry_Json(Entry_In_Queue(board, i)));
   }
   return List_Of(entries);
 }

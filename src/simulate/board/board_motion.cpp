@@ -325,7 +325,7 @@ std::int32_t Queue_Free(const Simulated_Board& board) {
   return std::max(board.Settings.Capacity - Queue_Used(board), 0);
 }
 
-const Board_Entry& Queued_Entry(const Simulated_Board& board, std::size_t place) {
+const Board_Entry& Entry_In_Queue(const Simulated_Board& board, std::size_t place) {
   return board.Queue[(board.Queue_First + place) % board.Queue.size()];
 }
 

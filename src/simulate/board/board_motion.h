@@ -30,7 +30,7 @@ void Switch_Output(Simulated_Board& board, int output, bool on);
 // What the queue says of itself: entries in it, and places that are free.
 std::int32_t Queue_Used(const Simulated_Board& board);
 std::int32_t Queue_Free(const Simulated_Board& board);
-const Board_Entry& Queued_Entry(const Simulated_Board& board, std::size_t place);
+const Board_Entry& Entry_In_Queue(const Simulated_Board& board, std::size_t place);
 // When something next happens by itself; absent: never.
 std::optional<std::int64_t> Next_Board_Event(const Simulated_Board& board);
 // True value of the spindle output, 0 to 1023.

@@ -140,7 +140,7 @@ struct Board_Reply {
 };
 
 struct Simulated_Board {
-  Board_Generation Generation = Board_Generation::Dravon;
+  Board_Generation Generation = Board_Generation::Dravon_V4;
   Board_Settings Settings;
   Indexed<Board_Axis, 1, Axis_Count> Axes;
   std::int64_t Now = 0;  // ns; everything up to here has happened

@@ -14,7 +14,7 @@ void Begin_Hunt(Frame_Receiver& receiver) {
 }
 
 Received Take_Code(Frame_Receiver& receiver, std::uint8_t byte) {
-  if (byte == Frame_Start) {  // no command has this code: a frame begins here at the earliest
+  if (byte == Board_Frame_Start) {  // no command has this code: a frame begins here at the earliest
     receiver.Count = 1;
     ++receiver.Discarded_Bytes;
     return Received::Nothing;
@@ -66,7 +66,7 @@ Received Take_Byte(Frame_Receiver& receiver, std::uint8_t byte, std::int64_t tim
     result = Received::Dropped;
   }
   receiver.Last_Byte = time;
-  if (receiver.Count == 0 && byte != Frame_Start) {
+  if (receiver.Count == 0 && byte != Board_Frame_Start) {
     ++receiver.Discarded_Bytes;
     return result;
   }

@@ -19,7 +19,7 @@ struct Frame_Receiver {
   static constexpr std::size_t Longest_Frame = 48;
   static constexpr std::int64_t Longest_Gap = 20'000'000;  // ns within a frame
 
-  Board_Generation Generation = Board_Generation::Dravon;
+  Board_Generation Generation = Board_Generation::Dravon_V4;
   std::array<std::uint8_t, Longest_Frame> Bytes{};
   std::size_t Count = 0;       // of the frame that is being received
   std::size_t Expected = 0;    // bytes of the whole frame

@@ -53,7 +53,7 @@ Fields Move_Fields(Board_Generation generation) {
                                {"low", 1},
                                {"pwm_high", 1, Kind::Unchanged},
                                {"pwm_low", 1, Kind::Unchanged}});
-  if (generation == Board_Generation::Pelmar) fields.push_back({"index", Number_Size});
+  if (generation == Board_Generation::Pelmar_V5) fields.push_back({"index", Number_Size});
   return fields;
 }
 
@@ -67,7 +67,7 @@ void Add_Encoders(Fields& fields) {
 }
 
 Fields Command_Fields(Board_Generation generation, std::uint8_t code) {
-  const bool pads = generation == Board_Generation::Pelmar;
+  const bool pads = generation == Board_Generation::Pelmar_V5;
   Fields fields;
   switch (code) {
     case board_code::Move_Steps:
@@ -127,7 +127,7 @@ Fields Config_Fields() {
 }
 
 Fields Reply_Fields(Board_Generation generation, std::uint8_t code) {
-  const bool pelmar = generation == Board_Generation::Pelmar;
+  const bool pelmar = generation == Board_Generation::Pelmar_V5;
   Fields fields;
   switch (code) {
     case board_code::Read_Firmware:
@@ -304,7 +304,7 @@ Frame_Words Words_Of(Board_Generation generation, Frame_Side side, std::uint8_t 
                      std::span<const std::uint8_t> frame) {
   constexpr std::size_t around = 4;
   if (frame.size() < around) return Wrong("a frame has 4 bytes at least");
-  if (frame[0] != Frame_Start) return Wrong("a frame begins with 1b");
+  if (frame[0] != Board_Frame_Start) return Wrong("a frame begins with 1b");
   const Board_Command* command = Board_Command_Of(code);
   if (command == nullptr || !command->Known_To(generation)) {
     return Wrong("the board does not know a command " + std::to_string(code));
@@ -314,7 +314,7 @@ Frame_Words Words_Of(Board_Generation generation, Frame_Side side, std::uint8_t 
   }
   const auto payload = frame.subspan(2, frame.size() - around);
   if (side == Frame_Side::Command && payload.size() == Dwell_Payload && Has_Form_Of_Dwell(frame) &&
-      (generation == Board_Generation::Dravon || Big_Endian_24(&frame[2]) > 0)) {
+      (generation == Board_Generation::Dravon_V4 || Big_Endian_24(&frame[2]) > 0)) {
     return {Words_Of_Fields(Dwell_Name, Dwell_Fields(), Short_Dwell(frame)), ""};
   }
   const Fields fields = side == Frame_Side::Command ? Command_Fields(generation, code)
@@ -348,7 +348,7 @@ std::string Names_Of(const Fields& fields) {
 }
 
 std::vector<std::uint8_t> Closed_Frame(std::uint8_t second, std::span<const std::uint8_t> payload) {
-  std::vector<std::uint8_t> frame{Frame_Start, second};
+  std::vector<std::uint8_t> frame{Board_Frame_Start, second};
   frame.insert(frame.end(), payload.begin(), payload.end());
   const std::uint32_t sum = Sum_Of(frame);
   frame.push_back(static_cast<std::uint8_t>(sum & 0xFF));

@@ -24,7 +24,7 @@ namespace norvik {
 enum class Board_Time { Real, Stepped, Frame };
 
 struct Board_Process_Options {
-  Board_Generation Generation = Board_Generation::Dravon;
+  Board_Generation Generation = Board_Generation::Dravon_V4;
   std::string Link;                              // symbolic link to the terminal; empty: none
   std::string Control_Socket;                    // path; empty: none
   std::string Frame_Log, Motion_Log, Event_Log;  // files; empty: none

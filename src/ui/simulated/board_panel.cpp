@@ -206,7 +206,7 @@ void Board_Panel::Show_Queue(const Board_Line& line) {
 void Board_Panel::Show_Axis(const Board_Line& line, int axis) {
   const Simulated_Board& board = line.Board;
   const Axis_Row& row = Axes[static_cast<std::size_t>(axis)];
-  const bool encoders = board.Generation == Board_Generation::Pelmar;
+  const bool encoders = board.Generation == Board_Generation::Pelmar_V5;
   const bool fault = board.Axes[axis].Encoder_Fault;
   Set_Text(*row.Counter, QString::number(Counter_Of(board, axis)));
   Set_Text(*row.Encoder, encoders ? QString::number(Encoder_Of(board, axis)) : "-");
