@@ -80,8 +80,8 @@ class Serial_Runs_Test : public Control_Test, public ::testing::WithParamInterfa
   }
   void Expect_Arrived(const std::vector<Row>& rows) {
     const Row& last = rows.back();
-    EXPECT_NEAR(Count(1), *last.X * 400, 2.5 + Dravon_Stream.Excess[1]);
-    EXPECT_NEAR(Count(2), *last.Y * 400, 2.5 + Dravon_Stream.Excess[2]);
+    EXPECT_NEAR(Count(1), *last.X * 400, 2.5 + static_cast<double>(Dravon_Stream.Excess[1]));
+    EXPECT_NEAR(Count(2), *last.Y * 400, 2.5 + static_cast<double>(Dravon_Stream.Excess[2]));
     EXPECT_NEAR(Machine.Position[1], Count(1) / 400, 1e-9);
   }
 
