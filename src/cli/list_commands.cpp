@@ -1,11 +1,11 @@
 // The commands `tools` and `sounds`.
 #include "cli/companion.h"
-#include "cli/json_text.h"
 #include "core/application.h"
 #include "core/beside_machine.h"
 #include "core/event_sounds.h"
 #include "core/fault.h"
 #include "core/format.h"
+#include "core/json_text.h"
 #include "core/numbers.h"
 #include "core/paths.h"
 #include "core/setup.h"

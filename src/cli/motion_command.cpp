@@ -1,7 +1,6 @@
 // The command `motion`: motion files and the checks of their speeds.
 #include "app/openers.h"
 #include "cli/companion.h"
-#include "cli/json_text.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
@@ -11,6 +10,7 @@
 #include "core/axes.h"
 #include "core/fault.h"
 #include "core/format.h"
+#include "core/json_text.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "tools/motion_analyzer.h"

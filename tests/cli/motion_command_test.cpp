@@ -1,11 +1,11 @@
 // The commands `motion`, `tools` and `sounds` as a script calls them.
 #include "cli/companion.h"
-#include "cli/json_text.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
 #include "core/application.h"
+#include "core/json_text.h"
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"

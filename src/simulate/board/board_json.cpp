@@ -1,6 +1,7 @@
 #include "simulate/board/board_json.h"
 
 #include "core/axes.h"
+#include "core/json_text.h"
 #include "simulate/board/board.h"
 #include "simulate/board/frame_words.h"
 
@@ -99,24 +100,6 @@ std::string Link_Json(const Board_Line& line) {
 }
 
 }  // namespace
-
-std::string Json_Text(std::string_view text) {
-  std::string json = "\"";
-  constexpr unsigned char first_printable = 0x20;
-  for (const char letter : text) {
-    if (letter == '"' || letter == '\\') {
-      json += '\\';
-      json += letter;
-    } else if (static_cast<unsigned char>(letter) < first_printable) {
-      char escape[16];
-      std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(letter));
-      json += escape;
-    } else {
-      json += letter;
-    }
-  }
-  return json + "\"";
-}
 
 std::string Board_State_Json(const Board_Line& line) {
   const Simulated_Board& board = line.Board;

@@ -4,12 +4,8 @@
 #include "simulate/board/board_line.h"
 
 #include <string>
-#include <string_view>
 
 namespace norvik {
-
-// With quotes around it.
-std::string Json_Text(std::string_view text);
 
 // Everything that a panel or a test asks for: link, queue, running entry, axes, inputs, outputs,
 // findings.

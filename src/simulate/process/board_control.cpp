@@ -1,6 +1,7 @@
 #include "simulate/process/board_control.h"
 
 #include "core/axes.h"
+#include "core/json_text.h"
 #include "core/paths.h"
 #include "simulate/board/board.h"
 #include "simulate/board/board_json.h"

@@ -1,6 +1,7 @@
 #include "simulate/process/board_process.h"
 
 #include "core/fault.h"
+#include "core/json_text.h"
 #include "platform/platform.h"
 #include "simulate/board/board.h"
 #include "simulate/board/board_json.h"
