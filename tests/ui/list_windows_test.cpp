@@ -1,5 +1,7 @@
 // Motion files in the menu, the analyzer, and the lists of tools, macros and sounds.
 #include "app/motion_menu.h"
+#include "app/openers.h"
+#include "core/recent_files.h"
 #include "tools/macro_list.h"
 #include "tools/motion_analyzer.h"
 #include "tools/motion_file.h"
