@@ -66,7 +66,7 @@ TEST(Motion_Profile, Counts_Never_Go_Back_Whatever_The_Ramps_Say) {
       ASSERT_GE(Rate_At(profile, profile.Duration * i / 50), major > 0 ? Slowest_Rate - 1e-6 : 0);
       last = count;
     }
-    ASSERT_EQ(last, major);
+    ASSERT_NEAR(last, major, 1e-6);  // the last moment may lie before its end by rounding
   }
 }
 
