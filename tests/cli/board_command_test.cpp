@@ -31,7 +31,7 @@ struct Told {
   std::string Output;
   int Status = -1;
 };
-Told Run(const std::string& words) {
+Told Companion_Says(const std::string& words) {
   Told told;
   FILE* pipe = ::popen((std::string(NORVIK_CLI) + " " + words + " 2>&1").c_str(), "r");
   char buffer[512];
@@ -172,16 +172,16 @@ TEST_F(Board_Command_Test, Stepped_Time_Passes_By_Command_Only) {
 }
 
 TEST(Frames_Command_Test, Decodes_And_Encodes) {
-  EXPECT_EQ(Run("frames decode dravon 1b 0c 27 00").Output, "StopMotion\n");
-  EXPECT_EQ(Run("frames encode dravon OutputOn output=3").Output, "1b0d032b00\n");
+  EXPECT_EQ(Companion_Says("frames decode dravon 1b 0c 27 00").Output, "StopMotion\n");
+  EXPECT_EQ(Companion_Says("frames encode dravon OutputOn output=3").Output, "1b0d032b00\n");
   const Told lines =
-      Run("frames decode pelmar - <<'END'\n# a log\n1 1b0f2a00 1b0fb20ce800\nxx\nEND");
+      Companion_Says("frames decode pelmar - <<'END'\n# a log\n1 1b0f2a00 1b0fb20ce800\nxx\nEND");
   EXPECT_THAT(lines.Output, HasSubstr("1  > ReadBuffer  < ReadBuffer free=3250\n"));
   EXPECT_THAT(lines.Output, HasSubstr("line 3"));
   EXPECT_EQ(lines.Status, 1);
-  EXPECT_EQ(Run("frames encode dravon Fly").Status, 1);
-  EXPECT_EQ(Run("frames decode dravon").Status, 2);
-  EXPECT_EQ(Run("board dravon --option fly=1").Status, 2);
+  EXPECT_EQ(Companion_Says("frames encode dravon Fly").Status, 1);
+  EXPECT_EQ(Companion_Says("frames decode dravon").Status, 2);
+  EXPECT_EQ(Companion_Says("board dravon --option fly=1").Status, 2);
 }
 
 }  // namespace
