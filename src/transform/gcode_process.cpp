@@ -236,6 +236,7 @@ void Judge_Modes(Transform transform, const Word_Rebuild::Modes& modes, Transfor
   if (transform == Transform::Absolute) already(!modes.Incremental, "it holds no G91");
   if (transform == Transform::Incremental) {
     already(modes.Incremental && !modes.Absolute, "it holds G91 and no G90");
+    losses.No_Mode = !modes.Kept;
   }
 }
 

@@ -29,7 +29,7 @@ void Transform_Losses::Count_Line(std::int32_t line, std::string_view text,
 bool Transform_Losses::Any() const {
   return Dropped_Lines.Count > 0 || Lost_Digits.Count > 0 || Passed_Over.Count > 0 ||
          Behind_Comment.Count > 0 || No_Number.Count > 0 || Already_There || Both_Units ||
-         Both_Modes;
+         Both_Modes || No_Mode;
 }
 
 namespace {
@@ -90,6 +90,12 @@ std::vector<std::string> Texts_Of(const Transform_Losses& losses) {
     texts.emplace_back(
         "The program holds both G90 and G91: the lines of both are converted alike, and those that "
         "were already as wanted come out wrong.");
+  }
+  if (losses.No_Mode) {
+    texts.emplace_back(
+        "The new text holds no G91, so its moves would be read as positions: write G91 on a line "
+        "of "
+        "its own in front of them before it is compiled.");
   }
   return texts;
 }

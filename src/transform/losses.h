@@ -39,6 +39,7 @@ struct Transform_Losses {
   bool Already_There = false;              // the program looks as if it were converted already
   std::string_view Why_Already;            // what says so
   bool Both_Units = false, Both_Modes = false;
+  bool No_Mode = false;  // incremental moves, and nothing in the new text that says so
 
   // `kept` has the bits of the letters that are put back.
   void Count_Line(std::int32_t line, std::string_view text, const GCode_Words& words,

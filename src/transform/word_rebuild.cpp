@@ -12,6 +12,9 @@ void Word_Rebuild::Note_Modes(const GCode_Words& words) {
     Seen.Absolute |= code == 90;
     Seen.Incremental |= code == 91;
   };
+  bool is_number = true;
+  const double last = Clean_Number(words.Text('G'), is_number);
+  Seen.Kept |= last == 90 || last == 91;
   note(words.Text('G'));
   for (const GCode_Word& word : words.Taken_Over) {
     if (word.Letter == 'G') note(word.Text);

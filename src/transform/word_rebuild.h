@@ -40,6 +40,7 @@ class Word_Rebuild {
   // What the G words of the program were.
   struct Modes {
     bool Inch = false, Millimetre = false, Absolute = false, Incremental = false;
+    bool Kept = false;  // a G90 or G91 was the last G of its line, so that one stands in the result
   };
   const Modes& Seen_Modes() const { return Seen; }
 

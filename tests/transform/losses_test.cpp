@@ -58,5 +58,17 @@ TEST_F(Transform_Test, ConvertedTwiceAndBothUnits) {
                           "Converting twice spoils it."));
 }
 
+TEST_F(Transform_Test, IncrementalMovesWithoutG91AreTold) {
+  const auto no_mode = [](const char* text, Transform transform) {
+    return Result(text, transform).Losses.No_Mode;
+  };
+  EXPECT_TRUE(no_mode("X1", Transform::Incremental)) << "no G90 that could become G91";
+  EXPECT_TRUE(no_mode("G90 G1 X1", Transform::Incremental)) << "the G90 loses its slot";
+  EXPECT_FALSE(no_mode("G90\nG1 X1", Transform::Incremental));
+  EXPECT_FALSE(no_mode("X1", Transform::Absolute)) << "a program without either is absolute";
+  EXPECT_THAT(Told("X1", Transform::Incremental),
+              ElementsAre(::testing::StartsWith("The new text holds no G91")));
+}
+
 }  // namespace
 }  // namespace norvik
