@@ -326,13 +326,13 @@ TEST_F(Run_Loop_Test, Jumping_clocks_neither_hang_nor_count) {
   EXPECT_NEAR(Controller.Machine_Run_Time, 2.2, 0.02);
 }
 
-TEST_F(Run_Loop_Test, Serial_boards_are_refused_in_words) {
+TEST_F(Run_Loop_Test, A_serial_board_that_does_not_answer_is_refused_in_words) {
   Load({{1, 1}});
   for (const int type : {2, 3}) {
     MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(type);
     Messages = {};
     Command_CNC_Play_Click();
-    EXPECT_EQ(Messages.Panel[1], control_text::No_Serial_Board);
+    EXPECT_THAT(Messages.Panel[1], HasSubstr("board does not answer"));
   }
   EXPECT_THAT(Executed, IsEmpty());
   EXPECT_EQ(Machine.CNCMode, CNC_Stopped);

@@ -138,11 +138,8 @@ inline constexpr std::string_view Goto_Needs_Reset =
     "program, then try again.";
 inline constexpr std::string_view Has_No_Step_Pin =
     " has no step pin, so it does not move: choose it under Machine, Port and pins.";
-inline constexpr std::string_view No_Serial_Board =
-    "The serial controller boards cannot be driven by this version. Choose the LPT parallel port "
-    "in the port setup (Parallel_Port_Type 1).";
 inline constexpr std::string_view Unknown_Drive =
-    "No drive is chosen. Choose the LPT parallel port in the port setup (Parallel_Port_Type 1).";
+    "No drive is chosen. Choose one in the port setup (Parallel_Port_Type 1 to 3).";
 inline constexpr std::string_view Trace_Failed =
     "The move trace cannot be written; moves go on without it: ";
 
