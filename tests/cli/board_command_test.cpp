@@ -31,9 +31,10 @@ struct Told {
   std::string Output;
   int Status = -1;
 };
-Told Companion_Says(const std::string& words) {
+Told Run(const std::string& words, const std::string& input = "") {
   Told told;
-  FILE* pipe = ::popen((std::string(NORVIK_CLI) + " " + words + " 2>&1").c_str(), "r");
+  const std::string line = "printf '" + input + "' | " + NORVIK_CLI + " " + words + " 2>&1";
+  FILE* pipe = ::popen(line.c_str(), "r");
   char buffer[512];
   while (std::fgets(buffer, sizeof buffer, pipe) != nullptr) told.Output += buffer;
   told.Status = WEXITSTATUS(::pclose(pipe));
@@ -174,8 +175,8 @@ TEST_F(Board_Command_Test, Stepped_Time_Passes_By_Command_Only) {
 TEST(Frames_Command_Test, Decodes_And_Encodes) {
   EXPECT_EQ(Companion_Says("frames decode dravon 1b 0c 27 00").Output, "StopMotion\n");
   EXPECT_EQ(Companion_Says("frames encode dravon OutputOn output=3").Output, "1b0d032b00\n");
-  const Told lines =
-      Companion_Says("frames decode pelmar - <<'END'\n# a log\n1 1b0f2a00 1b0fb20ce800\nxx\nEND");
+  const Told lines = Companion_Says("frames decode pelmar -",
+                                    "# a log\\n1 1B 0F 2A 00 / 1B 0F B2 0C E8 00\\nxx\\n");
   EXPECT_THAT(lines.Output, HasSubstr("1  > ReadBuffer  < ReadBuffer free=3250\n"));
   EXPECT_THAT(lines.Output, HasSubstr("line 3"));
   EXPECT_EQ(lines.Status, 1);

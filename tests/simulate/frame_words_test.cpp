@@ -119,7 +119,11 @@ TEST(Frame_Words, Every_Command_And_Reply_Is_Known_In_Its_Length) {
 
 TEST(Frame_Words, An_Exchange_Is_One_Line) {
   EXPECT_EQ(Decoded(Dravon, "12 1b0f2a00 1b0f073100"), "12  > ReadBuffer  < ReadBuffer used=7");
+  EXPECT_EQ(Decoded(Dravon, "12 1B 0F 2A 00 / 1B 0F 07 31 00"),
+            "12  > ReadBuffer  < ReadBuffer used=7");
+  EXPECT_EQ(Decoded(Dravon, "13 1B 0C 27 00 / -"), "13  > StopMotion  < nothing");
   EXPECT_EQ(Decoded(Dravon, "13, 1b0c2700, -"), "13  > StopMotion  < nothing");
+  EXPECT_THAT(Decoded(Dravon, "14 1B 0C 27 00 /"), ::testing::StartsWith("FAULT"));
   EXPECT_EQ(Decoded(Dravon, "1b 0c 27 00"), "StopMotion");
   EXPECT_EQ(Decoded(Dravon, "14 1b0f2a00 1b15104000"),
             "14  > ReadBuffer  < ReadBuffer answer=21 used=16");

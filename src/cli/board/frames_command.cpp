@@ -36,18 +36,21 @@ Frame_Words Encode(Board_Generation generation, Frame_Side side, const std::stri
 int Turn_Lines(std::istream& lines, const Frames_Options& options, const Turn& turn) {
   const Board_Generation generation = Generation_Named(options.Generation).value();
   const Frame_Side side = options.Replies ? Frame_Side::Reply : Frame_Side::Command;
-  int status = Done, number = 0;
+  constexpr int most_faults = 20;
+  int number = 0, faults = 0;
   for (std::string line; std::getline(lines, line);) {
     ++number;
     const auto begin = line.find_first_not_of(" \t\r");
     if (begin == std::string::npos || line[begin] == '#') continue;
     const Frame_Words words = turn(generation, side, line);
     if (!words.Words.empty()) std::cout << words.Words << '\n';
-    if (words.Fault.empty()) continue;
+    if (words.Fault.empty() || ++faults > most_faults) continue;
     Complain("line " + std::to_string(number) + ": " + words.Fault);
-    status = Failed;
   }
-  return status;
+  if (faults > most_faults) {
+    Complain(std::to_string(faults - most_faults) + " more lines could not be read.");
+  }
+  return faults == 0 ? Done : Failed;
 }
 
 int Turn_All(const Frames_Options& options, const Turn& turn) {

@@ -174,6 +174,7 @@ void Leave_Entry(Simulated_Board& board, std::int64_t counts, double rate, std::
   Tell_Motion(board, true, why);
 }
 
+// What is left when the host adds to its stream: the draining at the end of one says nothing.
 void Note_Depth(Simulated_Board& board) {
   if (!board.Stream_On) return;
   const auto depth = static_cast<std::int32_t>(board.Queue_Count);
@@ -182,7 +183,6 @@ void Note_Depth(Simulated_Board& board) {
 
 void Finish_Entry(Simulated_Board& board) {
   const Running_Entry& run = board.Running;
-  Note_Depth(board);
   ++board.Counts.Finished;
   board.Finished_Index = run.Entry.Index;
   const bool goes_on = board.Queue_Count > 0;
@@ -265,6 +265,7 @@ void Queue_Entry(Simulated_Board& board, const Board_Entry& entry) {
     board.Counts.Smallest_Queue = 0;
   }
   board.Ran_Dry.reset();
+  Note_Depth(board);
   if (!board.Running.Active) return Begin_Entry(board, entry);
   const std::size_t place = board.Queue_First + board.Queue_Count++;
   board.Queue[place < board.Queue.size() ? place : place - board.Queue.size()] = entry;

@@ -374,6 +374,28 @@ std::string Take_Values(std::span<const std::string_view> words, const Fields& f
   return {};
 }
 
+// A line of a log: "12 1B 0C 27 00 / 1B 0C 27 00", or "12 1b0c2700 1b0c2700" without blanks in
+// frames.
+struct Exchange {
+  std::string_view Number, Sent, Received;
+};
+
+std::optional<Exchange> Exchange_In(std::string_view line) {
+  const auto words = Words_In(line);
+  const auto slash = line.find('/');
+  if (slash == std::string_view::npos) {
+    const bool three = words.size() == 3 && (words[1].size() > 2 || words[2] == "-");
+    return three ? std::optional(Exchange{words[0], words[1], words[2]}) : std::nullopt;
+  }
+  const auto sent = Words_In(line.substr(0, slash)), received = Words_In(line.substr(slash + 1));
+  if (sent.empty() || received.empty()) return std::nullopt;
+  const std::string_view number = sent.front();
+  const auto after = static_cast<std::size_t>(number.data() - line.data()) + number.size();
+  const bool nothing = received.size() == 1 && received.front() == "-";
+  return Exchange{number, line.substr(after, slash - after),
+                  nothing ? received.front() : line.substr(slash + 1)};
+}
+
 }  // namespace
 
 Frame_Words Words_Of_Frame(Board_Generation generation, Frame_Side side,
@@ -454,22 +476,19 @@ Frame_Bytes Bytes_Of_Hex_Text(std::string_view text) {
 }
 
 Frame_Words Words_Of_Line(Board_Generation generation, Frame_Side side, std::string_view line) {
-  const auto words = Words_In(line);
-  // Bytes with blanks between them are two digits each; parts of an exchange
-  // are longer, or "-".
-  const bool exchange = words.size() == 3 && (words[1].size() > 2 || words[2] == "-");
+  const std::optional<Exchange> exchange = Exchange_In(line);
   if (!exchange) {
     const Frame_Bytes frame = Bytes_Of_Hex_Text(line);
     if (!frame.Fault.empty()) return Wrong(frame.Fault);
     return Words_Of_Frame(generation, side, frame.Bytes);
   }
-  const Frame_Bytes sent = Bytes_Of_Hex_Text(words[1]);
+  const Frame_Bytes sent = Bytes_Of_Hex_Text(exchange->Sent);
   if (!sent.Fault.empty()) return Wrong(sent.Fault);
   const Frame_Words command = Words_Of_Frame(generation, Frame_Side::Command, sent.Bytes);
-  std::string text = std::string(words[0]) + "  > " +
+  std::string text = std::string(exchange->Number) + "  > " +
                      (command.Fault.empty() ? command.Words : "(" + command.Fault + ")");
-  if (words[2] == "-") return {text + "  < nothing", command.Fault};
-  const Frame_Bytes received = Bytes_Of_Hex_Text(words[2]);
+  if (exchange->Received == "-") return {text + "  < nothing", command.Fault};
+  const Frame_Bytes received = Bytes_Of_Hex_Text(exchange->Received);
   if (!received.Fault.empty()) return Wrong(received.Fault);
   const std::uint8_t code = sent.Bytes.size() > 1 ? sent.Bytes[1] : 0;
   const Frame_Words reply = Words_Of_Reply(generation, code, received.Bytes);

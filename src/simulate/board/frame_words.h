@@ -42,8 +42,8 @@ std::string Hex_Of(std::span<const std::uint8_t> bytes);
 // Takes blanks, commas and colons between bytes; the fault names what is no hexadecimal digit.
 Frame_Bytes Bytes_Of_Hex_Text(std::string_view text);
 
-// One line of a file of frames: a frame in hexadecimal digits, or an exchange as a link logs it:
-// its number, what was sent and what was received, "-" for nothing. `side` is that of a single
+// One line of a file of frames: a frame in hexadecimal digits, or an exchange as a link logs it,
+// its number, what was sent, "/" and what was received, "-" for nothing. `side` is that of a single
 // frame.
 Frame_Words Words_Of_Line(Board_Generation generation, Frame_Side side, std::string_view line);
 

@@ -1,6 +1,7 @@
 #include "ui/simulated/simulated_window.h"
 
 #include "core/setup.h"
+#include "simulate/board/board.h"
 #include "simulate/board_port.h"
 #include "simulate/virtual_clock.h"
 #include "ui/simulated/axes_panel.h"
@@ -257,7 +258,11 @@ void Simulated_Window::Show_View() {
   const Board_Line* line = Line_In_Use();
   Set_Text(*Head, line == nullptr ? "SIMULATED MACHINE - no motion takes place"
                                   : "SIMULATED BOARD - no motion takes place");
-  const Simulated_Machine_View view = View_Simulated_Machine();
+  Simulated_Machine_View view = View_Simulated_Machine();
+  if (line != nullptr && In_Motion(line->Board)) {
+    // The program knows where the axes were at its last look; a board moves on between two looks.
+    for (Simulated_Axis_View& axis : view.Axes) axis.Steps_Apart = 0;
+  }
   Axes->Show_View(view);
   for (int input = 0; input <= 5; ++input) {
     Inputs[static_cast<std::size_t>(input)]->Show_View(view.Inputs[input]);
