@@ -31,7 +31,7 @@ struct Told {
   std::string Output;
   int Status = -1;
 };
-Told Run(const std::string& words, const std::string& input = "") {
+Told Companion_Says(const std::string& words, const std::string& input = "") {
   Told told;
   const std::string line = "printf '" + input + "' | " + NORVIK_CLI + " " + words + " 2>&1";
   FILE* pipe = ::popen(line.c_str(), "r");
