@@ -325,10 +325,7 @@ struct Feed_Pass_Run : Feed_Pass {
 
 TEST_F(Feed_Pass_Run, Shows_Progress_And_Yields) {
   std::vector<std::string> captions;
-  bool analyzer = false;
   Compile_Host.Show_Progress = [&](const std::string& caption) { captions.push_back(caption); };
-  Compile_Host.Show_Motion_Analyzer = [&] { analyzer = true; };
-  MachineSetup.Motion_Analyzer_Enable = 1;
   Compile_Status.CompileDone = false;
   std::vector<std::string> texts;
   Scripted.On_Yield = [&] { texts.push_back(Messages.Panel[1]); };
@@ -344,7 +341,6 @@ TEST_F(Feed_Pass_Run, Shows_Progress_And_Yields) {
                           percent("28.00"), percent("43.00"), percent("58.00"), percent("73.00"),
                           percent("86.00"), percent("98.00")));
   EXPECT_THAT(captions, ElementsAre("GCode Optimize Feed Rates"));
-  EXPECT_TRUE(analyzer);
   EXPECT_TRUE(Compile_Status.CompileDone);
   EXPECT_TRUE(Read_Wire_Table(Path).Rows == wires.Rows);
 }

@@ -64,12 +64,18 @@ TEST_F(Compile_Test, Tells_its_beginning_and_end) {
       EXPECT_TRUE(Program_Is_Held());
     }
   };
+  // The analyzer reads the wire file, so that it comes when the file is in its place.
+  MachineSetup.Motion_Analyzer_Enable = 1;
+  Compile_Host.Show_Motion_Analyzer = [&] {
+    const std::string wires = Join_Path(Application.Table_Folder, Wire_Table_Name);
+    events.emplace_back(FileExists(wires) ? "analyzer" : "analyzer without a file");
+  };
   Take("G1 X1");
   Machine.StartingStep = 7;
   Compile_Status.CurrentStep = 5;
   EXPECT_TRUE(GCode_Compile_All());
   EXPECT_EQ(events, (std::vector<std::string>{"GCode Compile Progress", "GCode Optimize Feed Rates",
-                                              "6", "plot"}));
+                                              "6", "plot", "analyzer"}));
   EXPECT_FALSE(Program_Is_Held());
   EXPECT_TRUE(Compile_Status.CompileDone);
   EXPECT_EQ(Messages.Panel[1], "");

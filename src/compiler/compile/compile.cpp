@@ -17,6 +17,7 @@
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/paths.h"
+#include "core/setup.h"
 #include "core/working_name.h"
 #include "platform/platform.h"
 
@@ -200,7 +201,10 @@ bool CompileProgram() {
     Trap("CompileProgram", [&] { whole = Run_Passes(wires); });
   }
   End_Program();
-  return Hand_Over(std::move(wires), Table_Kind::Program, whole) && whole;
+  const bool taken = Hand_Over(std::move(wires), Table_Kind::Program, whole);
+  // It reads the wire file, which stands in its place now.
+  if (whole && MachineSetup.Motion_Analyzer_Enable == 1) Compile_Host.Show_Motion_Analyzer();
+  return taken && whole;
 }
 
 bool CompileBlock(std::string_view text, const Start_Position& from) {

@@ -382,7 +382,6 @@ void Take_Records(Table<Wire>& wires) {
 
 void Finish_Rates() {
   Compile_Status.CompileDone = true;
-  if (MachineSetup.Motion_Analyzer_Enable == 1) Compile_Host.Show_Motion_Analyzer();
 }
 
 bool Trap_Rates(const std::function<void()>& body) {
