@@ -376,8 +376,8 @@ void Write_Rows() {
 
 void Verify() {
   Write_Rows();
-  DisplayData();
   Install_Table(Table<Wire>(Form().Wires), Origin_Of_Rows());
+  DisplayData();  // last, so that its result stays on the panel
 }
 
 }  // namespace

@@ -27,8 +27,13 @@ const std::string Samples = NORVIK_SAMPLES_FOLDER;
 struct Motion_Command_Test : testing::Test {
   Motion_Command_Test() {
     std::string machine = Read_Whole_File(Samples + "/inch.ini");
-    const std::string name = "Tool_File_Name=samples/inch.tol";
-    machine.replace(machine.find(name), name.size(), "Tool_File_Name=" + Tools_Path);
+    const auto replace = [&](const std::string& what, const std::string& by) {
+      for (auto at = machine.find(what); at != std::string::npos;
+           at = machine.find(what, at + by.size()))
+        machine.replace(at, what.size(), by);
+    };
+    replace("=inch.tol", "=" + Tools_Path);
+    replace("=macros/", "=" + Samples + "/macros/");
     Replace_File(Folder.File("inch.ini"), machine);
   }
   ~Motion_Command_Test() override { Forget(); }
