@@ -1,6 +1,7 @@
 // event_sounds.h: a sound for each event of the machine.
 #pragma once
 
+#include <cstdint>
 #include <string>
 #include <string_view>
 
@@ -19,5 +20,11 @@ inline constexpr std::string_view Sound_Disabled = "Disabled";
 void Play_Sound(const std::string& path);
 // The same for a slot of the setup.
 void Play_Event_Sound(int slot);
+
+// Longer files are not played: reading them would hold up whatever runs.
+inline constexpr std::uintmax_t Largest_Sound = 16U << 20;  // bytes
+// Why a file cannot be heard, in a few words: "missing", "no wave file", "longer than 16 MB";
+// empty: nothing speaks against it.
+std::string Sound_File_Fault(const std::string& path);
 
 }  // namespace norvik

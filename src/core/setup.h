@@ -185,6 +185,7 @@ struct Machine_Setup {
   bool Outputs_Before_Dwell = false;
   bool Slow_Before_Stops = false;
   bool Goto_From_Position = false;
+  bool Motion_File_Any_Length = false;
 };
 extern Machine_Setup MachineSetup;
 

@@ -48,6 +48,10 @@ Setup_Row_List Correction_Rows() {
       Correction<&M::Goto_From_Position>("Goto_From_Position", "Goto from the position")
           .Says("Off: a Goto line with G91 counts from zero. On: it counts from where the machine "
                 "is."),
+      Correction<&M::Motion_File_Any_Length>("Motion_File_Any_Length", "Motion files of any length")
+          .Says("Off: a program whose wire table does not come out even in lines of 29 values "
+                "cannot be saved as a motion file, so that 28 of 29 programs cannot. On: the last "
+                "line is filled up with empty values, which a load takes off again."),
   };
 }
 

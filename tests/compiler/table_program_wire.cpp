@@ -39,7 +39,7 @@ TEST(Program_Wire_Table, Narrows_What_It_Takes) {
     table.Rows.push_back(wire);
   }
   Write_Wire_Table(path, table);
-  Load_Program_Wire(path);
+  Load_Program_Wire(path, {});
   std::filesystem::remove(path);
   ASSERT_EQ(Program_Wire.Count(), std::size(rows));
   for (std::size_t k = 0; k < std::size(rows); ++k) {
@@ -51,7 +51,7 @@ TEST(Program_Wire_Table, Narrows_What_It_Takes) {
   // What cannot be taken leaves the table of before.
   table.Rows[1].IPM_E = 40'000;
   EXPECT_THROW(Install_Table(std::move(table)), Fault);
-  EXPECT_THROW(Load_Program_Wire(path), Fault);
+  EXPECT_THROW(Load_Program_Wire(path, {}), Fault);
   EXPECT_EQ(Program_Wire.Count(), std::size(rows));
 }
 

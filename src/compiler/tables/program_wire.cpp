@@ -91,21 +91,24 @@ void Put_Back_Table() {
   if (Program_Wire.Put_Back()) Program_Wire_Host.Installed();
 }
 
-void Load_Program_Wire(const std::string& path) {
-  Install_Table(Read_Wire_Table(path, Wire_Table_Limit),
-                {.Kind = Table_Kind::Motion_File, .Sources = {}, .Losses = {}});
+void Load_Program_Wire(const std::string& path, Table_Origin origin) {
+  Install_Table(Read_Wire_Table(path, Wire_Table_Limit), std::move(origin));
+}
+
+std::int32_t Last_Program_Step() {
+  const bool of_file = Program_Wire.Program_Origin().Kind == Table_Kind::Motion_File;
+  return of_file ? Program_Wire.Program_Last_Step() : GCodeLineCount();
 }
 
 namespace {
 
 Table_Judgement Judge(const Table_Origin& origin) {
   if (origin.Kind == Table_Kind::Goto) return {Table_Standing::Of_Goto, {}};
-  if (origin.Kind == Table_Kind::Motion_File) return {};
   if (origin.Kind == Table_Kind::None) return {Table_Standing::Other_Text, {}};
   if (origin.Sources && (GCode_Program.Typed_Waits || !Is_Of_Present_Text(*origin.Sources)))
     return {Table_Standing::Other_Text, {}};
   if (!origin.Whole) return {Table_Standing::Cut_Short, {}};
-  if (!origin.Sources) return {};
+  if (!origin.Sources || origin.Kind == Table_Kind::Motion_File) return {};
   std::string changed = Changed_Source(*origin.Sources);
   if (changed.empty()) return {};
   return {Table_Standing::Other_Sources, std::move(changed)};

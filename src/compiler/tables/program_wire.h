@@ -42,8 +42,11 @@ enum class Table_Kind : std::uint8_t {
 // What an executing table is and what it was made from.
 struct Table_Origin {
   Table_Kind Kind = Table_Kind::Program;
-  bool Whole = true;  // false: the compile was cut short by ESC or failed; to look at, not to run
-  // Absent: nothing is known that could change.
+  // False: the compile was cut short by ESC or failed, or the motion file has lost lines; to look
+  // at, not to run.
+  bool Whole = true;
+  // Absent: nothing is known that could change. Of a motion file only the text counts, which is the
+  // one that stood in the window when it was loaded: another one has taken its place since.
   std::shared_ptr<const Compile_Sources> Sources = {};
   Compile_Losses_State Losses = {};
 };
@@ -53,7 +56,7 @@ enum class Table_Standing : std::uint8_t {
   Ready,
   Of_Goto,        // a Goto line has taken the program's place
   Other_Text,     // the program's text is another one: opened, edited, or being typed
-  Cut_Short,      // the compile was cut short by ESC or failed
+  Cut_Short,      // the table is not whole
   Other_Sources,  // a setting, the tools or a macro file are not what they were
 };
 
@@ -70,6 +73,11 @@ class Program_Wire_State {
 
   // The first wire at or after `from` that carries `step`; absent when there is none.
   std::optional<std::size_t> Next_Of_Step(std::int32_t step, std::size_t from) const;
+  // The highest step of the program's table, whatever stands in its place; 0 for an empty one.
+  std::int32_t Program_Last_Step() const {
+    const auto& runs = Aside ? Aside->Runs : Runs;
+    return runs.empty() ? 0 : runs.back().Step;
+  }
   // The first step whose wires stand in several places, as a repeat leaves them; absent: none.
   std::optional<std::int32_t> First_Scattered_Step() const;
 
@@ -110,9 +118,13 @@ void Install_Table(Table<Wire>&& wires, Table_Origin origin = {});
 // Puts back what a Goto line took the place of; nothing when there is none.
 void Put_Back_Table();
 
-// Replaces the executing table by a wire file; for the coming motion file. Raises a file fault as
-// `Read_Wire_Table` does; the table of before then stands.
-void Load_Program_Wire(const std::string& path);
+// Replaces the executing table by a wire file. Raises a file fault as `Read_Wire_Table` does; the
+// table of before then stands.
+void Load_Program_Wire(const std::string& path, Table_Origin origin);
+
+// The last step that a run of the program's table can begin or end at: that of the text, or of the
+// motion file that has taken its place.
+std::int32_t Last_Program_Step();
 
 struct Table_Judgement {
   Table_Standing Standing = Table_Standing::Ready;

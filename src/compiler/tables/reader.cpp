@@ -1,17 +1,13 @@
 #include "compiler/tables/fields.h"
 #include "compiler/tables/tables_io.h"
+#include "compiler/tables/value_stream.h"
 #include "core/number_text.h"
 #include "core/paths.h"
 #include "core/rounding.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 #include <vector>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 namespace norvik {
 
@@ -43,83 +39,9 @@ class Text_Store {
   std::string_view Last;
 };
 
-// Where the bytes come from. `Fill` appends the next portion; false when there is none.
-class Byte_Source {
+// Reads a field at once where it is spelled as this program's own writer spells it.
+class Field_Cutter : public Value_Cutter {
  public:
-  virtual ~Byte_Source() = default;
-  virtual bool Fill(std::string& bytes) = 0;
-};
-
-class File_Source : public Byte_Source {
- public:
-  explicit File_Source(const std::string& path) : Path(path) {
-    File = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (File < 0) throw File_Fault(path, "Cannot read", errno);
-  }
-  ~File_Source() override { ::close(File); }
-  File_Source(const File_Source&) = delete;
-  File_Source& operator=(const File_Source&) = delete;
-
-  bool Fill(std::string& bytes) override {
-    constexpr std::size_t portion = 1 << 19;
-    const std::size_t before = bytes.size();
-    bytes.resize(before + std::max(portion, before));  // doubles for a value that is very long
-    ssize_t count = 0;
-    do {
-      count = ::read(File, bytes.data() + before, bytes.size() - before);
-    } while (count < 0 && errno == EINTR);
-    if (count < 0) throw File_Fault(Path, "Cannot read", errno);
-    bytes.resize(before + static_cast<std::size_t>(count));
-    return count > 0;
-  }
-
- private:
-  std::string Path;
-  int File = -1;
-};
-
-bool Is_Blank(char c) {
-  return c == ' ' || c == '\t';
-}
-bool Is_Line_End(char c) {
-  return c == '\r' || c == '\n';
-}
-
-// One value in the spelling of the file, without the comma or line end behind it.
-struct Raw_Value {
-  std::string_view Text;
-  bool Quoted = false;
-  bool Doubled_Quotes = false;  // each pair in the text stands for one
-};
-
-// Cuts the bytes into values. The bytes come in portions, so a value may go on in the next one. A
-// cut that runs into the end of the portion returns false; the caller then gets more bytes and
-// reads the whole record again from its start.
-class Value_Cutter {
- public:
-  void Set(const char* first, const char* last, bool all) {
-    At = first;
-    Last = last;
-    All = all;
-  }
-  const char* Place() const { return At; }
-  std::int64_t Lines() const { return Line_Ends; }
-  void Return_To(const char* place, std::int64_t lines) {
-    At = place;
-    Line_Ends = lines;
-  }
-
-  // Empty lines between records hold no values.
-  bool Skip_Line_Ends() {
-    for (;;) {
-      if (At == Last) return All;
-      if (!Is_Line_End(*At)) return true;
-      if (*At == '\n' || (At + 1 != Last && At[1] != '\n')) ++Line_Ends;
-      ++At;
-    }
-  }
-  bool Ended() const { return At == Last; }
-
   // The fast way, for a value spelled exactly as this program's own writer spells it. Returns false
   // and changes no place for any other spelling; `Cut` then reads it. It asks for 64 bytes to be at
   // hand, more than any such number takes, and so needs no check for the end on the way.
@@ -127,12 +49,6 @@ class Value_Cutter {
   bool Quick(Field& field, Text_Store& texts) {
     constexpr std::ptrdiff_t room = 64;
     return Last - At >= room && Quick_Value(field, texts);
-  }
-
-  bool Cut(Raw_Value& value) {
-    while (At != Last && Is_Blank(*At)) ++At;
-    if (At == Last && !All) return false;
-    return At != Last && *At == '"' ? Cut_Quoted(value) : Cut_Plain(value);
   }
 
  private:
@@ -201,58 +117,6 @@ class Value_Cutter {
     field = texts.Keep({first, static_cast<std::size_t>(quote - first)});
     return true;
   }
-
-  bool Cut_Plain(Raw_Value& value) {
-    const char* first = At;
-    while (At != Last && *At != ',' && !Is_Line_End(*At)) ++At;
-    if (At == Last && !All) return false;
-    const char* last = At;
-    while (last != first && Is_Blank(last[-1])) --last;
-    value = {std::string_view(first, static_cast<std::size_t>(last - first)), false, false};
-    return Separate();
-  }
-
-  bool Cut_Quoted(Raw_Value& value) {
-    const char* first = ++At;
-    bool doubled = false;
-    for (;; ++At) {
-      At = std::find(At, Last, '"');
-      if (At == Last) {
-        if (!All) return false;
-        throw Fault(Fault_Number::Bad_File_Data, "a text has no closing quote");
-      }
-      const char* after = At + 1;
-      if (after != Last && *after == '"') {
-        doubled = true;
-        At = after;
-        continue;
-      }
-      while (after != Last && Is_Blank(*after)) ++after;
-      if (after == Last && !All) return false;
-      if (after == Last || *after == ',' || Is_Line_End(*after)) {
-        value = {std::string_view(first, static_cast<std::size_t>(At - first)), true, doubled};
-        At = after;
-        return Separate();
-      }
-    }
-  }
-
-  // Past one comma or line end; CR LF is one.
-  bool Separate() {
-    if (At == Last) return true;
-    if (*At == '\r') {
-      if (At + 1 == Last && !All) return false;
-      if (At + 1 != Last && At[1] == '\n') ++At;
-    }
-    if (*At != ',') ++Line_Ends;
-    ++At;
-    return true;
-  }
-
-  const char* At = nullptr;
-  const char* Last = nullptr;
-  bool All = false;
-  std::int64_t Line_Ends = 0;
 };
 
 bool Is_Null(const Raw_Value& value) {
@@ -397,24 +261,9 @@ class Table_Reader {
   std::string Name;
   std::string Bytes;
   bool All = false;  // nothing follows what is in Bytes
-  Value_Cutter Cutter;
+  Field_Cutter Cutter;
   std::shared_ptr<Text_Store> Texts = std::make_shared<Text_Store>();
   Table<Record> Result;
-};
-
-// Bytes that are in memory already; the first `Fill` appends them all.
-class Memory_Source : public Byte_Source {
- public:
-  explicit Memory_Source(std::string_view bytes) : Rest(bytes) {}
-  bool Fill(std::string& bytes) override {
-    const bool any = !Rest.empty();
-    bytes += Rest;
-    Rest = {};
-    return any;
-  }
-
- private:
-  std::string_view Rest;
 };
 
 template <class Record>

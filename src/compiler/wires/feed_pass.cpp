@@ -81,6 +81,20 @@ struct Feed_Limits {
   }
 };
 
+template <class Scales>
+Wire_Steps Steps_Of_Wire(const Wire& wire, const Scales& scales) {
+  Wire_Steps steps;
+  for (int k = 1; k <= 4; ++k) {
+    const double distance = std::abs(wire.End[k].value_or(0) - wire.Start[k].value_or(0));
+    steps.Of[k] = Whole_Part(scales[k] * distance);
+  }
+  steps.Major = *std::max_element(steps.Of.begin(), steps.Of.end());
+  for (int k = 1; k <= 4; ++k) {
+    if (steps.Of[k] == steps.Major) steps.Major_SPI = scales[k];
+  }
+  return steps;
+}
+
 // A setup that fails every wire would fill the log with 900,000 lines. So many are written out; the
 // rest is counted.
 constexpr std::int64_t Faults_Written_Out = 100;
@@ -93,7 +107,7 @@ class Feed_Planner {
 
  private:
   // --- Geometry ---------------------------------------------------------------------------------
-  Wire_Steps Steps_Of(const Wire& wire) const;
+  Wire_Steps Steps_Of(const Wire& wire) const { return Steps_Of_Wire(wire, Limits.SPI); }
   Wire_Steps Steps_In_Backward_Pass(const Wire& wire) const;
   std::size_t Next_Motion(std::size_t i) const;
   bool Machine_Stands_Behind(std::size_t i) const;
@@ -121,19 +135,6 @@ class Feed_Planner {
   std::size_t Next = 0;          // place of the next motion; the table's size when there is none
   std::int64_t Faults = 0;
 };
-
-Wire_Steps Feed_Planner::Steps_Of(const Wire& wire) const {
-  Wire_Steps steps;
-  for (int k = 1; k <= 4; ++k) {
-    const double distance = std::abs(wire.End[k].value_or(0) - wire.Start[k].value_or(0));
-    steps.Of[k] = Whole_Part(Limits.SPI[k] * distance);
-  }
-  steps.Major = *std::max_element(steps.Of.begin(), steps.Of.end());
-  for (int k = 1; k <= 4; ++k) {
-    if (steps.Of[k] == steps.Major) steps.Major_SPI = Limits.SPI[k];
-  }
-  return steps;
-}
 
 // Going back meets commands too, not only moves. A command has no steps, so it fits, and the way
 // back ends there.
@@ -394,6 +395,12 @@ bool Trap_Rates(const std::function<void()>& body) {
 }
 
 }  // namespace
+
+bool RampFits(const Wire& wire) {
+  const Wire_Steps steps = Steps_Of_Wire(wire, MachineSetup.Axis_SPI);
+  return RampFits({steps.Major_SPI, static_cast<double>(MachineSetup.Axis_Ramp_Rate)}, steps.Major,
+                  wire.IPM_S, wire.IPM_R, wire.IPM_E);
+}
 
 void Plan_Rates(Record_List<Wire>& wires) {
   Feed_Planner(wires).Plan_All();

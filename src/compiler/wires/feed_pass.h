@@ -59,6 +59,9 @@ double RampSteps(const Ramp& ramp, double a, double b);
 double RampVelocity(const Ramp& ramp, double n, double v0);
 // True when n steps suffice to change from s to r and on to e.
 bool RampFits(const Ramp& ramp, double n, double s, double r, double e);
+// Whether the three speeds of a wire fit into its steps, with steps, scale and rate by the setup as
+// it is. A wire without steps fits.
+bool RampFits(const Wire& wire);
 // Cruise speed of a wire too short for its own: what 75 percent of the share of its steps that goes
 // to the ramp up reaches.
 double SplitCruise(const Ramp& ramp, double n, double s, double e);
