@@ -3,6 +3,7 @@
 #include "app/gcode_file.h"
 #include "app/gcode_form.h"
 #include "app/import_menu.h"
+#include "app/motion_menu.h"
 #include "app/openers.h"
 #include "app/program_findings.h"
 #include "app/yield_watch.h"
@@ -48,6 +49,7 @@ void Show_New_Table() {
   Controller.Estimated_Process_Time.reset();
   Plot_New_Program();
   Show_Table_Notice();
+  Show_Marks_Of_Table();
 }
 
 // What the Goto has said outlives the drawing of the program.
@@ -88,6 +90,7 @@ void Connect_App() {
   Run_Consent.May_Begin = May_Begin_Run;
   Register_Opener(Opened_Kind::GCode, [](const std::string& path) { Open_GCode(path); });
   Connect_Importers();
+  Connect_Tools();
 }
 
 }  // namespace norvik

@@ -125,6 +125,10 @@ void Text_GCode_DblClick(std::int32_t text_line) {
   if (step < 1) return;
   // The plot shows what was compiled; a line of a newer text has another step there, or none.
   const Table_Origin& drawn = Program_Wire.Program_Origin();
+  if (drawn.Kind == Table_Kind::Motion_File) {
+    SetStatus(1, "The plot shows a motion file, not this text.", 5);
+    return;
+  }
   if (GCode_Program.Typed_Waits || (drawn.Sources && !Is_Of_Present_Text(*drawn.Sources))) {
     SetStatus(1, "The text is newer than the plot: compile it (Ctrl+B) to mark its lines.", 5);
     return;
@@ -220,7 +224,7 @@ void Gcode_StartingStep_Change() {
 void Gcode_EndingStep_Change() {
   if (!Gcode_Form.Text_EndingStep.Enabled) return Display_Gcode_Steps();
   const std::int32_t typed = Typed_Step(Gcode_Form.Text_EndingStep.Text);
-  Machine.EndingStep = std::max(Machine.StartingStep, std::min(typed, GCodeLineCount()));
+  Machine.EndingStep = std::max(Machine.StartingStep, std::min(typed, Last_Program_Step()));
 }
 
 void Refresh_Step_Range() {
@@ -234,12 +238,14 @@ namespace {
 
 std::string Table_Notice() {
   const Table_Judgement table = Judge_Program_Table();
+  const bool of_motion_file = Program_Wire.Program_Origin().Kind == Table_Kind::Motion_File;
   switch (table.Standing) {
     case Table_Standing::Other_Text:
       if (GCodeLineCount() == 0 && !GCode_Program.Typed_Waits && Program_Wire.Count() == 0)
         return {};
       return "The text is newer than what is drawn and runs: compile it (Ctrl+B).";
     case Table_Standing::Cut_Short:
+      if (of_motion_file) return "Lines of the motion file are missing: load it again to run it.";
       return "The compile was cut short: this is not the whole program.";
     case Table_Standing::Other_Sources:
       return table.Changed + " has changed since the compile: compile again (Ctrl+B).";
@@ -247,6 +253,8 @@ std::string Table_Notice() {
     case Table_Standing::Of_Goto:
       break;
   }
+  if (of_motion_file && GCodeLineCount() > 0)
+    return "A motion file is drawn and runs, not this text: compile (Ctrl+B) to go back to it.";
   return {};
 }
 

@@ -141,11 +141,23 @@ bool Companion::Was_Interrupted() const {
 
 bool Load_Program(const std::string& path) {
   try {
-    SaveChanges(path == "-" ? Read_Standard_Input() : Read_Whole_File(path));
+    SaveChanges(Read_Input(path));
     return true;
   } catch (const std::exception& failure) {
     Complain(failure.what());
     return false;
+  }
+}
+
+std::string Read_Input(const std::string& path) {
+  return path == "-" ? Read_Standard_Input() : Read_Whole_File(path);
+}
+
+void Write_Output(const std::string& path, std::string_view bytes) {
+  if (path == "-") {
+    std::cout << bytes;
+  } else {
+    Replace_File(path, bytes);
   }
 }
 
@@ -223,6 +235,8 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Add_Plot_Command(app, companion);
   Add_Import_Command(app, companion);
   Add_Transform_Command(app, companion);
+  Add_Motion_Command(app, companion);
+  Add_List_Commands(app, companion);
   try {
     app.parse(argument_count, arguments);
   } catch (const CLI::ParseError& error) {

@@ -53,6 +53,11 @@ struct Companion_Environment {
   std::function<void()> Open_Table_Ends = [] {};
   // What the simulated machine noticed; empty on real ports.
   std::function<std::vector<std::string>()> Findings = [] { return std::vector<std::string>(); };
+  // Plays a sound file to its end, or until the operator asks to stop. Answers why nothing can be
+  // heard; empty: it was played.
+  std::function<std::string(const std::string& path)> Play_Sound = [](const std::string&) {
+    return std::string("this build of norvik-cli plays no sounds");
+  };
   // Texts in pictures need the toolkit's application object; no display.
   std::function<void()> Start_Fonts = [] {};
   // Raises a file fault that says what to do.
@@ -93,6 +98,17 @@ class Staged_Tables {
   std::string Folder, Staging;
 };
 
+// A motion file by its name.
+bool Is_Motion_File(const std::string& path);
+// Makes the wires of a motion file the executing table; touches no file. Answers what stands
+// against it, in words.
+std::string Take_Motion_File(const std::string& path);
+
+// The bytes of a file; "-" is standard input. Raises a file fault.
+std::string Read_Input(const std::string& path);
+// Writes a result whole or not at all; "-" is standard output. Raises a file fault.
+void Write_Output(const std::string& path, std::string_view bytes);
+
 // What the compile left out, by line, on standard output; nothing when it left out nothing.
 void Print_Losses();
 
@@ -112,6 +128,8 @@ void Add_Run_Commands(CLI::App& app, Companion& companion);
 void Add_Plot_Command(CLI::App& app, Companion& companion);
 void Add_Import_Command(CLI::App& app, Companion& companion);
 void Add_Transform_Command(CLI::App& app, Companion& companion);
+void Add_Motion_Command(CLI::App& app, Companion& companion);
+void Add_List_Commands(CLI::App& app, Companion& companion);
 
 // Parses and runs; the exit status of the process.
 int Run_Companion(int argument_count, char** arguments, Companion_Environment environment);

@@ -94,12 +94,7 @@ struct Import_Call {
     const bool whole = !Application.EscFlag && !Import_Report.Cancelled && !Nothing_Arrived();
     if (whole && Unknown_Layers.empty() && !Program_Call.Environment.Asked_To_Stop()) {
       try {
-        const std::string program = Read_Whole_File(path);
-        if (Options.Program == "-") {
-          std::cout << program;
-        } else {
-          Replace_File(Options.Program, program);
-        }
+        Write_Output(Options.Program, Read_Whole_File(path));
         Written = true;
       } catch (const Fault& fault) {
         Complain(fault.Description);

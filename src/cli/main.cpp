@@ -13,10 +13,15 @@
 #include "simulate/virtual_clock.h"
 #include "wiring/port_choice.h"
 
+#include <cerrno>
 #include <csignal>
 #include <cstdlib>
+#include <filesystem>
+#include <string>
 
 #include <fcntl.h>
+#include <spawn.h>
+#include <sys/wait.h>
 #include <unistd.h>
 #ifdef NORVIK_PICTURES
 #include "plot/picture/picture_files.h"
@@ -35,6 +40,23 @@ void Keep_Standard_Streams() {
     file = ::open("/dev/null", O_RDONLY);
   } while (file >= 0 && file <= STDERR_FILENO);
   ::close(file);
+}
+
+// By the small program beside this one: the sound library takes longer to load than most commands
+// need to run.
+std::string Play_To_End(const std::string& path) {
+  std::error_code unknown;
+  const auto own = std::filesystem::read_symlink("/proc/self/exe", unknown);
+  std::string player = (own.parent_path() / "norvik-sound").string();
+  std::string file = path;
+  char* words[] = {player.data(), file.data(), nullptr};
+  pid_t child = 0;
+  if (::posix_spawn(&child, player.c_str(), nullptr, nullptr, words, environ) != 0)
+    return "the program norvik-sound is not beside norvik-cli, so nothing can be played";
+  int status = 0;
+  while (::waitpid(child, &status, 0) < 0 && errno == EINTR) {
+  }
+  return WIFEXITED(status) && WEXITSTATUS(status) == 0 ? "" : "nothing was heard";
 }
 
 }  // namespace
@@ -73,6 +95,7 @@ int main(int argument_count, char** arguments) {
   environment.Findings = [] {
     return Port_Is_Simulated() ? Findings_Text() : std::vector<std::string>();
   };
+  environment.Play_Sound = Play_To_End;
 #ifdef NORVIK_PICTURES
   Install_Picture_Reader();
   environment.Write_Picture = [&](const std::string& path, const Plot_Image& picture) {

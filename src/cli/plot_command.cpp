@@ -20,9 +20,19 @@ struct Plot_Options {
   bool Dark = false;
 };
 
+// The executing table of a program or of a motion file.
+int Bring_Table(const Companion& companion, const std::string& path) {
+  if (!Is_Motion_File(path)) {
+    if (!Load_Program(path)) return Failed;
+    return Compile_Whole(companion, [] { return CompileProgram(); });
+  }
+  const std::string why_not = Take_Motion_File(path);
+  if (!why_not.empty()) Complain(why_not);
+  return why_not.empty() ? Done : Failed;
+}
+
 int Plot_Program(const Companion& companion, const Plot_Options& options) {
-  if (!Load_Program(options.Program)) return Failed;
-  const int status = Compile_Whole(companion, [] { return CompileProgram(); });
+  const int status = Bring_Table(companion, options.Program);
   if (status != Done) return status;
   companion.Environment.Start_Fonts();
   Picture_Request request;
@@ -51,7 +61,9 @@ std::vector<std::string> View_Names() {
 void Add_Plot_Command(CLI::App& app, Companion& companion) {
   const auto plot = std::make_shared<Plot_Options>();
   CLI::App* command = app.add_subcommand("plot", "A picture of the program's path");
-  command->add_option("program", plot->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", plot->Program, "G-code or motion file")
+      ->required()
+      ->type_name("PROGRAM");
   command->add_option("-o,--output", plot->Picture, "Picture file")
       ->required()
       ->type_name("PICTURE");

@@ -184,7 +184,8 @@ Exit_Status Status_Of_Early_End(const Companion& companion) {
 
 int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
-  if (!Load_Program(options.Program)) return Failed;
+  const bool motion = Is_Motion_File(options.Program);
+  if (!motion && !Load_Program(options.Program)) return Failed;
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
   } else if (!Use_Machine(companion.Environment)) {
@@ -198,9 +199,13 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   run.Progress = Print_Progress;
   if (!virtual_clock && !options.No_Pause) run.At_Pause = Ask_At_Pause;
   std::optional<Staged_Tables> tables;
-  run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, options); };
+  if (motion) {
+    run.Load_Table = [&] { return Take_Motion_File(options.Program); };
+  } else {
+    run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, options); };
+  }
   try {
-    tables.emplace();
+    if (!motion) tables.emplace();
     if (!options.Ports.empty()) Record_Ports_To_File(options.Ports);
   } catch (const Fault& fault) {
     Complain(fault.Description);
@@ -262,7 +267,8 @@ void Name_What_Leaves_The_Table(const Companion_Environment& environment) {
 }
 
 int Estimate(const Companion& companion, const std::string& program) {
-  if (!Load_Program(program)) return Failed;
+  const bool motion = Is_Motion_File(program);
+  if (!motion && !Load_Program(program)) return Failed;
   Use_Simulation(companion.Environment);
   companion.Environment.Open_Table_Ends();
   Connect_Control();
@@ -270,9 +276,13 @@ int Estimate(const Companion& companion, const std::string& program) {
   run.Trace_File = "";
   run.Progress = Print_Progress;
   std::optional<Staged_Tables> tables;
-  run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, {}); };
+  if (motion) {
+    run.Load_Table = [&] { return Take_Motion_File(program); };
+  } else {
+    run.Compiled = [&] { return Put_Compiled_Program_In_Place(companion, *tables, {}); };
+  }
   try {
-    tables.emplace();
+    if (!motion) tables.emplace();
   } catch (const Fault& fault) {
     Complain(fault.Description);
     return Failed;
@@ -294,7 +304,9 @@ int Estimate(const Companion& companion, const std::string& program) {
 void Add_Run_Commands(CLI::App& app, Companion& companion) {
   const auto run = std::make_shared<Run_Command_Options>();
   CLI::App* command = app.add_subcommand("run", "Run a program on the machine or its simulation");
-  command->add_option("program", run->Program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", run->Program, "G-code or motion file")
+      ->required()
+      ->type_name("PROGRAM");
   command->add_option("--clock", run->Clock, "real or virtual (simulated machine, no waiting)")
       ->check(CLI::IsMember({"real", "virtual"}));
   command->add_option("--trace", run->Trace, "File for one line a move")->type_name("FILE");
@@ -316,7 +328,9 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
 
   const auto program = std::make_shared<std::string>();
   command = app.add_subcommand("estimate", "How long a program takes, by simulation");
-  command->add_option("program", *program, "G-code file")->required()->type_name("PROGRAM");
+  command->add_option("program", *program, "G-code or motion file")
+      ->required()
+      ->type_name("PROGRAM");
   command->callback([&companion, program] {
     companion.Command = [&companion, program] { return Estimate(companion, *program); };
   });

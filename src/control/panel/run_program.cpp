@@ -170,10 +170,11 @@ Run_Summary Run_Compiled_Program(const Run_Options& options) {
 Run_Summary Run_Program(const Run_Options& options) {
   if (!Stopped_For("Can't compile")) return Failed(Messages.Panel[1]);
   if (!Position_Memory.Doubt.empty()) return Failed(Position_Memory.Doubt);
-  if (const std::string why = Compile_For_Run(); !why.empty()) return Failed(why);
+  const std::string no_table = options.Load_Table ? options.Load_Table() : Compile_For_Run();
+  if (!no_table.empty()) return Failed(no_table);
   if (const std::string why = options.Compiled(); !why.empty()) return Failed(why);
   Machine.StartingStep = 1;
-  Machine.EndingStep = GCodeLineCount();
+  Machine.EndingStep = Last_Program_Step();
   Run_Summary summary = Run_Compiled_Program(options);
   if (summary.Finished && (Compile_Losses.Records_Cut || Compile_Losses.Wires_Cut)) {
     summary.Finished = false;

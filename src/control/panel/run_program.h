@@ -32,7 +32,9 @@ struct Run_Options {
   // About four times in a second of the clock.
   std::function<void(std::int32_t step, std::int32_t last_step)> Progress = [](std::int32_t,
                                                                                std::int32_t) {};
-  // The program is compiled, nothing has moved yet. Words when it must not be run.
+  // Brings the executing table; answers words when that failed. Empty: the program is compiled.
+  std::function<std::string()> Load_Table;
+  // The table is there, nothing has moved yet. Words when it must not be run.
   std::function<std::string()> Compiled = [] { return std::string(); };
 };
 
@@ -47,9 +49,9 @@ struct Run_Summary {
   bool operator==(const Run_Summary&) const = default;
 };
 
-// Compiles and runs the loaded program. One that is too long for the machine's tables is run as far
-// as it was taken and is not a finished one. Refused while the positions are in doubt. Raises
-// nothing.
+// Compiles and runs the loaded program, or runs the table that `Load_Table` brings. One that is too
+// long for the machine's tables is run as far as it was taken and is not a finished one. Refused
+// while the positions are in doubt. Raises nothing.
 Run_Summary Run_Program(const Run_Options& options);
 
 // The same for a program that is compiled and stands in the executing table.

@@ -344,7 +344,9 @@ std::string Unfit_To_Run() {
     case Table_Standing::Other_Text:
       return std::string(control_text::Program_Not_Compiled);
     case Table_Standing::Cut_Short:
-      return std::string(control_text::Program_Cut_Short);
+      return std::string(Program_Wire.Origin().Kind == Table_Kind::Motion_File
+                             ? control_text::Motion_File_Cut_Short
+                             : control_text::Program_Cut_Short);
     case Table_Standing::Other_Sources:
       return table.Changed + std::string(control_text::Source_Has_Changed);
   }

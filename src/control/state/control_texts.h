@@ -113,6 +113,8 @@ inline constexpr std::string_view Run_Not_Continued =
 inline constexpr std::string_view Run_Not_Begun = "The run was not started.";
 inline constexpr std::string_view Program_Cut_Short =
     "The program was not compiled to its end: compile it again, then start.";
+inline constexpr std::string_view Motion_File_Cut_Short =
+    "Lines of the motion file are missing: load a whole one, then start.";
 inline constexpr std::string_view Program_Behind_Goto =
     "A Goto has taken the place of the program: compile it again, then start.";
 inline constexpr std::string_view Nothing_To_Estimate =

@@ -3,7 +3,9 @@
 #include "platform/platform.h"
 
 #include <algorithm>
+#include <filesystem>
 #include <memory>
+#include <string>
 
 #include <SDL.h>
 
@@ -98,28 +100,50 @@ std::optional<Joystick_State> Read_Sdl_Joystick(int device) {
   return state;
 }
 
-void Play_Wave(const std::string& path) {
+void Close_Audio() {
+  if (Sdl.Audio != 0) SDL_CloseAudioDevice(Sdl.Audio);
+  Sdl.Audio = 0;
+}
+
+// Larger files are not read: that would hold up whatever runs.
+bool Is_Small_Enough(const std::string& path) {
+  constexpr std::uintmax_t largest = 16U << 20;
+  std::error_code unknown;
+  const auto size = std::filesystem::file_size(path, unknown);
+  return !unknown && size <= largest;
+}
+
+}  // namespace
+
+std::string Start_Sound(const std::string& path) {
+  Close_Audio();
+  if (!Is_Small_Enough(path)) return "there is no such file, or it is longer than 16 MB";
   if (!Sdl.Audio_Started) {
     SDL_SetHint(SDL_HINT_NO_SIGNAL_HANDLERS, "1");
-    if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0) return;
+    if (SDL_InitSubSystem(SDL_INIT_AUDIO) != 0)
+      return std::string("no sound device can be had: ") + SDL_GetError();
     Sdl.Audio_Started = true;
   }
   SDL_AudioSpec format;
   Uint8* samples = nullptr;
   Uint32 length = 0;
-  if (SDL_LoadWAV(path.c_str(), &format, &samples, &length) == nullptr) return;
+  if (SDL_LoadWAV(path.c_str(), &format, &samples, &length) == nullptr)
+    return std::string("it is no wave file that can be played: ") + SDL_GetError();
   const std::unique_ptr<Uint8, decltype(&SDL_FreeWAV)> held(samples, &SDL_FreeWAV);
-  if (Sdl.Audio != 0) SDL_CloseAudioDevice(Sdl.Audio);
   Sdl.Audio = SDL_OpenAudioDevice(nullptr, 0, &format, nullptr, 0);
-  if (Sdl.Audio == 0) return;
-  if (SDL_QueueAudio(Sdl.Audio, samples, length) == 0) SDL_PauseAudioDevice(Sdl.Audio, 0);
+  if (Sdl.Audio == 0 || SDL_QueueAudio(Sdl.Audio, samples, length) != 0)
+    return std::string("the sound device cannot be used: ") + SDL_GetError();
+  SDL_PauseAudioDevice(Sdl.Audio, 0);
+  return {};
 }
 
-}  // namespace
+bool Sound_Plays() {
+  return Sdl.Audio != 0 && SDL_GetQueuedAudioSize(Sdl.Audio) > 0;
+}
 
 void Install_Sdl_Platform() {
   Platform.Read_Joystick = Read_Sdl_Joystick;
-  Platform.Play_Sound = Play_Wave;
+  Platform.Play_Sound = [](const std::string& path) { Start_Sound(path); };
 }
 
 }  // namespace norvik
