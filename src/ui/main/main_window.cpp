@@ -7,6 +7,7 @@
 #include "app/import_menu.h"
 #include "app/machine_menu.h"
 #include "app/main_form.h"
+#include "app/motion_menu.h"
 #include "app/openers.h"
 #include "app/setup_apply.h"
 #include "app/shutdown.h"
@@ -27,6 +28,7 @@
 #include "import/pipeline/pipeline.h"
 #include "plot/nist_plot.h"
 #include "plot/view.h"
+#include "tools/motion_analyzer.h"
 #include "ui/imports/bitmap_import_window.h"
 #include "ui/imports/dxf_layers_window.h"
 #include "ui/imports/gerber_layers_window.h"
@@ -40,6 +42,7 @@
 #include "ui/program/gcode_window.h"
 #include "ui/program/progress_window.h"
 #include "ui/setup/setup_windows.h"
+#include "ui/tools/tool_windows.h"
 #include "ui/widgets/theme.h"
 
 #include <algorithm>
@@ -78,6 +81,18 @@ const std::vector<Menu_Row>& Menu_Rows() {
        Menu_File_Save},
       {"&File", "Menu_File_Save_As", "Save &as...", QKeySequence::SaveAs,
        "Save the program into another file", Menu_File_Save_As},
+      {"&File",
+       "Menu_File_Open_Motion",
+       "Open &motion...",
+       {},
+       "Run a compiled program without its text",
+       Menu_File_Open_Motion},
+      {"&File",
+       "Menu_File_Save_Motion",
+       "Save m&otion...",
+       {},
+       "Save the compiled program, to be run without its text",
+       Menu_File_Save_Motion},
       {"&File", "Menu_File_Print", "&Print...", QKeySequence::Print, "Print the program",
        Print_Data},
       {"&Import", "Menu_Import_DXF", "&DXF...", {}, "Make a program of a drawing", Menu_Import_DXF},
@@ -231,6 +246,7 @@ Main_Frame::~Main_Frame() {
   Close_Tool_Windows();
   Main_Host = {};
   Compile_Host.Show_Progress = [](const std::string&) {};
+  Compile_Host.Show_Motion_Analyzer = [] {};
   Recent_Host.List_Changed = [] {};
   Messages_Host.Panel_Changed = [](int) {};
   Bitmap_Host = {};
@@ -292,10 +308,24 @@ void Main_Frame::Build_Menus() {
         ->addAction(window.Menu_Text, this, [this, window_name] { Show_Tool_Window(window_name); })
         ->setObjectName("Menu_Window_" + name);
   }
+  Build_List_Entries();
   Build_Setup_Entries(*menus["&Setup"]);
   Bar = new Safety_Bar;
   menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
   Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
+}
+
+void Main_Frame::Build_List_Entries() {
+  Window_Menu->addSeparator();
+  for (const List_Window_Row& row : List_Window_Rows()) {
+    const QString name = row.Name;
+    Tool_Windows[name] = {row.Menu_Text, row.Make, nullptr, true};
+    QAction* action =
+        Window_Menu->addAction(row.Menu_Text, this, [this, name] { Show_Tool_Window(name); });
+    action->setObjectName("Menu_Window_" + name);
+    connect(Window_Menu, &QMenu::aboutToShow, action,
+            [action, offered = row.Offered] { action->setVisible(offered()); });
+  }
 }
 
 void Main_Frame::Build_Setup_Entries(QMenu& menu) {
@@ -395,6 +425,11 @@ void Main_Frame::Connect_Hosts() {
   Main_Host.Unload_Setup_Windows = [this] { Close_Setup_Windows(); };
   Compile_Host.Show_Progress = [this](const std::string& caption) {
     Progress->Show_Progress(QString::fromStdString(caption));
+  };
+  Compile_Host.Show_Motion_Analyzer = [this] {
+    const bool opens = !Tool_Window_Is_Open("frmMotionAnalyzer");
+    Show_Tool_Window("frmMotionAnalyzer");
+    if (!opens) frmMotionAnalyzer_Load();  // one that opens loads by itself
   };
   Import_Host.Show_DXF_Layers = [this] {
     Show_Tool_Window("DXF_Import_Layers");

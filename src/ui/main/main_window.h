@@ -52,6 +52,7 @@ class Main_Frame : public QMainWindow {
 
   void Build_Menus();
   void Build_Setup_Entries(QMenu& menu);
+  void Build_List_Entries();
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
   void Show_Banner();

@@ -1,0 +1,24 @@
+// sounds_window.h: the window `Event_Sounds`: a sound for each event of the machine.
+#pragma once
+
+#include <QWidget>
+
+class QListWidget;
+
+namespace norvik {
+
+class Sounds_Window : public QWidget {
+ public:
+  explicit Sounds_Window(QWidget* parent = nullptr);
+  ~Sounds_Window() override;
+
+ protected:
+  bool eventFilter(QObject* watched, QEvent* event) override;
+
+ private:
+  void Show_Form();
+
+  QListWidget* List;
+};
+
+}  // namespace norvik
