@@ -191,8 +191,12 @@ TEST_F(List_Windows_Test, A_Tool_Is_Typed_Into_Its_Cell_Or_A_Box_Found_And_Saved
   EXPECT_EQ(Cell("List_Tools", 2, tool_column::Used), "used");
   EXPECT_EQ(Cell("List_Tools", 3, tool_column::Used), "");
   list.setCurrentIndex(list.model()->index(2, tool_column::Diameter));
-  QTest::keyClicks(&list, "0.25");
-  QTest::keyClick(list.viewport()->findChild<QLineEdit*>(), Qt::Key_Enter);
+  QTest::keyClick(&list, Qt::Key_0);
+  auto* cell = list.viewport()->findChild<QLineEdit*>();
+  ASSERT_NE(cell, nullptr);
+  cell->selectAll();
+  QTest::keyClicks(cell, "0.25");
+  QTest::keyClick(cell, Qt::Key_Return);
   EXPECT_EQ(Tools.Diameter[3], 0.25);
   scripted.Input_Answers = {"-1.5"};
   Double_Click("List_Tools", 2, tool_column::Offset);
