@@ -137,7 +137,8 @@ std::vector<Chart_Point> Speed_Chart::Points(const Record_List<Wire>& wires, Lin
         filter.Add({Start_Of(row), wire.IPM_S});
         break;
       case Line::IPM_R:
-        filter.Add({(Start_Of(row) + End_Of(row)) / 2, wire.IPM_R});
+        filter.Add({Start_Of(row), wire.IPM_R});
+        filter.Add({End_Of(row), wire.IPM_R});
         break;
       case Line::IPM_E:
         filter.Add({End_Of(row), wire.IPM_E});

@@ -1,7 +1,7 @@
 // speed_chart.h: the planned speeds over the way of the tool, as points for a painter.
 //
 //   speed ^   ______        ______
-//         |  /      \      /      \        IPM_S at the start of a move, IPM_R at its middle,
+//         |  /      \      /      \        IPM_S at the start of a move, IPM_R along it,
 //         | /        \____/        \       IPM_E at its end
 //         +------------------------------> way, units
 //

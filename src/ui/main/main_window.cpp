@@ -89,7 +89,7 @@ const std::vector<Menu_Row>& Menu_Rows() {
        Menu_File_Open_Motion},
       {"&File",
        "Menu_File_Save_Motion",
-       "Save m&otion...",
+       "Sa&ve motion...",
        {},
        "Save the compiled program, to be run without its text",
        Menu_File_Save_Motion},

@@ -75,7 +75,7 @@ Motion_Analyzer_Window::Motion_Analyzer_Window(QWidget* parent) : QWidget(parent
   rows->addWidget(halves, 1);
   Build_Foot(*rows);
   Add_Keys();
-  resize(Text_Height() * 60, Text_Height() * 38);
+  resize(Text_Height() * 56, Text_Height() * 38);  // the panel stays in sight
 
   Motion_Analyzer_Host.Data_Changed = [this] { Show_Data(); };
   Motion_Analyzer_Host.Caption_Changed = [this] {
