@@ -348,8 +348,11 @@ std::string Names_Of(const Fields& fields) {
 }
 
 std::vector<std::uint8_t> Closed_Frame(std::uint8_t second, std::span<const std::uint8_t> payload) {
-  std::vector<std::uint8_t> frame{Board_Frame_Start, second};
-  frame.insert(frame.end(), payload.begin(), payload.end());
+  std::vector<std::uint8_t> frame;
+  frame.reserve(payload.size() + 4);
+  frame.push_back(Board_Frame_Start);
+  frame.push_back(second);
+  for (const std::uint8_t byte : payload) frame.push_back(byte);
   const std::uint32_t sum = Sum_Of(frame);
   frame.push_back(static_cast<std::uint8_t>(sum & 0xFF));
   frame.push_back(static_cast<std::uint8_t>(sum >> 8U & 0xFF));
