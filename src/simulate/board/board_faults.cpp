@@ -119,8 +119,9 @@ constexpr Action_Word Actions[] = {
 
 bool Read_Trigger(const Simulated_Board& board, std::string_view word, Board_Fault& fault) {
   const auto [name, value] = Split(word, '=');
-  const auto* found = std::find_if(std::begin(Triggers), std::end(Triggers),
-                                   [&](const auto& trigger) { return trigger.Name == name; });
+  const auto* found =
+      std::find_if(std::begin(Triggers), std::end(Triggers),
+                   [name = name](const auto& trigger) { return trigger.Name == name; });
   if (found == std::end(Triggers)) return false;
   fault.Trigger = found->Trigger;
   double first = 0, second = 1;
@@ -195,8 +196,9 @@ bool Values_Are_Possible(const Simulated_Board& board, const Board_Fault& fault)
 // The empty text, or an example of what the action needs.
 std::string Read_Action(const Simulated_Board& board, std::string_view word, Board_Fault& fault) {
   const auto [name, value] = Split(word, '=');
-  const auto* found = std::find_if(std::begin(Actions), std::end(Actions),
-                                   [&](const auto& action) { return action.Name == name; });
+  const auto* found =
+      std::find_if(std::begin(Actions), std::end(Actions),
+                   [name = name](const auto& action) { return action.Name == name; });
   if (found == std::end(Actions)) {
     std::string names =
         "Nothing that can happen is named \"" + std::string(name) + "\". There are:";
