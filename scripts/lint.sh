@@ -48,10 +48,10 @@ clang-format --dry-run -Werror "${files[@]}" || {
   exit "$failed"
 }
 
-# The compile commands of any build will do; its flags are GCC's, of which .clang-tidy says the rest.
-build=build/debug
-[ -f build/debug/compile_commands.json ] || [ ! -f build/sanitize/compile_commands.json ] || build=build/sanitize
-[ -f "$build/compile_commands.json" ] || { cmake --preset debug >/dev/null; build=build/debug; }
+# A build that is only configured, for the compile commands; its flags are GCC's, of which .clang-tidy
+# says the rest.
+build=build/tidy
+cmake --preset debug -B "$build" -DNORVIK_TIDY=ON >/dev/null
 mapfile -t units < <(for file in "${files[@]}"; do
   unit=${file%.*}.cpp
   # Only what this build compiles: windows, benchmarks and fuzz targets may be left out of it.

@@ -234,8 +234,13 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   }
   const Run_Summary summary =
       virtual_clock ? Run_Simulated(run) : Run_On_Machine(run, options.Confirm_Positions);
-  Stop_Port_Recorder();
-  if (!Stop_Frame_Recorder()) Complain("--frames: the file could not be written to its end.");
+  bool records_whole = true;
+  const auto look_at_record = [&](bool whole, std::string_view option) {
+    records_whole = records_whole && whole;
+    if (!whole) Complain(std::string(option) + ": the file could not be written to its end.");
+  };
+  look_at_record(Stop_Port_Recorder(), "--ports");
+  look_at_record(Stop_Frame_Recorder(), "--frames");
   if (isatty(STDERR_FILENO) != 0) Print_Status_Line("");
   std::cout << Summary_Text(summary);
   if (!Move_Trace.Failed_Path.empty()) {
@@ -247,7 +252,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   }
   Print_Losses();
   if (!summary.Finished) return Status_Of_Early_End(companion);
-  if (!options.Trace.empty() && !Move_Trace.Failed_Path.empty()) return Failed;
+  if (!records_whole || (!options.Trace.empty() && !Move_Trace.Failed_Path.empty())) return Failed;
   return Compile_Losses.Any() && !options.Accept_Losses ? Failed : Done;
 }
 

@@ -14,6 +14,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <utility>
 
 namespace norvik {
 
@@ -102,13 +103,13 @@ void Start_Port_Recorder(std::function<void(const std::vector<Port_Write_Record>
   Port_Recorder.Active = true;
 }
 
-void Stop_Port_Recorder() {
-  if (!Port_Recorder.Active) return;
+bool Stop_Port_Recorder() {
   // Off first: what fails below must not come back at the next write.
-  Port_Recorder.Active = false;
-  const Port_Recorder_State last = std::move(Port_Recorder);
-  Port_Recorder = {};
-  Trap("Port_Recorder_Error", [&] { last.Take_Block(last.Block); });
+  const bool active = std::exchange(Port_Recorder.Active, false);
+  const Port_Recorder_State last = std::exchange(Port_Recorder, {});
+  if (!active) return !last.Failed;
+  const bool taken = Trap("Port_Recorder_Error", [&] { last.Take_Block(last.Block); });
+  return taken && !std::exchange(Port_Recorder.Failed, false);
 }
 
 namespace {
@@ -139,6 +140,7 @@ class Port_File {
     const bool written = std::fwrite(Text.data(), 1, Text.size(), Out.get()) == Text.size();
     if (written && std::fflush(Out.get()) == 0) return;
     Port_Recorder.Active = false;
+    Port_Recorder.Failed = true;
     ErrorLogWrite("The port record \"" + Path + "\" ends here: " + std::strerror(errno));
   }
 

@@ -73,6 +73,7 @@ struct Port_Write_Record {
 struct Port_Recorder_State {
   static constexpr std::size_t Block_Size = 4096;
   bool Active = false;
+  bool Failed = false;                   // a block could not be kept; the recording has ended there
   std::vector<Port_Write_Record> Block;  // capacity Block_Size while active
   std::function<void(const std::vector<Port_Write_Record>&)> Take_Block;
 };
@@ -80,8 +81,8 @@ extern Port_Recorder_State Port_Recorder;
 
 // Begins recording into `take_block`. A running recording is ended first.
 void Start_Port_Recorder(std::function<void(const std::vector<Port_Write_Record>&)> take_block);
-// Hands over what is left and stops.
-void Stop_Port_Recorder();
+// Hands over what is left and stops. False: the recording is not whole.
+bool Stop_Port_Recorder();
 
 // Records every write from here on as lines "microseconds,port,value,real" of a new file until
 // Stop_Port_Recorder: time with three decimals from the start of the recording, port and value in

@@ -35,6 +35,14 @@ void Check_Scales(Findings& findings) {
   }
 }
 
+void Check_Diagonals(Findings& findings) {
+  findings.push_back(
+      {"The board counts a feed on the axis with the most steps: a move at 45 degrees "
+       "between two axes of one scale is 1.41 times as fast as the program says, "
+       "between three 1.73 times. Write smaller feeds where that is too fast.",
+       "Parallel_Port_Type"});
+}
+
 void Check_Slowest_Speed(Findings& findings) {
   const int sasf = Effective_SASF(MachineSetup.Dravon_SASF);
   std::string speeds;
@@ -114,6 +122,7 @@ void Check_Line_Time(Findings& findings) {
 
 void Check_Serial_Setup(Findings& findings) {
   Check_Scales(findings);
+  Check_Diagonals(findings);
   Check_Slowest_Speed(findings);
   Check_Counters(findings);
   Check_Encoders(findings);

@@ -1,16 +1,10 @@
 // The command `import`: kinds by name and by option, layers, exit statuses and what is written.
-#include "cli/companion.h"
+#include "companion_call.h"
 #include "core/application.h"
-#include "core/paths.h"
 #include "core/setup.h"
 #include "import/gerber/layers.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
-#include "platform/scripted/scripted_platform.h"
-#include "support/reset.h"
-#include "support/temporary_folder.h"
-
-#include <gmock/gmock.h>
 
 namespace norvik {
 namespace {
@@ -20,31 +14,14 @@ using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
 
-const std::string Samples = NORVIK_SAMPLES_FOLDER;
-
-struct Import_Command_Test : testing::Test {
+struct Import_Command_Test : Companion_Call_Test {
   // A machine file of its own: drill files write their tool sizes there.
   Import_Command_Test() { Write_File("inch.ini", Read_Whole_File(Samples + "/inch.ini")); }
-  ~Import_Command_Test() override { Forget(); }
 
-  static void Forget() { Reset_App(); }
-
-  // A call of the program; its standard error is in `Said`.
   int Import(std::vector<std::string> words) {
-    Forget();
-    words.insert(words.begin(), {"norvik-cli", "--home", Folder.File("home"), "--machine",
-                                 Folder.File("inch.ini"), "import"});
+    words.insert(words.begin(), {"--machine", Folder.File("inch.ini"), "import"});
     words.insert(words.end(), {"-o", Program});
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    testing::internal::CaptureStderr();
-    const int status = Run_Companion(static_cast<int>(arguments.size()), arguments.data(), {});
-    Said = testing::internal::GetCapturedStderr();
-    return status;
-  }
-  std::string Write_File(const std::string& name, const std::string& text) {
-    Replace_File(Folder.File(name), text);
-    return Folder.File(name);
+    return Call_Companion(std::move(words));
   }
   // Refused as wrong usage: nothing is written.
   void Expect_Refused(const std::vector<std::string>& words, const std::string& text) {
@@ -54,9 +31,7 @@ struct Import_Command_Test : testing::Test {
     EXPECT_FALSE(FileExists(Program));
   }
 
-  Temporary_Folder Folder;
-  Scripted_Platform scripted;
-  std::string Program = Folder.File("out.gc"), Said;
+  std::string Program = Folder.File("out.gc");
 };
 
 TEST_F(Import_Command_Test, Every_Sample_Becomes_A_Program_With_A_Report) {

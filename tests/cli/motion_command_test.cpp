@@ -1,20 +1,15 @@
 // The commands `motion`, `tools` and `sounds` as a script calls them.
-#include "cli/companion.h"
+#include "companion_call.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
 #include "core/application.h"
 #include "core/json_text.h"
-#include "core/paths.h"
 #include "core/setup.h"
-#include "platform/scripted/scripted_platform.h"
-#include "support/temporary_folder.h"
 #include "tools/motion_analyzer.h"
 
 #include <filesystem>
-
-#include <gmock/gmock.h>
 
 namespace norvik {
 namespace {
@@ -22,9 +17,7 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-const std::string Samples = NORVIK_SAMPLES_FOLDER;
-
-struct Motion_Command_Test : testing::Test {
+struct Motion_Command_Test : Companion_Call_Test {
   Motion_Command_Test() {
     std::string machine = Read_Whole_File(Samples + "/inch.ini");
     const auto replace = [&](const std::string& what, const std::string& by) {
@@ -34,49 +27,25 @@ struct Motion_Command_Test : testing::Test {
     };
     replace("=inch.tol", "=" + Tools_Path);
     replace("=macros/", "=" + Samples + "/macros/");
-    Replace_File(Folder.File("inch.ini"), machine);
-  }
-  ~Motion_Command_Test() override { Forget(); }
-
-  static void Forget() {
-    Application = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    Program_Wire = {};
-    GCode_Program = {};
-    frmMotionAnalyzer = {};
-    Tools = {};
+    Write_File("inch.ini", machine);
   }
 
-  // A call of the program; what it printed is in `Printed` and `Said`.
   int Call(std::vector<std::string> words) {
-    Forget();
-    words.insert(words.begin(), {"norvik-cli", "--home", Folder.File("home"), "--machine",
-                                 Folder.File("inch.ini")});
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
+    words.insert(words.begin(), {"--machine", Folder.File("inch.ini")});
     Companion_Environment environment;
     environment.Play_Sound = [this](const std::string& path) {
       Played = path;
       return std::string();
     };
-    const int status =
-        Run_Companion(static_cast<int>(arguments.size()), arguments.data(), environment);
-    Printed = testing::internal::GetCapturedStdout();
-    Said = testing::internal::GetCapturedStderr();
-    return status;
+    return Call_Companion(std::move(words), environment);
   }
   int Call_With_Correction(std::vector<std::string> words) {
     words.insert(words.begin(), {"--set", "Corrections.Motion_File_Any_Length=True"});
     return Call(std::move(words));
   }
 
-  Temporary_Folder Folder;
-  Scripted_Platform scripted;
-  std::string Motion = Folder.File("pocket.mcd"), Tables = Folder.File("tables"), Printed, Said,
-              Played, Tools_Path = Folder.File("Default.tol");
+  std::string Motion = Folder.File("pocket.mcd"), Tables = Folder.File("tables"), Played,
+              Tools_Path = Folder.File("Default.tol");
 };
 
 TEST_F(Motion_Command_Test, A_Program_Is_Saved_Loaded_And_Verified) {

@@ -1,15 +1,10 @@
 // The companion and the setup: what it reads, what it stores, and what it leaves alone.
-#include "cli/companion.h"
+#include "companion_call.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
-#include "core/paths.h"
 #include "core/setup.h"
-#include "platform/scripted/scripted_platform.h"
-#include "support/reset.h"
-#include "support/temporary_folder.h"
 
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/file.h>
 #include <unistd.h>
 
@@ -19,34 +14,18 @@ namespace {
 using testing::HasSubstr;
 using testing::Not;
 
-struct Setup_Command_Test : testing::Test {
-  ~Setup_Command_Test() override { Forget(); }
-
-  static void Forget() { Reset_App(); }
-
+struct Setup_Command_Test : Companion_Call_Test {
   // A call of the program on `Machine`.
   int Call(std::vector<std::string> words, Companion_Environment environment = {}) {
-    Forget();
-    words.insert(words.begin(),
-                 {"norvik-cli", "--home", Folder.File("home"), "--machine", Machine});
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
-    const int status =
-        Run_Companion(static_cast<int>(arguments.size()), arguments.data(), std::move(environment));
-    Printed = testing::internal::GetCapturedStdout();
-    Said = testing::internal::GetCapturedStderr();
-    return status;
+    words.insert(words.begin(), {"--machine", Machine});
+    return Call_Companion(std::move(words), std::move(environment));
   }
   std::string Value_Of(const std::string& key) {
     EXPECT_EQ(Call({"setup", "get", key}), Done) << Said;
     return Trim(Printed.substr(0, Printed.find('\n')));
   }
 
-  Temporary_Folder Folder;
-  Scripted_Platform scripted;
-  std::string Machine = Folder.File("foreign.ini"), Said, Printed;
+  std::string Machine = Folder.File("foreign.ini");
 };
 
 TEST_F(Setup_Command_Test, A_Foreign_File_Is_Read_And_Left_Alone) {

@@ -1,16 +1,11 @@
 // The command `transform`: values of the call and of the machine file, what is told, what is
 // written.
-#include "cli/companion.h"
+#include "companion_call.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
-#include "core/paths.h"
 #include "core/setup.h"
-#include "platform/scripted/scripted_platform.h"
-#include "support/temporary_folder.h"
 
 #include <filesystem>
-
-#include <gmock/gmock.h>
 
 namespace norvik {
 namespace {
@@ -18,39 +13,15 @@ namespace {
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-struct Transform_Command_Test : testing::Test {
-  ~Transform_Command_Test() override { Forget(); }
-
-  static void Forget() {
-    Application = {};
-    MachineSetup = {};
-    Setup_Store = {};
-    GCode_Program = {};
-  }
-
-  // A call of the program; what it wrote to the standard streams is in `Said` and `Printed`.
+struct Transform_Command_Test : Companion_Call_Test {
   int Call(std::vector<std::string> words) {
-    Forget();
-    words.insert(words.begin(), {"norvik-cli", "--home", Folder.File("home"), "--set",
-                                 "G_CODE.GC_ScaleY=3", "--set", "General.Default_Offset_1=10",
-                                 "--set", "Axis.Axis_Format=000.000", "transform"});
-    std::vector<char*> arguments;
-    for (std::string& word : words) arguments.push_back(word.data());
-    testing::internal::CaptureStderr();
-    testing::internal::CaptureStdout();
-    const int status = Run_Companion(static_cast<int>(arguments.size()), arguments.data(), {});
-    Printed = testing::internal::GetCapturedStdout();
-    Said = testing::internal::GetCapturedStderr();
-    return status;
+    words.insert(words.begin(),
+                 {"--set", "G_CODE.GC_ScaleY=3", "--set", "General.Default_Offset_1=10", "--set",
+                  "Axis.Axis_Format=000.000", "transform"});
+    return Call_Companion(std::move(words));
   }
-  std::string Program(const std::string& text) const {
-    Replace_File(Folder.File("part.gc"), text);
-    return Folder.File("part.gc");
-  }
+  std::string Program(const std::string& text) { return Write_File("part.gc", text); }
 
-  Scripted_Platform Scripted;
-  Temporary_Folder Folder;
-  std::string Said, Printed;
   const std::string Result = Folder.File("result.gc");
 };
 

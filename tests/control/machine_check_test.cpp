@@ -154,8 +154,32 @@ TEST_F(Machine_Check_Test, Unwired_axes_and_serial_boards_are_not_blamed) {
   MachineSetup.Parallel_Port_Type = 2;
   MachineSetup.Parallel_IODLL = 3;
   MachineSetup.Axis_Polarity.Fill(true);
-  EXPECT_THAT(Keys(), ::testing::Each(::testing::Not(
-                          ::testing::AnyOf(HasSubstr("Parallel_"), HasSubstr("Axis_Polarity")))));
+  EXPECT_THAT(Keys(),
+              ::testing::Each(::testing::Not(::testing::AnyOf(
+                  HasSubstr("Parallel_I"), HasSubstr("Parallel_O"), HasSubstr("Axis_Polarity")))));
+}
+
+TEST_F(Machine_Check_Test, A_board_names_what_becomes_of_feeds_and_travels) {
+  Harmless();
+  MachineSetup.Parallel_Port_Type = 3;
+  MachineSetup.Axis_SPI[3] = 6000;
+  MachineSetup.Axis_Depth[2] = 3000;  // 9,000,000 steps
+  MachineSetup.Dravon_Enc_Enable[1] = 1;
+  MachineSetup.Dravon_Enc_CFactor[1] = 1000;
+  MachineSetup.Dravon_PWM_Inv = true;
+  const auto words = [](std::string_view key) {
+    std::string all;
+    for (const auto& finding : Machine_Check())
+      if (finding.Key == key) all += finding.Text;
+    return all;
+  };
+  EXPECT_THAT(words("Parallel_Port_Type"), HasSubstr("1.41 times as fast"));
+  EXPECT_THAT(words("Axis_SPI_3"), HasSubstr("runs at 50 % of its feed"));
+  EXPECT_THAT(words("Axis_Depth_2"), HasSubstr("9000000 steps"));
+  EXPECT_THAT(words("Dravon_SASF"), HasSubstr("no slower than 77 Hz"));
+  EXPECT_THAT(words("Dravon_PWM_Inv"), HasSubstr("at its fastest"));
+  EXPECT_THAT(words("Axis_Feed_Rate_Cut"), HasSubstr("faster than they can be sent"));
+  EXPECT_THAT(words("Dravon_Enc_CFactor1"), HasSubstr("one count would stand for 1000 steps"));
 }
 
 }  // namespace

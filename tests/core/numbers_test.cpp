@@ -6,6 +6,7 @@
 #include "core/format.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "support/fault_of.h"
 
 #include <charconv>
 #include <cmath>
@@ -25,15 +26,6 @@ struct Region {
   ~Region() { Application.DecimalSeparator = Before; }
   char Before;
 };
-
-Fault_Number Fault_Of(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const Fault& fault) {
-    return fault.Number;
-  }
-  return Fault_Number{0};
-}
 
 TEST(Format_Number, Follows_The_Pattern) {
   struct Row {

@@ -3,6 +3,7 @@
 
 #include "core/fault.h"
 #include "core/paths.h"
+#include "support/fault_of.h"
 #include "support/temporary_folder.h"
 
 #include <csignal>
@@ -157,15 +158,6 @@ TEST(Profile_File, Collects_Writes_And_Drops_Them_Without_Commit) {
     Write_Profile(path, "S", "K", "through");  // reading sessions do not hold writes back
     EXPECT_EQ(Read_Whole_File(path), "[S]\r\nK=through\r\n");
   }
-}
-
-Fault_Number Fault_Of(const std::function<void()>& body) {
-  try {
-    body();
-  } catch (const Fault& fault) {
-    return fault.Number;
-  }
-  return Fault_Number{0};
 }
 
 // Each writes keys of its own into one file at the same time; none takes back a line of the other.

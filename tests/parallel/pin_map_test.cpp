@@ -223,11 +223,16 @@ TEST_F(Pin_Map_Test, Port_Record_File) {
   scripted.Now += 1'234'567;
   PPSetPort(890, 255, false);
   PPSetPort(5, 1, true);  // not written, not recorded
-  Stop_Port_Recorder();
+  EXPECT_TRUE(Stop_Port_Recorder());
   EXPECT_EQ(Read_Whole_File(folder.File("ports.csv")),
             "microseconds,port,value,real\n0.000,888,3,1\n1234.567,890,255,0\n");
   EXPECT_THROW(Record_Ports_To_File(folder.File("missing/ports.csv")), Fault);
   EXPECT_FALSE(Port_Recorder.Active);
+  // A disk that is full: the record says so, the port is written all the same.
+  Record_Ports_To_File("/dev/full");
+  EXPECT_TRUE(PPSetPort(888, 3, true));
+  EXPECT_FALSE(Stop_Port_Recorder());
+  EXPECT_TRUE(Stop_Port_Recorder());
 }
 
 TEST_F(Pin_Map_Test, Recorder_Hands_Over_Whole_Blocks) {
