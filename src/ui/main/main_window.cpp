@@ -30,6 +30,8 @@
 #include "plot/nist_plot.h"
 #include "plot/view.h"
 #include "tools/motion_analyzer.h"
+#include "ui/guide/guide_window.h"
+#include "ui/guide/welcome_window.h"
 #include "ui/imports/bitmap_import_window.h"
 #include "ui/imports/dxf_layers_window.h"
 #include "ui/imports/gerber_layers_window.h"
@@ -224,6 +226,7 @@ Main_Frame::~Main_Frame() {
   Messages_Host.Panel_Changed = [](int) {};
   Bitmap_Host = {};
   Import_Host = {};
+  Guide_Host = {};
 }
 
 // --- Menus and status bar ------------------------------------------------------------------------
@@ -298,6 +301,7 @@ void Main_Frame::Build_Menus() {
   }
   Build_List_Entries();
   Build_Setup_Entries(*menus["&Setup"]);
+  Build_Guide_Entry(*menus["&Machine"]);
   Bar = new Safety_Bar;
   menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
   Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
@@ -330,6 +334,24 @@ void Main_Frame::Build_Setup_Entries(QMenu& menu) {
   QAction* action = menu.addAction("&Diagnostics", this, Menu_Machine_Diagnostics);
   action->setObjectName("Menu_Machine_Diagnostics");
   action->setToolTip("The numbers of the last move");
+}
+
+void Main_Frame::Build_Guide_Entry(QMenu& menu) {
+  Tool_Windows["Guide"] = {"Set up a machine", [] { return new Guide_Window; }, nullptr, true};
+  // A guide that is under way goes on where it was.
+  const auto open = [this] {
+    if (!Tool_Window_Is_Open("Guide")) Open_Guide();
+    Show_Tool_Window("Guide");
+  };
+  Tool_Windows["Welcome"] = {"Welcome", [open] { return new Welcome_Window(open); }, nullptr, true};
+  menu.addSeparator();
+  QAction* action = menu.addAction("Set &up a machine...", this, open);
+  action->setObjectName("Menu_Machine_Guide");
+  action->setToolTip("From a bare machine to its first cut, page by page");
+  Guide_Host.Bring_To_Front = [this] { Show_Tool_Window("Guide"); };
+  Guide_Host.Open_Window = [this](const std::string& name) {
+    Show_Tool_Window(QString::fromStdString(name));
+  };
 }
 
 void Main_Frame::Build_Recent_Menu(QMenu& menu) {

@@ -54,6 +54,7 @@ class Main_Frame : public QMainWindow {
 
   void Build_Menus();
   void Build_Setup_Entries(QMenu& menu);
+  void Build_Guide_Entry(QMenu& menu);
   void Build_List_Entries();
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
