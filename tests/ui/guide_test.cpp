@@ -50,7 +50,8 @@ TEST_F(Guide_Window_Test, A_newcomer_comes_from_an_empty_setup_to_a_moving_axis_
   Click("Command_Wiggle_1");
   EXPECT_THAT(Hint(), HasSubstr("Off now"));
 
-  Go(Guide_Page::Motors);
+  Click("Command_Next");
+  ASSERT_EQ(Guide_Form.Page, Guide_Page::Motors) << Hint();
   for (int axis = 1; axis <= 3; ++axis) {
     Pick("Combo_Axis", axis - 1);
     Type("Text_Microsteps", "2");
@@ -88,9 +89,8 @@ TEST_F(Guide_Window_Test, A_newcomer_comes_from_an_empty_setup_to_a_moving_axis_
 }
 
 TEST_F(Guide_Window_Test, A_move_that_is_tried_holds_its_page_and_ends_with_ESC) {
-  Open_Guide_At(Guide_Page::Motors);
   Choose("Menu_Machine_Guide");
-  Go(Guide_Page::Motors);
+  Open_Guide_At(Guide_Page::Motors);
   Type("Text_Asked", "10");
   In_Yield_When([] { return Machine.Position[1] > 1; },
                 [this] {

@@ -44,7 +44,7 @@ Guide_Window::Guide_Window(QWidget* parent) : QWidget(parent) {
     const auto pages = Guide_Pages_Of_Setup();
     if (index >= 0 && index < std::ssize(pages)) Guide_Go(pages[static_cast<std::size_t>(index)]);
   });
-  Guide_Host.Form_Changed = [this] { Show_Form(); };
+  Listener.emplace(Guide_Host.Form_Changed, [this] { Show_Form(); });
   Timer = Platform.Start_Timer(Refresh_Ms, [this] {
     if (!isVisible()) return;
     if (Guide_Form.Page == Guide_Page::EStop)
@@ -58,7 +58,6 @@ Guide_Window::Guide_Window(QWidget* parent) : QWidget(parent) {
 
 Guide_Window::~Guide_Window() {
   Platform.Stop_Timer(Timer);
-  Guide_Host.Form_Changed = [] {};
 }
 
 QWidget* Guide_Window::Build_Foot() {

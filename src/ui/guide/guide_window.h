@@ -3,6 +3,9 @@
 
 #include "platform/platform.h"
 #include "ui/guide/guide_page.h"
+#include "ui/widgets/form_listener.h"
+
+#include <optional>
 
 class QListWidget;
 class QScrollArea;
@@ -26,6 +29,7 @@ class Guide_Window : public QWidget {
   QLabel* Hint;
   QPushButton *Back = nullptr, *Next = nullptr;
   Timer_Id Timer;
+  std::optional<Form_Listener> Listener;
 };
 
 }  // namespace norvik

@@ -337,7 +337,7 @@ void Main_Frame::Build_Setup_Entries(QMenu& menu) {
 }
 
 void Main_Frame::Build_Guide_Entry(QMenu& menu) {
-  Tool_Windows["Guide"] = {"Set up a machine", [] { return new Guide_Window; }, nullptr, true};
+  Tool_Windows["Guide"] = {"Set up a machine", [] { return new Guide_Window; }, nullptr, false};
   // A guide that is under way goes on where it was.
   const auto open = [this] {
     if (!Tool_Window_Is_Open("Guide")) Open_Guide();
