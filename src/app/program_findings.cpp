@@ -1,5 +1,6 @@
 #include "app/program_findings.h"
 
+#include "app/adapt_bar.h"
 #include "app/gcode_form.h"
 #include "compiler/compile/compile.h"
 #include "compiler/interpreter/compile_section.h"
@@ -81,6 +82,7 @@ void Check_Now() {
     AddMessage("The check was cut short: lines behind it are not looked at. Check again.");
   Program_Findings.Sources = sources;
   Gcode_Host.Show_Findings();
+  Judge_Adaption();
 }
 
 void Check_After_Compile() {
@@ -89,6 +91,7 @@ void Check_After_Compile() {
   Program_Findings.List.clear();
   Program_Findings.Text.reset();
   Gcode_Host.Show_Findings();
+  Judge_Adaption();
 }
 
 bool May_Begin_Run() {

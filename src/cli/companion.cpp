@@ -218,6 +218,7 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Add_Plot_Command(app, companion);
   Add_Import_Command(app, companion);
   Add_Transform_Command(app, companion);
+  Add_Adapt_Commands(app, companion);
   companion.Environment.Add_Commands(app, companion);
   Add_Export_Command(app, companion);
   Add_Motion_Command(app, companion);

@@ -141,6 +141,7 @@ void Add_Run_Commands(CLI::App& app, Companion& companion);
 void Add_Plot_Command(CLI::App& app, Companion& companion);
 void Add_Import_Command(CLI::App& app, Companion& companion);
 void Add_Transform_Command(CLI::App& app, Companion& companion);
+void Add_Adapt_Commands(CLI::App& app, Companion& companion);
 void Add_Export_Command(CLI::App& app, Companion& companion);
 void Add_Motion_Command(CLI::App& app, Companion& companion);
 void Add_List_Commands(CLI::App& app, Companion& companion);

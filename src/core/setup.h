@@ -188,6 +188,7 @@ struct Machine_Setup {
   bool Export_All_Records = false;
   bool HPGL_Export_Raw_Z = false;
   bool Motion_File_Any_Length = false;
+  bool Adapt_Always = false;
 };
 extern Machine_Setup MachineSetup;
 

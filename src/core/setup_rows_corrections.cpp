@@ -60,6 +60,12 @@ Setup_Row_List Correction_Rows() {
           .Says("Off: a program whose wire table does not come out even in lines of 29 values "
                 "cannot be saved as a motion file, so that 28 of 29 programs cannot. On: the last "
                 "line is filled up with empty values, which a load takes off again."),
+      Correction<&M::Adapt_Always>("Adapt_Always", "Always adapt foreign programs")
+          .Says("Off: a program is opened as it stands, and a bar offers to adapt it where lines "
+                "would "
+                "be lost or misread. On: it is adapted when it is opened, where it needs it; the "
+                "file "
+                "stays as it is."),
   };
 }
 

@@ -7,6 +7,7 @@
 #include "compiler/state/compiler_state.h"
 #include "compiler/text/program_text.h"
 #include "core/operation.h"
+#include "ui/program/adapt_bar.h"
 #include "ui/program/find_bar.h"
 #include "ui/program/gcode_editor.h"
 #include "ui/widgets/theme.h"
@@ -65,6 +66,7 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   Binding.Label(notice, "Label_Table_Notice", Gcode_Form.Label_Table_Notice);
   Binding.Also([notice] { notice->setVisible(!notice->text().isEmpty()); });
   rows->addWidget(notice);
+  rows->addWidget(Make_Adapt_Bar(Binding));
   auto* split = new QSplitter(Qt::Vertical);
   split->addWidget(Text_GCode);
   Findings = new QListWidget;
