@@ -182,6 +182,8 @@ struct Machine_Setup {
   std::int32_t Limit_Filter_Steps = 0;  // half steps; 0: off
   bool Home_Needs_Switch = false;
   bool Port_Shadow = false;
+  bool Serial_Jog_Pieces = false;
+  bool Serial_Path_Feed = false;
   bool Outputs_Before_Dwell = false;
   bool Slow_Before_Stops = false;
   bool Goto_From_Position = false;

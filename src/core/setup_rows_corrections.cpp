@@ -36,6 +36,14 @@ Setup_Row_List Correction_Rows() {
           .Changed(After_Change::Reopen_Drive)
           .Says("Off: each write to the parallel port starts from what the port reads back. On: it "
                 "starts from the byte written last, for ports that can't be read back."),
+      Correction<&M::Serial_Jog_Pieces>("Serial_Jog_Pieces", "Held jogs of a board in pieces")
+          .Says("Off: a held jog goes to a serial board as one long move, which only its release "
+                "ends. On: it goes in pieces of 150 ms, so that it ends by itself when the link is "
+                "lost; behind its release it runs on for up to 0.3 s."),
+      Correction<&M::Serial_Path_Feed>("Serial_Path_Feed", "Feed along the path on a board")
+          .Says("Off: a serial board counts the feed on the axis with the most steps, by the "
+                "smaller scale of X and Y, so that slanting moves are faster than the program "
+                "says. On: the speeds sent to it are those of the tool along its path."),
       Correction<&M::Outputs_Before_Dwell>("Outputs_Before_Dwell", "Outputs before a dwell")
           .Changed(After_Change::Recompile)
           .Says("Off: a dwell in the same block as M or S words comes before them. On: outputs and "

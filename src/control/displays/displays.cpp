@@ -155,6 +155,15 @@ void Fill_CNC_Axis() {
   }
 }
 
+void Fill_Spindle_Slider() {
+  auto& form = CNC_Controls;
+  form.Slider_RPM.Visible = Drive().Sets_Spindle_Speed;
+  form.Slider_RPM.Value = Drive_Status.Spindle_Level;
+  const double rpm = double{1} * MachineSetup.Dravon_Spindle_RPM * Drive_Status.Spindle_Level /
+                     std::max(form.Slider_RPM.Maximum, 1);
+  form.Label_RPM.Caption = "Spindle speed " + Format_Number(rpm, "0") + " rpm";
+}
+
 void Fill_IO() {
   const bool spindle = Drive_Status.Output_State[1] || Drive_Status.Output_State[2];
   CNC_Controls.Label_Spindle_State.Caption =
@@ -167,6 +176,7 @@ void Fill_IO() {
   // the boxes.
   for (int n = 1; n <= 5; ++n)
     CNC_Controls.Check_Outputs[n - 1].Value = Drive_Status.Output_Commanded[n];
+  Fill_Spindle_Slider();
   for (int axis = 1; axis <= 4; ++axis)
     CNC_Controls.Command_Limit1[axis].Color = Red_When(Drive_Status.Limit_State[axis]);
   Latch_Limits();
