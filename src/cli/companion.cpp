@@ -214,6 +214,7 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   app.add_flag("--decimal-comma", options.Decimal_Comma, "Work as in a region with decimal comma");
   Add_Compile_Commands(app, companion);
   Add_Setup_Command(app, companion);
+  Add_Corrections_Command(app, companion);
   Add_Run_Commands(app, companion);
   Add_Plot_Command(app, companion);
   Add_Import_Command(app, companion);

@@ -90,6 +90,7 @@ void Print_Finding(const std::string& file, const Check_Finding& finding) {
   if (finding.Column > 0) std::cout << ':' << finding.Column;
   std::cout << ": " << Name_Of(Info_Of(finding.Kind).Grade) << ": " << finding.What;
   if (!finding.Instead.empty()) std::cout << " -> " << finding.Instead;
+  std::cout << Correction_Word(Info_Of(finding.Kind).Correction);
   std::cout << '\n';
 }
 

@@ -191,6 +191,14 @@ struct Machine_Setup {
   bool HPGL_Export_Raw_Z = false;
   bool Motion_File_Any_Length = false;
   bool Adapt_Always = false;
+  bool Backlash_Even = false;
+  bool Home_Tap_Target = false;
+  bool One_Acceleration = false;
+  bool Axis_Scale_Delay = false;
+  bool Drop_Rounding_Of_Loads = false;
+  bool Import_Convert_Units = false;
+  bool Excellon_Header = false;
+  bool HPGL_All_Pairs = false;
 };
 extern Machine_Setup MachineSetup;
 

@@ -2,6 +2,7 @@
 #include "control/displays/displays.h"
 #include "control/manual/table_setup_keys.h"
 #include "control/safety/machine_check.h"
+#include "core/corrections.h"
 #include "core/operation.h"
 #include "drive/drive.h"
 #include "parallel/pin_map.h"
@@ -70,6 +71,7 @@ struct Setup_Windows_Test : Ui_Test {
     setup.LimitDisableinRunMode = 1;
     setup.Parallel_MotorEnable_Option = 2;
     setup.Validate_Home_Position = false;
+    Take_Corrections(Correction_Set::As_The_System_Was);
   }
 };
 
@@ -214,6 +216,24 @@ TEST_F(Setup_Windows_Test, The_Machine_Check_Lists_What_It_Finds_And_Says_When_T
   Press(window, "Command_Refresh");
   EXPECT_EQ(table.rowCount(), 0);
   EXPECT_TRUE(In<QLabel>(window, "Label_Nothing_Found").isVisible());
+}
+
+TEST_F(Setup_Windows_Test, A_Finding_With_A_Correction_Switches_It_On) {
+  Make_Harmless();
+  MachineSetup.LimitDisableinRunMode = 0;  // a finding that no correction answers
+  MachineSetup.Axis_Backlash_Enable = true;
+  QWidget& window = Opened("Machine_Check");
+  auto& table = In<QTableWidget>(window, "List_Findings");
+  ASSERT_EQ(table.rowCount(), 2);
+  auto& button = In<QPushButton>(window, "Command_Switch_Correction_On");
+  for (int row = 1; row >= 0; --row) {
+    table.selectRow(row);
+    EXPECT_EQ(button.isEnabled(), table.item(row, 1)->text() == "Axis_Backlash_Enable");
+  }
+  Press(window, "Command_Switch_Correction_On");
+  EXPECT_TRUE(MachineSetup.Backlash_Even);
+  EXPECT_EQ(ReadSetup("Corrections", "Backlash_Even"), "True");
+  EXPECT_EQ(table.rowCount(), 1);
 }
 
 // --- Port_Setup ----------------------------------------------------------------------------------

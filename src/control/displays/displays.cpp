@@ -9,6 +9,7 @@
 #include "core/setup.h"
 #include "drive/drive.h"
 #include "drive/drive_status.h"
+#include "drive/move_plan.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -68,14 +69,15 @@ void Blink_Retool() {
 
 // About how long the running move still takes at the feed it was asked for.
 double Move_Seconds_Left() {
-  double steps = 0;
+  Indexed<double, 1, 4> steps;
   for (int axis = 1; axis <= 4; ++axis) {
     const double way = std::abs(Controller.Move_Target[axis] - Machine.Position[axis]);
-    steps = std::max(steps, way * MachineSetup.Axis_SPI[axis]);
+    steps[axis] = way * MachineSetup.Axis_SPI[axis];
   }
+  const int leading = Leading_Axis(steps);
   const double feed = double{Controller.Live_Feed} * Drive_Status.Feed_Override;
-  const double steps_a_second = feed * MachineSetup.Axis_SPI[1] / 60;
-  return steps_a_second > 0 ? steps / steps_a_second : 0;
+  const double steps_a_second = feed * MachineSetup.Axis_SPI[Timing_Axis(leading)] / 60;
+  return steps_a_second > 0 ? steps[leading] / steps_a_second : 0;
 }
 
 // What a run does that the operator has asked to end, or waits for.

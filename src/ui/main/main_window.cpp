@@ -22,6 +22,7 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/corrections.h"
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/recent_files.h"
@@ -57,6 +58,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace norvik {
 
@@ -385,6 +387,26 @@ void Main_Frame::Build_Status_Bar() {
   Set_Face(*Banner, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
   Banner->hide();
   statusBar()->addPermanentWidget(Banner);
+  Build_Corrections_Mark();
+}
+
+// How many corrections are on; windows, files and the companion change them.
+void Main_Frame::Build_Corrections_Mark() {
+  constexpr int look_ms = 1000;
+  auto* mark = new QLabel;
+  mark->setObjectName("Label_Corrections");
+  statusBar()->insertPermanentWidget(0, mark);
+  const auto refresh = [mark] {
+    const int on = Corrections_On();
+    mark->setVisible(on > 0);
+    if (on == 0) return;
+    mark->setText(on == 1 ? "1 correction on" : QString("%1 corrections on").arg(on));
+    mark->setToolTip(QString::fromStdString(Corrections_Line()));
+  };
+  auto* timer = new QTimer(mark);
+  connect(timer, &QTimer::timeout, mark, refresh);
+  timer->start(look_ms);
+  refresh();
 }
 
 void Main_Frame::Set_Banner(const QString& text) {

@@ -58,6 +58,7 @@ class Main_Frame : public QMainWindow {
   void Build_List_Entries();
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
+  void Build_Corrections_Mark();
   void Show_Banner();
   void Connect_Hosts();
   void Restore_Place(const QString& name, QMdiSubWindow& frame);
