@@ -13,6 +13,7 @@ import time
 PROGRAM = os.path.abspath(sys.argv[1])
 SECONDS = float(os.environ.get("NORVIK_TORTURE_SECONDS", "180"))
 SEED = int(os.environ.get("NORVIK_TORTURE_SEED", str(os.getpid())))
+ONLY = [row.strip() for row in os.environ.get("NORVIK_TORTURE_ROWS", "").split(",") if row.strip()]
 SAMPLES = os.path.abspath("samples")
 RECORDS, WIRES = "NORVIK_Program_LineArc_Data.csv", "NORVIK_Program_Wire_Data.csv"
 WORK = tempfile.mkdtemp(prefix="norvik_torture_")
@@ -463,6 +464,9 @@ def main():
     rows = []
     try:
         for what, body in ROWS:
+            if ONLY and what not in ONLY:
+                continue
+            choice.seed(f"{SEED} {what}")
             row = Row(what)
             rows.append(row)
             began = time.monotonic()
