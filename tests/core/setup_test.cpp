@@ -409,6 +409,20 @@ TEST_F(Setup_Test, A_Lost_End_Is_Noticed_And_A_Short_File_Is_Not) {
   EXPECT_TRUE(Lost_Tail.Keys.empty());
 }
 
+// A whole save keeps the order of a file that a person began.
+TEST_F(Setup_Test, A_Cut_Line_Tells_A_Lost_End_In_Any_Order_Of_Sections) {
+  const std::string begun = Read_Whole_File(std::string(NORVIK_SAMPLES_FOLDER) + "/inch.ini");
+  Replace_File(Application.MachineFile, begun.substr(0, begun.find_last_not_of("\r\n") + 1));
+  LoadMachineSetup();
+  EXPECT_TRUE(Lost_Tail.Keys.empty()) << "a short file without a last line end";
+  EXPECT_TRUE(SaveMachineSetup());
+  const std::string whole = Read_Whole_File(Application.MachineFile);
+  std::string part = whole.substr(0, whole.find("Output_Names_2=") + 4);
+  Replace_File(Application.MachineFile, part);
+  LoadMachineSetup();
+  EXPECT_FALSE(Lost_Tail.Keys.empty());
+}
+
 TEST_F(Setup_Test, Factory_Reset_Reads_No_Key) {
   Write_Machine_File(
       "Arc_Resolution=99\n[Axis]\nAxis_Format=0.0\n[Parallel Setup]\nParallel_Port_Type=3\n");

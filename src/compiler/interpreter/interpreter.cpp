@@ -280,9 +280,10 @@ void Act(Block& block, const Code& code) {
   }
 }
 
-// A line in the error log; nobody reads more of a line than this.
+// A block in the error log; nobody reads more of a line than this.
 std::string Log_Text(std::string_view text) {
   constexpr std::size_t most = 4000;
+  if (Compiler.Source_Macro) return Place_In_Macro();
   return std::string(text.substr(0, most)) + (text.size() > most ? "..." : "");
 }
 
