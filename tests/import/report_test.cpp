@@ -58,11 +58,12 @@ TEST_F(Import_Test, Report_names_what_a_plot_loses) {
 
 TEST_F(Import_Test, Plotter_settings_cut_nothing_and_lost_numbers_count) {
   MachineSetup.UnitsofMeasurement = 1;
-  ASSERT_TRUE(Import_HPGL_File(
-      Store("part.plt", "SP1;PU0,0;PD100,0;LT2,4;SC0,9000,0,9000;IP0,0,7,7;SI.2,.3;PD1-2,7;PU;")));
+  ASSERT_TRUE(Import_HPGL_File(Store(
+      "part.plt", "SP1;PU0,0;PD100,0;LT2,4;SC0,9000,0,9000;IP0,0,7,7;SI.2,.3;PD1-2,7;PD5;PU;")));
   EXPECT_THAT(Import_Report_Lines(), Contains(HasSubstr("Cutting extents: X 0 to 0.098")));
   EXPECT_EQ(Skipped("LT"), 1);
   EXPECT_EQ(Skipped("commands with a number that cannot be read"), 1);
+  EXPECT_EQ(Skipped("numbers without a second one"), 1);
   EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr("in inches, the setup is metric")));
 }
 

@@ -112,7 +112,8 @@ std::string Reason_For_Nothing(const Import_Report_State& report) {
   }
   if (read) return "what was read of it makes no cutting move. Look at the notes below.";
   if (skipped) return "none of what it holds can be read. \"Not read\" below says what that is.";
-  return "it holds nothing that this import knows. Is it a file of this kind?";
+  return "it holds nothing that this import knows. Is it a file of this kind? A program of G-code "
+         "needs no import: File > Open takes it.";
 }
 
 // How the import ended, when it did not end well; empty otherwise.
