@@ -158,10 +158,12 @@ void Motion_Tally::Cut_To(Nullable x, Nullable y, Nullable z) {
   Y = to_y;
   if (z) Z = z;
   if (Z) Cut[2].Take(*Z);
+  if (!Z) Cuts_Before_Z = true;
 }
 
 void Motion_Tally::Arc_To(bool clockwise, double x, double y, double i, double j) {
   ++Arcs;
+  if (!Z) Cuts_Before_Z = true;
   constexpr double turn = 2 * std::numbers::pi;
   // The centre is the candidate that lies equally far from both ends.
   double cx = i, cy = j, best = -1;
@@ -210,6 +212,12 @@ void Finish_Import_Report(bool stopped, bool written) {
     Report_Note(
         "Arc centres in this program are absolute, but the setup reads I and J as incremental. "
         "Switch GC_IJ_Incremental off before it is run.");
+  }
+  if (Import_Report.Motion.Cuts_Before_Z) {
+    Report_Note(
+        "The drawing begins at X0 Y0, so that no travel and no plunge stand before its first cut: "
+        "it "
+        "runs at the height where the tool is. Write them in, or move the drawing.");
   }
 }
 
