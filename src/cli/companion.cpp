@@ -5,6 +5,7 @@
 #include "compiler/compile/table_pair.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/text/loss_text.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/fault.h"

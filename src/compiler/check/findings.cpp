@@ -1,5 +1,7 @@
 #include "compiler/check/findings.h"
 
+#include "compiler/text/program_text.h"
+
 #include <array>
 
 namespace norvik {
@@ -113,6 +115,10 @@ std::string_view Name_Of(Check_Grade grade) {
       break;
   }
   return "note";
+}
+
+std::int32_t Check_Finding::Text_Line() const {
+  return Macro ? Line : Text_Line_Of_Step(Line);
 }
 
 }  // namespace norvik

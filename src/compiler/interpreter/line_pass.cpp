@@ -6,6 +6,7 @@
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
 #include "compiler/text/compile_sources.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/beside_machine.h"
 #include "core/error_log.h"
@@ -239,7 +240,7 @@ void Expand(std::int16_t macro) {
 void Report_Full_Table(std::string_view line) {
   const std::string excess = Excess();
   const std::string text = "The program makes " + excess + "; the compile ends at line " +
-                           std::to_string(Line_Pass.Program_Line) +
+                           std::to_string(Text_Line_Of_Step(Line_Pass.Program_Line)) +
                            ". Look for a REPEAT, an L word or a macro that runs too often";
   Line_Pass.Operations.Table_Full(text);
   Note_Loss_At(Line_Pass.Program_Line, Loss_Kind::Records, line, "the program makes " + excess);

@@ -1,6 +1,7 @@
 #include "import/excellon/reader.h"
 
 #include "core/application.h"
+#include "core/fault.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/rounding.h"
@@ -262,6 +263,8 @@ void Reader::Select_Tool(std::string_view number) {
 }
 
 void Reader::Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent) {
+  if (text.find_first_of("0123456789") == std::string_view::npos)
+    throw Fault(Fault_Number::Type_Mismatch, "A coordinate without digits: the hole is left out");
   last = Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Rounded, Factor);
   const auto reach = [&](Reading_Extent& reading, std::int16_t format) {
     try {

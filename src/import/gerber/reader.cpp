@@ -269,12 +269,12 @@ bool Data_Scan::Read_Coordinate(char letter, std::string_view word, const std::s
                                 float& value) {
   const std::string_view text = Gerber_Number_Text(letter, word);
   if (text.empty()) return true;
-  if (!Format_Faults.Try([&] {
-        value =
-            To_Single(Gerber_XY_Format(text, format, Gerber_Format.Zeros) * Gerber_Format.Factor);
-      })) {
-    return false;
-  }
+  const bool readable = Format_Faults.Try([&] {
+    if (text.find_last_of("+-") + 1 > 1)  // a sign behind the first character
+      throw Fault(Fault_Number::Type_Mismatch, "A coordinate with a sign in its middle");
+    value = To_Single(Gerber_XY_Format(text, format, Gerber_Format.Zeros) * Gerber_Format.Factor);
+  });
+  if (!readable) return false;
   if (Gerber_Is_Short(text, format, Gerber_Format.Zeros)) ++Short_Coordinates;
   Seen = true;
   return true;

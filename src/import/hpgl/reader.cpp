@@ -143,6 +143,13 @@ bool Command_Source::Next(std::string& command) {
   return false;
 }
 
+// True for the commands whose numbers are points.
+bool Moves_Pen(std::string_view command) {
+  return std::ranges::any_of(Mnemonics, [&](const Mnemonic& each) {
+    return each.Sets != Mode::Select_Pen && command.starts_with(each.Letters);
+  });
+}
+
 class Reader {
  public:
   Reader(const std::string& path, const std::string& line_file)
@@ -277,6 +284,9 @@ void Reader::Read_Parameters(const std::string& command) {
       Take_HPGL_Pen(Record, To_Int16(pen), Faults);
     }
     if (!x || !y) {
+      // Behind an arc the fourth of its numbers stands alone.
+      const bool of_an_arc = first > 1 && (Now == Mode::Arc_Absolute || Now == Mode::Arc_Relative);
+      if (x && Moves_Pen(command) && !of_an_arc) Count_Skipped("numbers without a second one");
       Now = Mode::None;
       return;
     }

@@ -115,7 +115,8 @@ std::string Reason_For_Nothing(const Import_Report_State& report) {
   }
   if (read) return "what was read of it makes no cutting move. Look at the notes below.";
   if (skipped) return "none of what it holds can be read. \"Not read\" below says what that is.";
-  return "it holds nothing that this import knows. Is it a file of this kind?";
+  return "it holds nothing that this import knows. Is it a file of this kind? A program of G-code "
+         "needs no import: File > Open takes it.";
 }
 
 // How the import ended, when it did not end well; empty otherwise.
@@ -160,10 +161,12 @@ void Motion_Tally::Cut_To(Nullable x, Nullable y, Nullable z) {
   Y = to_y;
   if (z) Z = z;
   if (Z) Cut[2].Take(*Z);
+  if (!Z) Cuts_Before_Z = true;
 }
 
 void Motion_Tally::Arc_To(bool clockwise, double x, double y, double i, double j) {
   ++Arcs;
+  if (!Z) Cuts_Before_Z = true;
   constexpr double turn = 2 * std::numbers::pi;
   // The centre is the candidate that lies equally far from both ends.
   double cx = i, cy = j, best = -1;
@@ -229,6 +232,12 @@ void Finish_Import_Report(bool stopped, bool written) {
   }
   if (Import_Report.Unit_Unknown && MachineSetup.Import_Convert_Units && !Nothing_Arrived()) {
     Report_Note(Words_About_Both_Sizes());
+  }
+  if (Import_Report.Motion.Cuts_Before_Z) {
+    Report_Note(
+        "The drawing begins at X0 Y0, so that no travel and no plunge stand before its first cut: "
+        "it "
+        "runs at the height where the tool is. Write them in, or move the drawing.");
   }
 }
 

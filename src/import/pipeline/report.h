@@ -46,6 +46,7 @@ struct Motion_Tally {
   double Cut_Length = 0, Travel_Length = 0;
   std::int64_t Lifts = 0;  // rapid moves upwards in Z
   std::int64_t Arcs = 0;
+  bool Cuts_Before_Z = false;  // a cutting move in X or Y stands before the first Z word
 
   // An absent axis does not move.
   void Rapid(Nullable x, Nullable y, Nullable z);

@@ -279,7 +279,7 @@ void GCode_Window::Show_Findings() {
   for (const Check_Finding& finding : found) {
     const Check_Grade grade = Info_Of(finding.Kind).Grade;
     const bool serious = grade == Check_Grade::Lost || grade == Check_Grade::Wrong;
-    const int line = finding.Macro ? 0 : Text_Line_Of_Step(finding.Line);
+    const int line = finding.Macro ? 0 : finding.Text_Line();
     QString text = QString::fromStdString(finding.What);
     if (!finding.Instead.empty()) text += "\nInstead: " + QString::fromStdString(finding.Instead);
     if (line > 0) {
