@@ -1,6 +1,7 @@
 #include "ui/program/gcode_window.h"
 
 #include "app/gcode_form.h"
+#include "app/main_form.h"
 #include "app/program_findings.h"
 #include "app/transform_menu.h"
 #include "compiler/check/program_check.h"
@@ -26,6 +27,7 @@ namespace {
 // A list of thousands of the same finding helps nobody: so many are shown.
 constexpr int Most_Findings = 500;
 constexpr int Refresh_Ms = 250;
+constexpr int Setting_Role = Qt::UserRole + 1;  // of a finding: the key behind it
 
 struct Tool_Row {
   const char* Name;
@@ -72,7 +74,17 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   Findings->setWordWrap(true);
   Findings->setAlternatingRowColors(true);
   Findings->hide();
-  split->addWidget(Findings);
+  auto* below = new QWidget;
+  auto* below_rows = new QVBoxLayout(below);
+  below_rows->setContentsMargins(0, 0, 0, 0);
+  below_rows->addWidget(Findings);
+  Finding_Setting = new QPushButton("Change setting...");
+  Finding_Setting->setObjectName("Command_Finding_Setting");
+  Finding_Setting->setToolTip("Opens the options at the setting behind the chosen finding");
+  Finding_Setting->hide();
+  below_rows->addWidget(Finding_Setting, 0, Qt::AlignLeft);
+  below->hide();
+  split->addWidget(below);
   split->setStretchFactor(0, 4);
   split->setStretchFactor(1, 1);
   split->setChildrenCollapsible(false);
@@ -88,6 +100,15 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
     Text_GCode->Show_Line(item->data(Qt::UserRole).toInt());
   });
   connect(Findings, &QListWidget::itemClicked, Findings, &QListWidget::itemActivated);
+  connect(Findings, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+    Finding_Setting->setVisible(item != nullptr && !item->data(Setting_Role).toString().isEmpty());
+  });
+  connect(Finding_Setting, &QPushButton::clicked, this, [this] {
+    const QListWidgetItem* item = Findings->currentItem();
+    if (item != nullptr) {
+      Main_Host.Show_Setting(item->data(Setting_Role).toString().toStdString());
+    }
+  });
 
   Gcode_Host.Form_Changed = [this] { Show_Form(); };
   Gcode_Host.Typed_Text = [this] { return Text_GCode->toPlainText().toStdString(); };
@@ -264,6 +285,9 @@ void GCode_Window::Show_Findings() {
     if (finding.Macro) place = QString("Macro %1, line %2: ").arg(*finding.Macro).arg(finding.Line);
     auto* item = new QListWidgetItem(place + text, Findings);
     item->setData(Qt::UserRole, line);
+    const std::string_view setting = Setting_Of(finding.Kind);
+    item->setData(Setting_Role,
+                  QString::fromUtf8(setting.data(), static_cast<qsizetype>(setting.size())));
     item->setForeground(serious ? Colors().Stop : Findings->palette().color(QPalette::WindowText));
   }
   if (shown > Most_Findings) {
@@ -271,6 +295,7 @@ void GCode_Window::Show_Findings() {
   }
   Text_GCode->Set_Marks(std::move(marks));
   Findings->setVisible(!found.empty());
+  Findings->parentWidget()->setVisible(!found.empty());
 }
 
 }  // namespace norvik

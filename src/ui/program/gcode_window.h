@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class QListWidget;
+class QPushButton;
 
 namespace norvik {
 
@@ -41,6 +42,7 @@ class GCode_Window : public QWidget {
   Find_Bar* Find = nullptr;
   QLabel* Step_Line = nullptr;
   QListWidget* Findings = nullptr;
+  QPushButton* Finding_Setting = nullptr;
 };
 
 }  // namespace norvik

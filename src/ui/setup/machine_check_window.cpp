@@ -1,5 +1,6 @@
 #include "ui/setup/machine_check_window.h"
 
+#include "app/main_form.h"
 #include "control/safety/machine_check.h"
 #include "ui/widgets/theme.h"
 
@@ -58,8 +59,10 @@ Machine_Check_Window::Machine_Check_Window(QWidget* parent) : QWidget(parent) {
   Findings = Findings_Table();
   rows->addWidget(Findings, 1);
   rows->addWidget(Build_Foot());
-  connect(Findings, &QTableWidget::itemSelectionChanged, this,
-          [this] { Copy->setEnabled(!Chosen_Key().isEmpty()); });
+  connect(Findings, &QTableWidget::itemSelectionChanged, this, [this] {
+    for (QPushButton* button : {Copy, Change}) button->setEnabled(!Chosen_Key().isEmpty());
+  });
+  connect(Findings, &QTableWidget::itemDoubleClicked, this, [this] { Change->click(); });
   resize(Text_Height() * 44, Text_Height() * 28);
   Show_Findings();
 }
@@ -79,6 +82,10 @@ QWidget* Machine_Check_Window::Build_Foot() {
   };
   Copy = button("Command_Copy_Key", "Copy key", "The key of the chosen line, for a search",
                 &Machine_Check_Window::Copy_Key);
+  Change = button("Command_Change_Setting", "Change setting...",
+                  "Opens the options at the setting of the chosen line", [this] {
+                    if (!Chosen_Key().isEmpty()) Main_Host.Show_Setting(Chosen_Key().toStdString());
+                  });
   row->addStretch(1);
   button("Command_Refresh", "Check again", "Look at the setup as it is now",
          &Machine_Check_Window::Show_Findings);
@@ -112,6 +119,7 @@ void Machine_Check_Window::Show_Findings() {
   Nothing_Found->setVisible(findings.empty());
   Findings->setVisible(!findings.empty());
   Copy->setEnabled(false);
+  Change->setEnabled(false);
 }
 
 }  // namespace norvik

@@ -27,7 +27,7 @@ class Machine_Check_Window : public QWidget {
 
   QLabel* Nothing_Found;
   QTableWidget* Findings;
-  QPushButton* Copy = nullptr;
+  QPushButton *Copy = nullptr, *Change = nullptr;
 };
 
 }  // namespace norvik
