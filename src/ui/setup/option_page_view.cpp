@@ -60,7 +60,7 @@ QString Unit_Of(const Setting_Row& row) {
 }
 
 // Without the look of the name's underscore for a mnemonic.
-QString Plain(QString text) {
+QString Without_Mnemonic(QString text) {
   return text.replace('&', "&&");
 }
 
@@ -133,7 +133,7 @@ QWidget* Option_Page_View::Build_Line(const Setting_Row& row) {
   grid->setVerticalSpacing(0);
   const int index = Offered_Entries(row).First;
   Option_Cell* cell = Cell_Of(row, index, false);
-  auto* label = new QLabel(Plain(QString::fromStdString(Setting_Label(row, index))));
+  auto* label = new QLabel(Without_Mnemonic(QString::fromStdString(Setting_Label(row, index))));
   label->setWordWrap(true);
   label->setBuddy(cell->Control());
   label->setToolTip(cell->Control()->toolTip());
@@ -174,7 +174,7 @@ QWidget* Option_Page_View::Build_Columns(const Option_Block& block) {
   }
   int line = 1;
   for (const Setting_Row* row : block.Rows) {
-    auto* title = new QLabel(Plain(Title_Of(*row) + Unit_Of(*row)));
+    auto* title = new QLabel(Without_Mnemonic(Title_Of(*row) + Unit_Of(*row)));
     title->setWordWrap(true);
     grid->addWidget(title, line, 0);
     for (int index = first; index <= last; ++index) {
@@ -200,7 +200,7 @@ QWidget* Option_Page_View::Build_Entries(const Option_Block& block) {
   grid->setVerticalSpacing(Text_Height() / 8);
   int column = 1;
   for (const Setting_Row* row : block.Rows) {
-    auto* head = new QLabel(Plain(Title_Of(*row) + Unit_Of(*row)));
+    auto* head = new QLabel(Without_Mnemonic(Title_Of(*row) + Unit_Of(*row)));
     head->setFont(Bold_Font(1.0));
     head->setWordWrap(true);
     grid->addWidget(head, 0, column);
