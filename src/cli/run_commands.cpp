@@ -206,6 +206,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
   const bool motion = Is_Motion_File(options.Program);
   if (!motion && !Load_Program(options.Program)) return Failed;
+  Connect_Control();  // the port that is chosen next depends on the drive
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
   } else if (!Use_Machine(companion.Environment, options.Confirm_Setup)) {
@@ -213,7 +214,6 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   } else {
     Choose_What_Is_Kept(companion, options);
   }
-  Connect_Control();
   Run_Options run;
   if (!options.Trace.empty()) run.Trace_File = options.Trace;
   run.Progress = Print_Progress;

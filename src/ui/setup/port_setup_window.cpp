@@ -196,8 +196,7 @@ void Port_Setup_Window::Show_Serial_Ports() {
 }
 
 void Port_Setup_Window::Show_Board() {
-  const bool serial = MachineSetup.Parallel_Port_Type > 1;
-  Board->setText(serial ? Text(Drive().Health()) : QString("none in use"));
+  Board->setText(Drive().Board ? Text(Drive().Health()) : QString("none in use"));
 }
 
 void Port_Setup_Window::Build_Motors(QFormLayout& form) {
