@@ -31,6 +31,8 @@ struct Gcode_Form_Record {
   Combo_Control Combo_Convert{{"to mm", "to inches"}, 0, "to mm"};
   // Beside plot, panel and text: that they do not show one and the same program; empty: they do.
   Label_Control Label_Table_Notice;
+  // The bar above the editor: what Adapt would mend; empty: no bar.
+  Label_Control Label_Adapt;
 };
 extern Gcode_Form_Record Gcode_Form;
 
@@ -68,11 +70,6 @@ void Gcode_Step_Display();
 void Text_GCode_DblClick(std::int32_t text_line);
 // Prints the lines. Yields. Refused unless the machine is stopped: the dialog would hold a move.
 void Print_Data();
-
-// The program step of a line of the text (the last step that begins at or before it, 0: none), and
-// the line on which a step stands.
-std::int32_t Step_Of_Text_Line(std::int32_t text_line);
-std::int32_t Text_Line_Of_Step(std::int32_t step);
 
 // --- Compile and steps ---------------------------------------------------------------------------
 

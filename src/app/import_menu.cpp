@@ -9,11 +9,14 @@
 #include "core/operation.h"
 #include "core/recent_files.h"
 #include "core/remembered_files.h"
+#include "core/setup.h"
 #include "import/dxf/import.h"
 #include "import/excellon/import.h"
 #include "import/gerber/import.h"
 #include "import/hpgl/import.h"
 #include "import/picture/import.h"
+#include "import/pipeline/file_unit.h"
+#include "import/pipeline/placing.h"
 #include "import/pipeline/report.h"
 #include "platform/platform.h"
 
@@ -98,13 +101,32 @@ bool Import_File(Import_Kind kind, const std::string& path) {
   return Row_Of(kind).Import(path);
 }
 
+namespace {
+
+// A file that names no unit is imported again in the other one when the operator says so.
+void Ask_For_Unit(Import_Kind kind, const std::string& path) {
+  if (!Import_Report.Unit_Unknown || !MachineSetup.Import_Convert_Units) return;
+  if (Import_Report.Cancelled || !Import_Report.Written || Nothing_Arrived()) return;
+  const std::string other(Other_Unit().Name);
+  const Box_Answer answer = Platform.Message_Box(
+      "Unit of the file",
+      "The file names no unit. " + Words_About_Both_Sizes() + "\n\nAre its numbers " + other + "?",
+      Box_Buttons::Yes_No);
+  if (answer != Box_Answer::Yes || !May_Import()) return;
+  Import_Placing.Unit = Other_Unit();
+  Import_File(kind, path);
+  Import_Placing.Unit.reset();
+}
+
+}  // namespace
+
 void Import_Chosen_File(Import_Kind kind, const std::string& path) {
   if (!May_Import() || !May_Lose_Program()) return;
   RememberFile(Row_Of(kind).Remembered, path);
   Add_Recent_File(path);
   Main_Form.Current_File = path;
   Set_Caption(path, Import_Row(kind).Caption);
-  Import_File(kind, path);
+  if (Import_File(kind, path)) Ask_For_Unit(kind, path);
 }
 
 void Menu_Import_DXF() {

@@ -1,9 +1,11 @@
 #include "app/program_findings.h"
 
+#include "app/adapt_bar.h"
 #include "app/gcode_form.h"
 #include "compiler/compile/compile.h"
 #include "compiler/interpreter/compile_section.h"
 #include "compiler/tables/program_wire.h"
+#include "compiler/text/loss_text.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/messages.h"
@@ -32,8 +34,8 @@ bool Is_Serious(const Check_Finding& finding) {
 std::string Line_Of(const Check_Finding& finding) {
   std::string text =
       finding.Macro ? "Macro " + std::to_string(*finding.Macro) + ", line " : std::string("Line ");
-  text += std::to_string(finding.Line) + ": " + std::string(Name_Of(Info_Of(finding.Kind).Grade)) +
-          ": " + finding.What;
+  text += std::to_string(finding.Text_Line()) + ": " +
+          std::string(Name_Of(Info_Of(finding.Kind).Grade)) + ": " + finding.What;
   constexpr std::size_t most = 160;
   return text.size() > most ? text.substr(0, most) + "..." : text;
 }
@@ -47,7 +49,7 @@ std::string Reasons_Not_To_Run() {
   };
   const auto scattered = Program_Wire.First_Scattered_Step();
   if (scattered && !MachineSetup.Run_In_Table_Order) {
-    add("Line " + std::to_string(*scattered) +
+    add("Line " + std::to_string(Text_Line_Of_Step(*scattered)) +
         " and others run several times (REPEAT): the machine makes all passes of one line before "
         "it goes on to the next line, not in the order that the plot shows. The setting "
         "Run_In_Table_Order makes it follow the plot.");
@@ -81,6 +83,7 @@ void Check_Now() {
     AddMessage("The check was cut short: lines behind it are not looked at. Check again.");
   Program_Findings.Sources = sources;
   Gcode_Host.Show_Findings();
+  Judge_Adaption();
 }
 
 void Check_After_Compile() {
@@ -89,6 +92,7 @@ void Check_After_Compile() {
   Program_Findings.List.clear();
   Program_Findings.Text.reset();
   Gcode_Host.Show_Findings();
+  Judge_Adaption();
 }
 
 bool May_Begin_Run() {

@@ -51,23 +51,6 @@ bool Operator_Goes_On(const Transformed& result) {
   return Platform.Message_Box(Title, text, Box_Buttons::Ok_Cancel) == Box_Answer::Ok;
 }
 
-// The new text in place of the old one, in the program and in the window.
-bool Take_New_Text(std::string text) {
-  const auto before = GCode_Program.Text;
-  SaveChanges(std::move(text));
-  if (GCode_Program.Text == before) {
-    SetStatus(1, "The new text is too large; the old one stays.", Failure_Seconds);
-    return false;
-  }
-  GCode_Program.Typed_Waits = false;
-  GCode_Program.Unsaved = true;
-  Gcode_Host.Show_Changed_Program();
-  Display_Gcode_Steps();
-  SetStatus(1, "GCode has changed and needs to be compiled.", Status_Seconds);
-  Show_Table_Notice();
-  return true;
-}
-
 bool Apply(Transform transform, const Transform_Values& values) {
   const auto before = GCode_Program.Text;
   Transformed result = Transform_Program(*before, transform, values);
@@ -124,6 +107,22 @@ bool May_Transform() {
 }
 
 }  // namespace
+
+bool Take_New_Text(std::string text) {
+  const auto before = GCode_Program.Text;
+  SaveChanges(std::move(text));
+  if (GCode_Program.Text == before) {
+    SetStatus(1, "The new text is too large; the old one stays.", Failure_Seconds);
+    return false;
+  }
+  GCode_Program.Typed_Waits = false;
+  GCode_Program.Unsaved = true;
+  Gcode_Host.Show_Changed_Program();
+  Display_Gcode_Steps();
+  SetStatus(1, "GCode has changed and needs to be compiled.", Status_Seconds);
+  Show_Table_Notice();
+  return true;
+}
 
 bool Transform_Shown_Program(Transform transform, const Transform_Values& values) {
   if (!May_Transform()) return false;

@@ -5,6 +5,7 @@
 #include "compiler/compile/table_pair.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/text/loss_text.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/fault.h"
@@ -214,10 +215,12 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   app.add_flag("--decimal-comma", options.Decimal_Comma, "Work as in a region with decimal comma");
   Add_Compile_Commands(app, companion);
   Add_Setup_Command(app, companion);
+  Add_Corrections_Command(app, companion);
   Add_Run_Commands(app, companion);
   Add_Plot_Command(app, companion);
   Add_Import_Command(app, companion);
   Add_Transform_Command(app, companion);
+  Add_Adapt_Commands(app, companion);
   companion.Environment.Add_Commands(app, companion);
   Add_Export_Command(app, companion);
   Add_Motion_Command(app, companion);

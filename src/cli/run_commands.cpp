@@ -1,8 +1,10 @@
 // The commands `run` and `estimate`.
 #include "app/drive_session.h"
+#include "cli/adapt_command.h"
 #include "cli/companion.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/waits.h"
@@ -45,7 +47,7 @@ struct Run_Command_Options {
   std::string Clock = "real";
   bool No_Pause = false;
   bool Save_Positions = false, Confirm_Positions = false, Accept_Losses = false;
-  bool Confirm_Setup = false;
+  bool Confirm_Setup = false, Adapt = false;
 };
 
 void Print_Progress(std::int32_t step, std::int32_t last_step) {
@@ -205,7 +207,8 @@ Exit_Status Status_Of_Early_End(const Companion& companion) {
 int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
   const bool motion = Is_Motion_File(options.Program);
-  if (!motion && !Load_Program(options.Program)) return Failed;
+  if (!motion && !Load_Program(options.Program, options.Adapt, options.Accept_Losses))
+    return Failed;
   Connect_Control();  // the port that is chosen next depends on the drive
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
@@ -280,9 +283,9 @@ std::string Words_About_Axis(int axis, const Axis_Travel& travel) {
   if (!first_line) return {};
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
   std::string words = std::string(1, Axis_Letter(axis)) + " leaves the table at line " +
-                      std::to_string(*first_line) + ": ";
-  if (farthest_line != *first_line) words += "farthest at line " + std::to_string(farthest_line);
-  if (farthest_line != *first_line) words += ", ";
+                      std::to_string(Text_Line_Of_Step(*first_line)) + ": ";
+  if (farthest_line != *first_line)
+    words += "farthest at line " + std::to_string(Text_Line_Of_Step(farthest_line)) + ", ";
   return words + Length_Text(farthest) + " is " + Length_Text(beyond) + (metric ? " mm" : " inch") +
          " beyond its end at " + Length_Text(farthest > travel.High ? travel.High : travel.Low);
 }
@@ -356,6 +359,7 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
                     "The values of settings that the machine file has lost are right");
   command->add_flag("--accept-losses", run->Accept_Losses,
                     "Run although the compile left out lines, macros or wires");
+  Add_Adapt_Flag(*command, run->Adapt);
   command->callback([&companion, run] {
     companion.Command = [&companion, run] { return Run(companion, *run); };
   });

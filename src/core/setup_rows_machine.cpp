@@ -101,7 +101,8 @@ Setup_Row_List General_Rows() {
       Key<&M::ErrorFile_AutoClear>("General", "ErrorFile_AutoClear")
           .Called(page::General, "Clear the error log at start")
           .Saved(Save_Place::Log_Clearing)
-          .Says("Begins a new error log at each start; off: it grows on."),
+          .Says("Begins a new error log at each start; off: it goes on up to its size "
+                "(docs/files.md)."),
   };
 }
 

@@ -68,6 +68,25 @@ TEST_F(Step_Engine_Test, Minor_Axis_Gets_Its_Share) {
   EXPECT_EQ(Step_Engine.StepSkip[3], 201);  // never reached
 }
 
+// Z has four times the scale of X: 600 IPM of Z are half steps of 12.5 microseconds. As stated they
+// last 50 like those of X, and Z runs at 150. The longest axis times a move of several.
+TEST_F(Step_Engine_Test, Delays_Go_By_X_Or_By_The_Leading_Axis) {
+  MachineSetup.Axis_SPI[3] = 4000;
+  for (const bool corrected : {false, true}) {
+    MachineSetup.Axis_Scale_Delay = corrected;
+    for (const auto& move : {Move(0, 0, 1, 0), Move(1, 0, 2, 0), Move(2, 0, 1, 0)}) {
+      scripted.Delays.clear();
+      EXPECT_EQ(Step_Engine_Move(move), Move_End::Done);
+      const bool by_z = corrected && move.Steps[3] > move.Steps[1];
+      EXPECT_THAT(scripted.Delays, testing::Each(by_z ? 12 : 50));
+    }
+  }
+  MachineSetup.Axis_SPI[1] = 0;  // then X need not have a scale
+  EXPECT_EQ(Step_Engine_Move(Move(0, 0, 1, 0)), Move_End::Done);
+  MachineSetup.Axis_Scale_Delay = false;
+  EXPECT_EQ(Step_Engine_Move(Move(0, 0, 1, 0)), Move_End::Failed);
+}
+
 // Half steps last 500000 / IPM microseconds at 60 steps per unit.
 struct Ramp_Row {
   const char* Why;

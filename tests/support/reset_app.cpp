@@ -1,3 +1,4 @@
+#include "app/adapt_bar.h"
 #include "app/bitmap_form.h"
 #include "app/drive_session.h"
 #include "app/forms.h"
@@ -15,6 +16,7 @@ void Reset_App() {
   Reset_Plot();
   Reset_Import();
   Reset_Tools();
+  Adapt_Bar = {};
   Bitmap_Import = {};
   Bitmap_Host = {};
   Drive_Session = {};

@@ -69,9 +69,6 @@ struct Move_Trace_State {
   // Absent: "TestFile.csv" in the folder of the tables. Empty: no trace.
   std::optional<std::string> Path;
   std::string Failed_Path;  // reported already
-  // Of the file whose length was looked at last: bytes written since.
-  std::string Watched_Path;
-  std::int64_t Written_Since_Look = 0;
 };
 extern Move_Trace_State Move_Trace;
 

@@ -22,6 +22,7 @@
 #include "control/state/cnc_controls_form.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/corrections.h"
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/recent_files.h"
@@ -30,6 +31,8 @@
 #include "plot/nist_plot.h"
 #include "plot/view.h"
 #include "tools/motion_analyzer.h"
+#include "ui/guide/guide_window.h"
+#include "ui/guide/welcome_window.h"
 #include "ui/imports/bitmap_import_window.h"
 #include "ui/imports/dxf_layers_window.h"
 #include "ui/imports/gerber_layers_window.h"
@@ -55,6 +58,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace norvik {
 
@@ -224,6 +228,7 @@ Main_Frame::~Main_Frame() {
   Messages_Host.Panel_Changed = [](int) {};
   Bitmap_Host = {};
   Import_Host = {};
+  Guide_Host = {};
 }
 
 // --- Menus and status bar ------------------------------------------------------------------------
@@ -298,6 +303,7 @@ void Main_Frame::Build_Menus() {
   }
   Build_List_Entries();
   Build_Setup_Entries(*menus["&Setup"]);
+  Build_Guide_Entry(*menus["&Machine"]);
   Bar = new Safety_Bar;
   menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
   Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
@@ -332,6 +338,24 @@ void Main_Frame::Build_Setup_Entries(QMenu& menu) {
   action->setToolTip("The numbers of the last move");
 }
 
+void Main_Frame::Build_Guide_Entry(QMenu& menu) {
+  Tool_Windows["Guide"] = {"Set up a machine", [] { return new Guide_Window; }, nullptr, false};
+  // A guide that is under way goes on where it was.
+  const auto open = [this] {
+    if (!Tool_Window_Is_Open("Guide")) Open_Guide();
+    Show_Tool_Window("Guide");
+  };
+  Tool_Windows["Welcome"] = {"Welcome", [open] { return new Welcome_Window(open); }, nullptr, true};
+  menu.addSeparator();
+  QAction* action = menu.addAction("Set &up a machine...", this, open);
+  action->setObjectName("Menu_Machine_Guide");
+  action->setToolTip("From a bare machine to its first cut, page by page");
+  Guide_Host.Bring_To_Front = [this] { Show_Tool_Window("Guide"); };
+  Guide_Host.Open_Window = [this](const std::string& name) {
+    Show_Tool_Window(QString::fromStdString(name));
+  };
+}
+
 void Main_Frame::Build_Recent_Menu(QMenu& menu) {
   menu.clear();
   int slot = 0;
@@ -363,6 +387,26 @@ void Main_Frame::Build_Status_Bar() {
   Set_Face(*Banner, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
   Banner->hide();
   statusBar()->addPermanentWidget(Banner);
+  Build_Corrections_Mark();
+}
+
+// How many corrections are on; windows, files and the companion change them.
+void Main_Frame::Build_Corrections_Mark() {
+  constexpr int look_ms = 1000;
+  auto* mark = new QLabel;
+  mark->setObjectName("Label_Corrections");
+  statusBar()->insertPermanentWidget(0, mark);
+  const auto refresh = [mark] {
+    const int on = Corrections_On();
+    mark->setVisible(on > 0);
+    if (on == 0) return;
+    mark->setText(on == 1 ? "1 correction on" : QString("%1 corrections on").arg(on));
+    mark->setToolTip(QString::fromStdString(Corrections_Line()));
+  };
+  auto* timer = new QTimer(mark);
+  connect(timer, &QTimer::timeout, mark, refresh);
+  timer->start(look_ms);
+  refresh();
 }
 
 void Main_Frame::Set_Banner(const QString& text) {

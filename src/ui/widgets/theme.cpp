@@ -17,6 +17,7 @@
 #include <QPainterPath>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QPushButton>
 #include <QSlider>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -419,6 +420,18 @@ QFont Bold_Font(double scale) {
   font.setPointSizeF(font.pointSizeF() * scale);
   font.setBold(true);
   return font;
+}
+
+void Keep_Room_For(QPushButton& button, std::initializer_list<QString> captions) {
+  const QString shown = button.text();
+  int widest = 0;
+  for (const QString& caption : captions) {
+    button.setText(caption);
+    widest = std::max(widest, button.sizeHint().width());
+  }
+  button.setText(shown);
+  button.setMinimumWidth(widest);
+  button.setSizePolicy(QSizePolicy::Ignored, button.sizePolicy().verticalPolicy());
 }
 
 const Theme_Colors& Colors() {

@@ -5,11 +5,15 @@
 // every control that moves the machine is at least a gloved finger wide.
 #pragma once
 
+#include <initializer_list>
+
 #include <QColor>
 #include <QFont>
 #include <QIcon>
+#include <QString>
 
 class QApplication;
+class QPushButton;
 class QWidget;
 
 namespace norvik {
@@ -50,6 +54,9 @@ inline constexpr double Readable_Contrast = 4.5;
 // Paints the face of a button or label: invalid colours give it back its normal look. A button gets
 // the colour that is nearest to the wanted one and leaves its letters readable as it is painted.
 void Set_Face(QWidget& control, const QColor& wanted, const QColor& text);
+
+// A button whose caption changes keeps the width of the widest one: it must not move under a hand.
+void Keep_Room_For(QPushButton& button, std::initializer_list<QString> captions);
 
 // Signs drawn as shapes, sharp at every scale.
 enum class Sign {
