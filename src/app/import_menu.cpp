@@ -31,15 +31,19 @@ struct Importer_Row {
   bool (*Import)(const std::string& path);
   const char* Title;  // of the file dialog
   const char* Default_Extension;
+  const char* Options_Page;  // of the window `Options`
 };
 
 // In the order of Import_Kind.
 constexpr std::array<Importer_Row, Import_Kinds.size()> Importers{{
-    {Opened_Kind::DXF, File_Kind::DXF_In, Import_DXF_File, "Import DXF", "dxf"},
-    {Opened_Kind::HPGL, File_Kind::HPGL_In, Import_HPGL_File, "Import HPGL", "plt"},
-    {Opened_Kind::Excellon, File_Kind::Excellon_In, Import_Excellon_File, "Import Excellon", "nc"},
-    {Opened_Kind::Gerber, File_Kind::Gerber_In, Import_Gerber_File, "Import Gerber", "gbr"},
-    {Opened_Kind::Picture, File_Kind::Bitmap_In, Import_Bitmap_File, "Import Bitmap", "bmp"},
+    {Opened_Kind::DXF, File_Kind::DXF_In, Import_DXF_File, "Import DXF", "dxf", "Import: DXF"},
+    {Opened_Kind::HPGL, File_Kind::HPGL_In, Import_HPGL_File, "Import HPGL", "plt", "Import: HPGL"},
+    {Opened_Kind::Excellon, File_Kind::Excellon_In, Import_Excellon_File, "Import Excellon", "nc",
+     "Import: Excellon"},
+    {Opened_Kind::Gerber, File_Kind::Gerber_In, Import_Gerber_File, "Import Gerber", "gbr",
+     "Import: Gerber"},
+    {Opened_Kind::Picture, File_Kind::Bitmap_In, Import_Bitmap_File, "Import Bitmap", "bmp",
+     "Import: Pictures"},
 }};
 
 constexpr int Second_Entry = 2;
@@ -75,7 +79,8 @@ void Import_By_Dialog(Import_Kind kind) {
   const Importer_Row& row = Row_Of(kind);
   const auto path = Platform.Open_File_Dialog(
       {row.Title, std::string(Import_Row(kind).Dialog_Filter), Last_File(row.Remembered).Directory,
-       "", row.Default_Extension, Second_Entry});
+       "", row.Default_Extension, Second_Entry,
+       [&row] { Main_Host.Show_Setting(row.Options_Page); }});
   if (path) Import_Chosen_File(kind, *path);
 }
 

@@ -114,4 +114,30 @@ bool May_Begin_Run() {
   return true;
 }
 
+std::string_view Setting_Of(Check_Kind kind) {
+  switch (kind) {
+    case Check_Kind::Other_Units:
+      return "UnitsofMeasurement";
+    case Check_Kind::Word_Rounded:
+      return "Axis_Format";
+    case Check_Kind::No_Feed:
+    case Check_Kind::Feed_Of_Setup:
+      return "Axis_Feed_Rate_Cut";
+    case Check_Kind::Dwell_Before_Outputs:
+      return "Outputs_Before_Dwell";
+    case Check_Kind::Stop_At_Full_Feed:
+      return "Slow_Before_Stops";
+    case Check_Kind::Arc_Other_Centre:
+      return "GC_IJ_Incremental";
+    case Check_Kind::Macro_Missing:
+      return "MacroFile0";
+    case Check_Kind::Repeat_Order:
+      return "Run_In_Table_Order";
+    case Check_Kind::Comp_Without_Diameter:
+      return "Tool_File_Name";
+    default:
+      return {};
+  }
+}
+
 }  // namespace norvik

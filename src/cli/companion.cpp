@@ -225,6 +225,7 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Add_Export_Command(app, companion);
   Add_Motion_Command(app, companion);
   Add_List_Commands(app, companion);
+  Add_Support_Command(app, companion);
   try {
     app.parse(argument_count, arguments);
   } catch (const CLI::ParseError& error) {

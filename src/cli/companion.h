@@ -158,6 +158,7 @@ void Add_Adapt_Commands(CLI::App& app, Companion& companion);
 void Add_Export_Command(CLI::App& app, Companion& companion);
 void Add_Motion_Command(CLI::App& app, Companion& companion);
 void Add_List_Commands(CLI::App& app, Companion& companion);
+void Add_Support_Command(CLI::App& app, Companion& companion);
 
 // Parses and runs; the exit status of the process.
 int Run_Companion(int argument_count, char** arguments, Companion_Environment environment);

@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "core/profile_file.h"
 #include "core/setup.h"
+#include "core/setup_compare.h"
 #include "core/setup_keys.h"
 #include "core/setup_table.h"
 #include "core/setup_tail.h"
@@ -76,6 +77,20 @@ int Reset_All() {
     }
     file.Commit();
   });
+}
+
+// Like the tools that compare files: 1 where something differs.
+int Compare_With(const std::string& path) {
+  try {
+    const std::vector<Setup_Difference> differences = Compare_Setup_With(path);
+    for (const Setup_Difference& one : differences) {
+      std::cout << one.Key << ": " << one.Here << " | " << one.There << '\n';
+    }
+    return differences.empty() ? Done : Failed;
+  } catch (const Fault& fault) {
+    Complain(fault.Description);
+    return Wrong_Usage;
+  }
 }
 
 int Check_Machine() {
@@ -161,6 +176,12 @@ void Add_Setup_Command(CLI::App& app, Companion& companion) {
       });
     };
   });
+
+  const auto file = std::make_shared<std::string>();
+  CLI::App* compare = setup->add_subcommand("compare", "What another machine file has otherwise");
+  compare->add_option("file", *file, "The other machine file")->required();
+  compare->callback(
+      [&companion, file] { companion.Command = [file] { return Compare_With(*file); }; });
 
   CLI::App* check = setup->add_subcommand("check", "What in this machine file may surprise you");
   check->callback([&companion] { companion.Command = [] { return Check_Machine(); }; });

@@ -54,6 +54,8 @@ struct Picture {
 struct File_Dialog {
   std::string Title, Filter, Directory, File_Name, Default_Extension;
   int Filter_Index = 1;
+  // A further button of an open dialog, "Options...", ends the dialog without a file and runs this.
+  std::function<void()> On_Options = {};
 };
 
 // Virtual key codes that the logic asks for; printable keys use their upper-case ASCII code.

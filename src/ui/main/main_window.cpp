@@ -9,6 +9,7 @@
 #include "app/main_form.h"
 #include "app/motion_menu.h"
 #include "app/openers.h"
+#include "app/options/options_form.h"
 #include "app/setup_apply.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
@@ -20,6 +21,7 @@
 #include "control/run/cnc_controller.h"
 #include "control/safety/safety.h"
 #include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
 #include "core/corrections.h"
@@ -41,6 +43,7 @@
 #include "ui/machine/port_io_window.h"
 #include "ui/main/about_box.h"
 #include "ui/main/error_log_window.h"
+#include "ui/main/manual_window.h"
 #include "ui/main/safety_bar.h"
 #include "ui/plot/plot_window.h"
 #include "ui/program/find_bar.h"
@@ -144,6 +147,8 @@ const std::vector<Menu_Row>& Menu_Rows() {
        QKeySequence(Qt::CTRL | Qt::Key_F11)},
       {"&Help", "Menu_Help_Error_Log", "&Error log",
        "What the program has noted: refusals, faults, stops", nullptr},
+      {"&Help", "Menu_Help_Manual", "&Manual", "The page about the window in front", nullptr,
+       QKeySequence::HelpContents},
   };
   return rows;
 }
@@ -222,6 +227,7 @@ Main_Frame::Main_Frame() : Area(new QMdiArea) {
 Main_Frame::~Main_Frame() {
   Close_Tool_Windows();
   Main_Host = {};
+  Options_Host = {};
   Compile_Host.Show_Progress = [](const std::string&) {};
   Compile_Host.Show_Motion_Analyzer = [] {};
   Recent_Host.List_Changed = [] {};
@@ -249,6 +255,8 @@ void Main_Frame::Build_Menus() {
       connect(action, &QAction::triggered, this, row.Chosen);
     } else if (QLatin1String(row.Name) == "Menu_Help_Error_Log") {
       connect(action, &QAction::triggered, this, [this] { Show_Tool_Window("Error_Log"); });
+    } else if (QLatin1String(row.Name) == "Menu_Help_Manual") {
+      connect(action, &QAction::triggered, this, &Main_Frame::Show_Manual);
     } else {
       connect(action, &QAction::triggered, this, &Main_Frame::Reset_Places);
     }
@@ -306,6 +314,7 @@ void Main_Frame::Build_Menus() {
   Build_Guide_Entry(*menus["&Machine"]);
   Bar = new Safety_Bar;
   menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
+  Tool_Windows["Manual"] = {"&Manual", [] { return new Manual_Window; }, nullptr, true};
   Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
 }
 
@@ -333,6 +342,9 @@ void Main_Frame::Build_Setup_Entries(QMenu& menu) {
     action->setObjectName("Menu_Machine_" + name);
     action->setToolTip(row.Tip);
   }
+  QAction* axes = menu.addAction("&Axes...", this, [] { Show_Option("Axes"); });
+  axes->setObjectName("Menu_Machine_Axes");
+  axes->setToolTip("Steps, travels, speeds and switches of each axis");
   QAction* action = menu.addAction("&Diagnostics", this, Menu_Machine_Diagnostics);
   action->setObjectName("Menu_Machine_Diagnostics");
   action->setToolTip("The numbers of the last move");
@@ -461,6 +473,13 @@ void Main_Frame::Connect_Hosts() {
     return Form_View{Place_Of(*frame), frame->isVisible(), true};
   };
   Main_Host.Unload_Other_Windows = [this] { Close_Tool_Windows(); };
+  Main_Host.Show_Window = [this](const std::string& name) {
+    for (const char* menu : {"Menu_Machine_", "Menu_Window_"}) {
+      if (auto* entry = findChild<QAction*>(menu + QString::fromStdString(name))) entry->trigger();
+    }
+  };
+  Main_Host.Show_Setting = [](const std::string& key_or_page) { Show_Option(key_or_page); };
+  Options_Host.Show = [this] { Show_Tool_Window("Options"); };
   Main_Host.Unload_Setup_Windows = [this] { Close_Setup_Windows(); };
   Compile_Host.Show_Progress = [this](const std::string& caption) {
     Progress->Show_Progress(QString::fromStdString(caption));
@@ -514,6 +533,19 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
   frame->widget()->show();
   frame->show();
   Area->setActiveSubWindow(frame);
+}
+
+// At the place that the window and the control in front are about.
+void Main_Frame::Show_Manual() {
+  if (Anything_Moves()) return Tell(control_text::Not_While_Moving, 5);
+  const QMdiSubWindow* active = Area->activeSubWindow();
+  const QString window = active == nullptr ? QString() : active->widget()->objectName();
+  const QWidget* control = QApplication::focusWidget();
+  const Manual_Place place =
+      Manual_Place_Of(window, control == nullptr ? QString() : control->objectName());
+  Show_Tool_Window("Manual");
+  static_cast<Manual_Window*>(Tool_Windows["Manual"].Frame->widget())
+      ->Open_Page(place.Page, place.Text);
 }
 
 void Main_Frame::Start_Is_Over() {

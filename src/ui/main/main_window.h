@@ -62,6 +62,7 @@ class Main_Frame : public QMainWindow {
   void Show_Banner();
   void Connect_Hosts();
   void Restore_Place(const QString& name, QMdiSubWindow& frame);
+  void Show_Manual();
   void Tell_Area();
   void Reset_Places();
   void Keep_Place(const QString& name, const QWidget& frame);

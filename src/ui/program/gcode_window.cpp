@@ -2,6 +2,7 @@
 
 #include "app/correction_switch.h"
 #include "app/gcode_form.h"
+#include "app/main_form.h"
 #include "app/program_findings.h"
 #include "app/transform_menu.h"
 #include "compiler/check/program_check.h"
@@ -29,6 +30,7 @@ namespace {
 constexpr int Most_Findings = 500;
 constexpr int Refresh_Ms = 250;
 constexpr int Correction_Role = Qt::UserRole + 1;  // of a finding: the key that answers it
+constexpr int Setting_Role = Qt::UserRole + 2;     // and the key behind it
 
 struct Tool_Row {
   const char* Name;
@@ -132,11 +134,19 @@ QWidget* GCode_Window::Build_Findings() {
   Correct->setObjectName("Command_Switch_Correction_On");
   Correct->setToolTip("What the correction changes stands under Corrections in the options");
   Correct->hide();
+  Finding_Setting = new QPushButton("Change setting...");
+  Finding_Setting->setObjectName("Command_Finding_Setting");
+  Finding_Setting->setToolTip("Opens the options at the setting behind the chosen finding");
+  Finding_Setting->hide();
   Findings_Area = new QWidget;
   auto* rows = new QVBoxLayout(Findings_Area);
   rows->setContentsMargins(0, 0, 0, 0);
   rows->addWidget(Findings, 1);
-  rows->addWidget(Correct);
+  auto* answers = new QHBoxLayout;
+  answers->addWidget(Correct);
+  answers->addWidget(Finding_Setting);
+  answers->addStretch(1);
+  rows->addLayout(answers);
   Findings_Area->hide();
   const auto chosen = [this] {
     const QListWidgetItem* item = Findings->currentItem();
@@ -148,6 +158,15 @@ QWidget* GCode_Window::Build_Findings() {
   });
   connect(Correct, &QPushButton::clicked, this,
           [chosen] { Switch_Correction_On(chosen().toStdString()); });
+  connect(Findings, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+    Finding_Setting->setVisible(item != nullptr && !item->data(Setting_Role).toString().isEmpty());
+  });
+  connect(Finding_Setting, &QPushButton::clicked, this, [this] {
+    const QListWidgetItem* item = Findings->currentItem();
+    if (item != nullptr) {
+      Main_Host.Show_Setting(item->data(Setting_Role).toString().toStdString());
+    }
+  });
   return Findings_Area;
 }
 
@@ -295,6 +314,9 @@ void GCode_Window::Show_Findings() {
     const std::string_view correction = Info_Of(finding.Kind).Correction;
     item->setData(Correction_Role,
                   QString::fromUtf8(correction.data(), static_cast<qsizetype>(correction.size())));
+    const std::string_view setting = Setting_Of(finding.Kind);
+    item->setData(Setting_Role,
+                  QString::fromUtf8(setting.data(), static_cast<qsizetype>(setting.size())));
     item->setForeground(serious ? Colors().Stop : Findings->palette().color(QPalette::WindowText));
   }
   if (shown > Most_Findings) {

@@ -45,6 +45,7 @@ class GCode_Window : public QWidget {
   QWidget* Findings_Area = nullptr;
   QListWidget* Findings = nullptr;
   QPushButton* Correct = nullptr;
+  QPushButton* Finding_Setting = nullptr;
 };
 
 }  // namespace norvik

@@ -1,6 +1,7 @@
 #include "ui/setup/machine_check_window.h"
 
 #include "app/correction_switch.h"
+#include "app/main_form.h"
 #include "control/safety/machine_check.h"
 #include "ui/widgets/theme.h"
 
@@ -60,10 +61,11 @@ Machine_Check_Window::Machine_Check_Window(QWidget* parent) : QWidget(parent) {
   Findings = Findings_Table();
   rows->addWidget(Findings, 1);
   rows->addWidget(Build_Foot());
-  connect(Findings, &QTableWidget::itemSelectionChanged, this,
-          [this] { Copy->setEnabled(!Chosen_Key().isEmpty()); });
-  connect(Findings, &QTableWidget::itemSelectionChanged, this,
-          [this] { Correct->setEnabled(!Chosen_Correction().isEmpty()); });
+  connect(Findings, &QTableWidget::itemSelectionChanged, this, [this] {
+    for (QPushButton* button : {Copy, Change}) button->setEnabled(!Chosen_Key().isEmpty());
+    Correct->setEnabled(!Chosen_Correction().isEmpty());
+  });
+  connect(Findings, &QTableWidget::itemDoubleClicked, this, [this] { Change->click(); });
   resize(Text_Height() * 44, Text_Height() * 28);
   Show_Findings();
 }
@@ -89,6 +91,10 @@ QWidget* Machine_Check_Window::Build_Foot() {
                      if (Switch_Correction_On(Chosen_Correction().toStdString())) Show_Findings();
                    });
   Correct->setEnabled(false);
+  Change = button("Command_Change_Setting", "Change setting...",
+                  "Opens the options at the setting of the chosen line", [this] {
+                    if (!Chosen_Key().isEmpty()) Main_Host.Show_Setting(Chosen_Key().toStdString());
+                  });
   row->addStretch(1);
   button("Command_Refresh", "Check again", "Look at the setup as it is now",
          &Machine_Check_Window::Show_Findings);
@@ -130,6 +136,7 @@ void Machine_Check_Window::Show_Findings() {
   Findings->setVisible(!findings.empty());
   Copy->setEnabled(false);
   Correct->setEnabled(false);
+  Change->setEnabled(false);
 }
 
 }  // namespace norvik

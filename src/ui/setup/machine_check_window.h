@@ -29,7 +29,7 @@ class Machine_Check_Window : public QWidget {
 
   QLabel* Nothing_Found;
   QTableWidget* Findings;
-  QPushButton *Copy = nullptr, *Correct = nullptr;
+  QPushButton *Copy = nullptr, *Correct = nullptr, *Change = nullptr;
 };
 
 }  // namespace norvik
