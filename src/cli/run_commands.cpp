@@ -209,6 +209,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool motion = Is_Motion_File(options.Program);
   if (!motion && !Load_Program(options.Program, options.Adapt, options.Accept_Losses))
     return Failed;
+  Connect_Control();  // the port that is chosen next depends on the drive
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
   } else if (!Use_Machine(companion.Environment, options.Confirm_Setup)) {
@@ -216,7 +217,6 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   } else {
     Choose_What_Is_Kept(companion, options);
   }
-  Connect_Control();
   Run_Options run;
   if (!options.Trace.empty()) run.Trace_File = options.Trace;
   run.Progress = Print_Progress;

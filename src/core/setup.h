@@ -222,7 +222,7 @@ struct Setup_Host_Operations {
   std::function<void(std::int16_t level)> Apply_Priority = [](std::int16_t) {};
   // `Axis_SPI` has been read: the drives copy it to their working slots.
   std::function<void()> Copy_Steps_Per_Unit = [] {};
-  // All keys of a serial board have been read: its setup goes to the controller.
+  // All keys that a serial board needs have been read: they go to the board that is connected.
   std::function<void()> Send_To_Controller = [] {};
 };
 extern Setup_Host_Operations Setup_Host;

@@ -1,7 +1,7 @@
 // drive.h: what moves the machine, as one record of operations.
 //
 // Run loop, sequences, jogs, displays and both programs know the drive by this record alone. A
-// drive fills in what it has; what it leaves out does nothing and answers "nothing to report".
+// drive fills in what it has; what it leaves out does nothing and reports nothing.
 //
 //   control, app, ui, cli  --->  Drive()  --->  parallel: pins, a move blocks its caller
 //                                          |->  a serial board: a link and a queue of moves
@@ -19,6 +19,7 @@
 #include "drive/move.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -38,6 +39,8 @@ struct Drive_Operations {
   bool Sets_Spindle_Speed = false;
   // Moves and dwells are taken over into a queue: a sequence that needs an end waits for it.
   bool Queues_Moves = false;
+  // The drive is a board at the far end of a serial link: of generation 0 or 1. Absent: none is.
+  std::optional<int> Board;
 
   // --- Session ----------------------------------------------------------------------------------
   // Takes the machine in hand: forgets what was kept of a machine before, brings every output to

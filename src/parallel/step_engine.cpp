@@ -181,7 +181,7 @@ void Ramp_Speed() {
   e.Current_IPM = std::min(e.Current_IPM, e.Rn_Limit);
 }
 
-// One half step. Answers why the move ends here, absent when it goes on.
+// One half step. Returns why the move ends here; absent: it goes on.
 std::optional<Move_End> Half_Step(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   e.Axis_Enabled.Fill(true);
@@ -219,7 +219,7 @@ Move_End Step_Loop(const Step_Request& request) {
 void Check_End_Rate() {
   if (std::abs(Step_Engine.Current_IPM - Step_Engine.IPM_En) <= 1.5) return;
   Platform.Beep();
-  Drive_Host.Mark_Plot("X");
+  Drive_Host.Mark_Rate_Error();
   ErrorLogWrite("Step Rate Error!");
 }
 

@@ -40,7 +40,7 @@ void Set_Position() {
 
 void Refresh_Parameters() {
   Begin_Stream();
-  for (int axis = 1; axis <= Axis_Count; ++axis) Dravon.SPI[axis] = MachineSetup.Axis_SPI[axis];
+  Copy_Steps_Per_Unit();
 }
 
 // The knob sends its value again and again.
@@ -135,7 +135,7 @@ double Serial_Move_Seconds(const Step_Request& request) {
   const Entry_Rules rules{
       .ReferenceSPI = std::min(MachineSetup.Axis_SPI[1], MachineSetup.Axis_SPI[2]),
       .SASF = Effective_SASF(MachineSetup.Dravon_SASF),
-      .Generation = MachineSetup.Parallel_Port_Type > 2 ? 1 : 0,
+      .Generation = Generation_Of_Setup(),
       .Ramp_Rate = MachineSetup.Axis_Ramp_Rate,
       .Path_Scales = Path_Scales_Of_Setup()};
   Entry_Speeds speeds{request.Start, request.Run, request.End};

@@ -5,6 +5,7 @@
 #include "core/operation.h"
 #include "core/scope.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "serial/commands.h"
 #include "serial/monitor.h"
 #include "serial/move_entry.h"
@@ -87,7 +88,7 @@ void Show_Absent() {
 }
 
 void Update_Page() {
-  if (MachineSetup.Parallel_Port_Type <= 1) return;
+  if (!Drive().Board) return;
   // The line belongs to the moves.
   const bool quiet = !Anything_Moves() && !Dravon.DravonBusy && !Serial_Link.TxBusy;
   if (quiet && Dravon.ControllerPresent) DravonPoll();

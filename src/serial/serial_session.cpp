@@ -15,6 +15,7 @@
 #include "serial/commands.h"
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
+#include "serial/serial_setup.h"
 #include "serial/stream.h"
 #include "serial/stream_trace.h"
 
@@ -40,10 +41,6 @@ struct Connection_State {
 Connection_State Connection;
 
 constexpr std::int64_t Second = 1'000'000'000;
-
-int Generation_Of_Setup() {
-  return MachineSetup.Parallel_Port_Type > 2 ? 1 : 0;
-}
 
 std::string Board_Name(int generation) {
   return generation > 0 ? "Pelmar (v5)" : "Dravon (v4)";
@@ -265,6 +262,12 @@ bool DravonConfigure() {
   constexpr std::int32_t first_board = 39, second_board = 3'250;
   Serial_Session.BufferCapacity = Generation_Of_Setup() > 0 ? second_board : first_board;
   return Send_Encoders() && good;
+}
+
+void Serial_Setup_Loaded() {
+  if (!Connection.Session || !Dravon.ControllerPresent || Anything_Moves()) return;
+  if (!DravonConfigure())
+    Tell("The board did not take the settings over. Press Apply in the port window.", 10);
 }
 
 bool DravonReset() {

@@ -2,6 +2,7 @@
 
 #include "core/axes.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "serial/move_entry.h"
 #include "serial/serial_link.h"
 
@@ -15,7 +16,7 @@ namespace {
 using Findings = std::vector<Machine_Finding>;
 
 bool Is_Second_Board() {
-  return MachineSetup.Parallel_Port_Type > 2;
+  return Generation_Of_Setup() > 0;
 }
 
 double Reference_SPI() {
@@ -122,6 +123,10 @@ void Check_Line_Time(Findings& findings) {
 }
 
 }  // namespace
+
+int Generation_Of_Setup() {
+  return Drive().Board.value_or(0);
+}
 
 void Check_Serial_Setup(Findings& findings) {
   Check_Scales(findings);

@@ -173,7 +173,7 @@ bool DravonLoadPosition(const Indexed<double, 1, 4>& position) {
   if (!Serial_Is_Open() || !Settle_At_Rest()) return false;
   Dravon.DravonBusy = true;
   for (int i = 0; i < yields; ++i) DoEvents();
-  for (int axis = 1; axis <= Axis_Count; ++axis) Dravon.SPI[axis] = MachineSetup.Axis_SPI[axis];
+  Copy_Steps_Per_Unit();
   Dravon.ReferenceSPI = Dravon.SPI[1];
   const auto counts = Counts_Of(position);
   if (!counts) {

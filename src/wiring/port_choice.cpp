@@ -6,6 +6,7 @@
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "parallel/last_writes.h"
 #include "parallel/port_ranges.h"
 #include "parallel/ports.h"
@@ -136,7 +137,7 @@ std::string Choose_Port() {
   Find_Cards();
   Port_Choice.Refusal.clear();
   const std::string wanted = Upper(Trim(ReadPointer("Platform", "Port_Access")));
-  if (MachineSetup.Parallel_Port_Type > 1) {
+  if (Drive().Board) {
     if (auto words = Use_Serial_Board(wanted)) return *words;
     Use_Simulated_Machine();
     return Told("Port: simulated machine");

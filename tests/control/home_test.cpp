@@ -24,7 +24,7 @@ class Home_Test : public Control_Test {
     setup.Axis_ReToolPos = {{"3", "", "-0.5", "1"}};
     setup.Axis_Tool_Height = {{1.5F, 0.5F, 0}};
     setup.Axis_HomeIPM = {{60, 5}};
-    Drive_Host.Mark_Plot = [](std::string_view) {};
+    Drive_Host.Mark_Rate_Error = [] {};
   }
 
   // Validation of Z towards plus and of X and Y towards minus; the counters are wrong by

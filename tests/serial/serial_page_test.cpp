@@ -6,6 +6,7 @@
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "plain_board.h"
 #include "platform/scripted/scripted_platform.h"
 #include "serial/monitor.h"
@@ -21,6 +22,11 @@ namespace {
 
 using testing::HasSubstr;
 
+const Drive_Operations& Of_Page_Board() {
+  static constexpr Drive_Operations drive = {.Board = 1};
+  return drive;
+}
+
 struct Serial_Page_Test : testing::Test {
   Scripted_Platform Scripted;
   Plain_Board Board{1};
@@ -28,7 +34,7 @@ struct Serial_Page_Test : testing::Test {
   Serial_Page_Test() {
     Reset_Serial();
     Restore_Factory_Setup();
-    MachineSetup.Parallel_Port_Type = 3;
+    Drive_Choice.Of_Setup = Of_Page_Board;
     Serial_Session_Host.Choose_Device = [](int, const std::string&, const std::string&) {
       return std::string("port");
     };
@@ -36,7 +42,10 @@ struct Serial_Page_Test : testing::Test {
     Serial_Page_Form_Load();
     Board.Port.Sent.clear();
   }
-  ~Serial_Page_Test() override { Reset_Serial(); }
+  ~Serial_Page_Test() override {
+    Reset_Serial();
+    Drive_Choice = {};
+  }
 };
 
 TEST_F(Serial_Page_Test, Takes_what_is_typed_and_names_what_it_cannot_read) {

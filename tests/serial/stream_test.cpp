@@ -7,6 +7,7 @@
 #include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "drive/drive_status.h"
 #include "plain_board.h"
 #include "platform/scripted/scripted_platform.h"
@@ -27,6 +28,13 @@ namespace {
 
 using testing::HasSubstr;
 
+template <int Generation>
+const Drive_Operations& Of_Board() {
+  static constexpr Drive_Operations drive = {.Board = Generation};
+  return drive;
+}
+constexpr auto Of_First_Board = Of_Board<0>, Of_Second_Board = Of_Board<1>;
+
 struct Stream_Test : testing::TestWithParam<int> {
   Scripted_Platform Scripted;
   Plain_Board Board{GetParam()};
@@ -34,7 +42,7 @@ struct Stream_Test : testing::TestWithParam<int> {
   Stream_Test() {
     Reset_Serial();
     Restore_Factory_Setup();
-    MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(2 + GetParam());
+    Drive_Choice.Of_Setup = GetParam() > 0 ? Of_Second_Board : Of_First_Board;
     for (auto& scale : MachineSetup.Axis_SPI) scale = 400;
     MachineSetup.Axis_Ramp_Rate = 5;
     MachineSetup.Axis_Ramp_Start = 12;
@@ -45,7 +53,10 @@ struct Stream_Test : testing::TestWithParam<int> {
     Serial_Begin_Session();
     Board.Port.Sent.clear();
   }
-  ~Stream_Test() override { Reset_Serial(); }
+  ~Stream_Test() override {
+    Reset_Serial();
+    Drive_Choice = {};
+  }
 
   bool Second() const { return GetParam() > 0; }
   static Step_Request Along_X(std::int32_t steps) {
@@ -65,6 +76,22 @@ TEST_P(Stream_Test, The_session_finds_configures_and_loads_the_board) {
   Serial_Begin_Session();
   EXPECT_EQ(Board.Codes(),
             Second() ? "9 8 22 28 29 31 44 45 11 18 11 41 24" : "9 8 22 28 29 31 11 18 11");
+}
+
+TEST_P(Stream_Test, A_loaded_setup_goes_to_the_board_that_is_in_session_and_rests) {
+  MachineSetup.Axis_Ramp_Rate = 8;
+  Serial_Setup_Loaded();
+  EXPECT_EQ(Serial_Session.LastRampRate, 8);
+  EXPECT_EQ(Board.Codes(), Second() ? "22 28 29 31 44 45" : "22 28 29 31");
+  {
+    const Operation_Scope jog(Operation::Jog);
+    Serial_Setup_Loaded();
+    EXPECT_EQ(Board.Codes(), "");
+  }
+  Serial_End_Session();
+  Board.Codes();
+  Serial_Setup_Loaded();
+  EXPECT_EQ(Board.Codes(), "");
 }
 
 TEST_P(Stream_Test, A_board_of_the_other_generation_gets_no_frame_that_moves) {

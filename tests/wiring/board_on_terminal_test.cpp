@@ -1,5 +1,6 @@
 // The way to a real board: bytes over a terminal, in real time, a cable that is pulled, a program
 // that dies.
+#include "control/panel/drive_choice.h"
 #include "core/application.h"
 #include "core/axis_memory.h"
 #include "core/setup.h"
@@ -42,6 +43,7 @@ struct Board_On_Terminal_Test : testing::Test {
     Application.ErrorFile = Folder.File("log.txt");
     Restore_Factory_Setup();
     MachineSetup.Parallel_Port_Type = 3;
+    Choose_Drive_By_Setup();
     MachineSetup.Axis_SPI.Fill(400);
     MachineSetup.Axis_Ramp_Rate = 5;
     MachineSetup.Axis_Ramp_Start = 12;

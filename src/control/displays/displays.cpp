@@ -212,21 +212,6 @@ std::string Convert_Process_Time(double seconds) {
   return Padded(whole / 3600) + ":" + Padded(whole / 60 % 60) + ":" + Padded(whole % 60);
 }
 
-void ResetRetoolDisplay() {
-  CNC_Controls.Command_AutoRetool[0].Enabled = true;
-  CNC_Controls.Command_AutoRetool[1].Enabled = false;
-  CNC_Controls.Command_AutoRetool[1].Color = Control_Color::Normal;
-  Controller.Retool_Active = false;
-  CNC_Controls_Host.Form_Changed();
-}
-
-void Show_Retool_Way_Back() {
-  Controller.Retool_Active = true;
-  CNC_Controls.Command_AutoRetool[0].Enabled = false;
-  CNC_Controls.Command_AutoRetool[1].Enabled = true;
-  CNC_Controls_Host.Form_Changed();
-}
-
 void Display_Panel() {
   Fill_CNCMode();
   Fill_CNC();

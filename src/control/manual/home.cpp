@@ -1,6 +1,5 @@
 #include "control/manual/home.h"
 
-#include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
 #include "control/motion/waits.h"

@@ -196,7 +196,7 @@ void Port_Setup_Window::Show_Fitting_Page() {
 
 void Port_Setup_Window::Look_At_Board() {
   if (!isVisible()) return;
-  const bool serial = MachineSetup.Parallel_Port_Type > 1;
+  const bool serial = Drive().Board.has_value();
   if (serial && Tabs->currentIndex() > 0) DRAVON_Timer1_Tick();
   Health->setText(serial ? Text(Drive().Health()) : QString("no serial board in use"));
   Serial.Show_Board();

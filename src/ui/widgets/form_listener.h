@@ -1,7 +1,7 @@
 // form_listener.h: a window hears that its record has changed, for as long as it lives.
 //
-// A window that is opened anew may be there before the one it replaces is gone; so a window that goes
-// only falls silent, and takes nothing away from the one that hears now.
+// A window that is opened anew may be there before the one it replaces is gone; so a window that
+// goes only falls silent, and takes nothing away from the one that hears now.
 #pragma once
 
 #include <functional>
