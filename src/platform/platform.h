@@ -22,8 +22,15 @@ namespace norvik {
 // Answer of a message box; Ok also stands for a box with one button.
 enum class Box_Answer { Ok, Yes, No, Cancel };
 // What Enter means is the first one, but Cancel or No where going on can do harm: with `Ok_Cancel`,
-// `Yes_No` and the careful form of three.
-enum class Box_Buttons { Ok, Yes_No, Yes_No_Cancel, Yes_No_Cancel_Careful, Ok_Cancel };
+// `Continue_Cancel`, `Yes_No` and the careful form of three. Continue answers Ok.
+enum class Box_Buttons {
+  Ok,
+  Yes_No,
+  Yes_No_Cancel,
+  Yes_No_Cancel_Careful,
+  Ok_Cancel,
+  Continue_Cancel
+};
 
 // Local date and time of day.
 struct Calendar_Time {

@@ -8,6 +8,7 @@
 #include <map>
 #include <memory>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDateTime>
 #include <QDialogButtonBox>
@@ -127,13 +128,16 @@ Box_Answer Show_Box(const std::string& title, const std::string& text, Box_Butto
   if (buttons == Box_Buttons::Yes_No_Cancel || careful) {
     wanted = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
   }
-  if (buttons == Box_Buttons::Ok_Cancel) wanted = QMessageBox::Ok | QMessageBox::Cancel;
+  const bool continues = buttons == Box_Buttons::Continue_Cancel;
+  const bool ok_cancel = buttons == Box_Buttons::Ok_Cancel || continues;
+  if (ok_cancel) wanted = QMessageBox::Ok | QMessageBox::Cancel;
   QMessageBox box(buttons == Box_Buttons::Ok ? QMessageBox::Information : QMessageBox::Question,
                   QString::fromStdString(title.empty() ? "Norvik" : title),
                   QString::fromStdString(text), wanted, QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
+  if (continues) box.button(QMessageBox::Ok)->setText("&Continue");
   // Enter pressed by habit does the less.
-  if (buttons == Box_Buttons::Ok_Cancel) box.setDefaultButton(QMessageBox::Cancel);
+  if (ok_cancel) box.setDefaultButton(QMessageBox::Cancel);
   if (buttons == Box_Buttons::Yes_No || careful) box.setDefaultButton(QMessageBox::No);
   switch (box.exec()) {
     case QMessageBox::Yes:

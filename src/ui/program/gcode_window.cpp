@@ -287,7 +287,7 @@ void GCode_Window::Show_Form() {
 }
 
 void GCode_Window::Undo() {
-  Text_GCode->undo();
+  Text_GCode->Step_Back();
 }
 
 void GCode_Window::Show_Findings() {
