@@ -239,10 +239,6 @@ Board_Line* Line_In_Use() {
   return Board_Ports.In_Use ? Port_Of(*Board_Ports.In_Use).Line.get() : nullptr;
 }
 
-bool Simulated_Board_Is_Open() {
-  return Board_Ports.In_Use && Port_Of(*Board_Ports.In_Use).Handle != 0;
-}
-
 void Follow_Simulated_Board() {
   Board_Line* line = Line_In_Use();
   if (line == nullptr) return;
