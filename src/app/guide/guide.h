@@ -157,6 +157,8 @@ void Guide_Watch_EStop();
 // --- Timing, corrections, first program, finish --------------------------------------------------
 
 void Guide_Find_Time_Constant();
+// All corrections as the system was, or those that are recommended on.
+void Guide_Take_Corrections(bool recommended);
 // A square over half of the table, in the air, spindle off, into the editor.
 void Guide_Open_First_Program();
 // Looks at the setup again; what was accepted stays accepted.
