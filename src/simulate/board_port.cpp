@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <span>
 
 namespace norvik {
@@ -237,10 +238,6 @@ Board_Line& Simulated_Line(Board_Generation generation) {
 
 Board_Line* Line_In_Use() {
   return Board_Ports.In_Use ? Port_Of(*Board_Ports.In_Use).Line.get() : nullptr;
-}
-
-bool Simulated_Board_Is_Open() {
-  return Board_Ports.In_Use && Port_Of(*Board_Ports.In_Use).Handle != 0;
 }
 
 void Follow_Simulated_Board() {

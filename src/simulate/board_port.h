@@ -15,7 +15,6 @@
 
 #include <cstdint>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,8 +33,6 @@ void Forget_Simulated_Boards();
 Board_Line& Simulated_Line(Board_Generation generation);
 // The board whose port is open, or was open last; null when none was ever opened.
 Board_Line* Line_In_Use();
-// True while a simulated board's port is open.
-bool Simulated_Board_Is_Open();
 // The board of the open port up to now, its carriages and the trail with it. Called by panels.
 void Follow_Simulated_Board();
 // Carriages, travels and switches of the machine as they are now go to the board that is in use.

@@ -193,13 +193,15 @@ TEST_F(Machine_Check_Test, A_board_names_what_becomes_of_feeds_and_travels) {
       if (finding.Key == key) all += finding.Text;
     return all;
   };
-  EXPECT_THAT(words("Parallel_Port_Type"), HasSubstr("1.41 times as fast"));
+  EXPECT_THAT(words("Serial_Path_Feed"), HasSubstr("1.41 times as fast"));
   EXPECT_THAT(words("Axis_SPI_3"), HasSubstr("runs at 50 % of its feed"));
   EXPECT_THAT(words("Axis_Depth_2"), HasSubstr("9000000 steps"));
   EXPECT_THAT(words("Dravon_SASF"), HasSubstr("no slower than 77 Hz"));
   EXPECT_THAT(words("Dravon_PWM_Inv"), HasSubstr("at its fastest"));
   EXPECT_THAT(words("Axis_Feed_Rate_Cut"), HasSubstr("faster than they can be sent"));
   EXPECT_THAT(words("Dravon_Enc_CFactor1"), HasSubstr("one count would stand for 1000 steps"));
+  MachineSetup.Serial_Path_Feed = true;
+  EXPECT_EQ(words("Serial_Path_Feed"), "");
 }
 
 }  // namespace

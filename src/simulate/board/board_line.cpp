@@ -116,19 +116,6 @@ void Take_For_Host(Board_Line& line, std::vector<std::uint8_t>& bytes) {
   }
 }
 
-std::optional<std::int64_t> Next_Line_Event(const Board_Line& line) {
-  std::optional<std::int64_t> next = Next_Board_Event(line.Board);
-  const auto sooner = [&](std::int64_t time) { next = std::min(next.value_or(time), time); };
-  if (!line.To_Board.Is_Empty()) sooner(line.To_Board.Front().Time);
-  for (std::size_t i = 0; i < line.To_Host.Size(); ++i) {
-    if (line.To_Host.At(i).Time <= line.Board.Now) continue;
-    sooner(line.To_Host.At(i).Time);
-    break;
-  }
-  if (!line.Plugged && line.Unplugged_Until) sooner(*line.Unplugged_Until);
-  return next;
-}
-
 std::optional<std::int64_t> All_Arrived(const Board_Line& line) {
   std::optional<std::int64_t> last;
   for (const Timed_Bytes* way : {&line.To_Board, &line.To_Host}) {

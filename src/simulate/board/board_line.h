@@ -69,8 +69,6 @@ void Write_To_Board(Board_Line& line, std::span<const std::uint8_t> bytes, std::
 std::size_t Bytes_For_Host(const Board_Line& line);
 // Appends them to `bytes`.
 void Take_For_Host(Board_Line& line, std::vector<std::uint8_t>& bytes);
-// When something next happens on the line or in the board; absent: never by itself.
-std::optional<std::int64_t> Next_Line_Event(const Board_Line& line);
 // When all that is on its way now has arrived; absent: nothing is.
 std::optional<std::int64_t> All_Arrived(const Board_Line& line);
 

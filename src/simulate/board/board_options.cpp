@@ -248,10 +248,4 @@ bool Take_Board_Preset(Board_Line& line, std::string_view name) {
   return false;
 }
 
-std::vector<std::string_view> Board_Presets() {
-  std::vector<std::string_view> names;
-  for (const Preset& preset : Presets) names.push_back(preset.Name);
-  return names;
-}
-
 }  // namespace norvik

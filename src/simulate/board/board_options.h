@@ -26,6 +26,5 @@ std::string Set_Board_Option(Board_Line& line, std::string_view text);
 // A machine behind the board: "bench" has no ends, "router" and "plasma" have travels, switches,
 // hard stops and limits of rate. False when there is no such machine.
 bool Take_Board_Preset(Board_Line& line, std::string_view name);
-std::vector<std::string_view> Board_Presets();
 
 }  // namespace norvik
