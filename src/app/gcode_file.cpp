@@ -1,5 +1,6 @@
 #include "app/gcode_file.h"
 
+#include "app/adapt_program.h"
 #include "app/gcode_form.h"
 #include "app/main_form.h"
 #include "app/openers.h"
@@ -54,6 +55,7 @@ void Show_New_Program() {
   }
   Display_Gcode_Steps();
   Check_After_Compile();
+  Adapt_As_Opened();
 }
 
 bool Is_Temporary(const std::string& path) {

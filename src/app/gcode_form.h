@@ -31,6 +31,8 @@ struct Gcode_Form_Record {
   Combo_Control Combo_Convert{{"to mm", "to inches"}, 0, "to mm"};
   // Beside plot, panel and text: that they do not show one and the same program; empty: they do.
   Label_Control Label_Table_Notice;
+  // The bar above the editor: what Adapt would mend; empty: no bar.
+  Label_Control Label_Adapt;
 };
 extern Gcode_Form_Record Gcode_Form;
 

@@ -1,5 +1,6 @@
 #include "app/program_findings.h"
 
+#include "app/adapt_bar.h"
 #include "app/gcode_form.h"
 #include "compiler/compile/compile.h"
 #include "compiler/interpreter/compile_section.h"
@@ -82,6 +83,7 @@ void Check_Now() {
     AddMessage("The check was cut short: lines behind it are not looked at. Check again.");
   Program_Findings.Sources = sources;
   Gcode_Host.Show_Findings();
+  Judge_Adaption();
 }
 
 void Check_After_Compile() {
@@ -90,6 +92,7 @@ void Check_After_Compile() {
   Program_Findings.List.clear();
   Program_Findings.Text.reset();
   Gcode_Host.Show_Findings();
+  Judge_Adaption();
 }
 
 bool May_Begin_Run() {
@@ -109,6 +112,32 @@ bool May_Begin_Run() {
   if (answer != Box_Answer::Ok) return false;
   Program_Findings.Agreed = GCode_Program.Text;
   return true;
+}
+
+std::string_view Setting_Of(Check_Kind kind) {
+  switch (kind) {
+    case Check_Kind::Other_Units:
+      return "UnitsofMeasurement";
+    case Check_Kind::Word_Rounded:
+      return "Axis_Format";
+    case Check_Kind::No_Feed:
+    case Check_Kind::Feed_Of_Setup:
+      return "Axis_Feed_Rate_Cut";
+    case Check_Kind::Dwell_Before_Outputs:
+      return "Outputs_Before_Dwell";
+    case Check_Kind::Stop_At_Full_Feed:
+      return "Slow_Before_Stops";
+    case Check_Kind::Arc_Other_Centre:
+      return "GC_IJ_Incremental";
+    case Check_Kind::Macro_Missing:
+      return "MacroFile0";
+    case Check_Kind::Repeat_Order:
+      return "Run_In_Table_Order";
+    case Check_Kind::Comp_Without_Diameter:
+      return "Tool_File_Name";
+    default:
+      return {};
+  }
 }
 
 }  // namespace norvik

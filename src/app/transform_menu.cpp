@@ -42,30 +42,15 @@ void Tell_Failure(const Fault& fault, const char* what_stands) {
   Platform.Message_Box(Title, fault.Description + "\n\n" + what_stands, Box_Buttons::Ok);
 }
 
-// What goes lost, with Continue (OK) and Cancel.
+// What goes lost, with Continue and Cancel.
 bool Operator_Goes_On(const Transformed& result) {
   std::string text;
   for (const std::string& sentence : Texts_Of(result.Losses)) text += sentence + "\n\n";
   if (text.empty()) return true;
-  text += "OK continues; Ctrl+Z brings the old text back. Cancel leaves the text as it is.";
-  return Platform.Message_Box(Title, text, Box_Buttons::Ok_Cancel) == Box_Answer::Ok;
-}
-
-// The new text in place of the old one, in the program and in the window.
-bool Take_New_Text(std::string text) {
-  const auto before = GCode_Program.Text;
-  SaveChanges(std::move(text));
-  if (GCode_Program.Text == before) {
-    SetStatus(1, "The new text is too large; the old one stays.", Failure_Seconds);
-    return false;
-  }
-  GCode_Program.Typed_Waits = false;
-  GCode_Program.Unsaved = true;
-  Gcode_Host.Show_Changed_Program();
-  Display_Gcode_Steps();
-  SetStatus(1, "GCode has changed and needs to be compiled.", Status_Seconds);
-  Show_Table_Notice();
-  return true;
+  text +=
+      "Continue changes the text; Ctrl+Z brings the old text back. Cancel leaves the text as it "
+      "is.";
+  return Platform.Message_Box(Title, text, Box_Buttons::Continue_Cancel) == Box_Answer::Ok;
 }
 
 bool Apply(Transform transform, const Transform_Values& values) {
@@ -124,6 +109,22 @@ bool May_Transform() {
 }
 
 }  // namespace
+
+bool Take_New_Text(std::string text) {
+  const auto before = GCode_Program.Text;
+  SaveChanges(std::move(text));
+  if (GCode_Program.Text == before) {
+    SetStatus(1, "The new text is too large; the old one stays.", Failure_Seconds);
+    return false;
+  }
+  GCode_Program.Typed_Waits = false;
+  GCode_Program.Unsaved = true;
+  Gcode_Host.Show_Changed_Program();
+  Display_Gcode_Steps();
+  SetStatus(1, "GCode has changed and needs to be compiled.", Status_Seconds);
+  Show_Table_Notice();
+  return true;
+}
 
 bool Transform_Shown_Program(Transform transform, const Transform_Values& values) {
   if (!May_Transform()) return false;
@@ -260,7 +261,8 @@ void Export(const Export_Row& row) {
     report = row.Save(*path, Join_Path(Application.Table_Folder, Wire_Table_Name));
   }
   if (!report.Written) {
-    if (report.Failure.empty()) return SetStatus(1, "Export ended by ESC.", Status_Seconds);
+    if (report.Failure.empty())
+      return SetStatus(1, "Ended by ESC: nothing was written.", Status_Seconds);
     Platform.Message_Box(Title, report.Failure + "\n\nThe drawing is not written.",
                          Box_Buttons::Ok);
     return;

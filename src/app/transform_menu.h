@@ -7,6 +7,8 @@
 
 #include "transform/gcode_process.h"
 
+#include <string>
+
 namespace norvik {
 
 // --- Menu `Functions` ----------------------------------------------------------------------------
@@ -34,5 +36,8 @@ void Menu_File_Export_HPGL();
 // --- Inside --------------------------------------------------------------------------------------
 // What every transform of the window goes through. True when the text is another one now.
 bool Transform_Shown_Program(Transform transform, const Transform_Values& values);
+// A new text in place of the old one, in the program and as one step of the window's undo. False,
+// with a status text, where it is too large.
+bool Take_New_Text(std::string text);
 
 }  // namespace norvik

@@ -1,4 +1,5 @@
 // The commands `compile` and `check`.
+#include "cli/adapt_command.h"
 #include "cli/companion.h"
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
@@ -21,7 +22,7 @@ namespace {
 
 struct Compile_Options {
   std::string Program, Tables;
-  bool Block = false, Accept_Losses = false;
+  bool Block = false, Accept_Losses = false, Adapt = false;
 };
 
 // What this compile added to the error log, its first lines on standard error.
@@ -58,7 +59,7 @@ int Compile(const Companion& companion, const Compile_Options& options) {
     Application.Table_Folder = options.Tables;
     Application.ErrorFile = Join_Path(options.Tables, "NorvikErr.txt");
   }
-  if (!Load_Program(options.Program)) return Failed;
+  if (!Load_Program(options.Program, options.Adapt, options.Accept_Losses)) return Failed;
   const std::size_t log_start = Log_Size();
   const int status = Compile_Whole(companion, [&] {
     const bool complete =
@@ -79,6 +80,7 @@ int Compile(const Companion& companion, const Compile_Options& options) {
 struct Check_Options {
   std::string Program;
   int Most = 20;  // findings of one kind that are printed; 0: all
+  bool Adapt = false;
 };
 
 void Print_Finding(const std::string& file, const Check_Finding& finding) {
@@ -88,12 +90,13 @@ void Print_Finding(const std::string& file, const Check_Finding& finding) {
   if (finding.Column > 0) std::cout << ':' << finding.Column;
   std::cout << ": " << Name_Of(Info_Of(finding.Kind).Grade) << ": " << finding.What;
   if (!finding.Instead.empty()) std::cout << " -> " << finding.Instead;
+  std::cout << Correction_Word(Info_Of(finding.Kind).Correction);
   std::cout << '\n';
 }
 
 // Nothing that changes the job: 0. Otherwise 1, so that a script may stop there.
 int Check(const Companion& companion, const Check_Options& options) {
-  if (!Load_Program(options.Program)) return Failed;
+  if (!Load_Program(options.Program, options.Adapt, true)) return Failed;
   const auto findings = Check_Program(GCode_Program.Text);
   if (companion.Was_Interrupted()) return Interrupted_By_Operator;
   std::map<Check_Kind, int> counts;
@@ -126,6 +129,7 @@ void Add_Compile_Commands(CLI::App& app, Companion& companion) {
                     "Exit status 0 also when lines, macros or wires are left out");
   command->add_option("--tables", compile->Tables, "Folder for the tables and the error log")
       ->type_name("DIR");
+  Add_Adapt_Flag(*command, compile->Adapt);
   command->callback([&companion, compile] {
     companion.Command = [&companion, compile] { return Compile(companion, *compile); };
   });
@@ -137,6 +141,7 @@ void Add_Compile_Commands(CLI::App& app, Companion& companion) {
       ->type_name("PROGRAM");
   command->add_flag_callback(
       "--all", [check] { check->Most = 0; }, "Print every finding, however many of a kind");
+  Add_Adapt_Flag(*command, check->Adapt);
   command->callback([&companion, check] {
     companion.Command = [&companion, check] { return Check(companion, *check); };
   });

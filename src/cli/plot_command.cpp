@@ -1,4 +1,5 @@
 // The command `plot`.
+#include "cli/adapt_command.h"
 #include "cli/companion.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
@@ -17,13 +18,13 @@ namespace {
 struct Plot_Options {
   std::string Program, Picture, View = "isometric-right";
   std::int32_t Size = 900;
-  bool Dark = false;
+  bool Dark = false, Adapt = false;
 };
 
 // The executing table of a program or of a motion file.
-int Bring_Table(const Companion& companion, const std::string& path) {
+int Bring_Table(const Companion& companion, const std::string& path, bool adapt) {
   if (!Is_Motion_File(path)) {
-    if (!Load_Program(path)) return Failed;
+    if (!Load_Program(path, adapt, false)) return Failed;
     return Compile_Whole(companion, [] { return CompileProgram(); });
   }
   const std::string why_not = Take_Motion_File(path);
@@ -32,7 +33,7 @@ int Bring_Table(const Companion& companion, const std::string& path) {
 }
 
 int Plot_Program(const Companion& companion, const Plot_Options& options) {
-  const int status = Bring_Table(companion, options.Program);
+  const int status = Bring_Table(companion, options.Program, options.Adapt);
   if (status != Done) return status;
   companion.Environment.Start_Fonts();
   Picture_Request request;
@@ -52,6 +53,7 @@ int Plot_Program(const Companion& companion, const Plot_Options& options) {
 
 std::vector<std::string> View_Names() {
   std::vector<std::string> names;
+  names.reserve(Preset_Views.size());
   for (const Preset_View& view : Preset_Views) names.emplace_back(view.Name);
   return names;
 }
@@ -71,6 +73,7 @@ void Add_Plot_Command(CLI::App& app, Companion& companion) {
   command->add_option("--size", plot->Size, "Pixels a side")
       ->check(CLI::Range(Smallest_Picture, Largest_Picture));
   command->add_flag("--dark", plot->Dark, "On a dark ground");
+  Add_Adapt_Flag(*command, plot->Adapt);
   command->callback([&companion, plot] {
     companion.Takes_Pictures = true;
     companion.Command = [&companion, plot] { return Plot_Program(companion, *plot); };

@@ -1,5 +1,6 @@
 // The commands `run` and `estimate`.
 #include "app/drive_session.h"
+#include "cli/adapt_command.h"
 #include "cli/companion.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/tables/program_wire.h"
@@ -46,7 +47,7 @@ struct Run_Command_Options {
   std::string Clock = "real";
   bool No_Pause = false;
   bool Save_Positions = false, Confirm_Positions = false, Accept_Losses = false;
-  bool Confirm_Setup = false;
+  bool Confirm_Setup = false, Adapt = false;
 };
 
 void Print_Progress(std::int32_t step, std::int32_t last_step) {
@@ -206,7 +207,9 @@ Exit_Status Status_Of_Early_End(const Companion& companion) {
 int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool virtual_clock = options.Clock == "virtual";
   const bool motion = Is_Motion_File(options.Program);
-  if (!motion && !Load_Program(options.Program)) return Failed;
+  if (!motion && !Load_Program(options.Program, options.Adapt, options.Accept_Losses))
+    return Failed;
+  Connect_Control();  // the port that is chosen next depends on the drive
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
   } else if (!Use_Machine(companion.Environment, options.Confirm_Setup)) {
@@ -214,7 +217,6 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   } else {
     Choose_What_Is_Kept(companion, options);
   }
-  Connect_Control();
   Run_Options run;
   if (!options.Trace.empty()) run.Trace_File = options.Trace;
   run.Progress = Print_Progress;
@@ -357,6 +359,7 @@ void Add_Run_Commands(CLI::App& app, Companion& companion) {
                     "The values of settings that the machine file has lost are right");
   command->add_flag("--accept-losses", run->Accept_Losses,
                     "Run although the compile left out lines, macros or wires");
+  Add_Adapt_Flag(*command, run->Adapt);
   command->callback([&companion, run] {
     companion.Command = [&companion, run] { return Run(companion, *run); };
   });

@@ -74,6 +74,7 @@ TEST_F(Line_Pass_Test, Escape_leaves_what_was_written) {
 TEST_F(Line_Pass_Test, Work_without_end_is_bounded) {
   const auto expect_told = [&](const std::string& program, const char* excess) {
     Compile_Losses = {};
+    GCode_Program.Text = std::make_shared<const GCode_Text>(program);
     Compile(program);
     ASSERT_EQ(Compile_Losses.List.size(), 1U) << excess;
     EXPECT_THAT(Compile_Losses.List[0].Why, ::testing::HasSubstr(excess));
@@ -95,6 +96,20 @@ TEST_F(Line_Pass_Test, Work_without_end_is_bounded) {
   expect_told("G0 X0\nG81 X1 Y1 Z-1 R0.1 L3000 (" + std::string(1000, 'x') + ")\nG0 X1\n",
               "more than 1 MB");
   Line_Pass_Limits = {};
+}
+
+// A machine file from elsewhere may name any file as a macro: its text stays out of the error log.
+TEST_F(Line_Pass_Test, Unreadable_lines_of_a_macro_are_logged_by_their_place) {
+  MachineSetup.MacroFile[3] = Write_File("secret",
+                                         "G0 X1\nT:secret\nREPEAT secret\nX2\nENDREPEAT\n"
+                                         "M98 9secret\n");
+  Compile("M98 3\nT:own\n");
+  for (const std::string& line : Logged())
+    EXPECT_THAT(line, ::testing::Not(::testing::HasSubstr("secret")));
+  EXPECT_THAT(Logged(), ::testing::Contains(
+                            ::testing::HasSubstr("NIST_Block_Interpretor_Error: macro 3, line 2")));
+  EXPECT_THAT(Logged(),
+              ::testing::Contains(::testing::HasSubstr("NIST_Block_Interpretor_Error: T:own")));
 }
 
 // What a machine file names need not be what it says.

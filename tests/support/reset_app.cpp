@@ -1,8 +1,10 @@
+#include "app/adapt_bar.h"
 #include "app/bitmap_form.h"
 #include "app/drive_session.h"
 #include "app/forms.h"
 #include "app/gcode_form.h"
 #include "app/main_form.h"
+#include "app/options/options_form.h"
 #include "app/program_findings.h"
 #include "app/session_mark.h"
 #include "app/startup.h"
@@ -15,6 +17,7 @@ void Reset_App() {
   Reset_Plot();
   Reset_Import();
   Reset_Tools();
+  Adapt_Bar = {};
   Bitmap_Import = {};
   Bitmap_Host = {};
   Drive_Session = {};
@@ -25,6 +28,8 @@ void Reset_App() {
   Main_Form = {};
   Main_Host = {};
   Main_Window = {};
+  Options_Form = {};
+  Options_Host = {};
   Program_Findings = {};
   Session_Mark = {};
 }

@@ -109,6 +109,8 @@ struct Check_Kind_Info {
   Check_Grade Grade;
   std::string_view Title;
   std::string_view Instead;  // what to write; a finding may know better
+  // The key of section Corrections that answers it; empty: none.
+  std::string_view Correction = {};
 };
 const Check_Kind_Info& Info_Of(Check_Kind kind);
 std::string_view Name_Of(Check_Grade grade);

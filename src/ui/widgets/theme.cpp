@@ -1,5 +1,7 @@
 #include "ui/widgets/theme.h"
 
+#include "ui/widgets/reader_names.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -384,6 +386,7 @@ void Apply_Theme(QApplication& application) {
   // Further than any screen reaches: no drag begins.
   QApplication::setStartDragDistance(1'000'000);
   application.installEventFilter(new Calm_Mouse(&application));
+  Name_Controls_For_Readers(application);
   const QByteArray wanted = qgetenv("NORVIK_THEME").toLower();
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
   if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";

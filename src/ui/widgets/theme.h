@@ -21,9 +21,10 @@ namespace norvik {
 // Chooses light or dark from the desktop's own palette and applies style and palette. The
 // environment variable NORVIK_THEME, "light" or "dark", overrules the desktop.
 //
-// It also takes two habits of the toolkit away that are wrong beside a machine. No text can be
-// dragged: a drag waits in a loop of its own, and a move that runs would stand still in it. A box
-// takes the wheel only when it has the focus: a panel that is scrolled changes nothing.
+// Controls without words of their own get a name for screen readers. It also takes two habits of
+// the toolkit away that are wrong beside a machine. No text can be dragged: a drag waits in a loop
+// of its own, and a move that runs would stand still in it. A box takes the wheel only when it has
+// the focus: a panel that is scrolled changes nothing.
 void Apply_Theme(QApplication& application);
 bool Theme_Is_Dark();
 
