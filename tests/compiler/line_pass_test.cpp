@@ -74,6 +74,7 @@ TEST_F(Line_Pass_Test, Escape_leaves_what_was_written) {
 TEST_F(Line_Pass_Test, Work_without_end_is_bounded) {
   const auto expect_told = [&](const std::string& program, const char* excess) {
     Compile_Losses = {};
+    GCode_Program.Text = std::make_shared<const GCode_Text>(program);
     Compile(program);
     ASSERT_EQ(Compile_Losses.List.size(), 1U) << excess;
     EXPECT_THAT(Compile_Losses.List[0].Why, ::testing::HasSubstr(excess));

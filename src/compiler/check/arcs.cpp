@@ -193,7 +193,7 @@ void Tell_Radii(const Arc_Event& arc, Pending_Arc& pending, const Report_Finding
   } else if (other.Agrees() && Likelier(other, now)) {
     pending.Misfits = true;
     report(Check_Kind::Arc_Other_Centre, 0,
-           "the arc walks " + Finding_Number(std::round(now.Sweep * 180 / Arc_Pi)) +
+           "the arc walks " + Finding_Number(std::round(now.Sweep * 1800 / Arc_Pi) / 10) +
                " degrees with a radius of " + Finding_Number(now.Start_Radius) + hint,
            "");
   }

@@ -39,14 +39,19 @@ bool Moves(const LineArc& record) {
 
 // --- What the operator reads ---------------------------------------------------------------------
 
+// As an editor counts. Records of no program at hand have their number alone.
+std::string Shown_Line(const LineArc& record) {
+  const std::int32_t line = Text_Line_Of_Step(record.LineNumber);
+  return std::to_string(line > 0 ? line : record.LineNumber);
+}
+
 std::string Line_And_Text(const LineArc& record) {
-  return std::to_string(record.LineNumber) + ", " + std::string(record.SourceText);
+  return Shown_Line(record) + ", " + std::string(record.SourceText);
 }
 
 std::string Does_Not_Fit_Text(double radius, double distance, const LineArc& obstacle) {
   return "The tool of radius " + Format_Number(radius, "0.0000") + " comes as near as " +
-         Format_Number(distance, "0.0000") + " to line " +
-         std::to_string(Text_Line_Of_Step(obstacle.LineNumber)) +
+         Format_Number(distance, "0.0000") + " to line " + Shown_Line(obstacle) +
          "; take a smaller tool or give the contour more room there";
 }
 

@@ -227,6 +227,13 @@ void Reader::Read_Body_Line(std::string_view line) {
   if (tool) Select_Tool(*tool);
   if (Stopped) return;
   Count_Other(line);
+  // A letter that has lost its number would repeat the coordinate of the hole before.
+  const bool begins_hole = !line.empty() && (line.front() == 'X' || line.front() == 'Y');
+  const auto lost = [&](char letter, const auto& number) {
+    return !number && line.find(letter) != std::string_view::npos;
+  };
+  if ((x || y || begins_hole) && (lost('X', x) || lost('Y', y)))
+    throw Fault(Fault_Number::Type_Mismatch, "A coordinate without digits: the hole is left out");
   if (!x && !y) {
     Note_Word(line);
     return;
@@ -263,8 +270,6 @@ void Reader::Select_Tool(std::string_view number) {
 }
 
 void Reader::Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent) {
-  if (text.find_first_of("0123456789") == std::string_view::npos)
-    throw Fault(Fault_Number::Type_Mismatch, "A coordinate without digits: the hole is left out");
   last = Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Rounded, Factor);
   const auto reach = [&](Reading_Extent& reading, std::int16_t format) {
     try {
