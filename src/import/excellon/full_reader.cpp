@@ -160,7 +160,8 @@ void Reader::Read_Line(std::string_view line) {
   } else if (line.front() == 'X' || line.front() == 'Y') {
     Take_Point(line);
   } else {
-    Count_Skipped(line.substr(0, 20));
+    constexpr std::size_t longest = 20;
+    Count_Skipped(line.substr(0, std::min(line.find_first_of("0123456789 ,.=+-"), longest)));
   }
 }
 
