@@ -40,7 +40,7 @@ struct Drive_Operations {
   // Moves and dwells are taken over into a queue: a sequence that needs an end waits for it.
   bool Queues_Moves = false;
   // The drive is a board at the far end of a serial link: of generation 0 or 1. Absent: none is.
-  std::optional<int> Board;
+  std::optional<int> Board = std::nullopt;
 
   // --- Session ----------------------------------------------------------------------------------
   // Takes the machine in hand: forgets what was kept of a machine before, brings every output to

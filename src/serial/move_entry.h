@@ -43,7 +43,7 @@ struct Entry_Rules {
   int Ramp_Rate = 1;  // hertz in each count, above 0
   // Steps per unit of each axis where speeds are those along the path; absent: speeds are those of
   // the axis with the most steps, by `ReferenceSPI`.
-  std::optional<Indexed<double, 1, 4>> Path_Scales;
+  std::optional<Indexed<double, 1, 4>> Path_Scales = std::nullopt;
 };
 
 // Speeds of a move in units per minute (IPM). `Plan_Entry` gives back what the board's rates come

@@ -152,6 +152,24 @@ TEST_F(Guide_Test, Home_lies_at_the_end_where_the_switch_is) {
   EXPECT_TRUE(MachineSetup.Validate_Home_Position);
 }
 
+// What the recommended corrections leave, an operator has to know of this machine.
+TEST_F(Guide_Test, Starting_points_are_safe_as_they_ship) {
+  for (const Starting_Point& point : Starting_Points()) {
+    if (point.Name.starts_with("empty")) continue;
+    Open_Guide();
+    Make("s_" + std::string(point.Name), point.Name);
+    Guide_Go(Guide_Page::Corrections);
+    Guide_Take_Corrections(true);
+    for (const Machine_Finding& finding : Machine_Check()) {
+      EXPECT_THAT(finding.Key, testing::Not(testing::AnyOf(
+                                   HasSubstr("Parallel_Input"), HasSubstr("Parallel_Output"),
+                                   HasSubstr("E_Stop"), HasSubstr("Limit"), HasSubstr("Ramp"),
+                                   HasSubstr("Axis_Max"), HasSubstr("Axis_SPI_1"))))
+          << point.Name << ": " << finding.Text;
+    }
+  }
+}
+
 TEST_F(Guide_Test, The_end_wants_an_answer_to_every_finding) {
   Make("mill", "empty_inch");
   Guide_Go(Guide_Page::Finish);

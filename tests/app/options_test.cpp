@@ -109,7 +109,9 @@ TEST_F(Options_Test, A_Number_Takes_No_Nonsense_And_Nothing_Is_Stored) {
       EXPECT_THAT(field.Error, testing::Not(IsEmpty())) << Option_Key(field) << " took " << text;
       ++tried;
     }
-    if (tried % 50 == 0) EXPECT_FALSE(Options_Command_Apply_Click());
+    if (tried % 50 == 0) {
+      EXPECT_FALSE(Options_Command_Apply_Click());
+    }
     Option_Change(field, field.Stored);
     EXPECT_THAT(field.Error, IsEmpty()) << Option_Key(field);
   }

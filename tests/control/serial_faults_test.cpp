@@ -225,15 +225,15 @@ class Serial_Faults_Test : public Control_Test, public ::testing::WithParamInter
 };
 
 TEST_P(Serial_Faults_Test, Every_fault_in_every_operation_ends_right_or_with_words) {
-  using Test = Serial_Faults_Test;
+  using Case = Serial_Faults_Test;
   const std::vector<Situation> situations = {
-      {"contour", &Test::Contour_Case, {"time=1.2", "code=MoveSteps:15", "code=AxisPrepare:20"}},
-      {"jog", &Test::Jog_Case, {"time=0.8", "code=JogStop"}},
-      {"homing", &Test::Home_Case, {"time=0.7", "code=ReadMemory:3"}},
-      {"dwell", &Test::Dwell_Case, {"code=MoveSteps:2", "time=2"}},
-      {"aux wait", &Test::Aux_Case, {"time=1.5", "code=ReadStatus:20"}, true},
-      {"pause", &Test::Pause_Case, {"time=1.6", "code=ReadMemory:2"}},
-      {"E-stop", &Test::EStop_Case, {"time=1.45", "code=StopMotion"}},
+      {"contour", &Case::Contour_Case, {"time=1.2", "code=MoveSteps:15", "code=AxisPrepare:20"}},
+      {"jog", &Case::Jog_Case, {"time=0.8", "code=JogStop"}},
+      {"homing", &Case::Home_Case, {"time=0.7", "code=ReadMemory:3"}},
+      {"dwell", &Case::Dwell_Case, {"code=MoveSteps:2", "time=2"}},
+      {"aux wait", &Case::Aux_Case, {"time=1.5", "code=ReadStatus:20"}, true},
+      {"pause", &Case::Pause_Case, {"time=1.6", "code=ReadMemory:2"}},
+      {"E-stop", &Case::EStop_Case, {"time=1.45", "code=StopMotion"}},
   };
   const char* const faults[] = {
       "lose=3:2",      "flip=2:5",    "no-reply",     "cut=3",          "checksum=low",

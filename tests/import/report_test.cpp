@@ -10,6 +10,7 @@ namespace {
 using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
+using ::testing::IsEmpty;
 
 std::int64_t Skipped(const std::string& kind) {
   const auto found = Import_Report.Kinds.find(kind);

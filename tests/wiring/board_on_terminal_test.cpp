@@ -5,6 +5,7 @@
 #include "core/axis_memory.h"
 #include "core/setup.h"
 #include "platform/linux/linux_platform.h"
+#include "platform/platform.h"
 #include "platform/rest.h"
 #include "serial/monitor.h"
 #include "serial/serial_session.h"
@@ -64,8 +65,11 @@ struct Board_On_Terminal_Test : testing::Test {
     Board = ::fork();
     if (Board == 0) {
       Install_Linux_Clock();
-      Run_Board_Process(
-          {.Generation = Board_Generation::Pelmar_V5, .Link = Link, .Control_Socket = Socket}, {});
+      Board_Process_Options options;
+      options.Generation = Board_Generation::Pelmar_V5;
+      options.Link = Link;
+      options.Control_Socket = Socket;
+      Run_Board_Process(options, {});
       std::_Exit(0);
     }
     for (int i = 0; i < 400 && ::access(Socket.c_str(), F_OK) != 0; ++i) Nap();

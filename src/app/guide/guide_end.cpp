@@ -1,10 +1,13 @@
 // The pages Timing, Corrections, First program and Check.
+#include "app/drive_session.h"
 #include "app/gcode_file.h"
 #include "app/guide/guide.h"
 #include "app/guide/values.h"
 #include "control/manual/timing_edits.h"
+#include "control/motion/motion.h"
 #include "control/safety/machine_check.h"
 #include "core/application.h"
+#include "core/corrections.h"
 #include "core/fault.h"
 #include "core/operation.h"
 #include "core/paths.h"
@@ -63,6 +66,19 @@ void Guide_Find_Time_Constant() {
   Panel_Get_Time_Constant_Click();
   Refuse("The time constant is " + std::to_string(MachineSetup.Parallel_Time_Constant) +
          " microseconds.");
+}
+
+void Guide_Take_Corrections(bool recommended) {
+  if (!Stopped_For("Can't change the corrections")) {
+    Refuse("Not while the machine moves or a run is paused. Press Stop, then try again.");
+    return;
+  }
+  End_Drive_Session();
+  Take_Corrections(recommended ? Correction_Set::Recommended : Correction_Set::As_The_System_Was);
+  const bool saved = SaveMachineSetup();
+  Begin_Drive_Session();
+  Refuse(saved ? std::to_string(Corrections_On()) + " corrections are on."
+               : "The machine file can't be written: this holds until Norvik ends.");
 }
 
 void Guide_Open_First_Program() {

@@ -22,7 +22,7 @@ struct Import_Placing_State {
   double Rotate = 0;    // degrees counter-clockwise
   bool Mirror = false;  // left and right change places, before the turn
   // Of files that name no unit; absent: that of the setup. Acts with `Import_Convert_Units`.
-  std::optional<File_Unit> Unit;
+  std::optional<File_Unit> Unit = std::nullopt;
 };
 extern Import_Placing_State Import_Placing;
 

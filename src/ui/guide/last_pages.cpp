@@ -1,4 +1,5 @@
 // The pages E-stop, Timing, Corrections, First program and Check.
+#include "core/corrections.h"
 #include "core/setup.h"
 #include "ui/guide/guide_page.h"
 #include "ui/widgets/theme.h"
@@ -42,6 +43,32 @@ class Timing_Page : public Guide_Page_Widget {
     Add_Text("Label_Time_Constant", [] {
       return "The time constant is " + QString::number(MachineSetup.Parallel_Time_Constant) +
              " microseconds.";
+    });
+    Rows().addStretch(1);
+  }
+};
+
+class Corrections_Page : public Guide_Page_Widget {
+ public:
+  Corrections_Page() : Guide_Page_Widget(Guide_Page::Corrections) {
+    auto* row = new QHBoxLayout;
+    Add_Button(*row, "Command_As_The_System_Was", "As the system &was", "Switches all of them off",
+               [] { Guide_Take_Corrections(false); });
+    Add_Button(*row, "Command_Recommended", "&Recommended",
+               "Switches on those that suit every machine", [] { Guide_Take_Corrections(true); });
+    row->addStretch(1);
+    Rows().addLayout(row);
+    Add_Text("Label_Corrections", [] {
+      QString text;
+      for (const Setup_Row* row : Correction_List()) {
+        const auto words = [](std::string_view part) {
+          return QString::fromUtf8(part.data(), std::ssize(part)).toHtmlEscaped();
+        };
+        text += "<p><b>" + words(row->Label) + (Correction_Is_On(*row) ? ": on" : ": off") +
+                "</b>" + (row->Recommended.empty() ? "" : " (recommended)") + "<br>" +
+                words(row->Help) + "</p>";
+      }
+      return text;
     });
     Rows().addStretch(1);
   }
@@ -123,6 +150,8 @@ Guide_Page_Widget* Make_Last_Page(Guide_Page page) {
       return new EStop_Page;
     case Guide_Page::Time_Constant:
       return new Timing_Page;
+    case Guide_Page::Corrections:
+      return new Corrections_Page;
     case Guide_Page::Program:
       return new Program_Page;
     case Guide_Page::Finish:
