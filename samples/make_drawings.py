@@ -35,7 +35,8 @@ def line(layer, start, end):
 
 
 def rose():
-    pairs = ["0", "SECTION", "2", "ENTITIES"]
+    pairs = ["0", "SECTION", "2", "HEADER", "9", "$INSUNITS", "70", "1", "0", "ENDSEC"]  # inches
+    pairs += ["0", "SECTION", "2", "ENTITIES"]
     for radius in (2.0, 1.9):
         pairs += outline("RING", [at(radius, step * 2) for step in range(180)])
     for step in range(72):
@@ -110,7 +111,7 @@ def board():
 
 
 def drills():
-    text = ["M48", "INCH,TZ", "T01C0.032", "T02C0.125", "%", "T01"]
+    text = ["M48", "INCH,TZ,00.000", "T01C0.032", "T02C0.125", "%", "T01"]
     text += [f"X{x:05d}Y{y:05d}" for x, y in PADS]
     text.append("T02")
     text += [f"X{x:05d}Y{y:05d}" for x, y in HOLES]

@@ -46,10 +46,12 @@ Setup_Row_List Correction_Rows() {
           .Says("Off: each write to the parallel port starts from what the port reads back. On: it "
                 "starts from the byte written last, for ports that can't be read back."),
       Correction<&M::Serial_Jog_Pieces>("Serial_Jog_Pieces", "Held jogs of a board in pieces")
+          .For("Serial boards on a link that may be lost.")
           .Says("Off: a held jog goes to a serial board as one long move, which only its release "
                 "ends. On: it goes in pieces of 150 ms, so that it ends by itself when the link is "
                 "lost; behind its release it runs on for up to 0.3 s."),
       Correction<&M::Serial_Path_Feed>("Serial_Path_Feed", "Feed along the path on a board")
+          .For("Serial boards whose programs count on the feed along slanting moves.")
           .Says("Off: a serial board counts the feed on the axis with the most steps, by the "
                 "smaller scale of X and Y, so that slanting moves are faster than the program "
                 "says. On: the speeds sent to it are those of the tool along its path."),
@@ -96,6 +98,7 @@ Setup_Row_List Correction_Rows() {
                 "cannot be saved as a motion file, so that 28 of 29 programs cannot. On: the last "
                 "line is filled up with empty values, which a load takes off again."),
       Correction<&M::Adapt_Always>("Adapt_Always", "Always adapt foreign programs")
+          .For("Everybody who mostly opens programs of other machines.")
           .Says("Off: a program is opened as it stands, and a bar offers to adapt it where lines "
                 "would "
                 "be lost or misread. On: it is adapted when it is opened, where it needs it; the "

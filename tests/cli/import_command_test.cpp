@@ -54,6 +54,21 @@ TEST_F(Import_Command_Test, An_Unknown_Extension_Wants_The_Kind_Named) {
   EXPECT_THAT(Read_Whole_File(Program), HasSubstr("G01 X2 Y1"));
 }
 
+// The sample machine has the corrections on; its drawings state what the stated readers assume.
+TEST_F(Import_Command_Test, Samples_Come_Out_The_Same_With_And_Without_Corrections) {
+  for (const char* name : {"rose.dxf", "rosette.plt", "board.nc", "board.gbr"}) {
+    EXPECT_EQ(Import({Samples + "/" + name}), Done);
+    const std::string corrected = Read_Whole_File(Program);
+    std::vector<std::string> words{"--machine", Folder.File("inch.ini")};
+    for (const char* key : {"Import_Convert_Units", "Excellon_Header", "HPGL_All_Pairs"}) {
+      words.insert(words.end(), {"--set", "Corrections." + std::string(key) + "=False"});
+    }
+    words.insert(words.end(), {"import", Samples + "/" + name, "-o", Program});
+    EXPECT_EQ(Call_Companion(words), Done);
+    EXPECT_EQ(Read_Whole_File(Program), corrected) << name;
+  }
+}
+
 TEST_F(Import_Command_Test, A_Drawing_Lies_Where_The_Options_Put_It) {
   const std::string plot = Write_File("plot.plt", "PU1016,1016;PD3048,1016;");
   EXPECT_EQ(Import({plot, "--origin", "centre", "--rotate", "90", "--scale", "2"}), Done) << Said;

@@ -229,9 +229,9 @@ TEST_F(Setup_Test, Save_Keeps_The_Order_Told_And_Foreign_Lines) {
         "[Macros]\r\nMacroFile0=",
         "[Sounds]\r\nSound_Files_0=",
         "[Corrections]\r\nRun_In_Table_Order=False\r\nLimit_Filter_Steps=0\r\n"
-        "Home_Needs_Switch=False\r\nPort_Shadow=False\r\nOutputs_Before_Dwell=False\r\n"
-        "Slow_Before_Stops=False\r\nGoto_From_Position=False\r\nExport_All_Records=False\r\n"
-        "HPGL_Export_Raw_Z=False\r\nMotion_File_Any_Length=False\r\nBacklash_Even=False\r\n"}) {
+        "Home_Needs_Switch=False\r\nPort_Shadow=False\r\n",
+        "Slow_Before_Stops=False\r\nGoto_From_Position=False\r\nExport_All_Records=False\r\n",
+        "Backlash_Even=False\r\n"}) {
     const auto found = fresh.find(line, place);
     ASSERT_NE(found, std::string::npos) << line;
     place = found;

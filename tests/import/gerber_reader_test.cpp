@@ -268,7 +268,7 @@ TEST_F(Gerber_Test, ReportNamesWhatHasNoEffect) {
                      HasSubstr("TF 1"), HasSubstr("offset of the image (OF, IO) 1"),
                      HasSubstr("G55 1"), Not(HasSubstr("SF")), Not(HasSubstr("AS")))));
   for (const char* note :
-       {"The file says millimetres, the setup is inch", "incremental coordinates (FS I)",
+       {"The file is in millimetres, the setup in inches", "incremental coordinates (FS I)",
         "incremental coordinates (G91)", "The image is negative",
         "Apertures without use: D11, D13, D14", "Apertures used but not defined (no size): D12 x 1",
         "2 coordinates have so few digits", "The file ends in the middle of a word"}) {

@@ -139,7 +139,7 @@ TEST_F(Placing_Test, Drawings_Of_Every_Kind_Lie_Where_They_Were_Put) {
       EXPECT_NEAR(reach[1].From.value_or(99), row.Lower, 1e-6);
       EXPECT_NEAR(reach[1].To.value_or(99), row.Upper, 1e-6);
       EXPECT_EQ(Is_Placed(),
-                ::testing::Value(Import_Report.Notes, Contains(HasSubstr("The drawing was "))));
+                ::testing::Value(Import_Report.Notes, Contains(HasSubstr("Placed: "))));
     }
   }
 }
@@ -180,6 +180,18 @@ TEST_F(Placing_Test, A_Board_Turns_By_Quarter_Turns) {
   ASSERT_TRUE(Import_Gerber_File(path));
   EXPECT_EQ(Opened, 0);
   EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr("90, 180 or 270")));
+}
+
+// As stated a drawing that begins at X0 Y0 is cut without a plunge; one that was put there is not.
+TEST_F(Placing_Test, A_Drawing_That_Is_Put_At_The_Origin_Begins_With_A_Plunge) {
+  const std::string path = Store("part.plt", "PU1016,1016;PD2032,1016;");
+  Import_Placing.Origin = Placed_Origin::Lower_Left;
+  ASSERT_TRUE(Import_HPGL_File(path));
+  EXPECT_THAT(Body(5), ElementsAre("G00 Z0.25", "G00 X0 Y0", "G01 Z0.125", "G01 X1 Y0"));
+  Import_Placing = {};
+  MachineSetup.HPGL_All_Pairs = true;
+  ASSERT_TRUE(Import_HPGL_File(Store("part.plt", "PU0,0;PD1016,0;")));
+  EXPECT_THAT(Body(5), ElementsAre("G00 Z0.25", "G00 X0 Y0", "G01 Z0.125", "G01 X1 Y0"));
 }
 
 // --- Plotter files in full

@@ -156,7 +156,7 @@ bool DXF_Write_GCode(const std::string& line_file) {
   Import_Status("Converting Graphic File: Processing");
   const double travel = Decimal_Of(MachineSetup.Axis_Tool_Height[0]);
   return Write_Program(Import_Kind::DXF, Fault_Name, travel, [&](GCode_File& file) {
-    Last_End last;
+    Last_End last = Before_First_Contour();
     For_Each_Line(line_file, Line_Form::Ten, Fault_Name,
                   [&](ImportLine& line) { Print_Record(file, line, last); });
   });

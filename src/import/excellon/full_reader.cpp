@@ -103,7 +103,7 @@ class Reader {
   Zeros Kept = Zeros::Trailing_Kept;
   int Whole = 2, Decimals = 3;
   bool Any_Without_Point = false;  // so that digits and zeros count
-  bool Zeros_Stated = false, Digits_Stated = false, Incremental = false;
+  bool Digits_Stated = false, Incremental = false;
   std::map<int, double> Sizes;  // as written
 
   bool In_Header = false, Stopped = false, Ended = false;
@@ -160,7 +160,8 @@ void Reader::Read_Line(std::string_view line) {
   } else if (line.front() == 'X' || line.front() == 'Y') {
     Take_Point(line);
   } else {
-    Count_Skipped(line.substr(0, 20));
+    constexpr std::size_t longest = 20;
+    Count_Skipped(line.substr(0, std::min(line.find_first_of("0123456789 ,.=+-"), longest)));
   }
 }
 
@@ -181,7 +182,6 @@ void Reader::Take_Comment(std::string_view line) {
   const bool leading = Contains(line, "SUPPRESS LEADING"), all = Contains(line, "KEEP ZEROS");
   if (!leading && !all && !Contains(line, "SUPPRESS TRAILING")) return;
   Kept = leading || all ? Zeros::Trailing_Kept : Zeros::Leading_Kept;
-  Zeros_Stated = true;
 }
 
 bool Reader::Take_Setting(std::string_view line) {
@@ -214,9 +214,9 @@ void Reader::Take_Unit(const File_Unit& unit, std::string_view rest) {
   Take_Usual_Digits();
 }
 
-// A unit with zeros and no digits means those of the format's own machines.
+// A unit without digits means those of the format's own machines.
 void Reader::Take_Usual_Digits() {
-  if (!Unit || !Zeros_Stated || Digits_Stated) return;
+  if (!Unit || Digits_Stated) return;
   const bool metric = Unit->Millimetres == 1;
   Whole = metric ? 3 : 2;
   Decimals = metric ? 3 : 4;
@@ -225,8 +225,6 @@ void Reader::Take_Usual_Digits() {
 void Reader::Take_Zeros_And_Digits(std::string_view field) {
   if (field == "LZ" || field == "TZ") {
     Kept = field == "LZ" ? Zeros::Leading_Kept : Zeros::Trailing_Kept;
-    Zeros_Stated = true;
-    Take_Usual_Digits();
     return;
   }
   const auto point = field.find('.');
@@ -533,9 +531,9 @@ void Reader::Repeat(const std::vector<Drilled>& what, int times, const Place& st
 void Reader::Note_Format() const {
   Import_Report.Format =
       "format " + std::to_string(Whole) + ":" + std::to_string(Decimals) +
-      (Digits_Stated          ? " of the file"
-       : Zeros_Stated && Unit ? " of the unit"
-                              : " of the setup") +
+      (Digits_Stated ? " of the file"
+       : Unit        ? " of the unit"
+                     : " of the setup") +
       (Kept == Zeros::Leading_Kept ? ", leading zeros kept" : ", trailing zeros kept");
 }
 
@@ -549,9 +547,12 @@ void Reader::Note_Digits() const {
       y = std::max(y, std::abs(double{hole.Y}));
     }
   }
-  Report_Note("The file does not state its digits; read as " + std::to_string(Whole) + ":" +
-              std::to_string(Decimals) + " the holes reach " + General_Text(Rounded(x)) + " by " +
-              General_Text(Rounded(y)) + ". Compare that with the board.");
+  Report_Note(
+      "The file does not state its digits; read as " + std::to_string(Whole) + ":" +
+      std::to_string(Decimals) + " the holes reach " + General_Text(Rounded(x)) + " by " +
+      General_Text(Rounded(y)) +
+      ". Compare that with the board; each digit more or less behind the point makes it ten "
+      "times smaller or larger.");
 }
 
 void Reader::Note_End() {

@@ -16,8 +16,8 @@
 //
 // LZ means that leading zeros are kept: short texts are filled with zeros behind. TZ means that
 // trailing ones are kept: they are filled in front. A sign is no digit, a text with a point stands
-// as it is. What the file does not say is taken from the setup; a file with a unit word and zeros
-// but no digits counts 3:3 in millimetres and 2:4 in inches.
+// as it is. What the file does not say is taken from the setup; a file with a unit word and no
+// digits counts 3:3 in millimetres and 2:4 in inches.
 #pragma once
 
 #include <string>

@@ -5,10 +5,12 @@
 #include "core/format.h"
 #include "core/setup.h"
 #include "import/pipeline/numbers.h"
+#include "import/pipeline/placing.h"
 #include "import/pipeline/report.h"
 
 #include <array>
 #include <cmath>
+#include <limits>
 
 namespace norvik {
 
@@ -189,6 +191,13 @@ void Write_Footer(GCode_File& file, Import_Kind kind, double travel) {
 }
 
 // --- Contours and arcs -------------------------------------------------------------------------
+
+Last_End Before_First_Contour() {
+  const bool plotter = Import_Report.Kind == Import_Kind::HPGL && MachineSetup.HPGL_All_Pairs;
+  if (!plotter && !Is_Placed()) return {};
+  constexpr double nowhere = std::numeric_limits<double>::infinity();
+  return {nowhere, nowhere, Nullable()};
+}
 
 bool Starts_Contour(const ImportLine& line, const Last_End& last) {
   const double tolerance = MachineSetup.DXF_Line_Tolerance;

@@ -64,6 +64,10 @@ struct Last_End {
   Nullable Z = 0.0;  // missing after a record without Z2
 };
 
+// Where the first contour sets out from. As stated X0 Y0, so that a drawing that begins there is
+// cut without travel and plunge; one that was placed, or read as a plotter does, begins with both.
+Last_End Before_First_Contour();
+
 // True when `line` starts a new contour: X, Y or Z differs from the last end by more than
 // `DXF_Line_Tolerance`; a missing Z counts as equal.
 bool Starts_Contour(const ImportLine& line, const Last_End& last);

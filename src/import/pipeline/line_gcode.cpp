@@ -24,7 +24,7 @@ class Line_Writer {
 
   GCode_File& File;
   const Line_GCode_Rules& Rules;
-  Last_End Last;
+  Last_End Last = Before_First_Contour();
   std::int16_t Last_Pen = -9999;
   bool Pen_Changed = false;
   bool Feed_Pending = false;  // the last line set the plunge feed; the next cut sets its own again

@@ -80,7 +80,7 @@ Placing::Placing(const std::function<void(Drawing_Extent& extent, const Placing&
       Move_Y = corner ? -*extent.Lower : -(*extent.Lower + *extent.Upper) / 2;
     }
   }
-  Report_Note("The drawing was " + Words_About_Placing() + ".");
+  Report_Note("Placed: " + Words_About_Placing() + ".");
 }
 
 Placed_Point Placing::operator()(double x, double y) const {
