@@ -46,12 +46,13 @@ Setup_Row_List Correction_Rows() {
           .Says("Off: each write to the parallel port starts from what the port reads back. On: it "
                 "starts from the byte written last, for ports that can't be read back."),
       Correction<&M::Serial_Jog_Pieces>("Serial_Jog_Pieces", "Held jogs of a board in pieces")
-          .For("Serial boards on a link that may be lost.")
+          .For("Whoever jogs a machine with a serial board and doubts its cable.")
           .Says("Off: a held jog goes to a serial board as one long move, which only its release "
                 "ends. On: it goes in pieces of 150 ms, so that it ends by itself when the link is "
                 "lost; behind its release it runs on for up to 0.3 s."),
       Correction<&M::Serial_Path_Feed>("Serial_Path_Feed", "Feed along the path on a board")
-          .For("Serial boards whose programs count on the feed along slanting moves.")
+          .For("Everybody whose machine is driven by a serial board.")
+          .Named("Machine check: the board counts a feed on the axis with the most steps")
           .Says("Off: a serial board counts the feed on the axis with the most steps, by the "
                 "smaller scale of X and Y, so that slanting moves are faster than the program "
                 "says. On: the speeds sent to it are those of the tool along its path."),

@@ -21,8 +21,8 @@ std::string Count_Text(double value) {
 }
 
 std::string Memory_Text(std::uint16_t address) {
-  constexpr int none = 999;
-  return std::to_string(ReadMemory(address).value_or(none));
+  const auto byte = ReadMemory(address);
+  return byte ? std::to_string(*byte) : "999";
 }
 
 void Show_Errors() {

@@ -429,8 +429,8 @@ TEST_F(Serial_Page_Window_Test, A_Board_Is_Chosen_Shows_Itself_And_Survives_Its_
 TEST_F(Serial_Page_Window_Test, Encoders_Are_Set_Up_And_Their_Faults_Cleared) {
   QWidget& window = Choose_Pelmar();
   In<QTabWidget>(window, "Tab_Port_Setup").setCurrentIndex(2);
-  Press(window, "Check_Dravon_Enc_Enable_1");
-  Press(window, "Check_Dravon_Enc_StopOnFault_1");
+  In<QCheckBox>(window, "Check_Dravon_Enc_Enable_1").click();
+  In<QCheckBox>(window, "Check_Dravon_Enc_StopOnFault_1").click();
   In<QComboBox>(window, "Combo_Dravon_Enc_Mode_1").setEditText("4X");
   In<QComboBox>(window, "Combo_Dravon_Enc_Error_1").setEditText("50");
   auto& factor = In<QLineEdit>(window, "Text_Dravon_Enc_CFactor_1");

@@ -123,6 +123,8 @@ QCheckBox* Serial_Page_View::Check(const QString& words, const QString& name, co
   check->setObjectName(name);
   check->setToolTip(tip);
   check->setMinimumHeight(Finger_Height() * 2 / 3);
+  // A box alone answers to a click anywhere within it.
+  if (words.isEmpty()) check->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
   QObject::connect(check, &QCheckBox::clicked, check, [&value](bool on) { value = on; });
   Typed.push_back([check, &value] { check->setChecked(value); });
   return check;
