@@ -239,8 +239,10 @@ void Expand(std::int16_t macro) {
 
 void Report_Full_Table(std::string_view line) {
   const std::string excess = Excess();
+  // A text that is not the program's own has no lines of an editor.
+  const std::int32_t shown = Text_Line_Of_Step(Line_Pass.Program_Line);
   const std::string text = "The program makes " + excess + "; the compile ends at line " +
-                           std::to_string(Text_Line_Of_Step(Line_Pass.Program_Line)) +
+                           std::to_string(shown > 0 ? shown : Line_Pass.Program_Line) +
                            ". Look for a REPEAT, an L word or a macro that runs too often";
   Line_Pass.Operations.Table_Full(text);
   Note_Loss_At(Line_Pass.Program_Line, Loss_Kind::Records, line, "the program makes " + excess);
