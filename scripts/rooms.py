@@ -34,7 +34,8 @@ def rooms_in_order(folder):
 
 
 def includes_of(path):
-    return re.findall(r'^\s*#\s*include\s+"([^"]+)"', path.read_text(), re.M)
+    """What the build makes of a room's own files (.inc) is no include of a room."""
+    return re.findall(r'^\s*#\s*include\s+"([^"]+)(?<!\.inc)"', path.read_text(), re.M)
 
 
 def circles(graph):

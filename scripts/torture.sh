@@ -5,7 +5,8 @@
 #   scripts/torture.sh [BUILD_FOLDER]      build/debug by default; about three minutes
 #
 # NORVIK_TORTURE_SECONDS sets the time (3600 for a long one), NORVIK_TORTURE_SEED repeats the choices
-# of an earlier round. Exit status 0: nothing was lost.
+# of an earlier round, NORVIK_TORTURE_ROWS ("kills,hostile files") leaves out the other rows. Exit
+# status 0: nothing was lost.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 program=${1:-build/debug}/src/cli/norvik-cli

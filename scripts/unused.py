@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Functions that a header of src/ declares and nothing in src/ uses.
+"""Functions that a header of src/ declares and nothing in src/ uses, and hooks that nothing fills or calls.
 
     scripts/unused.py
 
@@ -29,7 +29,6 @@ EXCEPTIONS = {
     "Parse_LineArc_Table": "each of the two tables has one reader and one writer",
     "Read_LineArc_Table": "as above",
     "Write_LineArc_Table": "as above",
-    "Parse_Wire_Table": "as above",
     "Remove_Virtual_Clock": "puts the clock of the environment below back",
     "Reset_Simulated_Machine": "a machine without stored settings",
     "Set_Port_Device": "a file in place of the port device",
@@ -53,6 +52,18 @@ def code_of(path):
     """The text without comments and without what stands in quotes; lines stay lines."""
     pattern = re.compile(r'//[^\n]*|/\*.*?\*/|R"(\w*)\(.*?\)\1"|"(?:\\.|[^"\\\n])*"|\'(?:\\.|[^\'\\\n])+\'', re.S)
     return pattern.sub(lambda m: "\n" * m.group().count("\n"), path.read_text())
+
+
+def idle_hooks(texts):
+    """Hooks (a `std::function` in a record `..._Host_Operations`) that nothing in src/ fills, or calls."""
+    every = "\n".join(texts.values())
+    for path, text in texts.items():
+        for record in re.finditer(r"^struct \w+_Host_Operations \{.*?^\};", text, re.S | re.M):
+            for name in re.findall(r"std::function<[^;=]*>\s+(\w+)\s*=", record.group()):
+                if not re.search(rf"[.>]{name}\s*=[^=]", every):
+                    yield f"{path.relative_to(ROOT).as_posix()}: nothing fills the hook {name}"
+                if not re.search(rf"[.>]{name}\(", every):
+                    yield f"{path.relative_to(ROOT).as_posix()}: nothing calls the hook {name}"
 
 
 def main():
@@ -82,8 +93,9 @@ def main():
             notes.append(f"{path}: {name} waits for {waits_for[0]}")
         else:
             faults.append(f"{path}: {name} has no user in src/")
+    faults += idle_hooks(texts)
     print("\n".join(notes + faults))
-    print(f"{len(declared)} functions looked at, {len(faults)} without a user and without a reason")
+    print(f"{len(declared)} functions looked at, {len(faults)} of them, or hooks, without a user and without a reason")
     return 1 if faults else 0
 
 

@@ -79,7 +79,8 @@ def long_run(folder):
         try:
             with open(f"/proc/{process.pid}/statm", encoding="ascii") as file:
                 pages = int(file.read().split()[1])
-            looks.append((pages * resource.getpagesize() // 1024, len(os.listdir(f"/proc/{process.pid}/fd"))))
+            if pages > 0:  # 0: it has just ended
+                looks.append((pages * resource.getpagesize() // 1024, len(os.listdir(f"/proc/{process.pid}/fd"))))
         except (OSError, IndexError):
             break
         time.sleep(0.5)
@@ -89,12 +90,14 @@ def long_run(folder):
     expect(b"Finished" in (seen[0] if seen else b""), "run: not finished")
     # The first tenth compiles; what is there then has to be enough.
     settled = looks[len(looks) // 10:]
+    expect(len(settled) > 10, f"run: too short to tell, {len(settled)} looks; more half steps show more")
     if len(settled) > 10:
-        begin, end = settled[0], settled[-1]
-        expect(end[0] < 1.1 * max(m for m, _ in settled[:len(settled) // 4]) + 2000,
-               f"run: memory {begin[0]} to {end[0]} kB")
-        expect(end[1] <= begin[1], f"run: {begin[1]} to {end[1]} open files")
-        print(f"run: {moves} moves, memory {begin[0]} to {end[0]} kB, {end[1]} open files")
+        quarter = len(settled) // 4
+        memory = [max(m for m, _ in part) for part in (settled[:quarter], settled[-quarter:])]
+        open_files = [max(n for _, n in part) for part in (settled[:quarter], settled[-quarter:])]
+        expect(memory[1] < 1.1 * memory[0] + 2000, f"run: memory {memory[0]} to {memory[1]} kB")
+        expect(open_files[1] <= open_files[0], f"run: {open_files[0]} to {open_files[1]} open files")
+        print(f"run: {moves} moves, memory {memory[0]} to {memory[1]} kB, {open_files[1]} open files")
 
 
 def main():

@@ -13,6 +13,7 @@ import time
 PROGRAM = os.path.abspath(sys.argv[1])
 SECONDS = float(os.environ.get("NORVIK_TORTURE_SECONDS", "180"))
 SEED = int(os.environ.get("NORVIK_TORTURE_SEED", str(os.getpid())))
+ONLY = [row.strip() for row in os.environ.get("NORVIK_TORTURE_ROWS", "").split(",") if row.strip()]
 SAMPLES = os.path.abspath("samples")
 RECORDS, WIRES = "NORVIK_Program_LineArc_Data.csv", "NORVIK_Program_Wire_Data.csv"
 WORK = tempfile.mkdtemp(prefix="norvik_torture_")
@@ -106,10 +107,22 @@ class Command:
             if status != 0:
                 raise RuntimeError(f"{self.name} does not work: {status} {said}")
             self.states.append(self.found(folder))
+            if None in self.states[-1]:
+                raise RuntimeError(f"{self.name} does not write {self.results}")
         self.before = self.states[1]
 
     def is_whole(self, folder):
         return self.found(folder) in self.states
+
+
+class Tool_Command(Command):
+    """A change of one tool; the tool file lies in the home folder."""
+
+    def __init__(self):
+        super().__init__("tools", ["Tools/Default.tol"])
+
+    def call(self, folder, variant):
+        return [PROGRAM, "--home", folder, "tools", "set", "3", "--diameter", "0.25" if variant == "a" else "0.5"]
 
 
 class Setup_Command(Command):
@@ -127,7 +140,7 @@ class Setup_Command(Command):
 
 
 def commands(folder):
-    for variant, size in (("a", 3000), ("b", 4000)):
+    for variant, size in (("a", 1500), ("b", 2000)):
         long_program(os.path.join(folder, f"{variant}.gc"), size)
     for variant in ("a", "b"):
         with open(os.path.join(folder, "import_" + variant), "wb") as file:
@@ -138,7 +151,14 @@ def commands(folder):
                 "{folder}/program.gc"),
         Command("plot", ["picture.png"], "plot", "{folder}/{variant}.gc", "-o", "{folder}/picture.png",
                 "--size", "300"),
+        Command("transform", ["moved.gc"], "transform", "offset", "1", "2", "0", "{folder}/{variant}.gc", "-o",
+                "{folder}/moved.gc"),
+        Command("export", ["path.dxf"], "export", "dxf", "{folder}/{variant}.gc", "--accept-losses", "-o",
+                "{folder}/path.dxf"),
+        Command("motion", ["motion.mcd"], "--set", "Corrections.Motion_File_Any_Length=True", "motion", "save",
+                "{folder}/{variant}.gc", "-o", "{folder}/motion.mcd"),
         Setup_Command(),
+        Tool_Command(),
     ]
 
 
@@ -261,13 +281,30 @@ def without_name(program):
     return [line for line in (program or b"").splitlines() if b"Original File" not in line]
 
 
+def full_devices(row):
+    """Every output that takes a name, on a device that is always full."""
+    folder = home("full_devices")
+    commands(folder)
+    program = f"{SAMPLES}/contour.gc"
+    for arguments in (["import", f"{folder}/import_a", "--as", "hpgl", "-o", "/dev/full"],
+                      ["plot", f"{folder}/a.gc", "-o", "/dev/full"],
+                      ["transform", "offset", "1", "2", "0", f"{folder}/a.gc", "-o", "/dev/full"],
+                      ["export", "dxf", f"{folder}/a.gc", "--accept-losses", "-o", "/dev/full"],
+                      ["run", program, "--clock", "virtual", "--trace", "/dev/full"],
+                      ["run", program, "--clock", "virtual", "--ports", "/dev/full"]):
+        row.tried += 1
+        status, said = run(words(folder, *arguments))
+        row.expect(status == 1 and said.strip(), f"{arguments[0]} {arguments[-2]} /dev/full: {status}, {said[:80]}")
+
+
 def full_disks(row):
-    """On a small disk in memory; where none can be mounted, in a name space of one's own."""
+    """On a small disk in memory, with little room left."""
     disk = home("disk")
-    mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=600k", "tmpfs", disk],
+    full_devices(row)
+    mounted = subprocess.run(["mount", "-t", "tmpfs", "-o", "size=4m", "tmpfs", disk],
                              capture_output=True, check=False).returncode == 0
     if not mounted:
-        row.note = "not tried: no right to mount a disk"
+        row.note = "by /dev/full alone: no right to mount a small disk"
         return
     try:
         for command, source in ready_commands("full"):
@@ -278,7 +315,7 @@ def full_disks(row):
                 if os.path.exists(os.path.join(source, "mill.ini")):
                     shutil.copy(os.path.join(source, "mill.ini"), disk)
                 if run(command.call(disk, "a"))[0] != 0:
-                    row.note = "some results do not fit at all"
+                    row.note = f"{command.name} does not fit at all"
                     break
                 before = command.found(disk)
                 free = shutil.disk_usage(disk).free
@@ -318,7 +355,7 @@ def closed_pipes(row):
         status = run(call, stdout=writer)[0]
         os.close(writer)
         row.expect(status == 1, f"{arguments[0]} | (nobody): {status}")
-    for command in commands(folder)[1:3]:
+    for command in commands(folder)[1:6]:
         fifo = os.path.join(folder, command.results[0])
         os.mkfifo(fifo)
         row.tried += 1
@@ -326,13 +363,28 @@ def closed_pipes(row):
         row.expect(status == 1, f"{command.name} into a pipe that nobody reads: {status}")
 
 
+def make_locale(name):
+    """Makes the locale from the system's sources, so that it is there whatever is installed."""
+    folder = home("locale")
+    try:
+        subprocess.run(["localedef", "-c", "-i", name, "-f", "UTF-8", f"{folder}/{name}.UTF-8"],
+                       capture_output=True, check=False)
+    except OSError:
+        pass
+    return os.path.isdir(f"{folder}/{name}.UTF-8")
+
+
 def locales(row):
     folder = home("locales")
     commands(folder)
     run(words(folder, "compile", f"{folder}/a.gc"))
     expected = (read(f"{folder}/{RECORDS}"), read(f"{folder}/{WIRES}"))
+    made = [name for name in ("de_DE", "tr_TR", "ar_SA") if make_locale(name)]
+    row.note = "with comma decimals" if "de_DE" in made else "without comma decimals: none can be made here"
     for name in ("C", "C.UTF-8", "de_DE.UTF-8", "tr_TR.UTF-8", "ar_SA.UTF-8", "no_SUCH", "", "/etc/passwd"):
         environment = dict(os.environ, LC_ALL=name, LANG=name, TZ=name)
+        if name.split(".")[0] in made:
+            environment["LOCPATH"] = os.path.join(WORK, "locale")
         row.tried += 1
         status, said = run(words(folder, "compile", f"{folder}/a.gc"), env=environment)
         row.expect(status == 0, f"{name}: {status} {said[:80]}")
@@ -412,6 +464,9 @@ def main():
     rows = []
     try:
         for what, body in ROWS:
+            if ONLY and what not in ONLY:
+                continue
+            choice.seed(f"{SEED} {what}")
             row = Row(what)
             rows.append(row)
             began = time.monotonic()

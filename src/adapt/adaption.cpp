@@ -2,6 +2,7 @@
 #include "adapt/context.h"
 #include "adapt/flow.h"
 #include "adapt/plain_line.h"
+#include "compiler/text/user_outputs.h"
 #include "core/application.h"
 #include "core/format.h"
 #include "core/numbers.h"
@@ -280,14 +281,14 @@ Adapt_Options Adapt_Options_Of_Setup() {
   options.Whole_Digits = pattern.Whole_Digits;
   options.Decimals = std::min(pattern.Decimals, 6);
   options.Least_Decimals = std::min(pattern.Least_Decimals, options.Decimals);
-  const bool parallel = setup.Parallel_Port_Type == 1;
   const auto code = [](const std::string& entry) -> std::optional<std::int16_t> {
     const auto number = Try_Number(entry);
     if (!number || *number < 0 || *number > 1000) return std::nullopt;
     return static_cast<std::int16_t>(*number);
   };
-  options.Output_High = code(parallel ? setup.Parallel_MCode_High[0] : setup.Dravon_MCode_High[0]);
-  options.Output_Low = code(parallel ? setup.Parallel_MCode_Low[0] : setup.Dravon_MCode_Low[0]);
+  const User_Output_Texts outputs = User_Outputs_Of_Setup();
+  options.Output_High = code(outputs.High);
+  options.Output_Low = code(outputs.Low);
   for (std::int16_t tool = 0; tool <= 200; ++tool) {
     options.Tool_Diameters[static_cast<std::size_t>(tool)] = Tools.Diameter[tool];
     options.Tool_Lengths[static_cast<std::size_t>(tool)] = Tools.Length[tool];

@@ -46,34 +46,6 @@ std::int32_t Typed_Step(const std::string& text) {
   return GetLong(text, Sentinel::Empty, 0);
 }
 
-// Counts line ends from where the last question left off, so that following a run through a long
-// program costs little.
-struct Line_Count_State {
-  const GCode_Text* Text = nullptr;
-  std::size_t Offset = 0;
-  std::int32_t Line = 1;
-};
-Line_Count_State Line_Count;
-
-// True when a line of the text ends with the character at `at`.
-bool Ends_Line(std::string_view text, std::size_t at) {
-  return text[at] == '\n' || (text[at] == '\r' && (at + 1 == text.size() || text[at + 1] != '\n'));
-}
-
-std::int32_t Line_At(std::size_t offset) {
-  const GCode_Text* text = GCode_Program.Text.get();
-  if (Line_Count.Text != text || Line_Count.Offset > offset) Line_Count = {text, 0, 1};
-  const std::string_view whole = text->Whole();
-  for (; Line_Count.Offset < offset; ++Line_Count.Offset) {
-    if (Ends_Line(whole, Line_Count.Offset)) ++Line_Count.Line;
-  }
-  return Line_Count.Line;
-}
-
-std::size_t Offset_Of_Step(std::int32_t step) {
-  return static_cast<std::size_t>(GCode_Line(step).data() - GCode_Program.Text->Whole().data());
-}
-
 }  // namespace
 
 void Text_GCode_Change() {
@@ -154,30 +126,6 @@ void Print_Data() {
   }
   if (!Platform.Print_Lines(lines))
     Tell("Nothing was printed: there is no printer, or it was cancelled.", 5);
-}
-
-std::int32_t Step_Of_Text_Line(std::int32_t text_line) {
-  const std::string_view whole = GCode_Program.Text->Whole();
-  std::size_t start = 0;
-  for (std::int32_t line = 1; line < text_line && start < whole.size(); ++start) {
-    if (Ends_Line(whole, start)) ++line;
-  }
-  // The last step that begins at or before the start of the line.
-  std::int32_t low = 0, high = GCodeLineCount();
-  while (low < high) {
-    const std::int32_t middle = low + (high - low + 1) / 2;
-    if (Offset_Of_Step(middle) <= start) {
-      low = middle;
-    } else {
-      high = middle - 1;
-    }
-  }
-  return low;
-}
-
-std::int32_t Text_Line_Of_Step(std::int32_t step) {
-  if (step < 1 || step > GCodeLineCount()) return 0;
-  return Line_At(Offset_Of_Step(step));
 }
 
 void Command_Update_Click() {

@@ -71,11 +71,6 @@ void Text_GCode_DblClick(std::int32_t text_line);
 // Prints the lines. Yields. Refused unless the machine is stopped: the dialog would hold a move.
 void Print_Data();
 
-// The program step of a line of the text (the last step that begins at or before it, 0: none), and
-// the line on which a step stands.
-std::int32_t Step_Of_Text_Line(std::int32_t text_line);
-std::int32_t Text_Line_Of_Step(std::int32_t step);
-
 // --- Compile and steps ---------------------------------------------------------------------------
 
 // Takes the text and compiles it.

@@ -9,11 +9,14 @@
 #include "core/operation.h"
 #include "core/recent_files.h"
 #include "core/remembered_files.h"
+#include "core/setup.h"
 #include "import/dxf/import.h"
 #include "import/excellon/import.h"
 #include "import/gerber/import.h"
 #include "import/hpgl/import.h"
 #include "import/picture/import.h"
+#include "import/pipeline/file_unit.h"
+#include "import/pipeline/placing.h"
 #include "import/pipeline/report.h"
 #include "platform/platform.h"
 
@@ -28,15 +31,19 @@ struct Importer_Row {
   bool (*Import)(const std::string& path);
   const char* Title;  // of the file dialog
   const char* Default_Extension;
+  const char* Options_Page;  // of the window `Options`
 };
 
 // In the order of Import_Kind.
 constexpr std::array<Importer_Row, Import_Kinds.size()> Importers{{
-    {Opened_Kind::DXF, File_Kind::DXF_In, Import_DXF_File, "Import DXF", "dxf"},
-    {Opened_Kind::HPGL, File_Kind::HPGL_In, Import_HPGL_File, "Import HPGL", "plt"},
-    {Opened_Kind::Excellon, File_Kind::Excellon_In, Import_Excellon_File, "Import Excellon", "nc"},
-    {Opened_Kind::Gerber, File_Kind::Gerber_In, Import_Gerber_File, "Import Gerber", "gbr"},
-    {Opened_Kind::Picture, File_Kind::Bitmap_In, Import_Bitmap_File, "Import Bitmap", "bmp"},
+    {Opened_Kind::DXF, File_Kind::DXF_In, Import_DXF_File, "Import DXF", "dxf", "Import: DXF"},
+    {Opened_Kind::HPGL, File_Kind::HPGL_In, Import_HPGL_File, "Import HPGL", "plt", "Import: HPGL"},
+    {Opened_Kind::Excellon, File_Kind::Excellon_In, Import_Excellon_File, "Import Excellon", "nc",
+     "Import: Excellon"},
+    {Opened_Kind::Gerber, File_Kind::Gerber_In, Import_Gerber_File, "Import Gerber", "gbr",
+     "Import: Gerber"},
+    {Opened_Kind::Picture, File_Kind::Bitmap_In, Import_Bitmap_File, "Import Bitmap", "bmp",
+     "Import: Pictures"},
 }};
 
 constexpr int Second_Entry = 2;
@@ -72,7 +79,8 @@ void Import_By_Dialog(Import_Kind kind) {
   const Importer_Row& row = Row_Of(kind);
   const auto path = Platform.Open_File_Dialog(
       {row.Title, std::string(Import_Row(kind).Dialog_Filter), Last_File(row.Remembered).Directory,
-       "", row.Default_Extension, Second_Entry});
+       "", row.Default_Extension, Second_Entry,
+       [&row] { Main_Host.Show_Setting(row.Options_Page); }});
   if (path) Import_Chosen_File(kind, *path);
 }
 
@@ -98,13 +106,32 @@ bool Import_File(Import_Kind kind, const std::string& path) {
   return Row_Of(kind).Import(path);
 }
 
+namespace {
+
+// A file that names no unit is imported again in the other one when the operator says so.
+void Ask_For_Unit(Import_Kind kind, const std::string& path) {
+  if (!Import_Report.Unit_Unknown || !MachineSetup.Import_Convert_Units) return;
+  if (Import_Report.Cancelled || !Import_Report.Written || Nothing_Arrived()) return;
+  const std::string other(Other_Unit().Name);
+  const Box_Answer answer = Platform.Message_Box(
+      "Unit of the file",
+      "The file names no unit. " + Words_About_Both_Sizes() + "\n\nAre its numbers " + other + "?",
+      Box_Buttons::Yes_No);
+  if (answer != Box_Answer::Yes || !May_Import()) return;
+  Import_Placing.Unit = Other_Unit();
+  Import_File(kind, path);
+  Import_Placing.Unit.reset();
+}
+
+}  // namespace
+
 void Import_Chosen_File(Import_Kind kind, const std::string& path) {
   if (!May_Import() || !May_Lose_Program()) return;
   RememberFile(Row_Of(kind).Remembered, path);
   Add_Recent_File(path);
   Main_Form.Current_File = path;
   Set_Caption(path, Import_Row(kind).Caption);
-  Import_File(kind, path);
+  if (Import_File(kind, path)) Ask_For_Unit(kind, path);
 }
 
 void Menu_Import_DXF() {

@@ -58,14 +58,17 @@ void Menu_Machine_Load_Machine_Setup() {
   if (!Stopped_For("Can't load a machine setup")) return;
   const auto path = Platform.Open_File_Dialog(Setup_Dialog("Load Machine Setup"));
   if (!path) return;
-  if (Application.ShutdownFlag) return;
+  if (!Application.ShutdownFlag) Take_Machine_File(*path);
+}
+
+void Take_Machine_File(const std::string& path) {
   End_Drive_Session();  // as long as the pins mean what they have been
-  SetMachineName(*path);
+  SetMachineName(path);
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
   UnLoad_Forms();
   LoadMachineSetup();
   Begin_Drive_Session();
-  RememberFile(File_Kind::Setup, *path);
+  RememberFile(File_Kind::Setup, path);
   ReLoad_Forms();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Zoom_Table();

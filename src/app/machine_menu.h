@@ -1,6 +1,8 @@
 // machine_menu.h: choosing, making and resetting the machine setup.
 #pragma once
 
+#include <string>
+
 namespace norvik {
 
 // Asks for a name and writes the present parameters there; that file is the machine file from then
@@ -11,6 +13,8 @@ void Menu_Machine_Create_New_Machine();
 // at the start, so that no direction, mark or switch of the old one counts for it. The positions of
 // the axes stay what they are.
 void Menu_Machine_Load_Machine_Setup();
+// The same for a file that is known. Only while the machine stands.
+void Take_Machine_File(const std::string& path);
 // Every parameter to its factory value and into the machine file, after a question. Machine and
 // pins as with another setup.
 void Command_Parameter_Reset_Click();

@@ -35,6 +35,11 @@ struct Main_Host_Operations {
   // Closes the windows that change the setup: they show the one that was loaded when they opened.
   std::function<void()> Unload_Setup_Windows = [] {};
 
+  // Opens a list or a set-up window by its name, where that may be now.
+  std::function<void(const std::string& name)> Show_Window = [](const std::string&) {};
+  // Opens the options at a setting, by its key, or at a page, by its name.
+  std::function<void(const std::string& key_or_page)> Show_Setting = [](const std::string&) {};
+
   // --- Devices of other rooms --------------------------------------------------------------------
   // Real or simulated port, by the pointer file and the machine file, before the first access.
   // Raises a fault with words for the operator when another program drives the machine.

@@ -5,6 +5,7 @@
 #include "compiler/compile/compile.h"
 #include "compiler/interpreter/compile_section.h"
 #include "compiler/tables/program_wire.h"
+#include "compiler/text/loss_text.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/messages.h"
@@ -33,8 +34,8 @@ bool Is_Serious(const Check_Finding& finding) {
 std::string Line_Of(const Check_Finding& finding) {
   std::string text =
       finding.Macro ? "Macro " + std::to_string(*finding.Macro) + ", line " : std::string("Line ");
-  text += std::to_string(finding.Line) + ": " + std::string(Name_Of(Info_Of(finding.Kind).Grade)) +
-          ": " + finding.What;
+  text += std::to_string(finding.Text_Line()) + ": " +
+          std::string(Name_Of(Info_Of(finding.Kind).Grade)) + ": " + finding.What;
   constexpr std::size_t most = 160;
   return text.size() > most ? text.substr(0, most) + "..." : text;
 }
@@ -48,7 +49,7 @@ std::string Reasons_Not_To_Run() {
   };
   const auto scattered = Program_Wire.First_Scattered_Step();
   if (scattered && !MachineSetup.Run_In_Table_Order) {
-    add("Line " + std::to_string(*scattered) +
+    add("Line " + std::to_string(Text_Line_Of_Step(*scattered)) +
         " and others run several times (REPEAT): the machine makes all passes of one line before "
         "it goes on to the next line, not in the order that the plot shows. The setting "
         "Run_In_Table_Order makes it follow the plot.");
@@ -111,6 +112,32 @@ bool May_Begin_Run() {
   if (answer != Box_Answer::Ok) return false;
   Program_Findings.Agreed = GCode_Program.Text;
   return true;
+}
+
+std::string_view Setting_Of(Check_Kind kind) {
+  switch (kind) {
+    case Check_Kind::Other_Units:
+      return "UnitsofMeasurement";
+    case Check_Kind::Word_Rounded:
+      return "Axis_Format";
+    case Check_Kind::No_Feed:
+    case Check_Kind::Feed_Of_Setup:
+      return "Axis_Feed_Rate_Cut";
+    case Check_Kind::Dwell_Before_Outputs:
+      return "Outputs_Before_Dwell";
+    case Check_Kind::Stop_At_Full_Feed:
+      return "Slow_Before_Stops";
+    case Check_Kind::Arc_Other_Centre:
+      return "GC_IJ_Incremental";
+    case Check_Kind::Macro_Missing:
+      return "MacroFile0";
+    case Check_Kind::Repeat_Order:
+      return "Run_In_Table_Order";
+    case Check_Kind::Comp_Without_Diameter:
+      return "Tool_File_Name";
+    default:
+      return {};
+  }
 }
 
 }  // namespace norvik

@@ -8,6 +8,7 @@
 #include "compiler/text/compile_sources.h"
 
 #include <memory>
+#include <string_view>
 #include <vector>
 
 namespace norvik {
@@ -26,6 +27,10 @@ extern Program_Findings_State Program_Findings;
 void Check_Now();
 // The same behind a compile or an opening; a very long program waits for its button or for Play.
 void Check_After_Compile();
+
+// The key of the setting by which a finding of this kind would not come up or would be another one;
+// empty: there is none.
+std::string_view Setting_Of(Check_Kind kind);
 
 // Before a run: true when nothing is lost or read wrongly, or the operator runs it all the same.
 bool May_Begin_Run();

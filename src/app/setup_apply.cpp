@@ -13,6 +13,7 @@
 #include "drive/drive.h"
 #include "parallel/port_setup.h"
 #include "platform/platform.h"
+#include "serial/serial_page.h"
 
 namespace norvik {
 
@@ -33,12 +34,15 @@ void Port_Setup_Apply_Click() {
   if (!Stopped_For("Can't change the port setup")) return;
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Busy);
   End_Drive_Session();  // as long as the pins mean what they have been
+  Serial_Page.Label_Hint.clear();
+  if (Port_Setup.Option_Port_Type > 1) Take_Serial_Page();
   const bool saved = Save_Parallel_Info();
   Begin_Drive_Session();
   for (auto& output : CNC_Controls.Check_Outputs) output.Value = false;
   const std::string hint = Port_Setup.Label_Hint;
   Port_Setup_Form_Load();
-  Port_Setup.Label_Hint = hint;
+  Serial_Page_Form_Load();
+  Port_Setup.Label_Hint = hint.empty() ? Serial_Page.Label_Hint : hint;
   CNC_Controls_Host.Form_Changed();
   Platform.Set_Mouse_Pointer(Mouse_Pointer::Normal);
   Told_Saved(saved, "The port setup is saved. Outputs and motors are off.");

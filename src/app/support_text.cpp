@@ -3,6 +3,7 @@
 #include "app/main_form.h"
 #include "app/yield_watch.h"
 #include "core/application.h"
+#include "core/corrections.h"
 #include "core/format.h"
 #include "core/setup.h"
 #include "core/version.h"
@@ -21,6 +22,7 @@ std::string Yield_Text() {
 }  // namespace
 
 std::string Support_Text() {
+  const std::string on = Words_About_Corrections();
   const std::pair<const char*, std::string> lines[] = {
       {"Version", std::string(Program_Title) + ", " + std::string(Program_Version())},
       {"Machine file", Application.MachineFile},
@@ -29,6 +31,7 @@ std::string Support_Text() {
       {"Tables and traces", Application.Table_Folder},
       {"Error log", Application.ErrorFile},
       {"Drive", std::string(Drive().Name) + ", " + Drive().Health()},
+      {"Corrections", on.empty() ? "none is on" : on},
       {"Longest wait of a button while the machine moves", Yield_Text()},
   };
   std::string text = Main_Form.Port_Text + "\n";

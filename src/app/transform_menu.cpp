@@ -42,13 +42,15 @@ void Tell_Failure(const Fault& fault, const char* what_stands) {
   Platform.Message_Box(Title, fault.Description + "\n\n" + what_stands, Box_Buttons::Ok);
 }
 
-// What goes lost, with Continue (OK) and Cancel.
+// What goes lost, with Continue and Cancel.
 bool Operator_Goes_On(const Transformed& result) {
   std::string text;
   for (const std::string& sentence : Texts_Of(result.Losses)) text += sentence + "\n\n";
   if (text.empty()) return true;
-  text += "OK continues; Ctrl+Z brings the old text back. Cancel leaves the text as it is.";
-  return Platform.Message_Box(Title, text, Box_Buttons::Ok_Cancel) == Box_Answer::Ok;
+  text +=
+      "Continue changes the text; Ctrl+Z brings the old text back. Cancel leaves the text as it "
+      "is.";
+  return Platform.Message_Box(Title, text, Box_Buttons::Continue_Cancel) == Box_Answer::Ok;
 }
 
 bool Apply(Transform transform, const Transform_Values& values) {
@@ -259,7 +261,8 @@ void Export(const Export_Row& row) {
     report = row.Save(*path, Join_Path(Application.Table_Folder, Wire_Table_Name));
   }
   if (!report.Written) {
-    if (report.Failure.empty()) return SetStatus(1, "Export ended by ESC.", Status_Seconds);
+    if (report.Failure.empty())
+      return SetStatus(1, "Ended by ESC: nothing was written.", Status_Seconds);
     Platform.Message_Box(Title, report.Failure + "\n\nThe drawing is not written.",
                          Box_Buttons::Ok);
     return;

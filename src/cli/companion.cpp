@@ -5,6 +5,7 @@
 #include "compiler/compile/table_pair.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/text/loss_text.h"
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/fault.h"
@@ -18,6 +19,7 @@
 #include "platform/platform.h"
 
 #include <array>
+#include <cctype>
 #include <cerrno>
 #include <cstdlib>
 #include <filesystem>
@@ -196,6 +198,19 @@ void Print_Status_Line(const std::string& text) {
   std::cerr << "\r\033[K" << text << std::flush;
 }
 
+namespace {
+
+// "-.5" is a number; the reader of the command line takes only "-0.5" for one.
+std::string With_Leading_Digit(std::string word) {
+  if (word.size() > 2 && word[0] == '-' && (word[1] == '.' || word[1] == ',') &&
+      std::isdigit(static_cast<unsigned char>(word[2])) != 0) {
+    word.insert(1, 1, '0');
+  }
+  return word;
+}
+
+}  // namespace
+
 int Run_Companion(int argument_count, char** arguments, Companion_Environment environment) {
   Companion companion;
   companion.Environment = std::move(environment);
@@ -214,6 +229,7 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   app.add_flag("--decimal-comma", options.Decimal_Comma, "Work as in a region with decimal comma");
   Add_Compile_Commands(app, companion);
   Add_Setup_Command(app, companion);
+  Add_Corrections_Command(app, companion);
   Add_Run_Commands(app, companion);
   Add_Plot_Command(app, companion);
   Add_Import_Command(app, companion);
@@ -223,8 +239,12 @@ int Run_Companion(int argument_count, char** arguments, Companion_Environment en
   Add_Export_Command(app, companion);
   Add_Motion_Command(app, companion);
   Add_List_Commands(app, companion);
+  Add_Support_Command(app, companion);
   try {
-    app.parse(argument_count, arguments);
+    std::vector<std::string> words(arguments, arguments + argument_count);
+    std::vector<const char*> pointers;
+    for (std::string& word : words) pointers.push_back((word = With_Leading_Digit(word)).c_str());
+    app.parse(argument_count, pointers.data());
   } catch (const CLI::ParseError& error) {
     return app.exit(error) == 0 ? Done : Wrong_Usage;
   }

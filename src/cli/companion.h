@@ -19,6 +19,8 @@
 
 namespace norvik {
 
+struct Setup_Row;
+
 enum Exit_Status { Done = 0, Failed = 1, Wrong_Usage = 2, Interrupted_By_Operator = 130 };
 
 // Options in front of the command.
@@ -134,9 +136,20 @@ void Complain(const std::string& text);
 // Prints what the logic reported: message boxes and the error log of this call, on standard error.
 void Print_Status_Line(const std::string& text);
 
+// Runs `store` on the machine file as it stands, without the settings of this call. A file that is
+// missing is made whole first. The exit status; the reason is printed.
+int Store_Setup(const std::function<void()>& store);
+// One key of the machine file, for `store`. Raises a file fault.
+void Write_Setup_Key(const Setup_Row& row, int index, const std::string& text);
+
+// What a finding says about the correction that answers it: " {corrections set KEY}"; nothing where
+// there is none.
+std::string Correction_Word(std::string_view key);
+
 // Each adds its commands to the application.
 void Add_Compile_Commands(CLI::App& app, Companion& companion);
 void Add_Setup_Command(CLI::App& app, Companion& companion);
+void Add_Corrections_Command(CLI::App& app, Companion& companion);
 void Add_Run_Commands(CLI::App& app, Companion& companion);
 void Add_Plot_Command(CLI::App& app, Companion& companion);
 void Add_Import_Command(CLI::App& app, Companion& companion);
@@ -145,6 +158,7 @@ void Add_Adapt_Commands(CLI::App& app, Companion& companion);
 void Add_Export_Command(CLI::App& app, Companion& companion);
 void Add_Motion_Command(CLI::App& app, Companion& companion);
 void Add_List_Commands(CLI::App& app, Companion& companion);
+void Add_Support_Command(CLI::App& app, Companion& companion);
 
 // Parses and runs; the exit status of the process.
 int Run_Companion(int argument_count, char** arguments, Companion_Environment environment);

@@ -86,10 +86,11 @@ struct Check_Options {
 void Print_Finding(const std::string& file, const Check_Finding& finding) {
   std::cout << file;
   if (finding.Macro) std::cout << " (macro " << *finding.Macro << ')';
-  if (finding.Line > 0) std::cout << ':' << finding.Line;
+  if (finding.Text_Line() > 0) std::cout << ':' << finding.Text_Line();
   if (finding.Column > 0) std::cout << ':' << finding.Column;
   std::cout << ": " << Name_Of(Info_Of(finding.Kind).Grade) << ": " << finding.What;
   if (!finding.Instead.empty()) std::cout << " -> " << finding.Instead;
+  std::cout << Correction_Word(Info_Of(finding.Kind).Correction);
   std::cout << '\n';
 }
 

@@ -2,6 +2,7 @@
 #include "cli/companion.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compile_losses.h"
+#include "compiler/text/loss_text.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/paths.h"

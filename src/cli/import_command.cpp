@@ -5,8 +5,11 @@
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/paths.h"
+#include "core/setup.h"
 #include "import/gerber/layers.h"
+#include "import/pipeline/file_unit.h"
 #include "import/pipeline/pipeline.h"
+#include "import/pipeline/placing.h"
 #include "import/pipeline/report.h"
 
 #include <algorithm>
@@ -23,7 +26,44 @@ namespace {
 struct Import_Options {
   std::string File, Program, As;
   std::vector<std::string> Layers;  // empty: all
+  std::string Origin = "as-is", Units;
+  double Scale = 1, Rotate = 0;
+  bool Mirror = false;
 };
+
+const std::map<std::string, Placed_Origin>& Origins_By_Name() {
+  static const std::map<std::string, Placed_Origin> origins = {
+      {"as-is", Placed_Origin::As_Is},
+      {"lower-left", Placed_Origin::Lower_Left},
+      {"centre", Placed_Origin::Centre}};
+  return origins;
+}
+
+void Take_Placing(const Import_Options& options) {
+  Import_Placing = {};
+  Import_Placing.Origin = Origins_By_Name().at(options.Origin);
+  Import_Placing.Scale = options.Scale;
+  Import_Placing.Rotate = options.Rotate;
+  Import_Placing.Mirror = options.Mirror;
+  if (!options.Units.empty()) {
+    Import_Placing.Unit = options.Units == "inch" ? Unit_Inches : Unit_Millimetres;
+  }
+}
+
+// Why the options do not fit together, in words; empty: they do.
+std::string Words_Against_Options(const Import_Options& options, Import_Kind kind) {
+  if (!options.Layers.empty() && kind != Import_Kind::Gerber) {
+    return "--layers selects layers of Gerber files only.";
+  }
+  if (kind == Import_Kind::Bitmap && (Is_Placed() || !options.Units.empty())) {
+    return "A picture is placed by its own settings (section Bitmap), not by options.";
+  }
+  if (!options.Units.empty() && !MachineSetup.Import_Convert_Units) {
+    return "--units acts with the correction Import_Convert_Units only. Switch it on: norvik-cli "
+           "corrections set Import_Convert_Units";
+  }
+  return {};
+}
 
 const std::map<std::string, Import_Kind>& Kinds_By_Name() {
   static const std::map<std::string, Import_Kind> kinds = {{"dxf", Import_Kind::DXF},
@@ -114,8 +154,9 @@ int Import(const Companion& companion, const Import_Options& options) {
         ".gif do). Name the kind: --as dxf, hpgl, excellon, gerber or picture.");
     return Wrong_Usage;
   }
-  if (!options.Layers.empty() && *kind != Import_Kind::Gerber) {
-    Complain("--layers selects layers of Gerber files only.");
+  Take_Placing(options);
+  if (const std::string words = Words_Against_Options(options, *kind); !words.empty()) {
+    Complain(words);
     return Wrong_Usage;
   }
   Import_Call call{companion, options, {}, false};
@@ -124,6 +165,9 @@ int Import(const Companion& companion, const Import_Options& options) {
   Import_Host.Show_Report = [&](const std::vector<std::string>& lines) {
     if (!call.Unknown_Layers.empty() || companion.Environment.Asked_To_Stop()) return;
     for (const std::string& line : lines) std::cerr << line << '\n';
+    for (const std::string& key : Import_Report.Answers) {
+      std::cerr << "To switch it on: norvik-cli corrections set " << key << '\n';
+    }
   };
   if (!Import_File(*kind, options.File)) {
     Complain(options.File + ": nothing was imported; there is no such file.");
@@ -159,6 +203,15 @@ void Add_Import_Command(CLI::App& app, Companion& companion) {
       ->type_name("NAME,NAME")
       ->delimiter(',')
       ->allow_extra_args(false);
+  command->add_option("--origin", import->Origin, "What comes to X0 Y0; as-is: what the file says")
+      ->check(CLI::IsMember({"as-is", "lower-left", "centre"}));
+  command->add_option("--scale", import->Scale, "Larger by this factor, depths excepted")
+      ->check(CLI::PositiveNumber);
+  command->add_option("--rotate", import->Rotate, "Turned counter-clockwise, before it is moved")
+      ->type_name("DEGREES");
+  command->add_flag("--mirror", import->Mirror, "Left and right change places, before the turn");
+  command->add_option("--units", import->Units, "Of a file that names none")
+      ->check(CLI::IsMember({"inch", "mm"}));
   command->callback([&companion, import] {
     companion.Takes_Pictures = Kind_Of(*import) == Import_Kind::Bitmap;
     companion.Command = [&companion, import] { return Import(companion, *import); };

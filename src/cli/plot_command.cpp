@@ -53,6 +53,7 @@ int Plot_Program(const Companion& companion, const Plot_Options& options) {
 
 std::vector<std::string> View_Names() {
   std::vector<std::string> names;
+  names.reserve(Preset_Views.size());
   for (const Preset_View& view : Preset_Views) names.emplace_back(view.Name);
   return names;
 }

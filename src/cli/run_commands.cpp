@@ -4,6 +4,7 @@
 #include "cli/companion.h"
 #include "compiler/state/compile_losses.h"
 #include "compiler/tables/program_wire.h"
+#include "compiler/text/program_text.h"
 #include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/waits.h"
@@ -208,6 +209,7 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   const bool motion = Is_Motion_File(options.Program);
   if (!motion && !Load_Program(options.Program, options.Adapt, options.Accept_Losses))
     return Failed;
+  Connect_Control();  // the port that is chosen next depends on the drive
   if (virtual_clock) {
     Use_Simulation(companion.Environment);
   } else if (!Use_Machine(companion.Environment, options.Confirm_Setup)) {
@@ -215,7 +217,6 @@ int Run(const Companion& companion, const Run_Command_Options& options) {
   } else {
     Choose_What_Is_Kept(companion, options);
   }
-  Connect_Control();
   Run_Options run;
   if (!options.Trace.empty()) run.Trace_File = options.Trace;
   run.Progress = Print_Progress;
@@ -282,9 +283,9 @@ std::string Words_About_Axis(int axis, const Axis_Travel& travel) {
   if (!first_line) return {};
   const bool metric = MachineSetup.UnitsofMeasurement == 1;
   std::string words = std::string(1, Axis_Letter(axis)) + " leaves the table at line " +
-                      std::to_string(*first_line) + ": ";
-  if (farthest_line != *first_line) words += "farthest at line " + std::to_string(farthest_line);
-  if (farthest_line != *first_line) words += ", ";
+                      std::to_string(Text_Line_Of_Step(*first_line)) + ": ";
+  if (farthest_line != *first_line)
+    words += "farthest at line " + std::to_string(Text_Line_Of_Step(farthest_line)) + ", ";
   return words + Length_Text(farthest) + " is " + Length_Text(beyond) + (metric ? " mm" : " inch") +
          " beyond its end at " + Length_Text(farthest > travel.High ? travel.High : travel.Low);
 }

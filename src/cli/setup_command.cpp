@@ -7,6 +7,7 @@
 #include "core/paths.h"
 #include "core/profile_file.h"
 #include "core/setup.h"
+#include "core/setup_compare.h"
 #include "core/setup_keys.h"
 #include "core/setup_table.h"
 #include "core/setup_tail.h"
@@ -52,9 +53,64 @@ std::string Why_Not_Stored(const Setup_Row& row) {
          "effect. Tool_File_Name names the tool file, by a path of its own.";
 }
 
-// Runs `store` on the machine file as it stands, without the settings of this call. A file that is
-// missing is made whole first.
-int Store(const std::function<void()>& store) {
+int Store_Key(const Setup_Key& key) {
+  const std::string why_not = Why_Not_Stored(*key.Row);
+  if (!why_not.empty()) {
+    Complain(Setup_Full_Name(key) + " is not stored: " + why_not);
+    return Failed;
+  }
+  const std::string text = Setup_Text(*key.Row, key.Index);
+  return Store_Setup([&] { Write_Setup_Key(*key.Row, key.Index, text); });
+}
+
+// Those too that a save leaves to the windows that change them.
+int Reset_All() {
+  return Store_Setup([] {
+    Restore_Factory_Setup();
+    Profile_Session file(Application.MachineFile, Profile_Use::Writing);
+    if (!SaveMachineSetup()) throw Fault(Fault_Number::Path_Access, "The file cannot be written");
+    for (const Setup_Row& row : Setup_Rows()) {
+      if (row.Save != Save_Place::Nowhere) continue;
+      for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
+        Write_Setup_Key(row, index, Setup_Text(row, index));
+      }
+    }
+    file.Commit();
+  });
+}
+
+// Like the tools that compare files: 1 where something differs.
+int Compare_With(const std::string& path) {
+  try {
+    const std::vector<Setup_Difference> differences = Compare_Setup_With(path);
+    for (const Setup_Difference& one : differences) {
+      std::cout << one.Key << ": " << one.Here << " | " << one.There << '\n';
+    }
+    return differences.empty() ? Done : Failed;
+  } catch (const Fault& fault) {
+    Complain(fault.Description);
+    return Wrong_Usage;
+  }
+}
+
+int Check_Machine() {
+  Choose_Drive_By_Setup();  // the drive has findings of its own
+  const auto findings = Machine_Check();
+  for (const Machine_Finding& finding : findings) {
+    std::cout << finding.Text;
+    if (!finding.Key.empty()) std::cout << " [" << finding.Key << ']';
+    std::cout << Correction_Word(finding.Correction) << '\n';
+  }
+  for (const std::string& finding : Setup_Store.Findings) std::cout << finding << '\n';
+  for (const std::string& key : Lost_Tail.Keys) std::cout << "missing [" << key << "]\n";
+  const auto count = findings.size() + Setup_Store.Findings.size() + Lost_Tail.Keys.size();
+  std::cout << count << (count == 1 ? " finding" : " findings") << '\n';
+  return count == 0 ? Done : Failed;
+}
+
+}  // namespace
+
+int Store_Setup(const std::function<void()>& store) {
   Setup_Store.Leaves_Files = false;
   if (!FileExists(Application.MachineFile)) {
     Restore_Factory_Setup();
@@ -70,52 +126,9 @@ int Store(const std::function<void()>& store) {
   return Done;
 }
 
-void Write_Key(const Setup_Row& row, int index, const std::string& text) {
+void Write_Setup_Key(const Setup_Row& row, int index, const std::string& text) {
   Write_Profile(Application.MachineFile, row.Section, Setting_Key(row, index), text);
 }
-
-int Store_Key(const Setup_Key& key) {
-  const std::string why_not = Why_Not_Stored(*key.Row);
-  if (!why_not.empty()) {
-    Complain(Setup_Full_Name(key) + " is not stored: " + why_not);
-    return Failed;
-  }
-  const std::string text = Setup_Text(*key.Row, key.Index);
-  return Store([&] { Write_Key(*key.Row, key.Index, text); });
-}
-
-// Those too that a save leaves to the windows that change them.
-int Reset_All() {
-  return Store([] {
-    Restore_Factory_Setup();
-    Profile_Session file(Application.MachineFile, Profile_Use::Writing);
-    if (!SaveMachineSetup()) throw Fault(Fault_Number::Path_Access, "The file cannot be written");
-    for (const Setup_Row& row : Setup_Rows()) {
-      if (row.Save != Save_Place::Nowhere) continue;
-      for (int index = row.Loaded.First; index <= row.Loaded.Last; ++index) {
-        Write_Key(row, index, Setup_Text(row, index));
-      }
-    }
-    file.Commit();
-  });
-}
-
-int Check_Machine() {
-  Choose_Drive_By_Setup();  // the drive has findings of its own
-  const auto findings = Machine_Check();
-  for (const Machine_Finding& finding : findings) {
-    std::cout << finding.Text;
-    if (!finding.Key.empty()) std::cout << " [" << finding.Key << ']';
-    std::cout << '\n';
-  }
-  for (const std::string& finding : Setup_Store.Findings) std::cout << finding << '\n';
-  for (const std::string& key : Lost_Tail.Keys) std::cout << "missing [" << key << "]\n";
-  const auto count = findings.size() + Setup_Store.Findings.size() + Lost_Tail.Keys.size();
-  std::cout << count << (count == 1 ? " finding" : " findings") << '\n';
-  return count == 0 ? Done : Failed;
-}
-
-}  // namespace
 
 void Add_Setup_Command(CLI::App& app, Companion& companion) {
   CLI::App* setup = app.add_subcommand("setup", "Show and change the machine file");
@@ -163,6 +176,12 @@ void Add_Setup_Command(CLI::App& app, Companion& companion) {
       });
     };
   });
+
+  const auto file = std::make_shared<std::string>();
+  CLI::App* compare = setup->add_subcommand("compare", "What another machine file has otherwise");
+  compare->add_option("file", *file, "The other machine file")->required();
+  compare->callback(
+      [&companion, file] { companion.Command = [file] { return Compare_With(*file); }; });
 
   CLI::App* check = setup->add_subcommand("check", "What in this machine file may surprise you");
   check->callback([&companion] { companion.Command = [] { return Check_Machine(); }; });

@@ -119,16 +119,16 @@ char* Put_Digits(char* out, const Decimal_Text& text, const Number_Pattern& patt
 // the value lies so close to a tie that only its text decides. False: not such a number.
 bool Put_Small_Number(char*& out, double magnitude, bool negative, const Number_Pattern& pattern,
                       char decimal_sign) {
-  constexpr double largest = 1e9, near_tie = 1e-5;
+  constexpr double largest = 1e13;
   constexpr int most_decimals = 9;
   if (pattern.Decimals > most_decimals || pattern.Grouped) return false;
   const double scaled = magnitude * Powers_Of_Ten[pattern.Decimals];
   if (!(scaled < largest)) return false;
   const double rounded = std::nearbyint(scaled);
-  if (std::abs(std::abs(scaled - rounded) - 0.5) < near_tie) return false;
+  if (Near_Tie(scaled, rounded)) return false;
 
   Decimal_Text text;
-  const auto number = static_cast<std::uint32_t>(rounded);
+  const auto number = static_cast<std::uint64_t>(rounded);
   if (number != 0) {
     const auto end =
         std::to_chars(text.Digits.data(), text.Digits.data() + text.Digits.size(), number);

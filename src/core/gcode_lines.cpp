@@ -27,7 +27,6 @@ GCode_Lines::GCode_Lines(std::string path, std::string what_to_do)
       What_To_Do(std::move(what_to_do)),
       File(std::fopen(Path.c_str(), "wb")) {
   if (!File) Raise_Write_Fault();
-  Buffer.reserve(Chunk + Chunk / 4);
 }
 
 void GCode_Lines::Begin(std::string_view statement) {

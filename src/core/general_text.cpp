@@ -102,13 +102,13 @@ double Round_12(double value) {
 // text does). Near a tie only the text decides.
 double Decimal_Rounding::operator()(double value) const {
   constexpr int most_decimals = 9;
-  constexpr double largest = 1e12, near_tie = 1e-3;
+  constexpr double largest = 1e13;
   if (Pattern.Decimals <= most_decimals) {
     const double scale = Powers_Of_Ten[Pattern.Decimals];
     const double scaled = std::abs(value) * scale;
     if (scaled < largest) {
       const double whole = std::nearbyint(scaled);
-      if (std::abs(std::abs(scaled - whole) - 0.5) > near_tie) {
+      if (!Near_Tie(scaled, whole)) {
         return whole == 0 ? 0 : std::copysign(whole / scale, value);
       }
     }

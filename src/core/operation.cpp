@@ -23,7 +23,7 @@ constexpr Operation_Row Rows[] = {
     {"the check of the program", false, Esc},
     {"an import", false, Esc},
     {"the opening of a file", false, Esc},
-    {"a step in the G-Code window", false, Nobody},
+    {"a change of the program or an export", false, Esc},
     {"the run of the program", true, Motion | Pause},
     {"a step of the program", true, Motion | Pause},
     {"a jog", true, Motion | Release},
@@ -125,7 +125,8 @@ std::string Why_Not_Begin(Operation wanted) {
     case Obstacle::EStop:
       return std::string(operation_text::Motors_Are_Disabled);
     case Obstacle::Program_Is_Held:
-      return std::string(operation_text::Compile_Runs);
+      return Runs(Operation::Compile) ? std::string(operation_text::Compile_Runs)
+                                      : Busy_Text(Operation::Edit);
     case Obstacle::No_Drive:
       return std::string(Operation_Host.Drive_Missing());
     case Obstacle::None:

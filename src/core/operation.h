@@ -28,7 +28,7 @@ enum class Operation {
   Check,         // of the program for what it loses
   Import,        // of a drawing, a drill file, a picture
   Open,          // of a file or a machine setup, printing: whatever changes what could run
-  Edit,          // a step of the G-code window that a compile must not meet
+  Edit,          // of the program's text, or an export: what a compile must not meet
   Run,           // Play
   Step,          // one step of the program
   Jog,           // by a button of the panel

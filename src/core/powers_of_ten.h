@@ -1,6 +1,8 @@
 // powers_of_ten.h: ten to the power of the index, as far as it is exact.
 #pragma once
 
+#include <algorithm>
+#include <cmath>
 #include <cstdint>
 
 namespace norvik {
@@ -26,5 +28,12 @@ inline constexpr std::uint64_t Whole_Powers_Of_Ten[] = {1,
                                                         10'000'000'000'000,
                                                         100'000'000'000'000,
                                                         1'000'000'000'000'000};
+
+// True when a number of units of the last place kept, up to 1e13 of them, lies so close to the
+// middle between two of them that only its 15 digits decide where it is rounded to.
+inline bool Near_Tie(double scaled, double rounded) {
+  constexpr double noise_of_15_digits = 1e-14, least = 1e-5;
+  return std::abs(std::abs(scaled - rounded) - 0.5) < std::max(least, scaled * noise_of_15_digits);
+}
 
 }  // namespace norvik

@@ -1,7 +1,9 @@
 #include "core/setting_row.h"
 
 #include "core/format.h"
+#include "core/numbers.h"
 
+#include <algorithm>
 #include <cmath>
 #include <utility>
 
@@ -37,6 +39,98 @@ std::string Setting_Entry(const Setting_Row& row, int index) {
 
 std::string Setting_Label(const Setting_Row& row, int index) {
   return With_Name(row.Label, Setting_Entry(row, index));
+}
+
+std::string Setting_Family_Label(const Setting_Row& row) {
+  std::string_view label = row.Label;
+  const auto place = label.find(Index_Place);
+  if (place == std::string_view::npos) return std::string(label);
+  std::string_view before = label.substr(0, place), behind = label.substr(place + 3);
+  if (behind.starts_with(": ")) return std::string(behind.substr(2));
+  for (const std::string_view joint : {" of ", ": ", ", ", ",", " "}) {
+    if (!before.ends_with(joint)) continue;
+    before.remove_suffix(joint.size());
+    break;
+  }
+  return std::string(before) + std::string(behind);
+}
+
+bool Takes_Number_Or_Nothing(const Setting_Row& row) {
+  if (row.Kind != Setting_Kind::Text || !row.Choices.empty()) return false;
+  return !row.Unit.empty() || std::isfinite(row.Bounds.Low) || std::isfinite(row.Bounds.High);
+}
+
+std::string Wanted_Setting(const Setting_Row& row) {
+  const std::string values = Setting_Values(row);
+  const auto with_unit = [&](std::string text) {
+    return row.Unit.empty() ? text : text + " " + std::string(row.Unit);
+  };
+  if (!row.Choices.empty()) return with_unit("one of " + values);
+  const bool optional = Takes_Number_Or_Nothing(row);
+  std::string wanted = "a " + (optional ? std::string("number") : Setting_Kind_Name(row));
+  if (!values.empty()) wanted += ", " + values;
+  return with_unit(wanted) + (optional ? ", or nothing" : "");
+}
+
+namespace {
+
+bool Holds_No_Character(std::string_view text) {
+  return text.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+// A line end, a tabulator, a character that nobody sees: pasted along with the value.
+bool Holds_Control_Character(std::string_view text) {
+  return std::any_of(text.begin(), text.end(),
+                     [](char c) {
+                       const auto code = static_cast<unsigned char>(c);
+                       return code < 32 || code == 127;
+                     }) ||
+         text.find("\u2028") != std::string_view::npos ||
+         text.find("\u2029") != std::string_view::npos;
+}
+
+std::string Takes(const Setting_Row& row) {
+  return "Takes " + Wanted_Setting(row) + ".";
+}
+
+std::string Why_Not_Number(const Setting_Row& row, std::string_view text) {
+  const auto number = Try_Number(text);
+  if (!number || !std::isfinite(*number)) return Takes(row);
+  if (*number == 0 && text.find('-') != std::string_view::npos) return "Type 0 without a sign.";
+  if (row.Choices.empty()) {
+    const bool within = *number >= row.Bounds.Low && *number <= row.Bounds.High;
+    return within ? "" : Takes(row);
+  }
+  const bool known = std::any_of(
+      row.Choices.begin(), row.Choices.end(),
+      [&](const Setting_Choice& choice) { return NullToZero(choice.Value) == *number; });
+  return known ? "" : Takes(row);
+}
+
+}  // namespace
+
+std::string Why_Not_Setting(const Setting_Row& row, std::string_view text) {
+  constexpr std::size_t longest = 255;  // of a value in the file
+  if (Holds_Control_Character(text)) return "A line end or tabulator can be no part of it.";
+  if (text.size() > longest) return "At most 255 characters.";
+  switch (row.Kind) {
+    case Setting_Kind::Whole_Number:
+    case Setting_Kind::Number:
+      return Holds_No_Character(text) ? Takes(row) : Why_Not_Number(row, text);
+    case Setting_Kind::Yes_No:
+    case Setting_Kind::Numeral_Format:
+      return Holds_No_Character(text) ? Takes(row) : "";
+    case Setting_Kind::Text:
+      break;
+  }
+  if (Takes_Number_Or_Nothing(row)) {
+    return Holds_No_Character(text) ? "" : Why_Not_Number(row, text);
+  }
+  if (row.Choices.empty()) return {};
+  const bool known =
+      std::any_of(row.Choices.begin(), row.Choices.end(),
+                  [&](const Setting_Choice& choice) { return choice.Value == text; });
+  return known ? "" : Takes(row);
 }
 
 std::string Setting_Kind_Name(const Setting_Row& row) {

@@ -69,6 +69,15 @@ std::string Setting_Key(const Setting_Row& row, int index);
 std::string Setting_Entry(const Setting_Row& row, int index);
 // The label of one entry: "Steps per unit, X".
 std::string Setting_Label(const Setting_Row& row, int index);
+// The label of a whole family, as the head of its column or line: "Steps per unit", "Port".
+std::string Setting_Family_Label(const Setting_Row& row);
+// True for a text that is a number or empty: one with a unit or with bounds.
+bool Takes_Number_Or_Nothing(const Setting_Row& row);
+// What a value may be, in words: "a whole number, 1 to 15 hertz per step".
+std::string Wanted_Setting(const Setting_Row& row);
+// Why a text that somebody types cannot be the value, a sentence that says what to type instead;
+// empty: it can. Stricter than a load, which makes something of every text.
+std::string Why_Not_Setting(const Setting_Row& row, std::string_view text);
 // "whole number", "number", "yes or no", "text" or "numeral format"
 std::string Setting_Kind_Name(const Setting_Row& row);
 // What the value may be: "0 inch, 1 millimetre", "True, False", "0 to 15", "at least 0", or

@@ -182,6 +182,8 @@ struct Machine_Setup {
   std::int32_t Limit_Filter_Steps = 0;  // half steps; 0: off
   bool Home_Needs_Switch = false;
   bool Port_Shadow = false;
+  bool Serial_Jog_Pieces = false;
+  bool Serial_Path_Feed = false;
   bool Outputs_Before_Dwell = false;
   bool Slow_Before_Stops = false;
   bool Goto_From_Position = false;
@@ -189,6 +191,14 @@ struct Machine_Setup {
   bool HPGL_Export_Raw_Z = false;
   bool Motion_File_Any_Length = false;
   bool Adapt_Always = false;
+  bool Backlash_Even = false;
+  bool Home_Tap_Target = false;
+  bool One_Acceleration = false;
+  bool Axis_Scale_Delay = false;
+  bool Drop_Rounding_Of_Loads = false;
+  bool Import_Convert_Units = false;
+  bool Excellon_Header = false;
+  bool HPGL_All_Pairs = false;
 };
 extern Machine_Setup MachineSetup;
 
@@ -212,7 +222,7 @@ struct Setup_Host_Operations {
   std::function<void(std::int16_t level)> Apply_Priority = [](std::int16_t) {};
   // `Axis_SPI` has been read: the drives copy it to their working slots.
   std::function<void()> Copy_Steps_Per_Unit = [] {};
-  // All keys of a serial board have been read: its setup goes to the controller.
+  // All keys that a serial board needs have been read: they go to the board that is connected.
   std::function<void()> Send_To_Controller = [] {};
 };
 extern Setup_Host_Operations Setup_Host;

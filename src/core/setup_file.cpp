@@ -112,7 +112,7 @@ void After_Row(const Setup_Row& row) {
       Setup_Host.Copy_Steps_Per_Unit();
       break;
     case After_Load::Send_To_Controller:
-      if (MachineSetup.Parallel_Port_Type > 1) Setup_Host.Send_To_Controller();
+      Setup_Host.Send_To_Controller();
   }
 }
 

@@ -1,37 +1,29 @@
 #include "core/setup_keys.h"
 
+#include "core/computer_settings.h"
 #include "core/fault.h"
-#include "core/format.h"
+#include "core/numbers.h"
 #include "core/paths.h"
+#include "core/scope.h"
 
 #include <algorithm>
+#include <variant>
 
 namespace norvik {
 
 namespace {
 
-std::string With_Unit(std::string text, std::string_view unit) {
-  if (!text.empty() && !unit.empty()) text += " " + std::string(unit);
-  return text;
-}
-
 [[noreturn]] void Raise_Unfit(const Setup_Key& key, std::string_view text, Fault_Number number) {
-  const Setup_Row& row = *key.Row;
-  const std::string values = Setting_Values(row);
-  std::string wanted;
-  if (!row.Choices.empty()) {
-    wanted = "one of " + values;
-  } else {
-    wanted = "a " + Setting_Kind_Name(row) + (values.empty() ? "" : ", " + values);
-  }
-  throw Fault(number, Setup_Full_Name(key) + " takes " + With_Unit(wanted, row.Unit) + ", not \"" +
+  throw Fault(number, Setup_Full_Name(key) + " takes " + Wanted_Setting(*key.Row) + ", not \"" +
                           std::string(text.substr(0, 60)) + "\"");
 }
 
 // Whether a text that is a value of the type is also one that makes sense.
 bool Makes_Sense(const Setup_Row& row, std::string_view text) {
   if (text.empty()) return true;
-  if (row.Kind == Setting_Kind::Whole_Number || row.Kind == Setting_Kind::Number) {
+  if (Takes_Number_Or_Nothing(row) && !Try_Number(text)) return false;
+  if (row.Kind == Setting_Kind::Whole_Number || row.Kind == Setting_Kind::Number ||
+      Takes_Number_Or_Nothing(row)) {
     const double number = NullToZero(text);
     if (row.Choices.empty()) return number >= row.Bounds.Low && number <= row.Bounds.High;
     return std::any_of(row.Choices.begin(), row.Choices.end(), [&](const Setting_Choice& choice) {
@@ -126,6 +118,23 @@ void Reset_Setup_Key(const Setup_Key& key) {
   Read_Setup_Text(*key.Row, key.Index, "");
 }
 
+std::string Why_Not_Setup_Text(const Setup_Key& key, std::string_view text) {
+  std::string why_not = Why_Not_Setting(*key.Row, text);
+  if (why_not.empty() && !Is_Setup_Text(*key.Row, key.Index, text)) {
+    why_not = "Takes " + Wanted_Setting(*key.Row) + ".";
+  }
+  return why_not;
+}
+
+std::string Setup_Text_After(const Setup_Key& key, std::string_view text) {
+  const auto read = [&](auto* field) {
+    const Value_In_Scope kept(*field, *field);
+    Read_Setup_Text(*key.Row, key.Index, text);
+    return Setup_Text(*key.Row, key.Index);
+  };
+  return std::visit(read, key.Row->Field(MachineSetup, key.Index));
+}
+
 std::string Setup_Reference_Page() {
   std::string page =
       "# Settings\n\n"
@@ -143,7 +152,7 @@ std::string Setup_Reference_Page() {
       if (row.Group == group) page += Page_Line(row);
     }
   }
-  return page;
+  return page + Computer_Reference();
 }
 
 }  // namespace norvik

@@ -32,6 +32,13 @@ std::string Setup_Full_Name(const Setup_Key& key);
 // the operator, when the text is no value of the type, is none of the row's choices or lies outside
 // its bounds; the old value is then kept.
 void Change_Setup_Key(const Setup_Key& key, std::string_view text);
+// Why a text that an operator types cannot be the value, a sentence for beside its field; empty: it
+// can. Stricter than `Change_Setup_Key`: an empty number, a sign before 0 and line ends are
+// refused.
+std::string Why_Not_Setup_Text(const Setup_Key& key, std::string_view text);
+// What the key would hold after a load of this text; an empty one gives the factory value. The
+// setup stays as it is.
+std::string Setup_Text_After(const Setup_Key& key, std::string_view text);
 // Back to the factory value.
 void Reset_Setup_Key(const Setup_Key& key);
 

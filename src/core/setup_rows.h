@@ -101,6 +101,18 @@ struct Row_Builder : Setup_Row {
     After = what;
     return *this;
   }
+  Row_Builder& Recommends(std::string_view value) {
+    Recommended = value;
+    return *this;
+  }
+  Row_Builder& For(std::string_view whom) {
+    For_Whom = whom;
+    return *this;
+  }
+  Row_Builder& Named(std::string_view by) {
+    Named_By = by;
+    return *this;
+  }
   Row_Builder& Says(std::string_view help) {
     Help = help;
     return *this;

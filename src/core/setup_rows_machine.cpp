@@ -101,7 +101,8 @@ Setup_Row_List General_Rows() {
       Key<&M::ErrorFile_AutoClear>("General", "ErrorFile_AutoClear")
           .Called(page::General, "Clear the error log at start")
           .Saved(Save_Place::Log_Clearing)
-          .Says("Begins a new error log at each start; off: it grows on."),
+          .Says("Begins a new error log at each start; off: it goes on up to its size "
+                "(docs/files.md)."),
   };
 }
 
@@ -531,6 +532,7 @@ Setup_Row_List Motor_Power_And_Board_Rows() {
       Family<&M::Parallel_MCode_High>("Parallel Setup", "Parallel_MCode_High_<n>")
           .Called(page::Pins, "M code that switches the auxiliary output on")
           .Changed(After_Change::Recompile)
+          .Between(0, 999)
           .Loads(0, 0)
           .Saves(0, 0)
           .Saved(Save_Place::Parallel)
@@ -538,6 +540,7 @@ Setup_Row_List Motor_Power_And_Board_Rows() {
       Family<&M::Parallel_MCode_Low>("Parallel Setup", "Parallel_MCode_low_<n>")
           .Called(page::Pins, "M code that switches the auxiliary output off")
           .Changed(After_Change::Recompile)
+          .Between(0, 999)
           .Loads(0, 0)
           .Saves(0, 0)
           .Saved(Save_Place::Parallel, "Parallel_MCode_Low_<n>")
@@ -594,6 +597,7 @@ Setup_Row_List Board_Rows() {
       Family<&M::Dravon_MCode_High>(section, "Dravon_MCode_High_<n>")
           .Called(page::Board, "M code that switches the auxiliary output on, on a board")
           .Changed(After_Change::Recompile)
+          .Between(0, 999)
           .Loads(0, 0)
           .Saves(0, 0)
           .Saved(Save_Place::Parallel)
@@ -601,6 +605,7 @@ Setup_Row_List Board_Rows() {
       Family<&M::Dravon_MCode_Low>(section, "Dravon_MCode_Low_<n>")
           .Called(page::Board, "M code that switches the auxiliary output off, on a board")
           .Changed(After_Change::Recompile)
+          .Between(0, 999)
           .Loads(0, 0)
           .Saves(0, 0)
           .Saved(Save_Place::Parallel)

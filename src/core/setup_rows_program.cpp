@@ -21,7 +21,7 @@ Setup_Row_List Colour_And_Arc_Rows() {
           .Called(page::Plot, "Colour of <n>")
           .Each("travel|cut|deep cut|background|grid|cursor|cursor blinking")
           .Changed(After_Change::Redraw)
-          .Plain("16711680")
+          .Plain("16711680|24277|7048960|16448250|10526880|1316060|38655")
           .Loads(0, 0)
           .Between(0, 16777215)
           .Saved(Save_Place::Plot_Colors)

@@ -40,6 +40,7 @@ std::span<const Setup_Row* const> Setup_Rows_In_Save_Order() {
 
 std::string Setup_Default_Text(const Setup_Row& row, int index) {
   if (row.Default_Of != nullptr) return row.Default_Of(MachineSetup, index);
+  if (row.Is_Family && index < row.Loaded.First) return {};  // kept for other programs
   std::string_view entries = row.Default;
   for (int entry = row.Loaded.First; entry < index; ++entry) {
     const auto bar = entries.find('|');

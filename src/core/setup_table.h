@@ -86,6 +86,10 @@ struct Setup_Row : Setting_Row {
   Save_Place Save = Save_Place::Nowhere;
   After_Load After = After_Load::Nothing;
   std::string_view Save_Key;  // where the save spells the key differently
+
+  // Of a correction (corrections.h): the value that suits every machine, empty where it depends on
+  // the machine; who should switch it on; where a report names what it answers.
+  std::string_view Recommended, For_Whom, Named_By;
 };
 
 // The rows in the order of the load.

@@ -60,6 +60,28 @@ bool Has_Most(const Saved_Section& section) {
   return section.Present > section.Missing.size();
 }
 
+// For sections that stand in the order of the save.
+bool Ends_Too_Early(const std::vector<Saved_Section>& sections) {
+  auto behind_last = sections.end();
+  while (behind_last != sections.begin() && (behind_last - 1)->Present == 0) --behind_last;
+  if (behind_last == sections.begin() || behind_last == sections.end()) return false;
+  return !(behind_last - 1)->Has_Gaps && std::all_of(sections.begin(), behind_last - 1, Has_Most);
+}
+
+// For sections in any order, as in a file that a person began: a save ends every line, so that a
+// last line without an end, in the only section that lacks much, was cut.
+bool Is_Cut_Within_A_Line(const std::vector<Saved_Section>& sections) {
+  const std::string text = Read_Whole_File(Application.MachineFile);
+  if (text.empty() || text.back() == '\n') return false;
+  const auto start = text.rfind("\n[");
+  const std::string_view last =
+      start == text.npos ? std::string_view() : std::string_view(text).substr(start + 2);
+  return std::all_of(sections.begin(), sections.end(), [&](const Saved_Section& section) {
+    return section.Present == 0 || Has_Most(section) ||
+           (last.starts_with(section.Name) && last.substr(section.Name.size()).starts_with(']'));
+  });
+}
+
 }  // namespace
 
 void Look_For_Lost_Tail() {
@@ -67,13 +89,10 @@ void Look_For_Lost_Tail() {
   if (!FileExists(Application.MachineFile) || !Saved_Whole()) return;
   const Profile_Session file(Application.MachineFile, Profile_Use::Reading);
   const std::vector<Saved_Section> sections = Saved_Sections();
-  auto behind_last = sections.end();
-  while (behind_last != sections.begin() && (behind_last - 1)->Present == 0) --behind_last;
   std::size_t present = 0;
   for (const Saved_Section& section : sections) present += section.Present;
-  if (present < Fewest_Keys || behind_last == sections.end()) return;
-  if ((behind_last - 1)->Has_Gaps) return;
-  if (!std::all_of(sections.begin(), behind_last - 1, Has_Most)) return;
+  if (present < Fewest_Keys) return;
+  if (!Ends_Too_Early(sections) && !Is_Cut_Within_A_Line(sections)) return;
   for (const Saved_Section& section : sections) {
     Lost_Tail.Keys.insert(Lost_Tail.Keys.end(), section.Missing.begin(), section.Missing.end());
   }

@@ -4,7 +4,8 @@
 // short leaves a file that carries the mark and lacks what came last. A file that a person keeps
 // short lacks keys everywhere. The sections tell them apart, in the order of the save: the end is
 // lost where every section up to some point has most of its keys, the last one those that a save
-// writes first, and the sections behind it have none.
+// writes first, and the sections behind it have none. A file whose sections stand in another order
+// has lost its end where its last line was cut and no section but the last one lacks much.
 #pragma once
 
 #include <string>

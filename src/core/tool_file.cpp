@@ -39,20 +39,24 @@ std::optional<std::array<std::string_view, 2>> Fields_Of(std::string_view line) 
   }
 }
 
-// What is wrong with a line; empty: nothing.
-std::string Take_Row(int tool, std::string_view line) {
+// What is wrong with a line, without and with its text in between; empty: nothing.
+struct Row_Finding {
+  std::string Line, Text, What;
+};
+
+Row_Finding Take_Row(int tool, std::string_view line) {
   const auto fields = Fields_Of(line);
   const auto diameter = fields ? Field_Number((*fields)[0]) : std::nullopt;
   const auto length = fields ? Field_Number((*fields)[1]) : std::nullopt;
   Tools.Diameter[tool] = diameter.value_or(0);
   Tools.Length[tool] = length.value_or(0);
   const auto says = [&](const char* what) {
-    return "line " + std::to_string(tool) + ": \"" + std::string(line.substr(0, 60)) + what;
+    return Row_Finding{"line " + std::to_string(tool),
+                       ": \"" + std::string(line.substr(0, 60)) + "\"", what};
   };
-  if (!fields) return says("\" cannot be told apart into diameter,offset; both count as 0");
-  if (!diameter || !length)
-    return says("\" is not diameter,offset; the missing number counts as 0");
-  if (*diameter < 0) return says("\" has a diameter below 0");
+  if (!fields) return says(" cannot be told apart into diameter,offset; both count as 0");
+  if (!diameter || !length) return says(" is not diameter,offset; the missing number counts as 0");
+  if (*diameter < 0) return says(" has a diameter below 0");
   return {};
 }
 
@@ -68,13 +72,13 @@ std::vector<std::string> Rows_Of(std::string_view text) {
   return rows;
 }
 
-std::vector<std::string> Take_Rows(const std::vector<std::string>& rows) {
+std::vector<Row_Finding> Take_Rows(const std::vector<std::string>& rows) {
   Tools = {};
-  std::vector<std::string> findings;
+  std::vector<Row_Finding> findings;
   const int count = static_cast<int>(std::min<std::size_t>(rows.size(), Tools.Diameter.last));
   for (int tool = 1; tool <= count; ++tool) {
-    std::string finding = Take_Row(tool, rows[static_cast<std::size_t>(tool - 1)]);
-    if (!finding.empty()) findings.push_back(std::move(finding));
+    Row_Finding finding = Take_Row(tool, rows[static_cast<std::size_t>(tool - 1)]);
+    if (!finding.What.empty()) findings.push_back(std::move(finding));
   }
   return findings;
 }
@@ -85,16 +89,20 @@ bool Read_Tool_File(const std::string& path) {
   Tools = {};
   if (path.empty() || !FileExists(path)) return false;
   return Trap("Read Tool File", [&] {
-    for (const std::string& finding :
+    // A machine file from elsewhere may name any file here, so its text stays out of the log.
+    for (const Row_Finding& finding :
          Take_Rows(Rows_Of(Read_Foreign_File(path, Largest_Tool_File)))) {
-      ErrorLogWrite("Tool file " + path + ", " + finding);
+      ErrorLogWrite("Tool file " + path + ", " + finding.Line + finding.What);
     }
   });
 }
 
 Tool_Findings Take_Tool_Text(std::string_view text) {
   const auto rows = Rows_Of(text);
-  Tool_Findings findings{Take_Rows(rows), {}};
+  Tool_Findings findings;
+  for (const Row_Finding& finding : Take_Rows(rows)) {
+    findings.Lines.push_back(finding.Line + finding.Text + finding.What);
+  }
   const auto all = static_cast<std::size_t>(Tools.Diameter.last);
   if (rows.size() != all) findings.Rows = Wrong_Count(rows.size(), all);
   return findings;

@@ -1,7 +1,7 @@
 // drive.h: what moves the machine, as one record of operations.
 //
 // Run loop, sequences, jogs, displays and both programs know the drive by this record alone. A
-// drive fills in what it has; what it leaves out does nothing and answers "nothing to report".
+// drive fills in what it has; what it leaves out does nothing and reports nothing.
 //
 //   control, app, ui, cli  --->  Drive()  --->  parallel: pins, a move blocks its caller
 //                                          |->  a serial board: a link and a queue of moves
@@ -19,6 +19,7 @@
 #include "drive/move.h"
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -34,8 +35,12 @@ struct Drive_Operations {
   bool Times_Half_Steps = false;
   // `Set_Override` acts.
   bool Overrides_Feed = false;
+  // `Set_Spindle_Level` acts.
+  bool Sets_Spindle_Speed = false;
   // Moves and dwells are taken over into a queue: a sequence that needs an end waits for it.
   bool Queues_Moves = false;
+  // The drive is a board at the far end of a serial link: of generation 0 or 1. Absent: none is.
+  std::optional<int> Board = std::nullopt;
 
   // --- Session ----------------------------------------------------------------------------------
   // Takes the machine in hand: forgets what was kept of a machine before, brings every output to
@@ -91,13 +96,15 @@ struct Drive_Operations {
   bool (*Starts_On_A_Switch)() = [] { return false; };
   // A home and limit switch of axis 1..4 is wired.
   bool (*Has_Switch)(int axis) = [](int) { return true; };
+  // The drive reports a fault of its own, as of an encoder.
+  bool (*In_Fault)() = [] { return false; };
   // State of the E-stop input and of the auxiliary input.
   bool (*EStop_Input_On)() = [] { return false; };
   bool (*Aux_Input_High)() = [] { return false; };
   // Output 1..5 on or off.
   void (*Switch_Output)(int n, bool on) = [](int, bool) {};
-  // Spindle speed in the units of the S word, at once. For drives with a speed output.
-  void (*Set_Spindle_Speed)(double s_word) = [](double) {};
+  // Spindle speed at once, 0 to 1023 for 0 to full speed. For drives with a speed output.
+  void (*Set_Spindle_Level)(std::int32_t of_1023) = [](std::int32_t) {};
   // Speed override, 1024 = 100 percent.
   void (*Set_Override)(std::int32_t of_1024) = [](std::int32_t) {};
   // Axis 1..4 can step; a drive whose axis is not wired makes its steps in silence.

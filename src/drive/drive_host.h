@@ -10,7 +10,6 @@
 
 #include <functional>
 #include <optional>
-#include <string_view>
 
 namespace norvik {
 
@@ -30,8 +29,8 @@ struct Drive_Host_Operations {
   // How often the panel refreshes itself, in ms; 0: not at all, so that it takes no time from the
   // pulses of a calibration.
   std::function<void(int interval_ms)> Set_Panel_Interval = [](int) {};
-  // Writes a text into the plot at the tool's place: a move ended at a speed that was not planned.
-  std::function<void(std::string_view text)> Mark_Plot = [](std::string_view) {};
+  // A move ended at a speed that was not planned: a mark in the plot at the tool's place.
+  std::function<void()> Mark_Rate_Error = [] {};
 };
 extern Drive_Host_Operations Drive_Host;
 

@@ -7,6 +7,7 @@
 
 #include "core/indexed.h"
 
+#include <cstdint>
 #include <optional>
 
 namespace norvik {
@@ -27,6 +28,9 @@ struct Drive_Status_State {
   // What outputs 1..5 were last told; an output that is not wired stays off. Some ports do not read
   // back what was written.
   Indexed<bool, 1, 5> Output_Commanded;
+
+  // Spindle speed that a drive with a speed output was last told, 0 to 1023.
+  std::int32_t Spindle_Level = 0;
 
   // --- Set at the begin of a session ------------------------------------------------------------
   // A switch was on then: no direction is known to be safe, the limit guard blocks nothing.

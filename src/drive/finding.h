@@ -7,7 +7,8 @@ namespace norvik {
 
 struct Machine_Finding {
   std::string Text;
-  std::string Key;  // of the machine file; empty: no setting changes it
+  std::string Key;              // of the machine file; empty: no setting changes it
+  std::string Correction = {};  // the key of section Corrections that answers it; empty: none
   bool operator==(const Machine_Finding&) const = default;
 };
 

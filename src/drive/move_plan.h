@@ -5,7 +5,8 @@
 // in all of them.
 //
 // A move makes two half steps ("iterations") for each step of its longest axis. The speed (IPM:
-// units of the setup per minute along the X scale) changes by `Increment` from one to the next:
+// units of the setup per minute along the X scale, or along that of the leading axis with the
+// correction `Axis_Scale_Delay`) changes by `Increment` from one to the next:
 //
 //   Cruise        ______________
 //                /              \            iteration < Ramp_Up: faster
@@ -28,7 +29,11 @@ inline constexpr double Slowest_IPM = 0.001, Fastest_IPM = 2000;
 struct Move_Rules {
   Indexed<float, 1, 4> Axis_Max;  // IPM
   bool Ramping = false;
-  double Ramp_Rate = 0;  // hundredths of an IPM in each iteration
+  // Hundredths of an IPM in each iteration; with `One_Acceleration` hertz in each step of the
+  // leading axis, as the feed pass reckons.
+  double Ramp_Rate = 0;
+  bool One_Acceleration = false;
+  Indexed<float, 1, 4> Scale;  // steps per unit
 };
 Move_Rules Rules_Of_Setup();
 
@@ -48,7 +53,13 @@ struct Move_Plan {
 Move_Plan Plan_Move(const Move_Rules& rules, const Indexed<double, 1, 4>& steps, double start,
                     double run, double end);
 
-// Change of the speed in an iteration, IPM.
+// The axis with the most steps; of several the last, as the feed pass takes it.
+int Leading_Axis(const Indexed<double, 1, 4>& steps);
+// The axis by whose scale the half steps of a move are timed that `leading` leads: X, or with the
+// correction `Axis_Scale_Delay` the leading one.
+int Timing_Axis(int leading);
+
+// Change of the speed in an iteration, IPM, without `One_Acceleration`.
 constexpr double Ramp_Increment(double ramp_rate) {
   return ramp_rate / 100;
 }

@@ -3,6 +3,7 @@
 #include "core/application.h"
 #include "core/setup.h"
 #include "drive/drive_host.h"
+#include "drive/move_plan.h"
 #include "drive/stops.h"
 #include "parallel/pin_map.h"
 #include "parallel/timing.h"
@@ -47,8 +48,8 @@ std::optional<Move_End> Make_Toggles(int axis, bool negative, std::int64_t toggl
       return end;
     }
     Toggle_Step(axis, negative, true, true);
-    Delay_Half_Step(1, Take_Up_Feed());
-    Feed_Monitor(1, Take_Up_Feed());
+    Delay_Half_Step(Timing_Axis(axis), Take_Up_Feed());
+    Feed_Monitor(Timing_Axis(axis), Take_Up_Feed());
   }
   Step_Engine.Take_Up_Left[axis].reset();
   Step_Engine.Last_Dir[axis] = negative;
@@ -70,6 +71,9 @@ std::optional<Move_End> Take_Backlash(int axis, bool negative, std::int64_t togg
 
 std::int64_t Backlash_Toggles(int axis) {
   const float steps = MachineSetup.Axis_SPI[axis] * MachineSetup.Axis_Backlash[axis];
+  if (MachineSetup.Backlash_Even) {
+    return steps > 0 ? 2 * std::llround(std::min<double>(steps, 2e9)) : 0;
+  }
   const double last = 2.0 * steps;
   if (!(last >= 0)) return 0;
   return static_cast<std::int64_t>(std::min(last, 4e9)) + 1;

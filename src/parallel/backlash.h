@@ -6,7 +6,8 @@
 //
 // The play is n = Axis_SPI x Axis_Backlash steps in single precision, unrounded. The take-up makes
 // a toggle for each j = 0, 1, .. <= 2n, that is 2n + 1 toggles for a whole 2n, at the panel's live
-// feed without a ramp. Positions do not change.
+// feed without a ramp. Positions do not change. With the correction `Backlash_Even` it makes 2n
+// toggles, n rounded to the nearest whole step: the step pin ends at the level that it had.
 //
 // A take-up that is cut short by a stop is remembered: the nut lies somewhere in the play, and the
 // next move of the axis finishes the way there or back.

@@ -51,13 +51,14 @@ void Check_Scales(Findings& findings) {
                               " steps per unit, so that it cannot move" +
                               (axis == 1 ? " and no half step can be timed." : "."),
                           key});
-    } else if (axis > 1 && In_Use(axis) && x_scale > 0 && scale != x_scale) {
+    } else if (axis > 1 && In_Use(axis) && x_scale > 0 && scale != x_scale &&
+               !MachineSetup.Axis_Scale_Delay) {
       findings.push_back({Axis_Name(axis) + " has " + Setup_Number(scale) +
                               " steps per unit and X has " + Setup_Number(x_scale) +
                               ". Every delay is timed by the scale of X: a move of " +
                               Axis_Name(axis) + " alone runs at " + Setup_Number(x_scale / scale) +
                               " times the speed asked for.",
-                          key});
+                          key, "Axis_Scale_Delay"});
     }
   }
 }
@@ -68,14 +69,14 @@ void Check_Ramps(Findings& findings) {
   const double scale = MachineSetup.Axis_SPI[1];
   if (!MachineSetup.Axis_Ramping || !(scale > 0)) return;
   const double factor = 2 * Ramp_Increment(1) * scale / 60;
-  if (factor < 0.5 || factor > 2)
+  if (!MachineSetup.One_Acceleration && (factor < 0.5 || factor > 2))
     findings.push_back(
         {"At " + Setup_Number(scale) + " steps per unit the step engine speeds up and slows down " +
              Setup_Number(factor) +
              " times as fast as the planner reckons (both agree at 3000 steps per unit). Moves may "
              "end at a speed that was not planned; lower Axis_Ramp_Rate until none logs \"Step "
              "Rate Error!\".",
-         "Axis_Ramp_Rate"});
+         "Axis_Ramp_Rate", "One_Acceleration"});
   if (MachineSetup.Axis_Ramp_Rate < 1)
     findings.push_back({"Ramps are on with a ramp rate of " +
                             std::to_string(MachineSetup.Axis_Ramp_Rate) +

@@ -28,7 +28,7 @@ extern Port_IO_Form_State Port_IO;
 
 inline constexpr const char* Port_IO_Addresses[] = {"&H378", "&H278", "&H3BC"};
 
-// Form_Load: the combo shows the stored address.
+// When the window opens: the combo shows the stored address.
 void Port_IO_SetupCombos();
 // Takes the combo's text into `Parallel_Display_IO_Address` and writes the key at once. A text that
 // is no number is logged and changes nothing.

@@ -34,12 +34,12 @@ void Switch_Outputs(const Step_Request& request) {
   }
 }
 
-// Steps of an axis without a usable scale could not be counted, and every half step is timed by the
-// scale of X, whichever axis moves. Such a move is refused before a pin moves.
+// Steps of an axis without a usable scale could not be counted, nor half steps be timed by it. Such
+// a move is refused before a pin moves.
 void Check_Scales(const Step_Request& request) {
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const double scale = MachineSetup.Axis_SPI[axis];
-    const bool needed = axis == 1 || request.Steps[axis] > 0;
+    const bool needed = axis == Step_Engine.Timed_By || request.Steps[axis] > 0;
     if (!needed || (std::isfinite(scale) && scale > 0)) continue;
     throw Fault(Fault_Number::Division_By_Zero,
                 "Axis_SPI_" + std::to_string(axis) + " is " + std::to_string(scale) +
@@ -75,16 +75,20 @@ void Take_Speeds(const Move_Plan& plan) {
   e.Current_IPM = std::min(e.IPM_St, e.Rn_Limit);
 }
 
+Indexed<double, 1, 4> Steps_Of(const Step_Request& request) {
+  Indexed<double, 1, 4> steps;
+  for (int axis = 1; axis <= Axis_Count; ++axis) steps[axis] = request.Steps[axis];
+  return steps;
+}
+
 Move_Plan Plan_Of(const Step_Request& request) {
   const Move_Rules rules = Rules_Of_Setup();
-  if (rules.Ramping && Ramp_Increment(rules.Ramp_Rate) <= 0) {
+  if (rules.Ramping && rules.Ramp_Rate <= 0) {
     throw Fault(Fault_Number::Division_By_Zero,
                 "Axis_Ramp_Rate is " + std::to_string(MachineSetup.Axis_Ramp_Rate) +
                     ": choose a ramp rate of 1 to 15, or switch ramping off");
   }
-  Indexed<double, 1, 4> steps;
-  for (int axis = 1; axis <= Axis_Count; ++axis) steps[axis] = request.Steps[axis];
-  return Plan_Move(rules, steps, request.Start, request.Run, request.End);
+  return Plan_Move(rules, Steps_Of(request), request.Start, request.Run, request.End);
 }
 
 // All directions before all enables: drivers want a direction to rest for some microseconds before
@@ -105,6 +109,7 @@ void Begin_Stepping(const Step_Request& request) {
 // pin.
 void Prepare_Move(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
+  e.Timed_By = Timing_Axis(Leading_Axis(Steps_Of(request)));
   Check_Scales(request);
   Set_Step_Distribution(request);
   Take_Speeds(Plan_Of(request));
@@ -176,7 +181,7 @@ void Ramp_Speed() {
   e.Current_IPM = std::min(e.Current_IPM, e.Rn_Limit);
 }
 
-// One half step. Answers why the move ends here, absent when it goes on.
+// One half step. Returns why the move ends here; absent: it goes on.
 std::optional<Move_End> Half_Step(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
   e.Axis_Enabled.Fill(true);
@@ -188,11 +193,11 @@ std::optional<Move_End> Half_Step(const Step_Request& request) {
   if (EStop_Met(EStop_Input_On)) return Move_End::EStop;
   if (Application.Closing_Program) return Move_End::Stopped;
   Toggle_Due_Axes(request);
-  Delay_Half_Step(1, e.Current_IPM * Drive_Status.Feed_Override);
+  Delay_Half_Step(e.Timed_By, e.Current_IPM * Drive_Status.Feed_Override);
   ++e.Iteration;
   Ramp_Speed();
   if (e.Phase) {
-    Feed_Monitor(1, e.Current_IPM);
+    Feed_Monitor(e.Timed_By, e.Current_IPM);
     e.Phase = false;
   } else {
     e.Phase = true;
@@ -214,7 +219,7 @@ Move_End Step_Loop(const Step_Request& request) {
 void Check_End_Rate() {
   if (std::abs(Step_Engine.Current_IPM - Step_Engine.IPM_En) <= 1.5) return;
   Platform.Beep();
-  Drive_Host.Mark_Plot("X");
+  Drive_Host.Mark_Rate_Error();
   ErrorLogWrite("Step Rate Error!");
 }
 
@@ -222,7 +227,7 @@ void Check_End_Rate() {
 // are put right before the rest.
 void Finish_Move(const Step_Request& request) {
   Step_Engine_State& e = Step_Engine;
-  Trap("Step_Engine_Move_Error", [&] { Feed_Monitor(1, e.Current_IPM); });
+  Trap("Step_Engine_Move_Error", [&] { Feed_Monitor(e.Timed_By, e.Current_IPM); });
   if (e.Stepping_Began && !request.No_Rate_Check) Trap("Step_Engine_Move_Error", Check_End_Rate);
   Pins.Axis_Stepping.Fill(false);
   if (MachineSetup.Parallel_MotorEnable_Option == 0) {
@@ -231,7 +236,7 @@ void Finish_Move(const Step_Request& request) {
   Trap("Step_Engine_Move_Error", [&] {
     Store_Time_Constant();
     Drive_Host.Set_Panel_Interval(250);
-    Feed_Monitor(1, e.Current_IPM);
+    Feed_Monitor(e.Timed_By, e.Current_IPM);
   });
   if (!e.Stepping_Began) return;
   for (int axis = 1; axis <= Axis_Count; ++axis) {

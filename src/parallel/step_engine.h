@@ -61,6 +61,7 @@ struct Step_Engine_State {
   // --- Of the running or last move -------------------------------------------------------------
   Step_Request Request;
   std::int32_t MaxSteps = 0;
+  int Timed_By = 1;  // the axis whose scale times the half steps
   Indexed<double, 1, 4> StepSkip;
   Indexed<std::int64_t, 1, 4> Accumulator;  // in 1 / MaxSteps of a toggle
   Indexed<bool, 1, 4> Moving;

@@ -22,8 +22,15 @@ namespace norvik {
 // Answer of a message box; Ok also stands for a box with one button.
 enum class Box_Answer { Ok, Yes, No, Cancel };
 // What Enter means is the first one, but Cancel or No where going on can do harm: with `Ok_Cancel`,
-// `Yes_No` and the careful form of three.
-enum class Box_Buttons { Ok, Yes_No, Yes_No_Cancel, Yes_No_Cancel_Careful, Ok_Cancel };
+// `Continue_Cancel`, `Yes_No` and the careful form of three. Continue answers Ok.
+enum class Box_Buttons {
+  Ok,
+  Yes_No,
+  Yes_No_Cancel,
+  Yes_No_Cancel_Careful,
+  Ok_Cancel,
+  Continue_Cancel
+};
 
 // Local date and time of day.
 struct Calendar_Time {
@@ -54,6 +61,8 @@ struct Picture {
 struct File_Dialog {
   std::string Title, Filter, Directory, File_Name, Default_Extension;
   int Filter_Index = 1;
+  // A further button of an open dialog, "Options...", ends the dialog without a file and runs this.
+  std::function<void()> On_Options = {};
 };
 
 // Virtual key codes that the logic asks for; printable keys use their upper-case ASCII code.

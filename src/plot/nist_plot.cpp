@@ -269,7 +269,11 @@ void Plot_Forget_Path_Before() {
 
 void Plot_Highlight_Step(std::int32_t step) {
   if (View.PlotBusy) return;
-  NIST_RePlot();
+  // The one before goes. A long program is not painted anew for each row that a key runs over.
+  if (Plot_Host.Picture1 && !Plot_Host.Picture1->Bring_Back_Picture()) {
+    NIST_RePlot();
+    Plot_Host.Picture1->Keep_Picture();
+  }
   NIST_Plot_Block(step, Highlight_On, 0);
 }
 

@@ -49,6 +49,11 @@ class Plot_Surface {
   // leave what is there.
   virtual void Draw_Picture(double x, double y, const Plot_Image& picture) = 0;
 
+  // Sets the picture aside as it is, until the next clear.
+  virtual void Keep_Picture() {}
+  // Puts the picture that was set aside in place of what was drawn since; false when there is none.
+  virtual bool Bring_Back_Picture() { return false; }
+
   void Draw_Line(const Plot_Line& line) { Draw_Lines({&line, 1}); }
 };
 

@@ -12,17 +12,26 @@ Raster_Surface::Raster_Surface(std::int32_t width, std::int32_t height, std::int
 
 void Raster_Surface::Resize(std::int32_t width, std::int32_t height, std::int32_t pen_scale) {
   Frame = Plot_Image(width, height);
+  Kept.reset();
   Pen_Scale = pen_scale;
 }
 
 void Raster_Surface::Take_Over(const Raster_Surface& other) {
   Frame = other.Frame;
+  Kept.reset();
   Scale = other.Scale;
   Pen_Scale = other.Pen_Scale;
 }
 
 void Raster_Surface::Clear(std::int32_t background) {
+  Kept.reset();
   Fill_Raster(View_Of(Frame), Argb(background));
+}
+
+bool Raster_Surface::Bring_Back_Picture() {
+  if (!Kept) return false;
+  Frame = *Kept;
+  return true;
 }
 
 void Raster_Surface::Draw_Lines(std::span<const Plot_Line> lines) {

@@ -6,6 +6,8 @@
 
 #include "plot/raster.h"
 
+#include <optional>
+
 namespace norvik {
 
 class Raster_Surface : public Plot_Surface {
@@ -22,6 +24,8 @@ class Raster_Surface : public Plot_Surface {
   // Draws nothing.
   void Draw_Text(double x, double y, std::string_view text, std::int32_t color) override;
   void Draw_Picture(double x, double y, const Plot_Image& picture) override;
+  void Keep_Picture() override { Kept = Frame; }
+  bool Bring_Back_Picture() override;
 
   const Plot_Image& Image() const { return Frame; }
   // A copy of another surface's picture and scale, to draw over.
@@ -33,6 +37,7 @@ class Raster_Surface : public Plot_Surface {
   double Pixel_Y(double y) const { return (y - Scale.Top) / Scale.Height() * Frame.Height; }
 
   Plot_Image Frame;
+  std::optional<Plot_Image> Kept;
   Plot_Scale Scale;
   std::int32_t Pen_Scale;
 };

@@ -135,8 +135,12 @@ int Board_Sign(int axis) {
   return MachineSetup.Axis_Polarity[axis] ? -1 : 1;
 }
 
-bool Read_Status_Now() {
+void Copy_Steps_Per_Unit() {
   for (int axis = 1; axis <= Axis_Count; ++axis) Dravon.SPI[axis] = MachineSetup.Axis_SPI[axis];
+}
+
+bool Read_Status_Now() {
+  Copy_Steps_Per_Unit();
   Dravon.ReferenceSPI = Dravon.SPI[1];
   const auto status = ReadStatus();
   Dravon.Polled_At = Platform.Monotonic_Clock();

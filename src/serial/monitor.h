@@ -47,6 +47,8 @@ std::string Fault_Axes();
 // -1 for an axis whose direction is turned round for the board: its counter runs the other way.
 int Board_Sign(int axis);
 
+// The scales of the setup, for the positions and rates of everything that follows.
+void Copy_Steps_Per_Unit();
 // Reads and takes the status without a yield, and without a recovery when there is no answer.
 bool Read_Status_Now();
 // The status read. False: no answer, or it was not the time for one.

@@ -28,6 +28,19 @@ std::uint32_t Divider_Of(std::uint64_t longest, std::uint64_t steps, std::uint64
   return static_cast<std::uint32_t>(std::min<std::uint64_t>(divider, No_Divider));
 }
 
+// What speeds along the path are multiplied with to be those of the axis with the most steps. The
+// path is that of the linear axes, and that of A where only A turns.
+double Speed_Factor(const Entry_Rules& rules, const Indexed<std::int32_t, 1, 4>& steps) {
+  if (!rules.Path_Scales || !(rules.ReferenceSPI > 0)) return 1;
+  const auto way = [&](int axis) {
+    const double scale = (*rules.Path_Scales)[axis];
+    return scale > 0 ? steps[axis] / scale : 0.0;
+  };
+  const double linear = std::hypot(way(1), way(2), way(3));
+  const double path = linear > 0 ? linear : way(4);
+  return path > 0 ? std::ranges::max(steps) / rules.ReferenceSPI / path : 1;
+}
+
 struct Ramp_Lengths {
   std::uint32_t Up = 0, Down = 0;
 };
@@ -79,9 +92,10 @@ void Plan_Entry(const Entry_Rules& rules, const Indexed<std::int32_t, 1, 4>& ste
   for (int axis = 1; axis <= Axis_Count; ++axis)
     entry.Divider[axis] = Divider_Of(longest, static_cast<std::uint64_t>(steps[axis]), sasf);
 
-  const std::uint32_t start = Board_Rate(rules, std::min(speeds.Start, speeds.Run));
-  const std::uint32_t run = Board_Rate(rules, speeds.Run);
-  const std::uint32_t end = Board_Rate(rules, std::min(speeds.End, speeds.Run));
+  const double factor = Speed_Factor(rules, steps);
+  const std::uint32_t start = Board_Rate(rules, std::min(speeds.Start, speeds.Run) * factor);
+  const std::uint32_t run = Board_Rate(rules, speeds.Run * factor);
+  const std::uint32_t end = Board_Rate(rules, std::min(speeds.End, speeds.Run) * factor);
   const double ramp = std::max(rules.Ramp_Rate, 1);
   const auto [up, down] =
       Fit_Ramps((double{1} * run - start) / ramp, (double{1} * run - end) / ramp, entry.MajorSteps);
@@ -89,8 +103,8 @@ void Plan_Entry(const Entry_Rules& rules, const Indexed<std::int32_t, 1, 4>& ste
   entry.RunRamp = entry.MajorSteps - up;
   entry.DownRamp = down;
 
-  const auto back = [&rules](std::uint32_t rate) {
-    return rules.ReferenceSPI > 0 ? 60.0 * rate / rules.SASF / rules.ReferenceSPI : 0.0;
+  const auto back = [&](std::uint32_t rate) {
+    return rules.ReferenceSPI > 0 ? 60.0 * rate / rules.SASF / rules.ReferenceSPI / factor : 0.0;
   };
   speeds = {back(start), back(run), back(end)};
 }

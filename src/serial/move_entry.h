@@ -11,6 +11,7 @@
 
 #include <array>
 #include <cstdint>
+#include <optional>
 
 namespace norvik {
 
@@ -40,6 +41,9 @@ struct Entry_Rules {
   int SASF = 1;             // 1..20
   int Generation = 0;
   int Ramp_Rate = 1;  // hertz in each count, above 0
+  // Steps per unit of each axis where speeds are those along the path; absent: speeds are those of
+  // the axis with the most steps, by `ReferenceSPI`.
+  std::optional<Indexed<double, 1, 4>> Path_Scales = std::nullopt;
 };
 
 // Speeds of a move in units per minute (IPM). `Plan_Entry` gives back what the board's rates come

@@ -40,14 +40,33 @@ void Set_Position() {
 
 void Refresh_Parameters() {
   Begin_Stream();
-  for (int axis = 1; axis <= Axis_Count; ++axis) Dravon.SPI[axis] = MachineSetup.Axis_SPI[axis];
+  Copy_Steps_Per_Unit();
 }
 
 // The knob sends its value again and again.
 void Set_Override(std::int32_t of_1024) {
-  static std::int32_t sent = 1'024;
+  auto& sent = Dravon_Stream.Sent_Override;
   if (of_1024 == sent || !Dravon.ControllerPresent || Dravon.DravonBusy) return;
   if (SetThrottle(of_1024)) sent = of_1024;
+}
+
+void Send_Wanted_Level() {
+  auto& wanted = Dravon_Stream.Wanted_Level;
+  if (!wanted || Dravon.DravonBusy || Serial_Link.TxBusy) return;
+  const std::int32_t level = *wanted;
+  wanted.reset();
+  if (!Serial_Missing().empty() || Machine.EStop_Flag) return;
+  DravonSetPWM(level);
+}
+
+void Set_Spindle_Level(std::int32_t of_1023) {
+  Dravon_Stream.Wanted_Level = of_1023;
+  Send_Wanted_Level();
+}
+
+void Tick() {
+  Serial_Tick();
+  Send_Wanted_Level();
 }
 
 bool Aux_Input_High() {
@@ -81,12 +100,13 @@ const Drive_Operations Serial_Drive = {
     .Name = "serial board",
     .Missing = Serial_Missing,
     .Overrides_Feed = true,
+    .Sets_Spindle_Speed = true,
     .Queues_Moves = true,
     .Begin_Session = Serial_Begin_Session,
     .End_Session = Serial_End_Session,
     .All_Off = All_Off,
     .Refresh_Parameters = Refresh_Parameters,
-    .Tick = Serial_Tick,
+    .Tick = Tick,
     .Move = Serial_Move,
     .Dwell = Serial_Dwell,
     .Is_Moving = [] { return Dravon_Stream.Unsettled || Dravon.InMotion; },
@@ -99,9 +119,10 @@ const Drive_Operations Serial_Drive = {
     .Release_Jog = Serial_Release_Jog,
     .Set_Position = Set_Position,
     .Read_Switches = [] { Poll_Now_And_Then(Watch_Interval_ms); },
+    .In_Fault = [] { return Dravon.EncoderFaultAny; },
     .Aux_Input_High = Aux_Input_High,
     .Switch_Output = Switch_Output,
-    .Set_Spindle_Speed = [](double s_word) { DravonSetPWM(PWM_Value_Of(s_word)); },
+    .Set_Spindle_Level = Set_Spindle_Level,
     .Set_Override = Set_Override,
     .Health = Health,
     .Diagnostics = Diagnostics,
@@ -114,8 +135,9 @@ double Serial_Move_Seconds(const Step_Request& request) {
   const Entry_Rules rules{
       .ReferenceSPI = std::min(MachineSetup.Axis_SPI[1], MachineSetup.Axis_SPI[2]),
       .SASF = Effective_SASF(MachineSetup.Dravon_SASF),
-      .Generation = MachineSetup.Parallel_Port_Type > 2 ? 1 : 0,
-      .Ramp_Rate = MachineSetup.Axis_Ramp_Rate};
+      .Generation = Generation_Of_Setup(),
+      .Ramp_Rate = MachineSetup.Axis_Ramp_Rate,
+      .Path_Scales = Path_Scales_Of_Setup()};
   Entry_Speeds speeds{request.Start, request.Run, request.End};
   Move_Entry entry;
   Plan_Entry(rules, request.Steps, speeds, entry);

@@ -3,6 +3,7 @@
 #include "core/fault.h"
 #include "core/format.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 
 #include <algorithm>
 #include <cmath>
@@ -39,7 +40,7 @@ bool Await_Bytes(std::size_t bytes, std::int64_t line_time) {
     if (passed >= Reply_Time_ns) return false;
     if (passed == 0) ++standing;
     const bool early = passed < line_time - line_time / parts;
-    Platform.Delay_Microseconds(early ? std::max(rare, Poll_us) : Poll_us);
+    Rest_Microseconds(early ? std::max(rare, Poll_us) : Poll_us);
   }
   return false;
 }
@@ -55,11 +56,23 @@ std::string Command_Name(const Serial_Frame& frame) {
   return row ? std::string(row->Name) : "an unknown command";
 }
 
-void Note_Round_Trip(std::int64_t ns) {
+void Note_Round_Trip(std::int64_t start, std::int64_t end) {
   Round_Trips& trips = Serial_Link.Trips;
-  const auto held = static_cast<std::int32_t>(std::min<std::int64_t>(ns, 2'000'000'000));
-  trips.Last[trips.Count++ % Round_Trips::Kept] = held;
+  const auto held = static_cast<std::int32_t>(std::min<std::int64_t>(end - start, 2'000'000'000));
+  const std::size_t place = trips.Count++ % Round_Trips::Kept;
+  trips.Last[place] = held;
+  trips.Ended[place] = end;
   trips.Worst = std::max(trips.Worst, held);
+}
+
+// Answered exchanges a second, over the last ones up to now: on a dead link it falls.
+double Exchanges_A_Second() {
+  const Round_Trips& trips = Serial_Link.Trips;
+  const std::size_t kept = std::min(trips.Count, Round_Trips::Kept);
+  if (kept < 2) return 0;
+  const std::int64_t oldest = trips.Ended[(trips.Count - kept) % Round_Trips::Kept];
+  const std::int64_t ns = Platform.Monotonic_Clock() - oldest;
+  return ns > 0 ? static_cast<double>(kept - 1) * 1e9 / static_cast<double>(ns) : 0;
 }
 
 void Note_Failure(const Serial_Frame& frame) {
@@ -99,7 +112,7 @@ bool Exchange(const Serial_Frame& frame, std::size_t reply_length) {
   Tell_Host(frame);
   if (!CheckReply(Serial_Link.LastRxFrame, reply_length)) return false;
   Serial_Link.Last_Good = Platform.Monotonic_Clock();
-  Note_Round_Trip(Serial_Link.Last_Good - start);
+  Note_Round_Trip(start, Serial_Link.Last_Good);
   return true;
 }
 
@@ -112,8 +125,7 @@ bool OpenSerial(const std::string& device, std::int32_t baud) {
   const Serial_Opened opened = Platform.Serial_Open(device, Serial_Link.SerialBaud);
   Serial_Link.Handle = opened.Handle;
   Serial_Link.Problem = opened.Handle > 0 ? std::string() : opened.Problem;
-  Serial_Link.Opened_At = Platform.Monotonic_Clock();
-  if (Serial_Is_Open()) Serial_Link.Last_Good = Serial_Link.Opened_At;
+  if (Serial_Is_Open()) Serial_Link.Last_Good = Platform.Monotonic_Clock();
   return Serial_Is_Open();
 }
 
@@ -178,7 +190,7 @@ std::optional<int> Transmit_Repeated(const Serial_Frame& frame, int times) {
   const std::size_t wanted = reply_length * static_cast<std::size_t>(times);
   for (int looks = 0; written && received.size() < wanted && looks < Standing_Looks; ++looks) {
     if (Platform.Monotonic_Clock() - start >= longest) break;
-    Platform.Delay_Microseconds(Poll_us);
+    Rest_Microseconds(Poll_us);
     if (!Platform.Serial_Read(Serial_Link.Handle, received)) break;
   }
   Serial_Link.LastTxFrame = bytes;
@@ -203,7 +215,6 @@ void Reset_Serial_Counters() {
   Serial_Link.CommsCount = Serial_Link.ErrorCount = 0;
   Serial_Link.ChecksumErrorCount = Serial_Link.LengthErrorCount = 0;
   Serial_Link.Trips = {};
-  Serial_Link.Opened_At = Platform.Monotonic_Clock();
 }
 
 std::string Link_Health_Text() {
@@ -217,11 +228,9 @@ std::string Link_Health_Text() {
     std::nth_element(sorted.begin(), middle, sorted.begin() + static_cast<std::ptrdiff_t>(kept));
     text += "round trip " + ms(*middle) + ", worst " + ms(trips.Worst) + "; ";
   }
-  const double seconds =
-      static_cast<double>(Platform.Monotonic_Clock() - Serial_Link.Opened_At) / 1e9;
   text += count(Serial_Link.CommsCount) + " frames";
-  if (seconds > 0)
-    text += " (" + Format_Number(Serial_Link.CommsCount / seconds, "0.0") + " a second)";
+  if (const double rate = Exchanges_A_Second(); rate > 0)
+    text += " (" + Format_Number(rate, "0.0") + " answered a second)";
   text += ", " + count(Serial_Link.ErrorCount) + " errors";
   if (Serial_Link.ErrorCount > 0)
     text += " (" + count(Serial_Link.LengthErrorCount) + " length, " +

@@ -22,7 +22,8 @@ inline constexpr std::int64_t Reply_Time_ns = 250'000'000;
 struct Round_Trips {
   static constexpr std::size_t Kept = 128;
   std::array<std::int32_t, Kept> Last{};
-  std::size_t Count = 0;  // so far
+  std::array<std::int64_t, Kept> Ended{};  // when, by the monotonic clock
+  std::size_t Count = 0;                   // so far
   std::int32_t Worst = 0;
 };
 
@@ -50,7 +51,6 @@ struct Serial_Link_State {
 
   // --- Health -----------------------------------------------------------------------------------
   bool LinkGood = false;       // cleared by each bad reply
-  std::int64_t Opened_At = 0;  // ns; or when the counters were reset
   std::int64_t Last_Good = 0;  // ns; the last reply that was right
   Round_Trips Trips;
   std::string Last_Error;      // in words: the command and what was wrong

@@ -7,6 +7,7 @@
 #include "core/messages.h"
 #include "core/numbers.h"
 #include "core/operation.h"
+#include "core/scope.h"
 #include "core/setup.h"
 #include "core/waiting.h"
 #include "drive/drive_status.h"
@@ -14,7 +15,9 @@
 #include "serial/commands.h"
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
+#include "serial/serial_setup.h"
 #include "serial/stream.h"
+#include "serial/stream_trace.h"
 
 #include <algorithm>
 #include <cstdint>
@@ -38,10 +41,6 @@ struct Connection_State {
 Connection_State Connection;
 
 constexpr std::int64_t Second = 1'000'000'000;
-
-int Generation_Of_Setup() {
-  return MachineSetup.Parallel_Port_Type > 2 ? 1 : 0;
-}
 
 std::string Board_Name(int generation) {
   return generation > 0 ? "Pelmar (v5)" : "Dravon (v4)";
@@ -129,6 +128,7 @@ bool Connect() {
   const std::string device = Device_Of_Port(number);
   Serial_Link.ControllerGeneration = static_cast<std::int16_t>(Generation_Of_Setup());
   Dravon.SASF = Effective_SASF(MachineSetup.Dravon_SASF);
+  Dravon_Stream.Sent_Override.reset();
   if (device.empty())
     return Refuse("Serial port " + std::to_string(number) +
                   " does not exist: plug the board's cable in, or choose another port in the port "
@@ -196,6 +196,7 @@ void Serial_Begin_Session() {
   Dravon = {};
   Dravon_Stream = {};
   Stream_Limit.Seconds = Queue_Seconds_Of_Settings();
+  Choose_Dravon_Trace();
   if (!Serial_Connect()) {
     ErrorLogWrite(Connection.Why_Not);
     AddMessage(Connection.Why_Not);
@@ -263,9 +264,16 @@ bool DravonConfigure() {
   return Send_Encoders() && good;
 }
 
+void Serial_Setup_Loaded() {
+  if (!Connection.Session || !Dravon.ControllerPresent || Anything_Moves()) return;
+  if (!DravonConfigure())
+    Tell("The board did not take the settings over. Press Apply in the port window.", 10);
+}
+
 bool DravonReset() {
   constexpr double restart = 2;  // seconds
-  if (Anything_Moves() || !ResetController()) return false;
+  if (Anything_Moves() || Connection.Connecting || !ResetController()) return false;
+  const Value_In_Scope connecting(Connection.Connecting, true);
   Dravon.ControllerPresent = false;
   Wait(restart);
   Reset_Serial_Counters();

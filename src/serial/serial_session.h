@@ -39,6 +39,9 @@ std::string_view Serial_Alarm();
 
 // Sends the setup to the board that answers.
 bool DravonConfigure();
+// A machine file has been loaded: the board in session gets it, unless it moves; without a session
+// the next one begins with it. What the board does not take is told.
+void Serial_Setup_Loaded();
 // Restarts the board and brings it back to the setup.
 bool DravonReset();
 

@@ -2,6 +2,7 @@
 
 #include "core/axes.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "serial/move_entry.h"
 #include "serial/serial_link.h"
 
@@ -15,7 +16,7 @@ namespace {
 using Findings = std::vector<Machine_Finding>;
 
 bool Is_Second_Board() {
-  return MachineSetup.Parallel_Port_Type > 2;
+  return Generation_Of_Setup() > 0;
 }
 
 double Reference_SPI() {
@@ -23,6 +24,7 @@ double Reference_SPI() {
 }
 
 void Check_Scales(Findings& findings) {
+  if (MachineSetup.Serial_Path_Feed) return;
   const double reference = Reference_SPI();
   for (int axis = 1; axis <= Axis_Count; ++axis) {
     const double scale = MachineSetup.Axis_SPI[axis];
@@ -36,11 +38,13 @@ void Check_Scales(Findings& findings) {
 }
 
 void Check_Diagonals(Findings& findings) {
+  if (MachineSetup.Serial_Path_Feed) return;
   findings.push_back(
       {"The board counts a feed on the axis with the most steps: a move at 45 degrees "
        "between two axes of one scale is 1.41 times as fast as the program says, "
-       "between three 1.73 times. Write smaller feeds where that is too fast.",
-       "Parallel_Port_Type"});
+       "between three 1.73 times. Switch on Serial_Path_Feed (Corrections), or write smaller "
+       "feeds.",
+       "Serial_Path_Feed"});
 }
 
 void Check_Slowest_Speed(Findings& findings) {
@@ -119,6 +123,10 @@ void Check_Line_Time(Findings& findings) {
 }
 
 }  // namespace
+
+int Generation_Of_Setup() {
+  return Drive().Board.value_or(0);
+}
 
 void Check_Serial_Setup(Findings& findings) {
   Check_Scales(findings);

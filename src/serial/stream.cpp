@@ -7,12 +7,14 @@
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/setup.h"
+#include "drive/drive_status.h"
 #include "drive/stops.h"
 #include "platform/platform.h"
 #include "serial/commands.h"
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
 #include "serial/stream_queue.h"
+#include "serial/stream_trace.h"
 
 #include <algorithm>
 #include <cmath>
@@ -347,11 +349,19 @@ void Tell_Pause() {
 
 }  // namespace
 
+std::optional<Indexed<double, 1, 4>> Path_Scales_Of_Setup() {
+  if (!MachineSetup.Serial_Path_Feed) return std::nullopt;
+  Indexed<double, 1, 4> scales;
+  for (int axis = 1; axis <= Axis_Count; ++axis) scales[axis] = MachineSetup.Axis_SPI[axis];
+  return scales;
+}
+
 Entry_Rules Rules_Of_Board() {
   return {.ReferenceSPI = std::min(Dravon.SPI[1], Dravon.SPI[2]),
           .SASF = Dravon.SASF,
           .Generation = Serial_Link.ControllerGeneration,
-          .Ramp_Rate = Serial_Session.LastRampRate};
+          .Ramp_Rate = Serial_Session.LastRampRate,
+          .Path_Scales = Path_Scales_Of_Setup()};
 }
 
 std::int32_t PWM_Value_Of(double s_word) {
@@ -368,6 +378,7 @@ std::int32_t PWM_Of(Nullable s_word) {
 }
 
 std::optional<std::int32_t> DravonMove(const Step_Request& request, Nullable s_word) {
+  Trace_Dravon_Move(request, s_word, Dravon_Stream.CommandIndex);
   if (!Await_Turn()) return std::nullopt;
   Dravon.DravonBusy = true;
   Dravon.ReferenceSPI = std::min(Dravon.SPI[1], Dravon.SPI[2]);
@@ -381,6 +392,8 @@ std::optional<std::int32_t> DravonMove(const Step_Request& request, Nullable s_w
     return std::nullopt;
   }
   Keep_Taken(request, order, *free);
+  if (s_word && order.Entry.PWM != Unchanged_PWM)
+    Drive_Status.Spindle_Level = PWM_Value_Of(*s_word);
   Judge_Free(*free, request.Is_Arc, "Dravons motion buffer ran empty during operation!");
   Dravon_Stream.Last_Goes_On = request.End > MachineSetup.Axis_Ramp_Start;
   Warn_Of_Low_Queue();
@@ -473,10 +486,12 @@ Move_End Serial_Move(const Step_Request& asked, Nullable s_word, std::int32_t st
   if (const auto end = Ended()) return Finish(*end);
   if (request.No_Rate_Check && !Machine.Jog_Stop_Request) return Move_End::Released;
   Dravon_Stream.CommandIndex = static_cast<std::uint32_t>(step) & Full_24_Bits;
-  const auto free = DravonMove(request, s_word);
+  const bool pieces = request.No_Rate_Check && MachineSetup.Serial_Jog_Pieces;
+  const bool sent =
+      pieces ? Jog_In_Pieces(request, s_word) : DravonMove(request, s_word).has_value();
   if (const auto end = Ended()) return Finish(*end);
-  if (!free) return Finish(Move_End::Failed);
-  if (request.No_Rate_Check) Dravon_Stream.Jogging = true;
+  if (!sent) return Finish(Move_End::Failed);
+  if (request.No_Rate_Check) Dravon_Stream.Jogging = !pieces;
   // Released while the move was on its way.
   if (request.No_Rate_Check && !Machine.Jog_Stop_Request) Serial_Release_Jog();
   const bool steps = std::ranges::any_of(request.Steps, [](std::int32_t n) { return n > 0; });

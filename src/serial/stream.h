@@ -20,6 +20,7 @@
 #include <deque>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace norvik {
 
@@ -42,18 +43,23 @@ struct Dravon_Stream_State {
   // --- What the board still has to do -----------------------------------------------------------
   std::deque<Queued_Entry> Queue;  // the running entry first
   double Queued_Seconds = 0;
-  std::int32_t Last_Free = 0;           // free places as reported last
-  Indexed<std::int64_t, 1, 4> Sent_To;  // counters when all of it is done
-  Indexed<std::int64_t, 1, 4> Excess;   // steps that whole dividers may have added on the way
-  bool Place_Known = false;             // the counters are those of the board
-  bool Unsettled = false;               // motion was sent since the machine was seen to rest
-  Move_Entry Last_Entry;                // as sent
-  bool Switched_By_Hand = false;        // an output or the spindle, since the last entry
-  bool Last_Goes_On = false;            // the last move was not to end at rest
+  std::int32_t Last_Free = 0;                 // free places as reported last
+  Indexed<std::int64_t, 1, 4> Sent_To;        // counters when all of it is done
+  Indexed<std::int64_t, 1, 4> Excess;         // steps that whole dividers may have added on the way
+  bool Place_Known = false;                   // the counters are those of the board
+  bool Unsettled = false;                     // motion was sent since the machine was seen to rest
+  Move_Entry Last_Entry;                      // as sent
+  bool Switched_By_Hand = false;              // an output or the spindle, since the last entry
+  bool Last_Goes_On = false;                  // the last move was not to end at rest
+  std::optional<std::int32_t> Sent_Override;  // that the board has; absent: not known
+  // A spindle level that found the link in use: it goes out with the next tick, the last one
+  // counts.
+  std::optional<std::int32_t> Wanted_Level;
 
   // --- The present operation --------------------------------------------------------------------
   bool Held = false;  // a pause: nothing more is sent
   bool Jogging = false;
+  bool In_Pieces = false;  // a jog that ends with its last piece, without a command
   std::int64_t Stops = 0, Stops_Before = 0;  // calls of `Serial_Stop`: so far, and at its begin
   std::uint8_t Limits_Before = 0;            // latches at its begin, as a mask
   std::string Failure;     // why a move could not be made, or ended; empty: nothing failed
@@ -100,6 +106,8 @@ std::int32_t PWM_Of(Nullable s_word);
 // The same before an inversion, 0 to 1023.
 std::int32_t PWM_Value_Of(double s_word);
 Entry_Rules Rules_Of_Board();
+// `Path_Scales` of these rules, by the setup.
+std::optional<Indexed<double, 1, 4>> Path_Scales_Of_Setup();
 
 // --- Stops ---------------------------------------------------------------------------------------
 
@@ -109,6 +117,10 @@ void Serial_Stop();
 bool DravonEStop();
 void Serial_EStop(bool engaged);
 void Serial_Release_Jog();
+// What ends the motion of a board and switches its outputs off without listening to it, for a
+// process that a signal ends. The stops go first and so often that a frame that was cut off
+// swallows only some of them.
+std::vector<std::uint8_t> Last_Frames_For_Board();
 
 // --- For monitor and drive -----------------------------------------------------------------------
 

@@ -11,6 +11,7 @@
 #include "drive/drive_status.h"
 #include "drive/stops.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 #include "serial/commands.h"
 #include "serial/monitor.h"
 
@@ -102,7 +103,7 @@ std::optional<Move_End> Ended() {
 void Rest() {
   constexpr std::int32_t microseconds = 1'000;
   DoEvents();
-  Platform.Delay_Microseconds(microseconds);
+  Rest_Microseconds(microseconds);
 }
 
 void Entry_Was_Taken(const Queued_Entry& entry, const Indexed<std::int32_t, 1, 4>& excess,
@@ -202,7 +203,7 @@ void Take_Over_Place() {
   stream.Queued_Seconds = 0;
   stream.Last_Free = Serial_Session.BufferCapacity;
   stream.StreamStarted = stream.BufferFull = false;
-  stream.Unsettled = stream.Jogging = stream.Last_Goes_On = false;
+  stream.Unsettled = stream.Jogging = stream.In_Pieces = stream.Last_Goes_On = false;
   stream.Place_Known = true;
 }
 

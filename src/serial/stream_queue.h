@@ -1,6 +1,7 @@
 // stream_queue.h: what the board still has to do, and where its counters may be. For this room.
 #pragma once
 
+#include "core/nullable.h"
 #include "drive/move.h"
 #include "serial/stream.h"
 
@@ -13,6 +14,10 @@ namespace norvik {
 std::optional<Move_End> Ended();
 // Yields and rests a millisecond.
 void Rest();
+
+// Sends a held jog piece by piece until it is released, and then a piece that slows down. False: a
+// piece did not reach the queue.
+bool Jog_In_Pieces(const Step_Request& jog, Nullable s_word);
 
 // An entry has reached the board, which answered with so many free places.
 void Entry_Was_Taken(const Queued_Entry& entry, const Indexed<std::int32_t, 1, 4>& excess,

@@ -5,7 +5,9 @@
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/setup.h"
+#include "drive/drive_status.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 #include "serial/commands.h"
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
@@ -45,7 +47,7 @@ bool Read_Where_It_Stands() {
     answered = Read_Status_Now();
     if (!answered || !Dravon.InMotion) break;
     if (Platform.Monotonic_Clock() - start >= longest) break;
-    Platform.Delay_Microseconds(1'000);
+    Rest_Microseconds(1'000);
   }
   if (answered) Take_Over_Positions();
   return answered;
@@ -128,10 +130,22 @@ void Serial_EStop(bool engaged) {
 
 void Serial_Release_Jog() {
   Machine.Jog_Stop_Request = false;
+  if (Dravon_Stream.In_Pieces) return;
   if (!Dravon_Stream.Jogging && !Dravon.InMotion) return;
   if (Send_Jog_Stop()) return;
   Say(std::string("The end of the jog could not be delivered.") + Use_Own_EStop);
   Link_Has_Died("It did not answer the end of a jog.");
+}
+
+std::vector<std::uint8_t> Last_Frames_For_Board() {
+  std::vector<std::uint8_t> bytes;
+  const auto add = [&bytes](Serial_Code code, const Payload& payload = {}) {
+    const Serial_Frame frame = Command_Frame(code, 0, payload);  // the same for both boards
+    bytes.insert(bytes.end(), frame.View().begin(), frame.View().end());
+  };
+  for (int i = 0; i < Repeats; ++i) add(Serial_Code::StopMotion);
+  for (int output = 1; output <= 5; ++output) add(Serial_Code::OutputOff, Payload().Add(output, 1));
+  return bytes;
 }
 
 void Link_Has_Died(const std::string& why) {
@@ -159,7 +173,7 @@ bool DravonLoadPosition(const Indexed<double, 1, 4>& position) {
   if (!Serial_Is_Open() || !Settle_At_Rest()) return false;
   Dravon.DravonBusy = true;
   for (int i = 0; i < yields; ++i) DoEvents();
-  for (int axis = 1; axis <= Axis_Count; ++axis) Dravon.SPI[axis] = MachineSetup.Axis_SPI[axis];
+  Copy_Steps_Per_Unit();
   Dravon.ReferenceSPI = Dravon.SPI[1];
   const auto counts = Counts_Of(position);
   if (!counts) {
@@ -216,6 +230,7 @@ bool DravonSetPWM(std::int32_t value) {
   if (!answer.Free) return false;
   Entry_Was_Taken({.Seconds = 0, .Way = {}, .Index = entry.Index}, {}, *answer.Free);
   Dravon_Stream.Switched_By_Hand = true;
+  Drive_Status.Spindle_Level = MachineSetup.Dravon_PWM_Inv ? full - value : value;
   if (const std::size_t before = Dravon_Stream.Queue.size() - 1; before > 0)
     SetStatus(1, "Spindle: after " + std::to_string(before) + " moves", 5);
   return true;

@@ -87,6 +87,7 @@ void Install_Virtual_Clock() {
   Platform.Day_Clock = Day_Clock;
   Platform.Delay_Microseconds = Delay;
   Platform.Delay_In_Period = Delay_In_Period;
+  Virtual_Clock.Rest_Below = std::exchange(Resting, {Delay});
   Platform.Do_Events = Yield;
   Platform.Start_Timer = Start_Timer;
   Platform.Stop_Timer = Stop_Timer;
@@ -99,6 +100,7 @@ void Remove_Virtual_Clock() {
   Platform.Day_Clock = below.Day_Clock;
   Platform.Delay_Microseconds = below.Delay_Microseconds;
   Platform.Delay_In_Period = below.Delay_In_Period;
+  Resting = std::move(Virtual_Clock.Rest_Below);
   Platform.Do_Events = below.Do_Events;
   Platform.Start_Timer = below.Start_Timer;
   Platform.Stop_Timer = below.Stop_Timer;
@@ -111,6 +113,7 @@ void Remove_Virtual_Clock() {
 void Offer_Time_Factors() {
   Virtual_Clock = {};
   Virtual_Clock.Below = Platform;
+  Virtual_Clock.Rest_Below = Resting;
   Platform.Monotonic_Clock = [] {
     Virtual_Clock_State& clock = Virtual_Clock;
     return clock.Installed ? clock.Now : clock.Below.Monotonic_Clock() + clock.Ahead;
@@ -126,6 +129,12 @@ void Offer_Time_Factors() {
     if (Virtual_Clock.Installed) return Delay_In_Period(microseconds, period_ns);
     if (Virtual_Clock.Below.Delay_In_Period)
       return Virtual_Clock.Below.Delay_In_Period(microseconds, period_ns);
+    Virtual_Clock.Below.Delay_Microseconds(microseconds);
+  };
+  Resting.Sleep_Microseconds = [](std::int32_t microseconds) {
+    if (Virtual_Clock.Installed) return Delay(microseconds);
+    if (Virtual_Clock.Rest_Below.Sleep_Microseconds)
+      return Virtual_Clock.Rest_Below.Sleep_Microseconds(microseconds);
     Virtual_Clock.Below.Delay_Microseconds(microseconds);
   };
   Platform.Do_Events = [] {

@@ -14,6 +14,7 @@
 
 #include "platform/period.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 #include "platform/timer_queue.h"
 
 #include <cstdint>
@@ -36,7 +37,8 @@ struct Virtual_Clock_State {
   std::int64_t Pace_Due = 0, Pace_Start = 0, Pace_Real_Start = 0;  // ns
   double Pace_Factor = 0;
   Platform_Operations Below;  // what was installed before
-  std::int64_t Ahead = 0;     // of the real clock while time factors are offered, ns
+  Rest_Operations Rest_Below;
+  std::int64_t Ahead = 0;  // of the real clock while time factors are offered, ns
 };
 extern Virtual_Clock_State Virtual_Clock;
 

@@ -11,6 +11,7 @@
 #include "core/geometry.h"
 #include "core/messages.h"
 #include "core/numbers.h"
+#include "core/operation.h"
 #include "core/paths.h"
 #include "core/remembered_files.h"
 #include "core/replacement_file.h"
@@ -192,6 +193,8 @@ bool Check_Motion_Angle_vs_Velocity(std::int32_t row) {
 void DisplayData() {
   if (Form().Busy) return;
   const Value_In_Scope busy(Form().Busy, true);
+  // An ESC that was pressed before is not meant for these checks.
+  if (Present_Operation() == nullptr) Operation_Host.Forget_Presses();
   Form().Caption = Title;
   Motion_Analyzer_Host.Caption_Changed();
   SetStatus(1, "GCode Motion Analyzer: Checking Motion Commands...", -1);

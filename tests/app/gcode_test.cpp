@@ -568,6 +568,22 @@ TEST_F(GCode_Test, Display_Joins_The_Lines_And_Shows_Progress) {
   EXPECT_THAT(Messages.Panel[1], HasSubstr("Nothing was printed"));
 }
 
+TEST_F(GCode_Test, A_Double_Click_Marks_Only_Lines_Of_The_Text_That_Is_Drawn) {
+  ASSERT_TRUE(Open_GCode(Write_File("part.gc", "G90\n\nG1 X1\nG1 X2\n")));
+  Text_GCode_DblClick(3);
+  EXPECT_EQ(Messages.Panel[1], "G1 X1");
+  Type("G90\nG1 X5\nG1 X1\n");
+  for (const bool taken : {false, true}) {
+    if (taken) Take_Typed_Text();
+    Messages.Panel[1].clear();
+    Text_GCode_DblClick(3);
+    EXPECT_THAT(Messages.Panel[1], HasSubstr("newer than the plot")) << taken;
+  }
+  Command_Update_Click();
+  Text_GCode_DblClick(3);
+  EXPECT_EQ(Messages.Panel[1], "G1 X1");
+}
+
 TEST_F(GCode_Test, Feeds_Are_Shown_And_Stored) {
   MachineSetup.UnitsofMeasurement = 1;
   Display_Parameters();

@@ -69,23 +69,19 @@ TEST_F(Startup_Test, Later_Start_Takes_Over_The_Run_Before) {
   EXPECT_THAT(Trace, ElementsAre("place Main", "show Plot", "show GCode", "show Plot"));
 }
 
-TEST_F(Startup_Test, Serial_Board_Gets_Positions_And_Its_Link) {
+TEST_F(Startup_Test, Only_The_Parallel_Port_Has_Its_Outputs_Switched_Off) {
   for (const int type : {1, 2, 3}) {
     Application.ShutdownFlag = false;
     Main_Window = {};
     scripted.Ports.clear();
     Trace.clear();
-    Setup_Host.Send_To_Controller = [this] { Trace.push_back("setup"); };
     Replace_File(Application.MachineFile,
                  "[General]\nINI_Save_Test=123\n[Parallel Setup]\nParallel_Output_Bit_13=3\n"
                  "Parallel_Port_Type=" +
                      std::to_string(type) + "\n");
     Load_Main();
-    const bool is_board = type > 1;
-    EXPECT_EQ(Trace.front(), is_board ? "setup" : "place Main");
     EXPECT_EQ(scripted.Ports.contains(888), type == 1) << type;  // outputs off on the port only
   }
-  Setup_Host.Send_To_Controller = [] {};
 }
 
 TEST_F(Startup_Test, Second_Instance_Says_So_Ends_And_Writes_Nothing) {

@@ -81,7 +81,7 @@ TEST_F(Transform_Menu_Test, TheOperatorDecidesAboutWordsThatGo) {
   scripted.Answer_Box(Box_Answer::Cancel);
   Command_Convert_Click();
   ASSERT_EQ(scripted.Boxes.size(), 1U);
-  EXPECT_EQ(scripted.Boxes[0].Buttons, Box_Buttons::Ok_Cancel);
+  EXPECT_EQ(scripted.Boxes[0].Buttons, Box_Buttons::Continue_Cancel);
   EXPECT_THAT(scripted.Boxes[0].Text,
               HasSubstr("This drops 1 word of 1 line: Q (1), first at line 1."));
   EXPECT_EQ(Text(), "X1 Q2\n");

@@ -54,6 +54,21 @@ TEST_F(Import_Command_Test, An_Unknown_Extension_Wants_The_Kind_Named) {
   EXPECT_THAT(Read_Whole_File(Program), HasSubstr("G01 X2 Y1"));
 }
 
+TEST_F(Import_Command_Test, A_Drawing_Lies_Where_The_Options_Put_It) {
+  const std::string plot = Write_File("plot.plt", "PU1016,1016;PD3048,1016;");
+  EXPECT_EQ(Import({plot, "--origin", "centre", "--rotate", "90", "--scale", "2"}), Done) << Said;
+  EXPECT_THAT(Read_Whole_File(Program), HasSubstr("G01 X0 Y2"));
+  EXPECT_THAT(Said, HasSubstr("scaled by 2, turned by 90 degrees, its centre moved to X0 Y0"));
+  EXPECT_THAT(Said, HasSubstr("Corrections: "));
+  EXPECT_EQ(Import({plot}), Done);
+  EXPECT_THAT(Read_Whole_File(Program), HasSubstr("G01 X3 Y1"));
+  std::filesystem::remove(Program);
+  Expect_Refused({plot, "--scale", "-1"}, "scale");
+  Expect_Refused({Samples + "/relief.bmp", "--mirror"}, "its own settings");
+  Write_File("inch.ini", "[General]\nINI_Save_Test=123\n");
+  Expect_Refused({plot, "--units", "mm"}, "corrections set Import_Convert_Units");
+}
+
 TEST_F(Import_Command_Test, Where_The_Menu_Would_Only_Beep_Nothing_Is_Written) {
   Expect_Refused({Folder.File("gone.dxf")}, "there is no such file");
   Expect_Refused({Folder.Path, "--as", "gerber"}, "there is no such file");

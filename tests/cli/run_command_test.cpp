@@ -113,7 +113,8 @@ struct Run_Command_Test : testing::Test {
     setup.insert(setup.find(section) + section.size(),
                  "Parallel_Output_Bit_Invert_1=True\nParallel_Output_Bit_Invert_6=True\n"
                  "Parallel_Output_Bit_Invert_13=True\nParallel_MotorEnable_Option=1\n");
-    setup += "[Axis Position]\nAxis_Cur_Pos_1=1.5\n";
+    // In front of the corrections, which end the file.
+    setup.insert(setup.find("[Corrections]"), "[Axis Position]\nAxis_Cur_Pos_1=1.5\n");
     std::filesystem::create_directory(Folder.File("home"));
     Replace_File(Machine_File, setup);
     Replace_File(Folder.File("home/Norvik.Ini"), Pointer);
@@ -311,9 +312,7 @@ TEST_F(Run_Command_Test, A_Port_That_Does_Not_Read_Back_Is_Told) {
                Pointer + "[Simulated Machine]\nOutput_Read_Back=1\n");
   Replace_File(Dwelling, "M3\nM5\n");
   for (const bool shadow : {false, true}) {
-    if (shadow)
-      Replace_File(Machine_File,
-                   Read_Whole_File(Machine_File) + "[Corrections]\nPort_Shadow=True\n");
+    if (shadow) Replace_File(Machine_File, Read_Whole_File(Machine_File) + "Port_Shadow=True\n");
     Companion_Process process(Words(Dwelling), true);
     EXPECT_EQ(process.Status(10), Done);
     const bool told = process.Output.find("not read back what is written") != std::string::npos;

@@ -129,5 +129,33 @@ TEST_F(Setup_Command_Test, An_Import_Goes_To_Standard_Output) {
             Split_Lines(Read_Whole_File(Folder.File("rose.gc"))).size());
 }
 
+TEST_F(Setup_Command_Test, Corrections_Are_Listed_Switched_And_Switched_Back) {
+  const std::string fresh = "[General]\nINI_Save_Test=123\n[Axis]\nAxis_Backlash_Enable=True\n";
+  Replace_File(Machine, fresh);
+  EXPECT_EQ(Call({"setup", "check"}), Failed);
+  EXPECT_THAT(Printed, HasSubstr("{corrections set Backlash_Even}"));
+  ASSERT_EQ(Call({"corrections", "list"}), Done);
+  EXPECT_THAT(Printed, HasSubstr("Backlash_Even=False *\n"));
+  EXPECT_THAT(Printed, HasSubstr("0 on;"));
+  ASSERT_EQ(Call({"--set", "Axis.Axis_SPI_2=500", "corrections", "recommended"}), Done);
+  EXPECT_THAT(Printed, HasSubstr("Backlash_Even=True\n"));
+  EXPECT_THAT(Printed, Not(HasSubstr("Port_Shadow")));
+  EXPECT_EQ(Value_Of("Backlash_Even"), "True");
+  EXPECT_EQ(Value_Of("Axis_SPI_2"), "4000") << "of the call alone";
+  Call({"setup", "check"});
+  EXPECT_THAT(Printed, Not(HasSubstr("one toggle too many")));
+  ASSERT_EQ(Call({"corrections", "as-the-system-was"}), Done);
+  EXPECT_EQ(Value_Of("Backlash_Even"), "False");
+  ASSERT_EQ(Call({"corrections", "set", "port_shadow"}), Done);
+  EXPECT_EQ(Value_Of("Port_Shadow"), "True");
+  for (const std::vector<std::string>& wrong :
+       {std::vector<std::string>{"corrections", "set", "Axis_SPI_1"},
+        {"corrections", "set", "Limit_Filter_Steps"},
+        {"corrections", "set", "Limit_Filter_Steps", "-4"},
+        {"corrections", "set", "Port_Shadow", "maybe"}}) {
+    EXPECT_EQ(Call(wrong), Wrong_Usage) << wrong[2];
+  }
+}
+
 }  // namespace
 }  // namespace norvik

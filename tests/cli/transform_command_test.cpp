@@ -4,6 +4,7 @@
 #include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/setup.h"
+#include "support/full_disk.h"
 
 #include <filesystem>
 
@@ -31,6 +32,8 @@ TEST_F(Transform_Command_Test, ValuesOfTheCallComeBeforeThoseOfTheMachineFile) {
   EXPECT_EQ(Printed, "X001.000 Y003.000 \r\n");
   ASSERT_EQ(Call({"scale", "-2,5", part, "-o", Result}), Done) << Said;
   EXPECT_EQ(Read_Whole_File(Result), "X-002.500 Y003.000 \r\n");
+  ASSERT_EQ(Call({"offset", "-.5", "-,25", part, "-o", "-"}), Done) << Said;
+  EXPECT_EQ(Printed, "X000.500 Y000.750 \r\n");
   EXPECT_THAT(Said, IsEmpty());
   ASSERT_EQ(Call({"offset", part, "--duplicate", "-o", part}), Done) << Said;
   EXPECT_EQ(Read_Whole_File(part), "X1 Y1\r\nX011.000 Y001.000 \r\n");
@@ -52,6 +55,12 @@ TEST_F(Transform_Command_Test, WhatCannotBeDoneLeavesTheResultOfBefore) {
   EXPECT_EQ(Call({"scale", Folder.File("none.gc"), "-o", Result}), Failed);
   EXPECT_EQ(Call({"absolute", "1", Program("X1\n"), "-o", Result}), Wrong_Usage);
   EXPECT_EQ(Call({"scale", Program("X1\n"), "-o", Folder.File("none/x.gc")}), Failed);
+  {
+    const std::string long_part = Write_File("part.gc", std::string(20'000, ' ') + "X1\n");
+    const Full_Disk disk;
+    EXPECT_EQ(Call({"decimal-format", long_part, "-o", Result}), Failed);
+    EXPECT_THAT(Said, HasSubstr("the disk is full"));
+  }
   EXPECT_EQ(Read_Whole_File(Result), "old");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.Path), {}), 3)
       << "program, result and home: no temporary neighbours";

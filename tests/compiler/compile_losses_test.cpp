@@ -3,6 +3,7 @@
 
 #include "compiler/check/program_check.h"
 #include "compiler/compile/compile.h"
+#include "compiler/text/loss_text.h"
 #include "line_fixture.h"
 
 namespace norvik {
@@ -47,6 +48,29 @@ TEST_F(Compile_Losses_Test, Lines_and_macros_are_named_where_they_stand) {
   EXPECT_TRUE(Losses_Of("G1 X1\n").empty());
   EXPECT_FALSE(Compile_Losses.Any());
   EXPECT_EQ(Summary_Of(Compile_Losses), "");
+}
+
+// An editor counts empty lines, the steps of a program do not.
+TEST_F(Compile_Losses_Test, Lines_are_told_as_an_editor_counts_them) {
+  using ::testing::HasSubstr;
+  using ::testing::StartsWith;
+  const auto losses = Losses_Of("\n\nG1 X1 F10\r\n\r\nG0Z0.25\nX2\n\nREPEAT 2\nX3\nENDREPEAT\n");
+  ASSERT_EQ(losses.size(), 1U);
+  EXPECT_THAT(losses[0], StartsWith("line 5: lost: "));
+  bool order = false, loss = false;
+  for (const Check_Finding& finding : Check_Program(GCode_Program.Text)) {
+    if (finding.Kind == Check_Kind::Code_Runs_Together) {
+      loss = true;
+      EXPECT_EQ(finding.Line, 2);
+      EXPECT_EQ(finding.Text_Line(), 5);
+    }
+    if (finding.Kind == Check_Kind::Repeat_Order) {
+      order = true;
+      EXPECT_EQ(finding.Text_Line(), 8);
+      EXPECT_THAT(finding.What, HasSubstr("lines 9 to 9"));
+    }
+  }
+  EXPECT_TRUE(order && loss);
 }
 
 TEST_F(Compile_Losses_Test, A_table_that_is_full_names_the_line_where_it_ends) {

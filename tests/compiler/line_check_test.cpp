@@ -29,7 +29,8 @@ class Check_Test : public Line_Pass_Test {
     MachineSetup.Arc_Max_Segments = 360;
   }
   std::vector<Check_Finding> Check(const std::string& program) {
-    return Check_Program(std::make_shared<const GCode_Text>(program));
+    GCode_Program.Text = std::make_shared<const GCode_Text>(program);
+    return Check_Program(GCode_Program.Text);
   }
   std::vector<Told> Told_About(const std::string& program) {
     std::vector<Told> told;
@@ -186,6 +187,14 @@ TEST_F(Check_Test, Centres_by_the_other_reading) {
   EXPECT_EQ(Told_About(corner + "\nG2 X2.02 Y2 I-1 J0"),
             (std::vector<Told>{{2, Arc_Other_Centre}, {3, Arc_Other_Centre}}));
   EXPECT_EQ(Told_About("G0 X2.02 Y2 Z0 F10\nG2 X2.02 Y2 I-1 J0"), (std::vector<Told>{}));
+  // The same corner as an all but straight piece of a circle of 7.
+  EXPECT_EQ(Told_About("G0 X5 Y5 Z0 F10\nG2 X5.02 Y4.98 I0 J-.02"),
+            (std::vector<Told>{{2, Arc_Other_Centre}}));
+  // A piece of a circle of 8.5 or of 1.5.
+  const std::string open = "\nG0 X5 Y5 Z0 F10\nG2 X5.5 Y4.5 I-.75 J-1.25";
+  EXPECT_EQ(Told_About(open), (std::vector<Told>{}));
+  EXPECT_EQ(Told_About(corner + open),
+            (std::vector<Told>{{2, Arc_Other_Centre}, {4, Arc_Other_Centre}}));
   MachineSetup.GC_IJ_Incremental = true;
   EXPECT_EQ(Told_About(corner), (std::vector<Told>{}));
 }

@@ -238,7 +238,8 @@ TEST_F(Compile_Test, Check_counts_wires_and_travel) {
   MachineSetup.Arc_Max_Segments = 30'000;
   std::string program = "G0 X0 Y0 F1\n";
   for (int n = 0; n < 31; ++n) program += "G2 X0 Y0 I3 J0\n";
-  const auto findings = Check_Program(std::make_shared<const GCode_Text>(program));
+  GCode_Program.Text = std::make_shared<const GCode_Text>(program);
+  const auto findings = Check_Program(GCode_Program.Text);
   ASSERT_EQ(findings.size(), 3U);
   EXPECT_EQ(findings[0].Kind, Check_Kind::Travel_Too_Long);  // 6 wide and high
   EXPECT_EQ(findings[0].Line, 2);

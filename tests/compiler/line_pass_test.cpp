@@ -97,6 +97,20 @@ TEST_F(Line_Pass_Test, Work_without_end_is_bounded) {
   Line_Pass_Limits = {};
 }
 
+// A machine file from elsewhere may name any file as a macro: its text stays out of the error log.
+TEST_F(Line_Pass_Test, Unreadable_lines_of_a_macro_are_logged_by_their_place) {
+  MachineSetup.MacroFile[3] = Write_File("secret",
+                                         "G0 X1\nT:secret\nREPEAT secret\nX2\nENDREPEAT\n"
+                                         "M98 9secret\n");
+  Compile("M98 3\nT:own\n");
+  for (const std::string& line : Logged())
+    EXPECT_THAT(line, ::testing::Not(::testing::HasSubstr("secret")));
+  EXPECT_THAT(Logged(), ::testing::Contains(
+                            ::testing::HasSubstr("NIST_Block_Interpretor_Error: macro 3, line 2")));
+  EXPECT_THAT(Logged(),
+              ::testing::Contains(::testing::HasSubstr("NIST_Block_Interpretor_Error: T:own")));
+}
+
 // What a machine file names need not be what it says.
 TEST_F(Line_Pass_Test, Macros_are_files_on_a_disk) {
   const std::string pipe = (Folder / "pipe").string();

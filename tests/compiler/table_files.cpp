@@ -5,6 +5,7 @@
 #include "core/format.h"
 #include "core/number_text.h"
 #include "core/paths.h"
+#include "support/full_disk.h"
 
 #include <filesystem>
 #include <fstream>
@@ -12,8 +13,6 @@
 #include <random>
 
 #include <gmock/gmock.h>
-#include <signal.h>
-#include <sys/resource.h>
 #include <unistd.h>
 
 namespace norvik {
@@ -292,17 +291,13 @@ TEST_F(Table_Files, A_Failed_Write_Leaves_The_Table_Of_Before) {
     Table_Writer<Wire> abandoned(path);
     abandoned.Add(Wire());
   }
-  // A full disk: no file of the process may grow beyond the limit.
-  rlimit old{};
-  getrlimit(RLIMIT_FSIZE, &old);
-  const auto handler = ::signal(SIGXFSZ, SIG_IGN);
-  const rlimit small{1000, old.rlim_max};
-  setrlimit(RLIMIT_FSIZE, &small);
   Table<Wire> many;
   for (int row = 0; row < 100; ++row) many.Rows.push_back(wire);
-  const std::string cut = Fault_Text([&] { Write_Wire_Table(path, many); });
-  setrlimit(RLIMIT_FSIZE, &old);
-  ::signal(SIGXFSZ, handler);
+  std::string cut;
+  {
+    const Full_Disk disk;
+    cut = Fault_Text([&] { Write_Wire_Table(path, many); });
+  }
   EXPECT_THAT(cut, AllOf(HasSubstr("Cannot write"), HasSubstr("wires.csv")));
 
   EXPECT_EQ(Read_Whole_File(path), before);

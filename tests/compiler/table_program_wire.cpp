@@ -1,6 +1,7 @@
 // The executing table and its way from a step to its wires.
 #include "compiler/tables/program_wire.h"
 #include "compiler/tables/tables_io.h"
+#include "core/setup.h"
 
 #include <filesystem>
 #include <random>
@@ -47,6 +48,16 @@ TEST(Program_Wire_Table, Narrows_What_It_Takes) {
   }
   EXPECT_EQ(Program_Wire.Rows()[0].IPM_R, 12.7F);
   EXPECT_EQ(Program_Wire.Rows()[0].Start, (Indexed<Nullable, 1, 6>{{1, 2, 3, 4}}));
+
+  // With the correction the end speed stays that of the file.
+  MachineSetup.Drop_Rounding_Of_Loads = true;
+  Write_Wire_Table(path, table);
+  Load_Program_Wire(path, {});
+  std::filesystem::remove(path);
+  for (std::size_t k = 0; k < std::size(rows); ++k) {
+    EXPECT_EQ(Program_Wire.Rows()[k].IPM_E, rows[k].File);
+  }
+  MachineSetup.Drop_Rounding_Of_Loads = false;
 
   // What cannot be taken leaves the table of before.
   table.Rows[1].IPM_E = 40'000;

@@ -24,7 +24,7 @@ class Home_Test : public Control_Test {
     setup.Axis_ReToolPos = {{"3", "", "-0.5", "1"}};
     setup.Axis_Tool_Height = {{1.5F, 0.5F, 0}};
     setup.Axis_HomeIPM = {{60, 5}};
-    Drive_Host.Mark_Plot = [](std::string_view) {};
+    Drive_Host.Mark_Rate_Error = [] {};
   }
 
   // Validation of Z towards plus and of X and Y towards minus; the counters are wrong by
@@ -102,6 +102,32 @@ TEST_F(Home_Test, A_switch_that_is_not_met_is_told_and_sets_a_position_only_as_t
       EXPECT_EQ(Machine.Position[1], 0) << "X may not search before Z is known";
     } else {
       EXPECT_NEAR(Machine.Position[1], 1, 1e-9);
+    }
+  }
+}
+
+// The counter is wrong by -200, so that the tap to -40 (400 steps per unit) would run away from the
+// switch; with the correction it goes the way of the seek.
+TEST_F(Home_Test, Tap_goes_where_the_switch_is_with_the_correction) {
+  for (const bool corrected : {false, true}) {
+    Messages = {};
+    Set_Up_Validation(0);
+    Reset_Simulated_Machine();
+    Free_Axes();
+    MachineSetup.Axis_HomePath = {{"-220", "", "", ""}};
+    MachineSetup.Axis_HomeTarget = {{"-0.5", "", "", ""}};
+    MachineSetup.Axis_HomePos = {{"", "", "", ""}};
+    Switch_At(1, -9, -0.5);
+    Machine.Position = {{-200, 0, 0}};
+    MachineSetup.Home_Tap_Target = corrected;
+    MachineSetup.Home_Needs_Switch = true;
+    Command_Home_Click();
+    const auto lost = HasSubstr("The X switch was not met");
+    if (corrected) {
+      EXPECT_THAT(Messages.MessageLog, Not(Contains(lost)));
+      EXPECT_NEAR(Machine.Position[1], True_Position(1), 3.0 / 400);
+    } else {
+      EXPECT_THAT(Messages.MessageLog, Contains(lost));
     }
   }
 }

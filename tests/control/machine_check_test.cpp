@@ -2,6 +2,8 @@
 #include "control/safety/machine_check.h"
 
 #include "control_fixture.h"
+#include "core/corrections.h"
+#include "core/setup_keys.h"
 #include "parallel/port_ranges.h"
 
 namespace norvik {
@@ -144,6 +146,24 @@ TEST_F(Machine_Check_Test, Switch_that_is_not_wired_is_named_until_homing_needs_
   MachineSetup.Parallel_Port_Type = 2;  // a board's switches are none of the port's
   EXPECT_THAT(Keys(), ::testing::Contains("Home_Needs_Switch"));
   EXPECT_THAT(Keys(), ::testing::Not(::testing::Contains("Parallel_Input_Bit_2")));
+}
+
+// A stated hazard that a correction answers carries it, and is none with the correction on.
+TEST_F(Machine_Check_Test, Hazards_with_a_correction_carry_it_until_it_is_on) {
+  int answered = 0;
+  for (const Hazard_Row& row : Hazards) {
+    Harmless();
+    row.Make(MachineSetup);
+    const auto findings = Machine_Check();
+    ASSERT_EQ(findings.size(), 1U);
+    if (findings[0].Correction.empty()) continue;
+    ++answered;
+    const Setup_Row* correction = Find_Correction(findings[0].Correction);
+    ASSERT_NE(correction, nullptr) << findings[0].Correction;
+    Change_Setup_Key({correction, 0}, "True");
+    EXPECT_THAT(Keys(), ::testing::IsEmpty()) << correction->Key;
+  }
+  EXPECT_EQ(answered, 5);
 }
 
 TEST_F(Machine_Check_Test, Unwired_axes_and_serial_boards_are_not_blamed) {

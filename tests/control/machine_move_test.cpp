@@ -1,6 +1,7 @@
 // Targets to steps, and the trace of the moves.
 #include "control/manual/panel_jog.h"
 #include "control_fixture.h"
+#include "core/error_log.h"
 
 #include <fstream>
 
@@ -115,6 +116,14 @@ TEST_F(Machine_Move_Test, Every_move_is_traced_and_a_blocked_trace_stops_nothing
   EXPECT_EQ(Move(2), Move_End::Done);
   const std::string log = Read_Whole_File(Application.ErrorFile);
   EXPECT_EQ(log.find("trace"), log.rfind("move trace") + 5) << "reported once";
+}
+
+TEST_F(Machine_Move_Test, A_trace_keeps_within_its_limit) {
+  Log_Limits.Trace = 1000;
+  Move_Trace.Path = (Folder / "bounded.csv").string();
+  for (int i = 0; i < 50; ++i) Move(0.001 * i);
+  EXPECT_LT(Read_Whole_File(*Move_Trace.Path).size(), 1100U);
+  EXPECT_GE(Read_Whole_File((Folder / "bounded.1.csv").string()).size(), 1000U);
 }
 
 // However a move is cut short, the next one starts from where the machine is.

@@ -78,9 +78,12 @@ TEST_F(Programs_Test, The_estimate_agrees_with_the_run) {
     bool Ramping;
     std::int16_t Rate;
     float Ends, Highest;
-  } const rows[] = {
-      {false, 1, 20, 1000}, {true, 1, 20, 1000}, {true, 15, 5, 1000}, {true, 4, 60, 50}};
+    bool Corrected = false;  // ramps and delays by the leading axis
+  } const rows[] = {{false, 1, 20, 1000},     {true, 1, 20, 1000},        {true, 15, 5, 1000},
+                    {true, 4, 60, 50},        {false, 1, 20, 1000, true}, {true, 1, 20, 1000, true},
+                    {true, 15, 5, 1000, true}};
   for (const auto& row : rows) {
+    MachineSetup.Axis_Scale_Delay = MachineSetup.One_Acceleration = row.Corrected;
     MachineSetup.Axis_Ramping = row.Ramping;
     MachineSetup.Axis_Ramp_Rate = row.Rate;
     MachineSetup.Axis_Max_Feed_Rate.Fill(row.Highest);

@@ -194,6 +194,82 @@ TEST_P(Serial_Runs_Test, A_held_jog_ends_soon_after_its_release) {
   EXPECT_EQ(Machine.Theoretical_Pos[1], Machine.Position[1]);
 }
 
+// How far X goes in a jog that is held for two seconds, and how far behind that moment. `cut`: the
+// cable is pulled then in place of the release.
+struct Jog_Ways {
+  double Held = 0, Behind = 0;
+};
+
+class Serial_Jog_Test : public Serial_Runs_Test {
+ protected:
+  Jog_Ways Jog(bool cut) {
+    Step_Request jog;
+    jog.Steps[1] = 400'000;
+    jog.Start = 12, jog.Run = jog.End = 40;
+    jog.No_Rate_Check = true;
+    const Operation_Scope scope(Operation::Jog);
+    double held = 0;
+    const Timer_Id once = Platform.Start_Timer(2'000, [&] {
+      if (held != 0) return;
+      held = Count(1) / 400;
+      cut ? Harm("now disconnect=20000") : Release_Jog();
+    });
+    Run_Jog(jog, true);
+    Platform.Stop_Timer(once);
+    Advance_Virtual_Clock(5'000'000'000);
+    Follow_Simulated_Board();
+    return {held, Count(1) / 400 - held};
+  }
+};
+
+TEST_P(Serial_Jog_Test, A_jog_in_one_piece_runs_on_when_the_cable_is_pulled) {
+  EXPECT_GT(Jog(true).Behind, 3);  // five seconds at 40 units a minute
+}
+
+TEST_P(Serial_Jog_Test, A_jog_in_pieces_ends_by_itself_when_the_cable_is_pulled) {
+  MachineSetup.Serial_Jog_Pieces = true;
+  const Jog_Ways ways = Jog(true);
+  EXPECT_GT(ways.Held, 1.2);  // 1.33 less the ramp: the pieces join
+  EXPECT_LT(ways.Behind, 0.25);
+  EXPECT_NE(Position_Memory.Doubt, "");
+}
+
+TEST_P(Serial_Jog_Test, A_jog_in_pieces_slows_down_behind_its_release) {
+  MachineSetup.Serial_Jog_Pieces = true;
+  const Jog_Ways ways = Jog(false);
+  EXPECT_GT(ways.Held, 1.2);
+  EXPECT_LT(ways.Behind, 0.35);
+  EXPECT_EQ(Machine.Position[1], Count(1) / 400);
+  EXPECT_EQ(Machine.Theoretical_Pos[1], Machine.Position[1]);
+  EXPECT_EQ(Position_Memory.Doubt, "");
+  EXPECT_EQ(Board_Finding_Count(Board().Findings, Board_Finding_Kind::Rate_Jump), 0);
+}
+
+TEST_P(Serial_Runs_Test, The_feed_is_that_of_the_longest_axis_or_that_along_the_path) {
+  MachineSetup.Axis_SPI[3] = 1'600;
+  Drive().Refresh_Parameters();
+  Row slanting;
+  slanting.X = 3, slanting.Y = 4, slanting.Z = 0;
+  Row up;
+  up.Step = 2;
+  up.Z = 2;
+  const auto seconds = [&] {
+    Drive().Begin_Session();
+    Machine.Position = {};
+    Drive().Set_Position();
+    Load({slanting, up});
+    const Run_Summary summary = Run_Compiled_Program({""});
+    EXPECT_TRUE(summary.Finished) << summary.Ended_By;
+    EXPECT_NEAR(Count(2), 1'600, 1);
+    return summary.Machine_Run_Time;
+  };
+  // 60 units a minute: the 4 of Y in 4 s, and Z with four times the scale in 8 s.
+  EXPECT_NEAR(seconds(), 12, 0.3);
+  MachineSetup.Serial_Path_Feed = true;
+  EXPECT_NEAR(seconds(), 7, 0.3);
+}
+
+INSTANTIATE_TEST_SUITE_P(Both_Boards, Serial_Jog_Test, ::testing::Values(0, 1));
 INSTANTIATE_TEST_SUITE_P(Both_Boards, Serial_Runs_Test, ::testing::Values(0, 1));
 
 }  // namespace

@@ -168,7 +168,7 @@ TEST_F(Memory_Test, Tool_File_Fills_Both_Tables) {
   EXPECT_EQ(Tools.Diameter[5], 0);
   EXPECT_EQ(Tools.Length[5], 1);
   EXPECT_EQ(Tools.Diameter[200], 2);
-  EXPECT_THAT(Messages.Panel[1], HasSubstr("line 5: \"abc,1\" is not diameter,offset"));
+  EXPECT_THAT(Messages.Panel[1], HasSubstr("line 5 is not diameter,offset"));
   EXPECT_FALSE(Read_Tool_File(""));
   EXPECT_EQ(Tools.Diameter[200], 0);
   Tools.Diameter[1] = 1;

@@ -122,7 +122,8 @@ TEST(Format_Number, Quick_Way_Equals_The_Plain_Rule) {
     const double tie =
         whole(random) / std::pow(10.0, places(random)) + 5 / std::pow(10.0, count + 1);
     const double any = std::round(real(random) * 1e10) / 1e10;
-    for (const double value : {tie, any}) {
+    const double large = 1e5 * whole(random);
+    for (const double value : {tie, any, large + tie, large + any}) {
       char text[40];
       const auto end = std::to_chars(text, text + sizeof text, value);
       if (end.ptr - text > 15) continue;  // beyond 15 digits the plain rule does not apply

@@ -109,5 +109,15 @@ TEST_F(Operation_Test, A_Refusal_Names_What_Runs_And_The_Way_Out) {
             "at once.");
 }
 
+TEST_F(Operation_Test, A_Text_Tool_Is_Not_Called_A_Compile) {
+  {
+    const Operation_Scope edit(Operation::Edit);
+    EXPECT_EQ(Why_Not_Begin(Operation::Run),
+              "Not now: a change of the program or an export is under way. ESC ends it.");
+  }
+  const Operation_Scope compile(Operation::Compile);
+  EXPECT_EQ(Why_Not_Begin(Operation::Run), operation_text::Compile_Runs);
+}
+
 }  // namespace
 }  // namespace norvik

@@ -4,13 +4,12 @@
 #include "core/fault.h"
 #include "core/paths.h"
 #include "support/fault_of.h"
+#include "support/full_disk.h"
 #include "support/temporary_folder.h"
 
-#include <csignal>
 #include <filesystem>
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -245,15 +244,11 @@ TEST(Replace_File, Full_Disk_Keeps_The_Old_File) {
   const Temporary_Folder folder;
   const std::string path = folder.File("a.ini");
   Replace_File(path, "old");
-  rlimit before{};
-  ::getrlimit(RLIMIT_FSIZE, &before);
-  const rlimit small{1000, before.rlim_max};
-  const auto handler = std::signal(SIGXFSZ, SIG_IGN);
-  ::setrlimit(RLIMIT_FSIZE, &small);
-  EXPECT_EQ(Fault_Of([&] { Replace_File(path, std::string(100'000, 'x')); }),
-            Fault_Number::Disk_Full);
-  ::setrlimit(RLIMIT_FSIZE, &before);
-  std::signal(SIGXFSZ, handler);
+  {
+    const Full_Disk disk;
+    EXPECT_EQ(Fault_Of([&] { Replace_File(path, std::string(100'000, 'x')); }),
+              Fault_Number::Disk_Full);
+  }
   EXPECT_EQ(Read_Whole_File(path), "old");
   EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder.Path), {}), 1);
 }

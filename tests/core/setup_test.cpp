@@ -231,7 +231,7 @@ TEST_F(Setup_Test, Save_Keeps_The_Order_Told_And_Foreign_Lines) {
         "[Corrections]\r\nRun_In_Table_Order=False\r\nLimit_Filter_Steps=0\r\n"
         "Home_Needs_Switch=False\r\nPort_Shadow=False\r\nOutputs_Before_Dwell=False\r\n"
         "Slow_Before_Stops=False\r\nGoto_From_Position=False\r\nExport_All_Records=False\r\n"
-        "HPGL_Export_Raw_Z=False\r\n"}) {
+        "HPGL_Export_Raw_Z=False\r\nMotion_File_Any_Length=False\r\nBacklash_Even=False\r\n"}) {
     const auto found = fresh.find(line, place);
     ASSERT_NE(found, std::string::npos) << line;
     place = found;
@@ -407,6 +407,20 @@ TEST_F(Setup_Test, A_Lost_End_Is_Noticed_And_A_Short_File_Is_Not) {
   Replace_File(Application.MachineFile, whole.substr(0, whole.find("[Corrections]")));
   LoadMachineSetup();
   EXPECT_TRUE(Lost_Tail.Keys.empty());
+}
+
+// A whole save keeps the order of a file that a person began.
+TEST_F(Setup_Test, A_Cut_Line_Tells_A_Lost_End_In_Any_Order_Of_Sections) {
+  const std::string begun = Read_Whole_File(std::string(NORVIK_SAMPLES_FOLDER) + "/inch.ini");
+  Replace_File(Application.MachineFile, begun.substr(0, begun.find_last_not_of("\r\n") + 1));
+  LoadMachineSetup();
+  EXPECT_TRUE(Lost_Tail.Keys.empty()) << "a short file without a last line end";
+  EXPECT_TRUE(SaveMachineSetup());
+  const std::string whole = Read_Whole_File(Application.MachineFile);
+  std::string part = whole.substr(0, whole.find("Output_Names_2=") + 4);
+  Replace_File(Application.MachineFile, part);
+  LoadMachineSetup();
+  EXPECT_FALSE(Lost_Tail.Keys.empty());
 }
 
 TEST_F(Setup_Test, Factory_Reset_Reads_No_Key) {

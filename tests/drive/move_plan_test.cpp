@@ -59,6 +59,31 @@ TEST(Move_Plan_Test, No_Ramps) {
   }
 }
 
+// 10 hertz a step on 6000 steps per unit are 0.1 IPM in a step, so 0.05 in each half step; the
+// leading axis is Y, whose scale counts. As stated the scale does not matter.
+TEST(Move_Plan_Test, One_Acceleration_Ramps_By_The_Scale_Of_The_Leading_Axis) {
+  Move_Rules rules;
+  rules.Axis_Max.Fill(999);
+  rules.Ramping = true;
+  rules.Ramp_Rate = 10;
+  rules.Scale = {{3000, 6000, 3000, 3000}};
+  for (const bool one : {false, true}) {
+    rules.One_Acceleration = one;
+    const Move_Plan plan = Plan_Move(rules, {{100, 200, 0, 0}}, 10, 12, 11);
+    EXPECT_DOUBLE_EQ(plan.Increment, one ? 0.05 : 0.1);
+    EXPECT_FLOAT_EQ(plan.Ramp_Up, one ? 40 : 20);
+    EXPECT_FLOAT_EQ(plan.Ramp_Down, one ? 380 : 390);
+  }
+  rules.Scale.Fill(3000);  // where both reckon the same
+  EXPECT_DOUBLE_EQ(Plan_Move(rules, {{100, 0, 0, 0}}, 10, 12, 11).Increment, 0.1);
+}
+
+TEST(Move_Plan_Test, Last_Of_The_Longest_Axes_Leads) {
+  EXPECT_EQ(Leading_Axis({{5, 0, 0, 0}}), 1);
+  EXPECT_EQ(Leading_Axis({{5, 7, 6, 0}}), 2);
+  EXPECT_EQ(Leading_Axis({{7, 2, 7, 0}}), 3);
+}
+
 TEST(Move_Plan_Test, Half_Periods_Are_Held_To_What_Can_Be_Timed) {
   EXPECT_DOUBLE_EQ(Half_Period(1000, 300), 100);
   EXPECT_DOUBLE_EQ(Half_Period(1000, 5000), Half_Period(1000, Fastest_IPM));

@@ -8,6 +8,7 @@ namespace norvik {
 namespace {
 
 using ::testing::Contains;
+using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
 
@@ -38,7 +39,7 @@ TEST_F(Import_Test, Report_names_what_a_plot_loses) {
   ASSERT_TRUE(Import_HPGL_File(Store("part.plt", "PU0,0;PD100,0,100,100,0,100;CI50;\n")));
   EXPECT_EQ(Skipped("pairs behind the first"), 2);
   EXPECT_EQ(Skipped("CI"), 1);
-  EXPECT_THAT(Import_Report.Notes, IsEmpty());
+  EXPECT_THAT(Import_Report.Notes, ElementsAre(HasSubstr("no plunge stand before its first cut")));
 
   ASSERT_TRUE(Import_HPGL_File(Store("part.plt", "PAPU10,10PRPD5,5PUPA0,0;PD12\n3,4;")));
   EXPECT_EQ(Skipped("PU run together with PA"), 1);
@@ -58,11 +59,12 @@ TEST_F(Import_Test, Report_names_what_a_plot_loses) {
 
 TEST_F(Import_Test, Plotter_settings_cut_nothing_and_lost_numbers_count) {
   MachineSetup.UnitsofMeasurement = 1;
-  ASSERT_TRUE(Import_HPGL_File(
-      Store("part.plt", "SP1;PU0,0;PD100,0;LT2,4;SC0,9000,0,9000;IP0,0,7,7;SI.2,.3;PD1-2,7;PU;")));
+  ASSERT_TRUE(Import_HPGL_File(Store(
+      "part.plt", "SP1;PU0,0;PD100,0;LT2,4;SC0,9000,0,9000;IP0,0,7,7;SI.2,.3;PD1-2,7;PD5;PU;")));
   EXPECT_THAT(Import_Report_Lines(), Contains(HasSubstr("Cutting extents: X 0 to 0.098")));
   EXPECT_EQ(Skipped("LT"), 1);
   EXPECT_EQ(Skipped("commands with a number that cannot be read"), 1);
+  EXPECT_EQ(Skipped("numbers without a second one"), 1);
   EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr("in inches, the setup is metric")));
 }
 
@@ -77,7 +79,7 @@ TEST_F(Import_Test, A_full_circle_survives_the_sort) {
 TEST_F(Import_Test, Units_of_a_drawing) {
   const auto notes = [&](const std::string& header) {
     EXPECT_TRUE(Import_DXF_File(
-        Store("part.dxf", header + "0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n0\n20\n0\n11\n1\n21\n1\n"
+        Store("part.dxf", header + "0\nSECTION\n2\nENTITIES\n0\nLINE\n10\n1\n20\n1\n11\n2\n21\n2\n"
                                    "0\nENDSEC\n0\nEOF\n")));
     return Import_Report.Notes;
   };
@@ -137,7 +139,7 @@ TEST_F(Import_Test, Report_names_what_a_drill_file_loses) {
   EXPECT_THAT(Import_Report.Notes, Contains(HasSubstr("may be cut short")));
 
   ASSERT_TRUE(Import_Excellon_File(Store("part.nc", "M48\nLZ\nT1C.5\nM95\nT1\nX1.5Y1.5\n")));
-  EXPECT_THAT(Import_Report.Notes, ::testing::ElementsAre(HasSubstr("Put a line \"%\"")));
+  EXPECT_THAT(Import_Report.Notes, ElementsAre(HasSubstr("Put a line \"%\"")));
 }
 
 }  // namespace

@@ -347,8 +347,9 @@ TEST_F(Import_Test, Holes_beyond_the_table_stop_the_load) {
 }
 
 TEST_F(Import_Test, Unreadable_holes_are_counted) {
-  ASSERT_TRUE(Import_Excellon_File(Store("holes.nc", "%\nT01\nX1000Y1000\nX-5\nX1+2\nY2000\n")));
-  EXPECT_EQ(Import_Report.Kinds["lines with unreadable numbers"].Skipped, 2);
+  ASSERT_TRUE(
+      Import_Excellon_File(Store("holes.nc", "%\nT01\nX1000Y1000\nX-5\nX1+2\nX3Y\nY2000\n")));
+  EXPECT_EQ(Import_Report.Kinds["lines with unreadable numbers"].Skipped, 3);
   EXPECT_EQ(Import_Report.Kinds["holes"].Read, 2);
   EXPECT_THAT(Log(), HasSubstr("NC File Load Error"));
 }

@@ -40,6 +40,37 @@ TEST_F(Backlash_Test, Toggles_Are_Two_N_And_One) {
   }
 }
 
+TEST_F(Backlash_Test, Corrected_Toggles_Are_Whole_Steps) {
+  MachineSetup.Backlash_Even = true;
+  for (const Toggle_Row& row : {Toggle_Row{1000, 0.002f, 4},
+                                {1000, 0.0013f, 2},
+                                {1000, 0.0004f, 0},
+                                {1000, 0, 0},
+                                {1000, -0.001f, 0},
+                                {4000, 0.25f, 2000}}) {
+    MachineSetup.Axis_SPI[1] = row.Scale;
+    MachineSetup.Axis_Backlash[1] = row.Backlash;
+    EXPECT_EQ(Backlash_Toggles(1), row.Toggles) << row.Backlash;
+  }
+}
+
+// Where the carriage stands is told by the rising edges of the step pin. As stated, the pin of Y is
+// left high by five toggles, so that a step of the move behind makes no edge of its own.
+TEST_F(Backlash_Test, Corrected_Take_Up_Leaves_The_Step_Pin_As_It_Was) {
+  for (const bool even : {false, true}) {
+    MachineSetup.Backlash_Even = even;
+    Forget_Driven_Machine();
+    scripted.Ports[888] = 0;
+    for (const bool negative : {true, false}) {
+      Step_Request request = Move(0, 1, 0, 0, 300);
+      request.Negative = {{negative, negative, negative, negative}};
+      EXPECT_EQ(Step_Engine_Move(request), Move_End::Done);
+      const bool high = (scripted.Ports[888] & 4) != 0;
+      EXPECT_EQ(high, !even && negative) << "even " << even << ", negative " << negative;
+    }
+  }
+}
+
 // X (four toggles) then Y (five), each with its motor on for the time, at the live feed of 100
 // microseconds; then the move. Positions count the move alone.
 TEST_F(Backlash_Test, Reversal_Takes_Up_Before_The_Move) {

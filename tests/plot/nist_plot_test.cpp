@@ -1,6 +1,7 @@
 // Drawing of the program: what reaches the surfaces, the panels and the log.
 #include "plot/nist_plot.h"
 
+#include "plot/raster_surface.h"
 #include "plot_fixture.h"
 
 namespace norvik {
@@ -233,6 +234,30 @@ TEST_F(Nist_Plot_Test, A_Block_Is_Drawn_Over_The_Picture) {
   Picture1.Calls.clear();
   NIST_Plot_Block(99, 0, 0);
   EXPECT_THAT(Picture1.Calls, IsEmpty());
+}
+
+TEST_F(Nist_Plot_Test, A_Highlight_Leaves_Nothing_Of_The_One_Before_And_Follows_A_New_Drawing) {
+  Load_Corner();
+  Raster_Surface raster(200, 200);
+  Plot_Host.Picture1 = &raster;
+  NIST_Plot(true);
+  const auto pixels_of = [&](std::int32_t step) {
+    NIST_RePlot();
+    NIST_Plot_Block(step, Highlight_On, 0);
+    return raster.Image().Pixels;
+  };
+  const auto first = pixels_of(1), second = pixels_of(2);
+  ASSERT_NE(first, second);
+  for (const auto& [step, pixels] : {std::pair(2, second), std::pair(1, first)}) {
+    Plot_Highlight_Step(step);
+    EXPECT_EQ(raster.Image().Pixels, pixels);
+  }
+  Plot.PlotLines.Clear();
+  NIST_RePlot();
+  const auto empty = raster.Image().Pixels;
+  Plot_Highlight_Step(99);
+  EXPECT_EQ(raster.Image().Pixels, empty);
+  Plot_Host.Picture1 = &Picture1;
 }
 
 TEST_F(Nist_Plot_Test, A_Run_Forgets_The_Tool_After_Each_Wire) {

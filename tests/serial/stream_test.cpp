@@ -5,15 +5,20 @@
 #include "core/axis_memory.h"
 #include "core/messages.h"
 #include "core/operation.h"
+#include "core/paths.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "drive/drive_status.h"
 #include "plain_board.h"
 #include "platform/scripted/scripted_platform.h"
 #include "serial/commands.h"
 #include "serial/monitor.h"
+#include "serial/serial_drive.h"
 #include "serial/serial_link.h"
 #include "serial/serial_session.h"
+#include "serial/stream_trace.h"
 #include "support/reset.h"
+#include "support/temporary_folder.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -23,6 +28,13 @@ namespace {
 
 using testing::HasSubstr;
 
+template <int Generation>
+const Drive_Operations& Of_Board() {
+  static constexpr Drive_Operations drive = {.Board = Generation};
+  return drive;
+}
+constexpr auto Of_First_Board = Of_Board<0>, Of_Second_Board = Of_Board<1>;
+
 struct Stream_Test : testing::TestWithParam<int> {
   Scripted_Platform Scripted;
   Plain_Board Board{GetParam()};
@@ -30,7 +42,7 @@ struct Stream_Test : testing::TestWithParam<int> {
   Stream_Test() {
     Reset_Serial();
     Restore_Factory_Setup();
-    MachineSetup.Parallel_Port_Type = static_cast<std::int16_t>(2 + GetParam());
+    Drive_Choice.Of_Setup = GetParam() > 0 ? Of_Second_Board : Of_First_Board;
     for (auto& scale : MachineSetup.Axis_SPI) scale = 400;
     MachineSetup.Axis_Ramp_Rate = 5;
     MachineSetup.Axis_Ramp_Start = 12;
@@ -41,7 +53,10 @@ struct Stream_Test : testing::TestWithParam<int> {
     Serial_Begin_Session();
     Board.Port.Sent.clear();
   }
-  ~Stream_Test() override { Reset_Serial(); }
+  ~Stream_Test() override {
+    Reset_Serial();
+    Drive_Choice = {};
+  }
 
   bool Second() const { return GetParam() > 0; }
   static Step_Request Along_X(std::int32_t steps) {
@@ -61,6 +76,22 @@ TEST_P(Stream_Test, The_session_finds_configures_and_loads_the_board) {
   Serial_Begin_Session();
   EXPECT_EQ(Board.Codes(),
             Second() ? "9 8 22 28 29 31 44 45 11 18 11 41 24" : "9 8 22 28 29 31 11 18 11");
+}
+
+TEST_P(Stream_Test, A_loaded_setup_goes_to_the_board_that_is_in_session_and_rests) {
+  MachineSetup.Axis_Ramp_Rate = 8;
+  Serial_Setup_Loaded();
+  EXPECT_EQ(Serial_Session.LastRampRate, 8);
+  EXPECT_EQ(Board.Codes(), Second() ? "22 28 29 31 44 45" : "22 28 29 31");
+  {
+    const Operation_Scope jog(Operation::Jog);
+    Serial_Setup_Loaded();
+    EXPECT_EQ(Board.Codes(), "");
+  }
+  Serial_End_Session();
+  Board.Codes();
+  Serial_Setup_Loaded();
+  EXPECT_EQ(Board.Codes(), "");
 }
 
 TEST_P(Stream_Test, A_board_of_the_other_generation_gets_no_frame_that_moves) {
@@ -360,6 +391,68 @@ TEST_P(Stream_Test, Spindle_values) {
   EXPECT_EQ(PWM_Of(32'767), Unchanged_PWM);
   DravonSetPWM(2'000);
   EXPECT_EQ(Board.Last_Of(10)[32], 0);
+}
+
+TEST_P(Stream_Test, A_dry_queue_is_an_alarm_but_for_chords_of_an_arc) {
+  Stream_Limit.Seconds = 0;
+  Board.Finishes_When_Asked = false;
+  for (const bool arc : {true, false}) {
+    SCOPED_TRACE(arc);
+    Messages = {};
+    Begin_Stream();
+    Step_Request chord = Along_X(100);
+    chord.End = 60;
+    for (int i = 1; i <= 6; ++i) Serial_Move(chord, std::nullopt, i);
+    EXPECT_TRUE(Dravon_Stream.StreamStarted);
+    Board.Finish(6);
+    chord.Is_Arc = arc;
+    Serial_Move(chord, std::nullopt, 7);
+    EXPECT_EQ(Dravon_Stream.Ran_Dry, arc ? 0 : 1);
+    EXPECT_EQ(Messages.Panel[2], arc ? "DravonBuffer= " + std::to_string(Second() ? 3'249 : 38)
+                                     : "DravonBuffer Empty");
+    Board.Finish(1);
+    Serial_Stop();
+  }
+}
+
+TEST_P(Stream_Test, The_trace_is_off_until_it_is_asked_for) {
+  const Temporary_Folder folder;
+  Application.Table_Folder = folder.Path;
+  const std::string path = folder.File("TestFile2.csv");
+  Serial_Move(Along_X(100), std::nullopt, 1);
+  EXPECT_FALSE(FileExists(path));
+  Dravon_Trace.Enabled = true;
+  Step_Request request = Along_X(-1000);
+  request.Steps[3] = 300;
+  request.Is_Arc = true;
+  request.Out[1] = 2;
+  Serial_Move(request, 5'000, 258);
+  EXPECT_EQ(Read_Whole_File(path), "258,-1000,0,300,0,12,60,12,1,1,2,1,1,1,5000\r\n");
+  Application.Table_Folder = folder.File("missing");
+  EXPECT_EQ(Serial_Move(request, std::nullopt, 259), Move_End::Done);
+  EXPECT_THAT(Dravon_Trace.Failed_Path, HasSubstr("missing"));
+}
+
+TEST_P(Stream_Test, The_last_frames_stop_the_board_behind_a_frame_that_was_cut_off) {
+  const auto bytes = Last_Frames_For_Board();
+  EXPECT_EQ(Bytes(bytes.begin(), bytes.begin() + 4), (Bytes{27, 12, 39, 0}));
+  EXPECT_EQ(Bytes(bytes.end() - 5, bytes.end()), (Bytes{27, 14, 5, 46, 0}));
+  EXPECT_GT(bytes.size(), 4 * 51U);  // a frame has 39 bytes at most
+}
+
+TEST_P(Stream_Test, A_spindle_level_waits_for_the_line) {
+  Dravon.DravonBusy = true;
+  Serial_Drive.Set_Spindle_Level(300);
+  Serial_Drive.Set_Spindle_Level(511);
+  EXPECT_EQ(Board.Count_Of(10), 0);
+  Dravon.DravonBusy = false;
+  Serial_Drive.Tick();
+  EXPECT_EQ(Board.Count_Of(10), 1);
+  EXPECT_EQ(Board.Last_Of(10)[32], 127);
+  EXPECT_EQ(Drive_Status.Spindle_Level, 511);
+  Machine.EStop_Flag = true;
+  Serial_Drive.Set_Spindle_Level(0);
+  EXPECT_EQ(Board.Count_Of(10), 1);
 }
 
 INSTANTIATE_TEST_SUITE_P(Both_Boards, Stream_Test, testing::Values(0, 1));

@@ -4,6 +4,7 @@
 #include "app/forms.h"
 #include "app/gcode_form.h"
 #include "app/main_form.h"
+#include "app/options/options_form.h"
 #include "app/program_findings.h"
 #include "app/session_mark.h"
 #include "app/startup.h"
@@ -27,6 +28,8 @@ void Reset_App() {
   Main_Form = {};
   Main_Host = {};
   Main_Window = {};
+  Options_Form = {};
+  Options_Host = {};
   Program_Findings = {};
   Session_Mark = {};
 }

@@ -8,6 +8,7 @@
 #include "core/remembered_files.h"
 #include "core/setup.h"
 #include "core/setup_tail.h"
+#include "core/trace_file.h"
 #include "core/window_memory.h"
 #include "support/reset.h"
 
@@ -21,6 +22,7 @@ void Reset_Core() {
   Setup_Store = {};
   Setup_Host = {};
   Log_Limits = {};
+  Trace_Watch = {};
   Lost_Tail = {};
   Messages = {};
   Messages_Host = {};

@@ -7,6 +7,7 @@
 #include "import/gerber/table.h"
 #include "import/hpgl/import.h"
 #include "import/pipeline/pipeline.h"
+#include "import/pipeline/placing.h"
 #include "import/pipeline/report.h"
 #include "support/reset.h"
 
@@ -15,6 +16,7 @@ namespace norvik {
 void Reset_Import() {
   Reset_Core();
   Import_Host = {};
+  Import_Placing = {};
   Import_Report = {};
   DXF_Entity = {};
   DXF_Import_Layers = {};

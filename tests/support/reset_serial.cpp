@@ -1,8 +1,10 @@
 #include "serial/commands.h"
 #include "serial/monitor.h"
 #include "serial/serial_link.h"
+#include "serial/serial_page.h"
 #include "serial/serial_session.h"
 #include "serial/stream.h"
+#include "serial/stream_trace.h"
 #include "support/reset.h"
 
 namespace norvik {
@@ -16,6 +18,8 @@ void Reset_Serial() {
   Dravon = {};
   Dravon_Stream = {};
   Stream_Limit = {};
+  Dravon_Trace = {};
+  Serial_Page = {};
 }
 
 }  // namespace norvik

@@ -235,6 +235,10 @@ TEST_F(Analyzer_Test, ESC_Leaves_The_Rest_Unchecked_And_A_Second_Check_Does_Not_
   EXPECT_EQ(Status(101), "not checked not checked not checked");
   EXPECT_EQ(Messages.Panel[1], "0 Errors, cut short");
   EXPECT_FALSE(Application.EscFlag);
+  scripted.On_Yield = {};
+  Application.EscFlag = true;  // of a press before the next check
+  DisplayData();
+  EXPECT_EQ(Status(101), "OK OK OK");
 }
 
 struct Analyzer_File_Test : Analyzer_Test {

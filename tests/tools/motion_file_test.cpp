@@ -11,6 +11,7 @@
 #include "core/paths.h"
 #include "core/setup.h"
 #include "platform/scripted/scripted_platform.h"
+#include "support/full_disk.h"
 #include "support/reset.h"
 #include "support/temporary_folder.h"
 
@@ -257,6 +258,29 @@ TEST_F(Motion_File_Test, What_Is_Wrong_Is_Told_And_Leaves_Table_And_File_As_They
   std::filesystem::remove(Program_Wire_File());
   EXPECT_FALSE(Save_Motion_File("new.mcd", Folder.File("new.mcd")));
   EXPECT_FALSE(FileExists(Folder.File("new.mcd")));
+}
+
+TEST_F(Motion_File_Test, A_Disk_That_Fills_Leaves_Table_And_File_As_They_Were) {
+  const std::string before = Write_Wires(29 * 4);
+  ASSERT_TRUE(Save_Motion_File("long.mcd", Folder.File("long.mcd")));
+  const std::string old = Write_File("old.mcd", "old");
+  const std::string table = Write_Wires(3);
+  Install_Table(Wires(3));
+  {
+    const Full_Disk disk;
+    EXPECT_FALSE(Load_Motion_File("long.mcd", Folder.File("long.mcd")));
+  }
+  EXPECT_THAT(scripted.Boxes.back().Text, HasSubstr("the disk is full"));
+  EXPECT_EQ(Read_Whole_File(Program_Wire_File()), table);
+  EXPECT_EQ(Program_Wire.Count(), 3U);
+
+  Replace_File(Program_Wire_File(), before);
+  {
+    const Full_Disk disk;
+    EXPECT_FALSE(Save_Motion_File("old.mcd", old));
+  }
+  EXPECT_EQ(scripted.Boxes.size(), 2U);
+  EXPECT_EQ(Read_Whole_File(old), "old");
 }
 
 TEST_F(Motion_File_Test, A_Count_That_Lies_Is_Told_And_Missing_Lines_Are_Not_Run) {

@@ -9,12 +9,14 @@
 #include "core/paths.h"
 #include "import/dxf/import.h"
 #include "import/pipeline/pipeline.h"
+#include "support/full_disk.h"
 #include "support/temporary_folder.h"
 #include "transform/drawing_text.h"
 #include "transform_fixture.h"
 
 #include <array>
 #include <cmath>
+#include <filesystem>
 #include <random>
 
 namespace norvik {
@@ -178,6 +180,26 @@ TEST_F(Exports_Test, AFailureIsLoggedAndLeavesTheDrawingOfBefore) {
   EXPECT_FALSE(Report.Written) << "ended by ESC";
   EXPECT_EQ(Read_Whole_File(Folder.File("drawing")), "old");
   EXPECT_EQ(Scripted.Pointers.back(), Mouse_Pointer::Normal);
+}
+
+TEST_F(Exports_Test, ADiskThatFillsLeavesTheDrawingOfBefore) {
+  for (int i = 0; i < 5'000; ++i) Move({0.0 + i, 0.0, 0.0}, {1.0 + i, 0.0, 0.0});
+  const std::string table = Folder.File("wires.csv"), drawing = Folder.File("drawing");
+  Write_Wire_Table(table, Wires);
+  Replace_File(drawing, "old");
+  for (const auto save : {Save_DXF_File, Save_HPGL_File}) {
+    Export_Report report;
+    {
+      const Full_Disk disk(10'000);
+      report = save(drawing, table);
+    }
+    EXPECT_FALSE(report.Written);
+    EXPECT_THAT(report.Failure, HasSubstr("the disk is full"));
+    EXPECT_EQ(Read_Whole_File(drawing), "old");
+  }
+  EXPECT_THAT(Scripted.Boxes, IsEmpty()) << "no export is called complete";
+  EXPECT_EQ(std::distance(std::filesystem::directory_iterator(Folder.Path), {}), 3)
+      << "table, drawing and error log: no temporary neighbour";
 }
 
 TEST(Coordinate_Test, TheQuickTextIsTheGeneralForm) {

@@ -163,9 +163,12 @@ TEST_F(Calm_Test, What_Stands_On_A_Coloured_Face_Can_Be_Read) {
     return least;
   };
   EXPECT_GE(worst(Find<QPushButton>("Command_Bar_EStop")), Readable_Contrast);
-  Click("Command_EStop");
   auto& button = Find<QPushButton>("Command_EStop");
+  const QRect place = button.geometry();
+  Click("Command_EStop");
   ASSERT_EQ(button.text(), "MOTORS DISABLED");
+  QCoreApplication::processEvents();
+  EXPECT_EQ(button.geometry(), place);  // it does not move under the hand
   EXPECT_GE(worst(button), Readable_Contrast);
   EXPECT_NE(Find("Command_CNC_Play").palette().color(QPalette::ButtonText),
             Find("Command_CNC_Pause").palette().color(QPalette::ButtonText));

@@ -143,6 +143,7 @@ TEST_F(List_Windows_Test, The_Analyzer_Marks_Errors_Finds_Them_And_Writes_What_I
   EXPECT_EQ(Program_Wire.Rows()[4].IPM_S, 1.25F);
 
   auto& grid = Find<QTableView>("Grid1");
+  EXPECT_EQ(grid.currentIndex().row(), 4) << "edit and check leave the row where it was";
   grid.setCurrentIndex(grid.model()->index(0, 0));
   QTest::keyClick(&grid, Qt::Key_F7);
   EXPECT_EQ(grid.currentIndex().row(), 4);

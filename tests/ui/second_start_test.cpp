@@ -23,11 +23,22 @@ TEST(Second_Start, Hands_Its_File_To_The_Window_That_Is_Open) {
   std::vector<std::string> opened;
   auto window = std::make_unique<QObject>();
   Replace_File("Norvik.socket", "");  // what a program that was killed may leave
-  Listen_For_Second_Starts(*window, [&](const std::string& file) { opened.push_back(file); });
+  Listen_For_Second_Starts(*window, [&](const std::string& file) {
+    opened.push_back(file);
+    if (file != "/a/asks.gc") return;
+    // What comes while a file is opened, and may ask something, waits.
+    EXPECT_TRUE(Hand_To_First_Start("/a/later.gc"));
+    QTest::qWait(50);
+    opened.emplace_back("answered");
+  });
   EXPECT_TRUE(Hand_To_First_Start("/a/part.gc"));
   EXPECT_TRUE(Hand_To_First_Start("/b/with blank.dxf"));
   QTest::qWait(50);
   EXPECT_THAT(opened, testing::ElementsAre("/a/part.gc", "/b/with blank.dxf"));
+  opened.clear();
+  EXPECT_TRUE(Hand_To_First_Start("/a/asks.gc"));
+  EXPECT_TRUE(QTest::qWaitFor([&] { return opened.size() == 3; }));
+  EXPECT_THAT(opened, testing::ElementsAre("/a/asks.gc", "answered", "/a/later.gc"));
   window.reset();
   EXPECT_FALSE(Hand_To_First_Start("/a/part.gc"));
   EXPECT_FALSE(FileExists("Norvik.socket"));

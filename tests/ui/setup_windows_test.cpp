@@ -1,11 +1,16 @@
 // The windows of the menu Machine and the group Timing: calibrating, wiring, looking, assigning.
+#include "control/displays/displays.h"
 #include "control/manual/table_setup_keys.h"
 #include "control/safety/machine_check.h"
+#include "core/corrections.h"
 #include "core/operation.h"
+#include "drive/drive.h"
 #include "parallel/pin_map.h"
 #include "parallel/port_setup.h"
 #include "parallel/system_timing.h"
 #include "parallel/timing.h"
+#include "simulate/board/board.h"
+#include "simulate/board_port.h"
 #include "ui_fixture.h"
 
 #include <QCheckBox>
@@ -13,6 +18,8 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QRadioButton>
+#include <QSlider>
+#include <QTabWidget>
 #include <QTableWidget>
 
 namespace norvik {
@@ -64,6 +71,7 @@ struct Setup_Windows_Test : Ui_Test {
     setup.LimitDisableinRunMode = 1;
     setup.Parallel_MotorEnable_Option = 2;
     setup.Validate_Home_Position = false;
+    Take_Corrections(Correction_Set::As_The_System_Was);
   }
 };
 
@@ -210,6 +218,24 @@ TEST_F(Setup_Windows_Test, The_Machine_Check_Lists_What_It_Finds_And_Says_When_T
   EXPECT_TRUE(In<QLabel>(window, "Label_Nothing_Found").isVisible());
 }
 
+TEST_F(Setup_Windows_Test, A_Finding_With_A_Correction_Switches_It_On) {
+  Make_Harmless();
+  MachineSetup.LimitDisableinRunMode = 0;  // a finding that no correction answers
+  MachineSetup.Axis_Backlash_Enable = true;
+  QWidget& window = Opened("Machine_Check");
+  auto& table = In<QTableWidget>(window, "List_Findings");
+  ASSERT_EQ(table.rowCount(), 2);
+  auto& button = In<QPushButton>(window, "Command_Switch_Correction_On");
+  for (int row = 1; row >= 0; --row) {
+    table.selectRow(row);
+    EXPECT_EQ(button.isEnabled(), table.item(row, 1)->text() == "Axis_Backlash_Enable");
+  }
+  Press(window, "Command_Switch_Correction_On");
+  EXPECT_TRUE(MachineSetup.Backlash_Even);
+  EXPECT_EQ(ReadSetup("Corrections", "Backlash_Even"), "True");
+  EXPECT_EQ(table.rowCount(), 1);
+}
+
 // --- Port_Setup ----------------------------------------------------------------------------------
 
 constexpr int Pin = 1, Port = 2, Bit = 3, Invert = 4, Name = 5;  // columns
@@ -349,6 +375,102 @@ TEST_F(Setup_Windows_Test, A_Key_Is_Read_Named_And_Applied) {
   EXPECT_THAT(Text_Of("Picture1_1").toStdString(), HasSubstr("Right"));
   Press(window, "Command_KeyJog_RestoreDefaults");
   EXPECT_EQ(code.text(), "102");
+}
+
+// --- A serial board ------------------------------------------------------------------------------
+
+struct Serial_Page_Window_Test : Setup_Windows_Test {
+  Serial_Page_Window_Test() { Install_Simulated_Boards(); }
+  ~Serial_Page_Window_Test() override { Forget_Simulated_Boards(); }
+
+  // Chooses the board in the list of drives, as by hand, and applies.
+  QWidget& Choose_Pelmar() {
+    QWidget& window = Opened("Port_Setup");
+    auto& types = In<QComboBox>(window, "Option_Port_Type");
+    types.setCurrentIndex(types.findText("Serial Port (Pelmar v5.xx"));
+    emit types.activated(types.currentIndex());
+    EXPECT_EQ(In<QTabWidget>(window, "Tab_Port_Setup").currentIndex(), 1);
+    Press(window, "Command_Apply");
+    return window;
+  }
+  static Simulated_Board& Board() { return Simulated_Line(Board_Generation::Pelmar_V5).Board; }
+  // The window's next look at the board.
+  static void Look(QWidget& window) {
+    In<QAbstractButton>(window, "Command_Dravon_ResetErrors").click();
+  }
+  static QString Shown(QWidget& window, const QString& name) {
+    return In<QLabel>(window, name).text();
+  }
+};
+
+TEST_F(Serial_Page_Window_Test, A_Board_Is_Chosen_Shows_Itself_And_Survives_Its_Cable) {
+  QWidget& window = Choose_Pelmar();
+  EXPECT_EQ(MachineSetup.Parallel_Port_Type, 3);
+  EXPECT_EQ(Drive().Missing(), "");
+  Look(window);
+  EXPECT_EQ(Shown(window, "Label_ComOK"), "Present");
+  EXPECT_TRUE(Shown(window, "Label_Firmware_Revision").startsWith("5."));
+  EXPECT_EQ(Shown(window, "Label_Dravon_Buffer"), "3250");
+  Press(window, "Command_Dravon_Aux_Output_5");  // output 6
+  EXPECT_EQ(Board().Outputs, 32);
+  Unplug(Simulated_Line(Board_Generation::Pelmar_V5));
+  Look(window);
+  EXPECT_EQ(Shown(window, "Label_DravonErrorMsg"), "Comm Error!!!");
+  EXPECT_EQ(Shown(window, "Label_ComOK"), "Failure");
+  EXPECT_NE(Drive().Missing(), "");
+  Plug_In(Simulated_Line(Board_Generation::Pelmar_V5));
+  scripted.Advance(2);
+  Drive().Tick();
+  Look(window);
+  EXPECT_EQ(Shown(window, "Label_ComOK"), "Present");
+  EXPECT_EQ(Drive().Missing(), "");
+}
+
+TEST_F(Serial_Page_Window_Test, Encoders_Are_Set_Up_And_Their_Faults_Cleared) {
+  QWidget& window = Choose_Pelmar();
+  In<QTabWidget>(window, "Tab_Port_Setup").setCurrentIndex(2);
+  Press(window, "Check_Dravon_Enc_Enable_1");
+  Press(window, "Check_Dravon_Enc_StopOnFault_1");
+  In<QComboBox>(window, "Combo_Dravon_Enc_Mode_1").setEditText("4X");
+  In<QComboBox>(window, "Combo_Dravon_Enc_Error_1").setEditText("50");
+  auto& factor = In<QLineEdit>(window, "Text_Dravon_Enc_CFactor_1");
+  factor.selectAll();
+  QTest::keyClicks(&factor, "0.5");
+  Press(window, "Command_Set_Encoder");
+  EXPECT_EQ(Board().Axes[1].Encoder_Byte, 195);
+  EXPECT_EQ(Board().Axes[1].Encoder_Factor, 500U);
+  EXPECT_EQ(Board().Axes[1].Encoder_Error, 50U);
+  EXPECT_EQ(ReadSetup("Dravon Setup", "Dravon_Enc_Mode_1"), "3");
+  EXPECT_EQ(Drive().Missing(), "");  // the board has what the setup says
+  // A wrong factor is named and changes nothing.
+  factor.selectAll();
+  QTest::keyClicks(&factor, "much");
+  Press(window, "Command_Apply");
+  EXPECT_THAT(In<QLabel>(window, "Label_Hint").text().toStdString(),
+              HasSubstr("Encoder factor of X"));
+  EXPECT_EQ(factor.text(), "0.5");
+  Board().Axes[1].Encoder_Fault = true;
+  Look(window);
+  EXPECT_EQ(Drive().Alarm(), "Dravon Fault");
+  Press(window, "Command_Enc_Fault_Flag_1");
+  EXPECT_FALSE(Board().Axes[1].Encoder_Fault);
+  EXPECT_EQ(Drive().Alarm(), "");
+}
+
+TEST_F(Serial_Page_Window_Test, The_Spindle_Slider_Is_There_For_A_Board_And_Acts) {
+  EXPECT_FALSE(Find("Slider_RPM").isVisible());
+  Choose_Pelmar();
+  Display_IO();
+  auto& slider = Find<QSlider>("Slider_RPM");
+  EXPECT_TRUE(slider.isVisible());
+  slider.setValue(512);
+  EXPECT_EQ(Pwm_Value(Board()), 512);
+  EXPECT_EQ(Text_Of("Label_RPM"), "Spindle speed 5005 rpm");
+  Drive().Tick();
+  Click("Command_EStop");
+  slider.setValue(900);
+  EXPECT_EQ(Pwm_Value(Board()), 512);
+  EXPECT_EQ(slider.value(), 512);
 }
 
 }  // namespace

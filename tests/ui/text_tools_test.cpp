@@ -5,6 +5,7 @@
 
 #include <QCheckBox>
 #include <QLabel>
+#include <QScrollBar>
 #include <QTextBlock>
 
 namespace norvik {
@@ -117,6 +118,26 @@ TEST_F(Text_Tools_Test, ATransformIsOneStepOfUndo) {
   Choose("Menu_Functions_Scale");
   EXPECT_THAT(Text().toPlainText().toStdString(), HasSubstr("G1 X"));
   EXPECT_THAT(Text().toPlainText().toStdString(), testing::Not(HasSubstr("G1 X1\n")));
+}
+
+TEST_F(Text_Tools_Test, TheCursorKeepsItsLineThroughATransformAndBack) {
+  std::string program;
+  for (int n = 0; n < 300; ++n) program += "G1 X1\n";
+  Open("long.gc", program);
+  Text().setTextCursor(QTextCursor(Text().document()->findBlockByNumber(200)));
+  Text().centerCursor();
+  const int top = Text().verticalScrollBar()->value();
+  Click("Command_Add_Seq");
+  for (const QKeySequence::StandardKey step : {QKeySequence::Undo, QKeySequence::Redo}) {
+    QTest::keySequence(&Text(), QKeySequence(step));
+    EXPECT_EQ(Text().toPlainText().startsWith("N001"), step == QKeySequence::Redo);
+    EXPECT_EQ(Text().textCursor().blockNumber(), 200);
+    EXPECT_EQ(Text().verticalScrollBar()->value(), top);
+  }
+  QTest::keyClicks(&Text(), "Y2");  // a change in the text has its own place
+  Text().moveCursor(QTextCursor::Start);
+  QTest::keySequence(&Text(), QKeySequence(QKeySequence::Undo));
+  EXPECT_EQ(Text().textCursor().blockNumber(), 200);
 }
 
 TEST(Text_Search_Test, HitsWithoutACharacterAreNone) {

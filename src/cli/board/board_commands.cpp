@@ -76,6 +76,10 @@ void Add_Board_Commands(CLI::App& app, Companion& companion) {
       ->type_name("FILE");
   command->add_option("--event-log", process.Event_Log, "File for faults and marks")
       ->type_name("FILE");
+  command->add_flag("--panel", process.Panel,
+                    "Shows the board on this terminal; keys press switches and pull the cable");
+  command->add_option("--steps-per-unit", process.Steps_Per_Unit, "For the speeds of the panel")
+      ->check(CLI::Range(0.001, 1e6));
   command->add_flag("--strict-speed", process.Strict_Speed,
                     "Another speed or form than 115200,N,8,1 gives garbage");
   command->callback([&companion, board] {

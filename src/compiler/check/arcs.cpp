@@ -146,6 +146,15 @@ Reading Read_Around(const double (&centre)[2], const double (&start)[2], const d
   return reading;
 }
 
+// Of two readings that agree with the end: the other one, where this one goes a long way round or
+// is a piece of a circle so wide that it is all but straight.
+bool Likelier(const Reading& other, const Reading& now) {
+  constexpr double wide = 10;
+  if (other.Goes_Far() || other.Start_Radius >= now.Start_Radius) return false;
+  return now.Goes_Far() ||
+         (other.Start_Radius * wide < now.Start_Radius && other.Sweep > wide * now.Sweep);
+}
+
 std::string Other_Reading(const Reading& other) {
   return std::string(MachineSetup.GC_IJ_Incremental ? "with GC_IJ_Incremental off"
                                                     : "with GC_IJ_Incremental on") +
@@ -162,8 +171,9 @@ void Tell_Radii(const Arc_Event& arc, Pending_Arc& pending, const Report_Finding
   const bool two_readings =
       std::hypot(pending.Start[0], pending.Start[1]) > Tolerance(now.Start_Radius) &&
       !arc.Event.Moved_Incremental();
-  pending.Full = end[0] == pending.Start[0] && end[1] == pending.Start[1];
-  if (pending.Full || !two_readings) {
+  const bool full = end[0] == pending.Start[0] && end[1] == pending.Start[1];
+  pending.Open = two_readings && (full || (now.Agrees() && other.Agrees()));
+  if (full || !two_readings) {
     if (!now.Agrees()) {
       report(Check_Kind::Arc_Radii_Differ, 0,
              "the radius is " + Finding_Number(now.Start_Radius) + " at the start and " +
@@ -180,8 +190,7 @@ void Tell_Radii(const Arc_Event& arc, Pending_Arc& pending, const Report_Finding
            "the radius is " + Finding_Number(now.Start_Radius) + " at the start and " +
                Finding_Number(now.End_Radius) + " at the end" + hint,
            hint.empty() ? "" : "set GC_IJ_Incremental as the program means it");
-  } else if (now.Goes_Far() && other.Agrees() && !other.Goes_Far() &&
-             other.Start_Radius < now.Start_Radius) {
+  } else if (other.Agrees() && Likelier(other, now)) {
     pending.Misfits = true;
     report(Check_Kind::Arc_Other_Centre, 0,
            "the arc walks " + Finding_Number(std::round(now.Sweep * 180 / Arc_Pi)) +
@@ -253,18 +262,16 @@ void Check_Arcs(const Block_Event& event, const Meant_Modes& modes, std::size_t 
   }
 }
 
-void Check_Full_Circles(
-    const std::vector<Pending_Arc>& arcs,
-    const std::function<void(const Pending_Arc& arc, std::string what)>& report) {
-  if (std::ranges::any_of(arcs, &Pending_Arc::Fits) ||
-      std::ranges::none_of(arcs, &Pending_Arc::Misfits)) {
+void Check_Open_Arcs(const std::vector<Pending_Arc>& arcs,
+                     const std::function<void(const Pending_Arc& arc, std::string what)>& report) {
+  if (std::ranges::count_if(arcs, &Pending_Arc::Misfits) <=
+      std::ranges::count_if(arcs, &Pending_Arc::Fits)) {
     return;
   }
   for (const Pending_Arc& arc : arcs) {
-    if (!arc.Full) continue;
-    const double radius = std::hypot(arc.Start[0] - arc.Other[0], arc.Start[1] - arc.Other[1]);
+    if (!arc.Open) continue;
     Reading other;
-    other.Start_Radius = radius;
+    other.Start_Radius = std::hypot(arc.Start[0] - arc.Other[0], arc.Start[1] - arc.Other[1]);
     report(arc, "the other arcs of the program agree with the other reading of I and J; " +
                     Other_Reading(other));
   }

@@ -24,7 +24,7 @@ struct Pending_Arc {
   std::int16_t Plane = 17;
   double Start[2] = {}, Stored[2] = {}, Meant[2] = {};
   double Other[2] = {};  // the centre by the other reading of I and J; the same for an arc by R
-  bool Full = false;     // a full circle: both readings agree with its end
+  bool Open = false;     // both readings agree with its end, as with each full circle
   bool Fits = false;     // only the reading in force agrees with its end
   bool Misfits = false;  // only the other one does
 };
@@ -34,11 +34,10 @@ struct Meant_Modes;
 void Check_Arcs(const Block_Event& event, const Meant_Modes& modes, std::size_t place,
                 std::vector<Pending_Arc>& pending, const Report_Finding& report);
 
-// Full circles agree with both readings of I and J. They are findings where the other arcs of the
-// program agree with the other reading only.
-void Check_Full_Circles(
-    const std::vector<Pending_Arc>& arcs,
-    const std::function<void(const Pending_Arc& arc, std::string what)>& report);
+// An arc whose end agrees with both readings of I and J is a finding where more of the other arcs
+// agree with the other reading only than with the one in force.
+void Check_Open_Arcs(const std::vector<Pending_Arc>& arcs,
+                     const std::function<void(const Pending_Arc& arc, std::string what)>& report);
 
 // Why the arc will be walked otherwise than meant; absent when it will not.
 std::optional<std::string> Walked_Elsewhere(const Pending_Arc& arc);

@@ -1,5 +1,7 @@
 #include "compiler/check/findings.h"
 
+#include "compiler/text/program_text.h"
+
 #include <array>
 
 namespace norvik {
@@ -43,9 +45,9 @@ constexpr std::array<Check_Kind_Info, static_cast<std::size_t>(Check_Kind::Count
     {Wrong, "M2 leaves the counter-clockwise spindle on", "write M5 before it, or M30"},
     {Note, "long dwell", "P is in seconds, not milliseconds"},
     {Wrong, "dwell comes before the outputs switch",
-     "write G4 on a line of its own behind it, or switch on Outputs_Before_Dwell (Corrections)"},
+     "write G4 on a line of its own behind it, or switch on Outputs_Before_Dwell (Corrections)", "Outputs_Before_Dwell"},
     {Wrong, "move before a stop ends at full feed",
-     "switch on Slow_Before_Stops (Corrections), or write a short slow move before the stop"},
+     "switch on Slow_Before_Stops (Corrections), or write a short slow move before the stop", "Slow_Before_Stops"},
     {Wrong, "tool change waits with the spindle on", "write M5 on a line before M6"},
     {Wrong, "feed is not in units per minute", "write F in units per minute, with G94"},
     {Wrong, "line runs otherwise than it reads", "mend what was lost before it, or write code and words out in this line"},
@@ -80,7 +82,7 @@ constexpr std::array<Check_Kind_Info, static_cast<std::size_t>(Check_Kind::Count
     {Wrong, "repeat within a repeat", "put the inner repeat into a macro"},
     {Wrong, "count of a repeat is not read", "write one blank and a whole number up to 32767 behind REPEAT"},
     {Wrong, "repeated lines run in another order",
-     "switch on Run_In_Table_Order (Corrections), or write the lines out as often as they are to run"},
+     "switch on Run_In_Table_Order (Corrections), or write the lines out as often as they are to run", "Run_In_Table_Order"},
     {Wrong, "compensation with a tool of no diameter", "set the tool's diameter in the tool list and load the list"},
     {Wrong, "compensation takes another tool's diameter", "set the diameter of tool T to what D means"},
     {Wrong, "compensation in another plane than X and Y", "write G17 before the first arc and keep it to the end"},
@@ -113,6 +115,10 @@ std::string_view Name_Of(Check_Grade grade) {
       break;
   }
   return "note";
+}
+
+std::int32_t Check_Finding::Text_Line() const {
+  return Macro ? Line : Text_Line_Of_Step(Line);
 }
 
 }  // namespace norvik

@@ -109,6 +109,8 @@ struct Check_Kind_Info {
   Check_Grade Grade;
   std::string_view Title;
   std::string_view Instead;  // what to write; a finding may know better
+  // The key of section Corrections that answers it; empty: none.
+  std::string_view Correction = {};
 };
 const Check_Kind_Info& Info_Of(Check_Kind kind);
 std::string_view Name_Of(Check_Grade grade);
@@ -116,10 +118,13 @@ std::string_view Name_Of(Check_Grade grade);
 struct Check_Finding {
   Check_Kind Kind;
   std::optional<std::int16_t> Macro;  // the macro whose file it stands in; absent: the program
-  std::int32_t Line = 0;              // of that file; 0: the program as a whole
+  std::int32_t Line = 0;              // of that file, of the program the step; 0: as a whole
   std::int32_t Column = 0;            // from 1; 0: the line as a whole
   std::string What;                   // what happens
   std::string Instead;                // what to write instead
+
+  // As an editor counts, empty lines included; 0: the program as a whole.
+  std::int32_t Text_Line() const;
 };
 
 }  // namespace norvik

@@ -164,9 +164,13 @@ Check_Place Checker::Place_Of(std::string_view text) const {
 
 // --- Blocks --------------------------------------------------------------------------------------
 
+std::string Line_Number(Check_Place place) {
+  return std::to_string(place.Macro ? place.Line : Text_Line_Of_Step(place.Line));
+}
+
 std::string Line_Name(Check_Place place) {
   return (place.Macro ? "macro " + std::to_string(*place.Macro) + " line " : "line ") +
-         std::to_string(place.Line);
+         Line_Number(place);
 }
 
 void Checker::Read_Block(std::string_view text) {
@@ -204,7 +208,7 @@ void Checker::Check_Arc_Walks() {
       Report(Arc_Places[arc.Finding_Place], Check_Kind::Arc_Walked_Elsewhere, 0, *why);
     }
   }
-  Check_Full_Circles(Arcs, [&](const Pending_Arc& arc, std::string what) {
+  Check_Open_Arcs(Arcs, [&](const Pending_Arc& arc, std::string what) {
     Report(Arc_Places[arc.Finding_Place], Check_Kind::Arc_Other_Centre, 0, std::move(what));
   });
 }
@@ -329,7 +333,7 @@ void Checker::Check_Repeats(std::optional<std::int16_t> macro, std::int32_t coun
     } else if (found.Start > 0) {
       if (open != 0) {
         Report(place, Check_Kind::Repeat_Nested, 0,
-               "the REPEAT of line " + std::to_string(open) + " is forgotten");
+               "the REPEAT of " + Line_Name({macro, open}) + " is forgotten");
       }
       open = line;
       Tell_Repeat_Count(
@@ -362,8 +366,8 @@ void Checker::Tell_Repeat_Count(Check_Place place, std::string_view text,
 // A step of the run takes all rows of its line number at once.
 void Checker::Tell_Repeat_Order(Check_Place begin, std::int32_t end) {
   if (MachineSetup.Run_In_Table_Order) return;
-  const std::string lines =
-      "lines " + std::to_string(begin.Line + 1) + " to " + std::to_string(end - 1);
+  const std::string lines = "lines " + Line_Number({begin.Macro, begin.Line + 1}) + " to " +
+                            Line_Number({begin.Macro, end - 1});
   Report(begin, Check_Kind::Repeat_Order, 0,
          begin.Macro ? lines +
                            " of the macro run at the steps of the program's lines with these "

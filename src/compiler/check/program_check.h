@@ -25,7 +25,8 @@ namespace norvik {
 // All findings: first the lines whose G or M words run together, then by line and column; lines of
 // macros behind those of the program. Each line and kind is told once, however often a repeat or a
 // macro runs it. Empty while another compile runs. ESC ends the check early; `whole`, where it is
-// given, tells whether every line was looked at.
+// given, tells whether every line was looked at. `program` is `GCode_Program.Text`, by which texts
+// name lines.
 std::vector<Check_Finding> Check_Program(std::shared_ptr<const GCode_Text> program,
                                          bool* whole = nullptr);
 

@@ -5,6 +5,7 @@
 #include "compiler/compensation/records.h"
 #include "compiler/state/compile_host.h"
 #include "compiler/state/compiler_state.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -44,7 +45,8 @@ std::string Line_And_Text(const LineArc& record) {
 
 std::string Does_Not_Fit_Text(double radius, double distance, const LineArc& obstacle) {
   return "The tool of radius " + Format_Number(radius, "0.0000") + " comes as near as " +
-         Format_Number(distance, "0.0000") + " to line " + std::to_string(obstacle.LineNumber) +
+         Format_Number(distance, "0.0000") + " to line " +
+         std::to_string(Text_Line_Of_Step(obstacle.LineNumber)) +
          "; take a smaller tool or give the contour more room there";
 }
 

@@ -5,6 +5,7 @@
 #include "compiler/state/compile_losses.h"
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
+#include "compiler/text/user_outputs.h"
 #include "core/application.h"
 #include "core/error_log.h"
 #include "core/fault.h"
@@ -280,9 +281,10 @@ void Act(Block& block, const Code& code) {
   }
 }
 
-// A line in the error log; nobody reads more of a line than this.
+// A block in the error log; nobody reads more of a line than this.
 std::string Log_Text(std::string_view text) {
   constexpr std::size_t most = 4000;
+  if (Compiler.Source_Macro) return Place_In_Macro();
   return std::string(text.substr(0, most)) + (text.size() > most ? "..." : "");
 }
 
@@ -341,14 +343,8 @@ void WriteControlRecord(Block& block) {
 }
 
 void Take_User_Output_Codes() {
-  const Machine_Setup& setup = MachineSetup;
-  if (setup.Parallel_Port_Type == 1) {
-    Interpreter.User = {User_Code(setup.Parallel_MCode_High[0], "Parallel_MCode_High_0"),
-                        User_Code(setup.Parallel_MCode_Low[0], "Parallel_MCode_Low_0")};
-  } else {
-    Interpreter.User = {User_Code(setup.Dravon_MCode_High[0], "Dravon_MCode_High_0"),
-                        User_Code(setup.Dravon_MCode_Low[0], "Dravon_MCode_Low_0")};
-  }
+  const User_Output_Texts texts = User_Outputs_Of_Setup();
+  Interpreter.User = {User_Code(texts.High, texts.High_Key), User_Code(texts.Low, texts.Low_Key)};
 }
 
 const User_Output_Codes& Current_User_Output_Codes() {

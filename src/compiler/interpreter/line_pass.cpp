@@ -6,6 +6,7 @@
 #include "compiler/state/record_table.h"
 #include "compiler/text/block_reader.h"
 #include "compiler/text/compile_sources.h"
+#include "compiler/text/program_text.h"
 #include "core/application.h"
 #include "core/beside_machine.h"
 #include "core/error_log.h"
@@ -125,6 +126,12 @@ bool Ends_Early() {
   return Application.EscFlag || Has_Excess();
 }
 
+// `words` may quote the line, so a line of a macro is named by its place alone.
+void Log_Line_Fault(const char* name, const Fault& fault, const std::string& words) {
+  Line_Pass.Operations.Log(name + std::to_string(static_cast<int>(fault.Number)) + " " +
+                           (Compiler.Source_Macro ? Place_In_Macro() : words));
+}
+
 // --- Repeats -------------------------------------------------------------------------------------
 
 template <class Line_At>
@@ -147,8 +154,7 @@ void Look_For_Repeat(std::string_view text, Repeat_State& repeat, std::int32_t i
                      Line_At&& line_at) {
   if (!MayHoldRepeat(text)) return;
   const auto report = [&](const Fault& fault) {
-    Line_Pass.Operations.Log("ScanRepeat # " + std::to_string(static_cast<int>(fault.Number)) +
-                             " " + fault.Description);
+    Log_Line_Fault("ScanRepeat # ", fault, fault.Description);
     Note_Loss(Loss_Kind::Line, text, "its count is not read: " + fault.Description);
   };
   Trap_With(report, [&] {
@@ -234,7 +240,7 @@ void Expand(std::int16_t macro) {
 void Report_Full_Table(std::string_view line) {
   const std::string excess = Excess();
   const std::string text = "The program makes " + excess + "; the compile ends at line " +
-                           std::to_string(Line_Pass.Program_Line) +
+                           std::to_string(Text_Line_Of_Step(Line_Pass.Program_Line)) +
                            ". Look for a REPEAT, an L word or a macro that runs too often";
   Line_Pass.Operations.Table_Full(text);
   Note_Loss_At(Line_Pass.Program_Line, Loss_Kind::Records, line, "the program makes " + excess);
@@ -340,8 +346,7 @@ void CompileLine(std::string_view text) {
 
 void ExpandMacro(const std::string& number) {
   const auto report = [&](const Fault& fault) {
-    Line_Pass.Operations.Log("ExpandMacro # " + std::to_string(static_cast<int>(fault.Number)) +
-                             " M98 " + number + ": " + fault.Description);
+    Log_Line_Fault("ExpandMacro # ", fault, "M98 " + number + ": " + fault.Description);
     Lose_Macro("macro " + number + ": " + fault.Description);
   };
   Trap_With(report, [&] { Expand(To_Int16(To_Double(RegionalFix(number)))); });

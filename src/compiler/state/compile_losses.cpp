@@ -39,19 +39,6 @@ void Add(Compile_Loss loss) {
     Compile_Losses.List.push_back(std::move(loss));
 }
 
-std::string_view Words_Of(Loss_Kind kind) {
-  switch (kind) {
-    case Loss_Kind::Line:
-      return "lost";
-    case Loss_Kind::Macro:
-      return "macro missing";
-    case Loss_Kind::Records:
-    case Loss_Kind::Wires:
-      break;
-  }
-  return "cut here";
-}
-
 void Append(std::string& text, const std::string& part) {
   if (!text.empty()) text += ", ";
   text += part;
@@ -69,16 +56,6 @@ void Note_Loss(Loss_Kind kind, std::string_view text, std::string why) {
 
 void Note_Loss_At(std::int32_t line, Loss_Kind kind, std::string_view text, std::string why) {
   Add({kind, std::nullopt, line, Shortened(text), std::move(why)});
-}
-
-std::string Text_Of(const Compile_Loss& loss) {
-  std::string text;
-  if (loss.Macro) text = "Macro " + std::to_string(*loss.Macro) + ", ";
-  if (loss.Line > 0) text += "line " + std::to_string(loss.Line) + ": ";
-  text += Words_Of(loss.Kind);
-  text += ": " + loss.Why;
-  if (!loss.Text.empty()) text += " (" + loss.Text + ")";
-  return text;
 }
 
 std::string Summary_Of(const Compile_Losses_State& losses) {

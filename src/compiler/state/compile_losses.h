@@ -27,7 +27,7 @@ struct Compile_Loss {
   Loss_Kind Kind = Loss_Kind::Line;
   std::optional<std::int16_t>
       Macro;              // the macro whose file the line stands in; absent: the program
-  std::int32_t Line = 0;  // of that file, from 1; 0 in a block compile
+  std::int32_t Line = 0;  // of that file, from 1, a step of the program; 0 in a block compile
   std::string Text;       // the line, a very long one shortened
   std::string Why;        // in the operator's words
   bool operator==(const Compile_Loss&) const = default;
@@ -54,8 +54,6 @@ void Note_Loss(Loss_Kind kind, std::string_view text, std::string why);
 // The same for another line of the program.
 void Note_Loss_At(std::int32_t line, Loss_Kind kind, std::string_view text, std::string why);
 
-// "line 12: lost: G4 needs a P word: the dwell in seconds (G4 X1)"
-std::string Text_Of(const Compile_Loss& loss);
 // "2 lines lost, 1 macro missing, wires cut"; empty when nothing was lost.
 std::string Summary_Of(const Compile_Losses_State& losses);
 

@@ -22,4 +22,9 @@ void Begin_Compiler_State(std::shared_ptr<const void> texts) {
   Compile_Tables.Program_LineArc.Texts = std::move(texts);
 }
 
+std::string Place_In_Macro() {
+  return "macro " + std::to_string(Compiler.Source_Macro.value_or(0)) + ", line " +
+         std::to_string(Compiler.Source_Line);
+}
+
 }  // namespace norvik

@@ -107,6 +107,10 @@ struct Compiler_State {
 };
 extern Compiler_State Compiler;
 
+// "macro 3, line 7" while a line of a macro is compiled. A machine file from elsewhere may name any
+// file as a macro, so the error log gets the place of a line that cannot be read, not its text.
+std::string Place_In_Macro();
+
 // Survives the reset of a compile: a program may start on the centre words, the motion codes and
 // two of the cycle memories that the last one left.
 struct Compiler_Memory_State {

@@ -2,6 +2,7 @@
 
 #include "compiler/tables/tables_io.h"
 #include "core/rounding.h"
+#include "core/setup.h"
 
 #include <algorithm>
 #include <utility>
@@ -16,7 +17,8 @@ namespace {
 // As the executing table holds a wire.
 void Narrow(Wire& wire) {
   try {
-    wire.IPM_E = To_Int16(wire.IPM_E);
+    const std::int16_t whole = To_Int16(wire.IPM_E);
+    if (!MachineSetup.Drop_Rounding_Of_Loads) wire.IPM_E = whole;
   } catch (const Fault& fault) {
     throw Fault(fault.Number, "Step " + std::to_string(wire.Step) + ": the end speed " +
                                   fault.Description + "; lower the feed of this line");

@@ -7,8 +7,9 @@
 //   compile, Goto line, motion file --Install_Table--> Program_Wire --Installed--> plot, estimate
 //   end of a Goto --Put_Back_Table--> the table that the Goto line took the place of
 //
-// In the table `IPM_E` is a whole number (halves to the even neighbour), B and C are dropped, and
-// no more than `Wire_Table_Limit` wires stand.
+// In the table `IPM_E` is a whole number (halves to the even neighbour) unless the correction
+// `Drop_Rounding_Of_Loads` is on, B and C are dropped, and no more than `Wire_Table_Limit` wires
+// stand.
 //
 // A program step is the set of wires that carry it. They need not stand together (a repeat runs the
 // same lines again), so an index finds them:

@@ -59,6 +59,12 @@ inline std::string_view GCode_Line(std::int32_t number) {
   return GCode_Program.Text->Line(number);
 }
 
+// What the machine counts are steps; what an operator sees and an editor shows are lines of the
+// text, empty ones included. The line on which a step stands, 0: there is no such step; and the
+// last step that begins at or before a line, 0: none.
+std::int32_t Text_Line_Of_Step(std::int32_t step);
+std::int32_t Step_Of_Text_Line(std::int32_t text_line);
+
 // `Machine.EndingStep` to the last line. A run that is not stopped keeps the range that it was
 // started with, and the range waits for the next compile.
 void Range_To_Whole_Program();

@@ -9,6 +9,7 @@
 #include "core/setup.h"
 #include "drive/drive.h"
 #include "drive/drive_status.h"
+#include "drive/move_plan.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -68,14 +69,15 @@ void Blink_Retool() {
 
 // About how long the running move still takes at the feed it was asked for.
 double Move_Seconds_Left() {
-  double steps = 0;
+  Indexed<double, 1, 4> steps;
   for (int axis = 1; axis <= 4; ++axis) {
     const double way = std::abs(Controller.Move_Target[axis] - Machine.Position[axis]);
-    steps = std::max(steps, way * MachineSetup.Axis_SPI[axis]);
+    steps[axis] = way * MachineSetup.Axis_SPI[axis];
   }
+  const int leading = Leading_Axis(steps);
   const double feed = double{Controller.Live_Feed} * Drive_Status.Feed_Override;
-  const double steps_a_second = feed * MachineSetup.Axis_SPI[1] / 60;
-  return steps_a_second > 0 ? steps / steps_a_second : 0;
+  const double steps_a_second = feed * MachineSetup.Axis_SPI[Timing_Axis(leading)] / 60;
+  return steps_a_second > 0 ? steps[leading] / steps_a_second : 0;
 }
 
 // What a run does that the operator has asked to end, or waits for.
@@ -155,6 +157,15 @@ void Fill_CNC_Axis() {
   }
 }
 
+void Fill_Spindle_Slider() {
+  auto& form = CNC_Controls;
+  form.Slider_RPM.Visible = Drive().Sets_Spindle_Speed;
+  form.Slider_RPM.Value = Drive_Status.Spindle_Level;
+  const double rpm = double{1} * MachineSetup.Dravon_Spindle_RPM * Drive_Status.Spindle_Level /
+                     std::max(form.Slider_RPM.Maximum, 1);
+  form.Label_RPM.Caption = "Spindle speed " + Format_Number(rpm, "0") + " rpm";
+}
+
 void Fill_IO() {
   const bool spindle = Drive_Status.Output_State[1] || Drive_Status.Output_State[2];
   CNC_Controls.Label_Spindle_State.Caption =
@@ -167,6 +178,7 @@ void Fill_IO() {
   // the boxes.
   for (int n = 1; n <= 5; ++n)
     CNC_Controls.Check_Outputs[n - 1].Value = Drive_Status.Output_Commanded[n];
+  Fill_Spindle_Slider();
   for (int axis = 1; axis <= 4; ++axis)
     CNC_Controls.Command_Limit1[axis].Color = Red_When(Drive_Status.Limit_State[axis]);
   Latch_Limits();
@@ -198,21 +210,6 @@ void Display_IO() {
 std::string Convert_Process_Time(double seconds) {
   const auto whole = static_cast<std::int64_t>(std::clamp(seconds, 0.0, 1e15));
   return Padded(whole / 3600) + ":" + Padded(whole / 60 % 60) + ":" + Padded(whole % 60);
-}
-
-void ResetRetoolDisplay() {
-  CNC_Controls.Command_AutoRetool[0].Enabled = true;
-  CNC_Controls.Command_AutoRetool[1].Enabled = false;
-  CNC_Controls.Command_AutoRetool[1].Color = Control_Color::Normal;
-  Controller.Retool_Active = false;
-  CNC_Controls_Host.Form_Changed();
-}
-
-void Show_Retool_Way_Back() {
-  Controller.Retool_Active = true;
-  CNC_Controls.Command_AutoRetool[0].Enabled = false;
-  CNC_Controls.Command_AutoRetool[1].Enabled = true;
-  CNC_Controls_Host.Form_Changed();
 }
 
 void Display_Panel() {

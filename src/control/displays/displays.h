@@ -26,10 +26,6 @@ void Display_Panel();
 // "00:00:00": whole hours, minutes and seconds, at least two digits each.
 std::string Convert_Process_Time(double seconds);
 
-// The AutoRetool buttons to "back", and to "go there".
-void Show_Retool_Way_Back();
-void ResetRetoolDisplay();
-
 // Puts the lamps of switches that are on; each stays red until it is clicked, so that a switch that
 // was on for a moment is not missed.
 void Latch_Limits();

@@ -1,6 +1,5 @@
 #include "control/manual/home.h"
 
-#include "control/displays/displays.h"
 #include "control/motion/machine_move.h"
 #include "control/motion/motion.h"
 #include "control/motion/waits.h"
@@ -121,6 +120,13 @@ bool Met_Switch(int axis, Move_End end) {
   return false;
 }
 
+// Far beyond the switch on the seek side, on the usual scales. The seek has just met the switch on
+// its way to `path`, so with `Home_Tap_Target` that is where the tap goes, too.
+double Tap_Target(int axis, double path, double sign) {
+  if (MachineSetup.Home_Tap_Target) return path;
+  return 2 * Backoff_Distance * MachineSetup.Axis_SPI[axis] * sign * -1;
+}
+
 bool Validate_Axis(int axis) {
   if (MachineSetup.Axis_HomePath[axis].empty() || MachineSetup.Axis_HomeTarget[axis].empty())
     return true;
@@ -134,9 +140,7 @@ bool Validate_Axis(int axis) {
   Machine.Theoretical_Pos[axis] = Machine.Position[axis];
   if (!Seek(axis, backed_off, Home_IPM(0), "back-off")) return false;
 
-  // Far beyond the switch on the seek side, on the usual scales.
-  const double beyond = 2 * Backoff_Distance * MachineSetup.Axis_SPI[axis] * sign * -1;
-  const auto tap = Seek(axis, beyond, Home_IPM(1), "tap");
+  const auto tap = Seek(axis, Tap_Target(axis, path, sign), Home_IPM(1), "tap");
   if (!tap || !Met_Switch(axis, *tap)) return false;
 
   const double error = home - Machine.Position[axis];

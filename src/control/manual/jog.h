@@ -5,7 +5,7 @@
 #pragma once
 
 #include "core/operation.h"
-#include "parallel/step_engine.h"
+#include "drive/move.h"
 
 #include <functional>
 #include <string_view>

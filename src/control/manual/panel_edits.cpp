@@ -5,6 +5,7 @@
 #include "control/manual/home.h"
 #include "control/manual/jog_key.h"
 #include "control/manual/panel_jog.h"
+#include "control/motion/motion.h"
 #include "control/state/cnc_controls_form.h"
 #include "control/state/control_texts.h"
 #include "control/state/controller_state.h"

@@ -1,6 +1,5 @@
 #include "control/manual/panel_jog.h"
 
-#include "control/displays/displays.h"
 #include "control/manual/jog.h"
 #include "control/manual/jog_key.h"
 #include "control/motion/motion.h"

@@ -38,6 +38,11 @@ void Panel_Autotune_Click() {
   Check_FeedRate_Autotune_Click(CNC_Controls.Check_FeedRate_Autotune.Value);
 }
 
+void Load_Timing_Controls() {
+  Load_FeedRate_Autotune();
+  CNC_Controls.Check_FeedRate_Autotune.Value = FeedRate_Autotune();
+}
+
 void Panel_Get_Time_Constant_Click() {
   if (Runs(Operation::Calibration)) {
     Application.EscFlag = true;

@@ -13,6 +13,8 @@ void Panel_Time_Constant_Click();
 // Command_TC_Adjust 0 raises by one, 1 lowers; also in a move, where it is tuned by hand.
 void Panel_TC_Adjust_Click(int index);
 void Panel_Autotune_Click();
+// The stored state of autotune, when the panel is loaded.
+void Load_Timing_Controls();
 // Command_Get_Time_Constant: returns when the constant is found or given up. A press while a
 // calibration runs cancels it.
 void Panel_Get_Time_Constant_Click();

@@ -12,6 +12,7 @@
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "core/trace_file.h"
 #include "drive/drive.h"
 #include "drive/drive_status.h"
 
@@ -37,22 +38,13 @@ std::string Trace_Line(const Move_Order& order) {
   return line + "\n";
 }
 
-// Opened and closed for each line, so that the file is whole whenever the process dies.
-bool Append_Line(const std::string& path, const std::string& line) {
-  Keep_File_Bounded(path, Log_Limits.Trace);
-  std::FILE* file = std::fopen(path.c_str(), "ab");
-  if (!file) return false;
-  const bool written = std::fwrite(line.data(), 1, line.size(), file) == line.size();
-  return std::fclose(file) == 0 && written;
-}
-
 void Trace_Move(const Move_Order& order) {
   std::string path;
   if (Move_Trace.Path)
     path = *Move_Trace.Path;
   else if (!Application.Table_Folder.empty())
     path = Join_Path(Application.Table_Folder, "TestFile.csv");
-  if (path.empty() || Append_Line(path, Trace_Line(order))) return;
+  if (path.empty() || Append_To_Trace(path, Trace_Line(order))) return;
   if (path == Move_Trace.Failed_Path) return;
   Move_Trace.Failed_Path = path;
   ErrorLogWrite(std::string(control_text::Trace_Failed) + path);

@@ -69,6 +69,21 @@ bool Begin_Operation(Operation wanted) {
   return true;
 }
 
+void ResetRetoolDisplay() {
+  CNC_Controls.Command_AutoRetool[0].Enabled = true;
+  CNC_Controls.Command_AutoRetool[1].Enabled = false;
+  CNC_Controls.Command_AutoRetool[1].Color = Control_Color::Normal;
+  Controller.Retool_Active = false;
+  CNC_Controls_Host.Form_Changed();
+}
+
+void Show_Retool_Way_Back() {
+  Controller.Retool_Active = true;
+  CNC_Controls.Command_AutoRetool[0].Enabled = false;
+  CNC_Controls.Command_AutoRetool[1].Enabled = true;
+  CNC_Controls_Host.Form_Changed();
+}
+
 void Forget_Operations() {
   Controller = {};
   Controller.Live_Feed = Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;

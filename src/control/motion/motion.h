@@ -38,6 +38,9 @@ class Motion_Scope {
  private:
   std::optional<Operation_Scope> Entry;
 };
+// After ReTool the way back is open, and its button blinks; any other motion shuts it.
+void Show_Retool_Way_Back();
+void ResetRetoolDisplay();
 // Another machine setup is loaded: what earlier operations left (directions, step counts, where
 // ReTool would return to, estimate) belongs to the machine before. Only while nothing moves.
 void Forget_Operations();

@@ -9,6 +9,7 @@
 #include "drive/drive.h"
 #include "drive/drive_host.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 
 #include <algorithm>
 #include <functional>
@@ -22,7 +23,7 @@ void Rest_Between_Looks(std::int64_t left_ns) {
   constexpr std::int64_t longest_ns = 1'000'000;
   if (Interrupted() != Interruption::None) return;
   const std::int64_t rest = std::min(longest_ns, left_ns);
-  if (rest >= 1000) Platform.Delay_Microseconds(static_cast<std::int32_t>(rest / 1000));
+  if (rest >= 1000) Rest_Microseconds(static_cast<std::int32_t>(rest / 1000));
 }
 
 // Waits until `done` or for `length_ns`; true unless interrupted.

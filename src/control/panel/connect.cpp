@@ -8,9 +8,12 @@
 #include "control/state/run_plot_host.h"
 #include "core/operation.h"
 #include "core/rounding.h"
+#include "core/setup.h"
 #include "core/setup_tail.h"
 #include "drive/drive.h"
 #include "drive/drive_host.h"
+#include "serial/monitor.h"
+#include "serial/serial_session.h"
 
 #include <string_view>
 
@@ -24,12 +27,14 @@ void Connect_Control() {
   Drive_Host.Set_Panel_Interval = [](int interval_ms) {
     CNC_Controls_Host.Set_Timer_Interval(interval_ms);
   };
-  Drive_Host.Mark_Plot = [](std::string_view) { Run_Plot_Host.Mark_Rate_Error(); };
+  Drive_Host.Mark_Rate_Error = [] { Run_Plot_Host.Mark_Rate_Error(); };
   Operation_Host.Drive_Missing = [] {
     const std::string_view lost = Lost_Tail.Stands_Against;
     const std::string_view missing = Drive().Missing();
     return missing.empty() ? lost : missing;
   };
+  Setup_Host.Copy_Steps_Per_Unit = Copy_Steps_Per_Unit;
+  Setup_Host.Send_To_Controller = Serial_Setup_Loaded;
   Jog_Guard_Watch_Dialogs();
 }
 

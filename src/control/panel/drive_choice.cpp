@@ -14,12 +14,14 @@ namespace {
 Drive_Operations First() {
   Drive_Operations board = Serial_Drive;
   board.Name = "Serial Port (Dravon v4.xx)";
+  board.Board = 0;
   return board;
 }
 // Beside the second board the parallel port is brought to rest: motors may still hang on it.
 Drive_Operations Second() {
   Drive_Operations board = Serial_Drive;
   board.Name = "Serial Port (Pelmar v5.xx)";
+  board.Board = 1;
   board.Begin_Session = [] {
     Idle_All_Outputs();
     Serial_Drive.Begin_Session();

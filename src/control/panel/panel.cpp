@@ -5,6 +5,7 @@
 #include "control/manual/knob.h"
 #include "control/manual/panel_edits.h"
 #include "control/manual/panel_jog.h"
+#include "control/manual/timing_edits.h"
 #include "control/run/goto.h"
 #include "control/state/cnc_controls_form.h"
 #include "control/state/controller_state.h"
@@ -12,7 +13,6 @@
 #include "core/application.h"
 #include "core/operation.h"
 #include "core/setup.h"
-#include "parallel/timing.h"
 
 namespace norvik {
 
@@ -28,8 +28,7 @@ void Load_CNC_Controls() {
   Controller.Live_Feed = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Cut = MachineSetup.Axis_Feed_Rate_Cut;
   Controller.Live_Feed_Travel = MachineSetup.Axis_Feed_Rate_Travel;
-  Load_FeedRate_Autotune();
-  CNC_Controls.Check_FeedRate_Autotune.Value = FeedRate_Autotune();
+  Load_Timing_Controls();
   Load_Jog_Controls();
   Load_Goto_Controls();
   Load_Z_Levels();

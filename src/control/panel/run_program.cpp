@@ -17,6 +17,7 @@
 #include "core/application.h"
 #include "core/axes.h"
 #include "core/axis_memory.h"
+#include "core/corrections.h"
 #include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
@@ -194,6 +195,9 @@ std::string Summary_Text(const Run_Summary& summary) {
   for (int axis = 1; axis <= 4; ++axis)
     text += std::string(" ") + Axis_Letter(axis) +
             Format_Number_Point(summary.Position[axis], "0.000000");
+  if (const std::string corrections = Corrections_Line(); !corrections.empty()) {
+    text += "\n" + corrections;
+  }
   return text + "\n";
 }
 

@@ -44,15 +44,16 @@ Way Way_Of(const Wire& wire, Indexed<double, 1, 4>& from) {
   return way;
 }
 
-double Half_Step_Seconds(double ipm) {
-  return Half_Period(MachineSetup.Axis_SPI[1], ipm) / 1e6;
+double Half_Step_Seconds(double scale, double ipm) {
+  return Half_Period(scale, ipm) / 1e6;
 }
 
 // Half steps whose speed changes by `change` each, from `ipm` on; `ipm` is left at the end.
-double Ramp_Seconds(double count, double& ipm, double change, double low, double high) {
+double Ramp_Seconds(double scale, double count, double& ipm, double change, double low,
+                    double high) {
   double seconds = 0;
   for (double i = 0; i < count; ++i) {
-    seconds += Half_Step_Seconds(ipm);
+    seconds += Half_Step_Seconds(scale, ipm);
     ipm = std::clamp(ipm + change, low, high);
   }
   return seconds;
@@ -66,8 +67,9 @@ double Move_Seconds(const Way& way, const Wire& wire) {
     return Drive().Move_Seconds(request);
   }
   const Move_Plan plan = Plan_Move(Rules_Of_Setup(), way.Steps, wire.IPM_S, wire.IPM_R, wire.IPM_E);
+  const double scale = MachineSetup.Axis_SPI[Timing_Axis(Leading_Axis(way.Steps))];
   const double total = 2 * plan.Major;
-  if (!(plan.Increment > 0)) return total * Half_Step_Seconds(plan.Cruise);
+  if (!(plan.Increment > 0)) return total * Half_Step_Seconds(scale, plan.Cruise);
   const double up = std::clamp<double>(plan.Ramp_Up, 0, total);
   const double down = std::clamp<double>(plan.Ramp_Down, 0, total);
   const double low = std::min(plan.Low, plan.Cruise);
@@ -75,10 +77,10 @@ double Move_Seconds(const Way& way, const Wire& wire) {
   const double rise = std::floor(std::min(up, down));
   const double hold = std::floor(std::max(up, down)) - rise;
   double ipm = std::min(plan.Start, plan.Cruise);
-  const double rising = Ramp_Seconds(rise, ipm, plan.Increment, low, plan.Cruise);
-  const double holding = hold * Half_Step_Seconds(ipm);
+  const double rising = Ramp_Seconds(scale, rise, ipm, plan.Increment, low, plan.Cruise);
+  const double holding = hold * Half_Step_Seconds(scale, ipm);
   return rising + holding +
-         Ramp_Seconds(total - rise - hold, ipm, -plan.Increment, low, plan.Cruise);
+         Ramp_Seconds(scale, total - rise - hold, ipm, -plan.Increment, low, plan.Cruise);
 }
 
 // Why the wire file is not that of the program, in the operator's words; empty: it is.

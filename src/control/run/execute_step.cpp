@@ -13,6 +13,7 @@
 #include "core/messages.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "drive/drive.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -74,7 +75,7 @@ Move_Order Order_Of(std::size_t k, const Wire& wire, std::int32_t step) {
   order.Out = wire.Out;
   order.S_Word = wire.S_Word;
   order.Step = step;
-  order.Is_Arc = Is_Chord(k);
+  order.Is_Arc = Drive().Queues_Moves && Is_Chord(k);
   return order;
 }
 

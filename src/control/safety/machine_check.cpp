@@ -21,15 +21,16 @@ void Check_Tap(Findings& findings, int axis) {
   const std::string& path_text = MachineSetup.Axis_HomePath[axis];
   const std::string& home_text = MachineSetup.Axis_HomeTarget[axis];
   if (path_text.empty() || home_text.empty()) return;
+  // Read all the same, so that what is no number is told.
   const double path = RegionalNumber(path_text), home = RegionalNumber(home_text);
   const double sign = home >= path ? 1 : -1;
   const double tap = -sign * 0.1 * MachineSetup.Axis_SPI[axis];
-  if ((home - tap) * sign <= 0)
+  if ((home - tap) * sign <= 0 && !MachineSetup.Home_Tap_Target)
     findings.push_back({"Homing taps the switch of " + Axis_Name(axis) + " with a move to " +
                             Setup_Number(tap) + ", which does not lie behind the switch at " +
                             Setup_Number(home) +
                             ": the position would be set without the switch having been met.",
-                        Axis_Key("Axis_HomeTarget_", axis)});
+                        Axis_Key("Axis_HomeTarget_", axis), "Home_Tap_Target"});
 }
 
 // A seek that meets no switch ends at the home path, and the position is set there all the same.
@@ -46,7 +47,7 @@ void Check_Met_Switches(Findings& findings) {
                             ", and none is wired: it runs to the end of the home path and sets a "
                             "false position there. Wire the switch, empty the axis's home path, or "
                             "switch Home_Needs_Switch on.",
-                        Axis_Key("Parallel_Input_Bit_", axis)});
+                        Axis_Key("Parallel_Input_Bit_", axis), "Home_Needs_Switch"});
   }
   if (seeks) {
     findings.push_back(
@@ -54,7 +55,7 @@ void Check_Met_Switches(Findings& findings) {
          "with "
          "\"Homing Completed!\" and a false position. Switch Home_Needs_Switch on: homing then "
          "ends there and sets no position.",
-         "Home_Needs_Switch"});
+         "Home_Needs_Switch", "Home_Needs_Switch"});
   }
 }
 
@@ -85,12 +86,12 @@ void Check_Homing(Findings& findings) {
 void Check_Safety(Findings& findings) {
   const auto& setup = MachineSetup;
   const bool drives_pins = Drive().Times_Half_Steps;
-  if (drives_pins && setup.Axis_Backlash_Enable)
+  if (drives_pins && setup.Axis_Backlash_Enable && !setup.Backlash_Even)
     findings.push_back(
         {"Backlash take-up makes an odd number of half steps at each reversal, one "
          "toggle too many, so that the step pin ends at its other level and the axis "
          "wanders by up to a step at each second reversal.",
-         "Axis_Backlash_Enable"});
+         "Axis_Backlash_Enable", "Backlash_Even"});
   if (setup.LimitSwitchDisable == 1)
     findings.push_back(
         {"The limit switches are not looked at: nothing ends a move into the end of "

@@ -140,10 +140,20 @@ void Toggle_Outputs(int index) {
   CNC_Controls_Host.Form_Changed();
 }
 
+namespace {
+
+bool Output_Is_On() {
+  return std::ranges::any_of(Drive_Status.Output_Commanded, [](bool on) { return on; });
+}
+
+void Watch_Drive_Fault() {
+  if (Output_Is_On() && Drive().In_Fault()) Switch_Outputs_Off_By_EStop();
+}
+
+}  // namespace
+
 void Watch_EStop_Input() {
-  const bool output_on =
-      std::ranges::any_of(Drive_Status.Output_Commanded, [](bool on) { return on; });
-  if (output_on && MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On())
+  if (Output_Is_On() && MachineSetup.E_Stop_Output_Disable && Drive().EStop_Input_On())
     Switch_Outputs_Off_By_EStop();
   const bool stops_already = Machine.CNCMode == CNC_Stopped &&  //
                              (Controller.Stop_Request || !Anything_Moves());
@@ -168,6 +178,7 @@ void Watch_Machine() {
   if (Application.Closing_Program || Application.ShutdownFlag) return;
   Read_Inputs();
   Lift_Home_Safety();
+  Watch_Drive_Fault();
   Watch_EStop_Input();
   Watch_Limits_In_Run();
   Latch_Limits();

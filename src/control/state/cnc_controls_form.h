@@ -58,6 +58,9 @@ struct CNC_Controls_Form {
     double X = 0, Y = 1;
   } Pic_Knob_Pointer;
   Label_Control Label_Feed_Overide{"100%"};
+  // Spindle speed, for drives with a speed output; the label says what it stands for.
+  Slider_Control Slider_RPM{0, 1023, false};
+  Label_Control Label_RPM;
 
   // --- Positions --------------------------------------------------------------------------------
   Indexed<Label_Control, 1, 4> Label_Axis_Pos;

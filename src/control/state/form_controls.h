@@ -36,6 +36,11 @@ struct Check_Control {
   Control_Color Color = Control_Color::Normal;
 };
 
+struct Slider_Control {
+  std::int32_t Value = 0, Maximum = 0;
+  bool Visible = false;
+};
+
 struct Combo_Control {
   std::vector<std::string> List;
   int ListIndex = -1;  // -1: none selected

@@ -10,6 +10,7 @@
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
+#include "import/pipeline/units.h"
 
 #include <algorithm>
 #include <array>
@@ -103,7 +104,9 @@ class Reader {
   void Dispatch();
   void Read_Fields();
   void Take_Field();
-  void Take_Number(Nullable& field, bool rounded);
+  double Length_Of(std::string_view text, bool rounded) const;
+  void Take_Length(Nullable& field, bool rounded);
+  void Take_Angle(Nullable& field);
   void Note_Unread_Field();
 
   void Read_Polyline_Header();
@@ -121,7 +124,7 @@ class Reader {
   void Add_Straight_Row(const Point& from, const Point& to, const std::string& layer);
   void Add_Row(DXF_Row row, const std::string& layer);
   bool Is_Complete(const Point& point);
-  void Note_Units();
+  std::optional<File_Unit> Stated_Unit() const;
 
   Pair_Source Pairs;
   Import_Faults Faults;
@@ -144,6 +147,7 @@ class Reader {
   bool In_Section = true;  // the ENTITIES section has not ended; only then unread kinds count
   bool Any_Incomplete = false;
   std::string Unit_Code, Measurement;
+  double Factor = 1;  // units of the setup in one of the file
 };
 
 char Upper_Letter(char c) {
@@ -166,7 +170,9 @@ void Reader::Load() {
                     : "The file has no ENTITIES section, so there is nothing to cut.");
     return;
   }
-  Note_Units();
+  const std::optional<File_Unit> unit = Stated_Unit();
+  Report_Unit(unit);
+  Factor = Unit_Factor(unit);
   bool ended = false;
   while (!ended && Pairs.Next_Or_Kept(Faults)) {
     ended = Pairs.Code == 0 && Pairs.Value == "EOF";
@@ -193,41 +199,41 @@ bool Reader::Skip_To_Entities() {
   return false;
 }
 
-// A drawing in another unit comes in too large or too small. Units by the code of $INSUNITS, or the
-// two of $MEASUREMENT where that is missing or says "none".
-void Reader::Note_Units() {
-  constexpr std::array<std::string_view, 21> names{"",
-                                                   "inches",
-                                                   "feet",
-                                                   "miles",
-                                                   "millimetres",
-                                                   "centimetres",
-                                                   "metres",
-                                                   "kilometres",
-                                                   "microinches",
-                                                   "mils",
-                                                   "yards",
-                                                   "angstroms",
-                                                   "nanometres",
-                                                   "microns",
-                                                   "decimetres",
-                                                   "decametres",
-                                                   "hectometres",
-                                                   "gigametres",
-                                                   "astronomical units",
-                                                   "light years",
-                                                   "parsecs"};
-  constexpr std::size_t inches = 1, millimetres = 4;
-  const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  std::size_t unit = 0;
-  if (const auto code = Try_Number(Unit_Code); code && *code > 0 && *code < names.size()) {
-    unit = static_cast<std::size_t>(*code);
-  } else if (Measurement == "0" || Measurement == "1") {
-    unit = Measurement == "0" ? inches : millimetres;
+// The unit by the code of $INSUNITS, or the two of $MEASUREMENT where that is missing or says
+// "none".
+std::optional<File_Unit> Reader::Stated_Unit() const {
+  constexpr double foot = 304.8, survey_foot = 1200.0 / 3937 * 1000;
+  constexpr std::array<File_Unit, 25> units{{{"", 0},
+                                             Unit_Inches,
+                                             {"feet", foot},
+                                             {"miles", 5280 * foot},
+                                             Unit_Millimetres,
+                                             {"centimetres", 10},
+                                             {"metres", 1e3},
+                                             {"kilometres", 1e6},
+                                             {"microinches", 25.4e-6},
+                                             {"mils", 25.4e-3},
+                                             {"yards", 3 * foot},
+                                             {"angstroms", 1e-7},
+                                             {"nanometres", 1e-6},
+                                             {"microns", 1e-3},
+                                             {"decimetres", 100},
+                                             {"decametres", 1e4},
+                                             {"hectometres", 1e5},
+                                             {"gigametres", 1e12},
+                                             {"astronomical units", 149597870700e3},
+                                             {"light years", 9460730472580800e3},
+                                             {"parsecs", 3.0856775814913673e19},
+                                             {"survey feet", survey_foot},
+                                             {"survey inches", survey_foot / 12},
+                                             {"survey yards", 3 * survey_foot},
+                                             {"survey miles", 5280 * survey_foot}}};
+  if (const auto code = Try_Number(Unit_Code); code && *code >= 1 && *code < units.size()) {
+    return units.at(static_cast<std::size_t>(*code));
   }
-  if (unit == 0 || unit == (metric ? millimetres : inches)) return;
-  Report_Note("The drawing says " + std::string(names[unit]) + ", the setup is " +
-              (metric ? "metric" : "inch") + "; nothing was converted.");
+  if (Measurement == "0") return Unit_Inches;
+  if (Measurement == "1") return Unit_Millimetres;
+  return std::nullopt;
 }
 
 // Entities by the end of their name, looked for in this order.
@@ -290,20 +296,20 @@ void Reader::Take_Field() {
   if (code == 8) {
     Fields.Layer = Pairs.Value;
   } else if (code >= 10 && code <= 13) {
-    Take_Number(Fields.Points[static_cast<std::size_t>(code - 10)].X, true);
+    Take_Length(Fields.Points[static_cast<std::size_t>(code - 10)].X, true);
   } else if (code >= 20 && code <= 23) {
-    Take_Number(Fields.Points[static_cast<std::size_t>(code - 20)].Y, true);
+    Take_Length(Fields.Points[static_cast<std::size_t>(code - 20)].Y, true);
   } else if (code == 30 || code == 31) {
     if (MachineSetup.DXF_Ingore_Depth) return;
-    Take_Number(Fields.Points[static_cast<std::size_t>(code - 30)].Z, false);
+    Take_Length(Fields.Points[static_cast<std::size_t>(code - 30)].Z, false);
   } else if (code == 32 || code == 33) {
-    Take_Number(Fields.Points[static_cast<std::size_t>(code - 30)].Z, false);
+    Take_Length(Fields.Points[static_cast<std::size_t>(code - 30)].Z, false);
   } else if (code == 40) {
-    Take_Number(Fields.Radius, false);
+    Take_Length(Fields.Radius, false);
   } else if (code == 50) {
-    Take_Number(Fields.Start_Angle, false);
+    Take_Angle(Fields.Start_Angle);
   } else if (code == 51) {
-    Take_Number(Fields.End_Angle, false);
+    Take_Angle(Fields.End_Angle);
   } else if (code == 70) {
     Faults.Try([&] {
       if ((To_Int32(To_Double(Pairs.Value)) & 1) == 1) Closed = true;
@@ -313,9 +319,20 @@ void Reader::Take_Field() {
   }
 }
 
-void Reader::Take_Number(Nullable& field, bool rounded) {
-  const bool readable =
-      Faults.Try([&] { field = rounded ? Rounded(Pairs.Value) : Foreign_Number(Pairs.Value); });
+// A length of the file.
+double Reader::Length_Of(std::string_view text, bool rounded) const {
+  if (Factor == 1) return rounded ? Rounded(text) : Foreign_Number(text);
+  const double length = (text.empty() && rounded ? 0 : Foreign_Number(text)) * Factor;
+  return rounded ? Rounded(length) : length;
+}
+
+void Reader::Take_Length(Nullable& field, bool rounded) {
+  const bool readable = Faults.Try([&] { field = Length_Of(Pairs.Value, rounded); });
+  if (!readable) Count_Skipped(Entity_Name + " number that cannot be read");
+}
+
+void Reader::Take_Angle(Nullable& field) {
+  const bool readable = Faults.Try([&] { field = Foreign_Number(Pairs.Value); });
   if (!readable) Count_Skipped(Entity_Name + " number that cannot be read");
 }
 

@@ -1,14 +1,17 @@
 #include "import/excellon/reader.h"
 
 #include "core/application.h"
+#include "core/fault.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "import/excellon/full_reader.h"
 #include "import/excellon/table.h"
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
+#include "import/pipeline/units.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -42,13 +45,15 @@ std::string Placed_Text(std::string_view text, std::int16_t zero_format) {
 }
 
 double Value_In_Format(std::string_view text, std::int16_t zero_format,
-                       const Axis_Rounding& rounded) {
+                       const Axis_Rounding& rounded, double factor) {
   constexpr double thousandths = 1000;
   const bool placed = zero_format == Leading_Zeros || zero_format == Trailing_Zeros ||
                       text.find('.') != std::string_view::npos;
-  if (!placed) return rounded(Foreign_Number(text) / thousandths);
+  if (!placed) return rounded(Foreign_Number(text) / thousandths * factor);
   const std::string point_text = Placed_Text(text, zero_format);
-  return rounded(point_text == "." ? std::string_view() : std::string_view(point_text));
+  if (point_text == ".") return 0;
+  return factor == 1 ? rounded(std::string_view(point_text))
+                     : rounded(Foreign_Number(point_text) * factor);
 }
 
 // How large the board is under one reading of the coordinates.
@@ -74,6 +79,7 @@ class Reader {
   void Count_Other(std::string_view line);
   void Stop(const std::string& why);
   void Note_Word(std::string_view line);
+  void Take_Unit(const File_Unit& unit);
   void Take_Stated_Digits(std::string_view line);
   void Note_Format();
   void Note_Stated_Digits();
@@ -86,6 +92,9 @@ class Reader {
   std::string Line;      // in capitals
   std::size_t Rest = 0;  // where the next field of the line begins
   bool Has_Rest = false, Stopped = false;
+  std::optional<File_Unit> Unit;
+  double Factor = Unit_Factor(Unit);          // units of the setup in one of the file
+  std::array<bool, 201> Size_Read{};          // by the header, of the tool list
   std::string Zero_Word;                      // "LZ" or "TZ" of the header
   int Stated_Whole = 0, Stated_Decimals = 0;  // digits that the file names; both 0: none
   std::int16_t Tool = 1;
@@ -126,6 +135,7 @@ void Reader::Read_Header() {
     if (field == "%") return;
     Note_Word(field);
     Take_Stated_Digits(field);
+    if (Is_Line_Of_Program(field)) Report_Program_Instead();
     if (!Faults.Try([&] { Read_Header_Tool(field); })) {
       Count_Skipped("tool sizes with unreadable numbers");
     }
@@ -148,22 +158,39 @@ void Reader::Read_Header_Tool(std::string_view line) {
   }
   const std::int16_t tool = To_Int16(value);
   double size = Foreign_Number(*diameter);
-  if (MachineSetup.UnitsofMeasurement == 1) size *= metric_factor;
+  if (MachineSetup.Import_Convert_Units) {
+    size *= Factor;
+  } else if (MachineSetup.UnitsofMeasurement == 1) {
+    size *= metric_factor;
+  }
   Excellon_Table.Tool[tool].Size = To_Single(size);
   Tools.Diameter[tool] = size;
+  Size_Read[static_cast<std::size_t>(tool)] = true;
   ++Excellon_Table.Header_Tools;
   Count_Read("tool sizes");
 }
 
-// Units and zero format as the file names them; the setup decides all the same.
+// Unit and zero format as the file names them. Sizes stand in the header too, in front of the word
+// or behind it.
 void Reader::Note_Word(std::string_view line) {
-  const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  if ((line == "INCH" || line == "M72" || line == "G70") && metric) {
-    Report_Note("The file says inches, the setup is metric; coordinates were not converted.");
-  } else if ((line == "METRIC" || line == "M71" || line == "G71") && !metric) {
-    Report_Note("The file says millimetres, the setup is inch; coordinates were not converted.");
+  if (line == "INCH" || line == "M72" || line == "G70") {
+    Take_Unit(Unit_Inches);
+  } else if (line == "METRIC" || line == "M71" || line == "G71") {
+    Take_Unit(Unit_Millimetres);
   } else if (line == "LZ" || line == "TZ") {
     Zero_Word = line;
+  }
+}
+
+void Reader::Take_Unit(const File_Unit& unit) {
+  const double before = Factor;
+  Unit = unit;
+  Factor = Unit_Factor(Unit);
+  if (Factor == before) return;
+  for (std::int32_t tool = 0; tool <= Tools.Diameter.last; ++tool) {
+    if (!Size_Read[static_cast<std::size_t>(tool)]) continue;
+    Tools.Diameter[tool] *= Factor / before;
+    Excellon_Table.Tool[tool].Size = To_Single(Tools.Diameter[tool]);
   }
 }
 
@@ -221,6 +248,7 @@ void Reader::Select_Tool(std::string_view number) {
   if (!tool.Holes.empty()) {
     Count_Skipped("holes of a tool that is selected again",
                   static_cast<std::int64_t>(tool.Holes.size()));
+    Report_Answer("Excellon_Header", "A tool that is selected again loses its earlier holes.");
   }
   tool.Holes.clear();
   ++Excellon_Table.Tools_Used;
@@ -235,10 +263,13 @@ void Reader::Select_Tool(std::string_view number) {
 }
 
 void Reader::Take_Coordinate(std::string_view text, double& last, double Reading_Extent::*extent) {
-  last = Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Rounded);
+  if (text.find_first_of("0123456789") == std::string_view::npos)
+    throw Fault(Fault_Number::Type_Mismatch, "A coordinate without digits: the hole is left out");
+  last = Value_In_Format(text, MachineSetup.Excellon_Zero_Format, Rounded, Factor);
   const auto reach = [&](Reading_Extent& reading, std::int16_t format) {
     try {
-      reading.*extent = std::max(reading.*extent, std::abs(Value_In_Format(text, format, Rounded)));
+      reading.*extent =
+          std::max(reading.*extent, std::abs(Value_In_Format(text, format, Rounded, Factor)));
     } catch (const Fault&) {  // not readable that way: says nothing about the other reading
     }
   };
@@ -263,19 +294,23 @@ void Reader::Count_Other(std::string_view line) {
   const char first = line.front();
   if (line.find("G85") != std::string_view::npos) {
     Count_Skipped("G85 slot (drilled at its start only)");
+    Report_Answer("Excellon_Header", "Slots (G85) are drilled at one place only.");
   }
   if (first == 'R' && line.find_first_of("XY") != std::string_view::npos) {
     Count_Skipped("R repeat");
-    Report_Note(
+    Report_Answer(
+        "Excellon_Header",
         "The file repeats holes (R). The repeats are not drilled, and the step of each stands as a "
         "hole. Have the file written without repeats and import again.");
   }
   if (first == 'T' && Find_Coordinate('C', line)) {
     Count_Skipped("tool size behind the header");
-    Report_Note(
+    Report_Answer(
+        "Excellon_Header",
         "Tool sizes behind the first line \"%\" are not read. Remove the line that ends the header "
         "too early and import again.");
   }
+  if (Is_Line_Of_Program(line)) Report_Program_Instead();
   if (first == 'G' || first == 'M') {
     const auto end = line.find_first_not_of("0123456789", 1);
     Count_Skipped(line.substr(0, std::min(end, line.size())));
@@ -329,11 +364,12 @@ void Reader::Note_Stated_Digits() {
   constexpr std::array names{"ten", "a hundred", "a thousand", "ten thousand"};
   const auto place = static_cast<std::size_t>(std::abs(larger) - 1);
   const std::string times = place < names.size() ? names[place] : "many";
-  Report_Note(
+  Report_Answer(
+      "Excellon_Header",
       "The file states " + std::to_string(Stated_Whole) + ":" + std::to_string(Stated_Decimals) +
-      " digits, the setup reads " + std::to_string(whole) + ":" + std::to_string(decimals) +
-      ": the coordinates come out " + times + " times too " + (larger > 0 ? "large" : "small") +
-      ". Set the digits of the file under Excellon and import again.");
+          " digits, the setup reads " + std::to_string(whole) + ":" + std::to_string(decimals) +
+          ": the coordinates come out " + times + " times too " + (larger > 0 ? "large" : "small") +
+          ". Set the digits of the file under Excellon and import again.");
 }
 
 void Reader::Note_Lost_Tools() {
@@ -358,8 +394,8 @@ void Reader::Note_Lost_Tools() {
                 ", the first is T" + first_idle + ".");
   }
   if (lost.empty()) return;
-  Report_Note("Not drilled: " + lost + " with " + std::to_string(holes) +
-              " holes. Tools must be numbered from 1 without gaps.");
+  Report_Answer("Excellon_Header", "Not drilled: " + lost + " with " + std::to_string(holes) +
+                                       " holes. Tools must be numbered from 1 without gaps.");
 }
 
 void Reader::Note_Text() {
@@ -373,6 +409,7 @@ void Reader::Note_Text() {
 void Reader::Load() {
   Read_Header();
   Read_Body();
+  Report_Unit(Unit);
   Note_Format();
   Note_Stated_Digits();
   Note_Lost_Tools();
@@ -392,9 +429,28 @@ std::optional<std::string_view> Find_Coordinate(char letter, std::string_view li
   return text;
 }
 
+bool Is_Line_Of_Program(std::string_view line) {
+  const auto z = line.find('Z');
+  if (line.empty() || line.front() == ';' || line.front() == '(') return false;
+  return z != std::string_view::npos && line.find('G') < z && Find_Coordinate('Z', line);
+}
+
+void Report_Program_Instead() {
+  Report_Note(
+      "The file moves Z by G words: it looks like a G-code program, not like a drill file. Open it "
+      "as a program.");
+}
+
 void Excellon_Load(const std::string& path) {
   Import_Status("NC Conversion: Loading File...");
-  if (!Trap(Fault_Name, [&] { Reader(path).Load(); })) Report_Unreadable();
+  const bool read = Trap(Fault_Name, [&] {
+    if (MachineSetup.Excellon_Header) {
+      Excellon_Load_Full(path);
+    } else {
+      Reader(path).Load();
+    }
+  });
+  if (!read) Report_Unreadable();
 }
 
 }  // namespace norvik

@@ -26,6 +26,11 @@ namespace norvik {
 // digits, "+", "-" and "." are taken. Absent when the letter or its digits are missing.
 std::optional<std::string_view> Find_Coordinate(char letter, std::string_view line);
 
+// True for a line in capitals that moves Z, as programs do and drill files never do.
+bool Is_Line_Of_Program(std::string_view line);
+// The note on a file of such lines.
+void Report_Program_Instead();
+
 // Fills `Excellon_Table` and the tool list. Yields at every line; ESC ends the load, and so do a
 // header tool above 200, a tool above 500 and more than 10,000 holes on one tool. Failures are
 // logged as "NC File Load Error".

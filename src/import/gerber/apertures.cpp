@@ -4,11 +4,14 @@
 #include "core/fault.h"
 #include "core/rounding.h"
 #include "import/gerber/layers.h"
+#include "import/gerber/reader.h"
 #include "import/gerber/words.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
+#include "import/pipeline/units.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace norvik {
 
@@ -33,6 +36,7 @@ class Aperture_Scan {
 
  private:
   void Take(std::string_view word);
+  void Convert_Sizes();
   void Take_Layer(std::string_view name);
   void Take_Macro(std::string_view name);
   void Take_Definition(std::string_view text);
@@ -43,6 +47,7 @@ class Aperture_Scan {
   Gerber_Words Words;
   Import_Faults Faults{Fault_Name};
   Import_Faults Value_Faults{"Gerber_Find_Val_Error"}, CSV_Faults{"Gerber_Find_CSV_Val_Error"};
+  std::optional<File_Unit> Unit;
 };
 
 void Aperture_Scan::Load() {
@@ -50,6 +55,7 @@ void Aperture_Scan::Load() {
   while (Words.Next(word)) {
     Faults.Try([&] { Take(word); });
   }
+  Convert_Sizes();
   if (Gerber_Layers.Layers.empty()) {
     Gerber_Layers.Layers.push_back({std::string(Gerber_Unnamed_Layer), false});
   }
@@ -61,6 +67,20 @@ void Aperture_Scan::Take(std::string_view word) {
   if (kind == "LN") Take_Layer(rest);
   if (kind == "AM") Take_Macro(rest);
   if (kind == "AD") Take_Definition(rest);
+  if (kind == "MO" && Gerber_Contains("IN", rest)) Unit = Unit_Inches;
+  if (kind == "MO" && Gerber_Contains("MM", rest)) Unit = Unit_Millimetres;
+  if (!Unit && word == "G70") Unit = Unit_Inches;
+  if (!Unit && word == "G71") Unit = Unit_Millimetres;
+}
+
+// The data scan compares sizes, so they are of the setup from here on.
+void Aperture_Scan::Convert_Sizes() {
+  const double factor = Gerber_Format.Factor = Unit_Factor(Unit);
+  if (factor == 1) return;
+  for (Gerber_Aperture& aperture : Gerber_Apertures.Aperture) {
+    aperture.Size_X = To_Single(aperture.Size_X * factor);
+    aperture.Size_Y = To_Single(aperture.Size_Y * factor);
+  }
 }
 
 // A layer that the file enters again is still one layer.

@@ -10,6 +10,7 @@
 #include "import/gerber/table.h"
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/report.h"
+#include "import/pipeline/units.h"
 
 #include <algorithm>
 #include <array>
@@ -268,10 +269,12 @@ bool Data_Scan::Read_Coordinate(char letter, std::string_view word, const std::s
                                 float& value) {
   const std::string_view text = Gerber_Number_Text(letter, word);
   if (text.empty()) return true;
-  if (!Format_Faults.Try(
-          [&] { value = To_Single(Gerber_XY_Format(text, format, Gerber_Format.Zeros)); })) {
-    return false;
-  }
+  const bool readable = Format_Faults.Try([&] {
+    if (text.find_last_of("+-") + 1 > 1)  // a sign behind the first character
+      throw Fault(Fault_Number::Type_Mismatch, "A coordinate with a sign in its middle");
+    value = To_Single(Gerber_XY_Format(text, format, Gerber_Format.Zeros) * Gerber_Format.Factor);
+  });
+  if (!readable) return false;
   if (Gerber_Is_Short(text, format, Gerber_Format.Zeros)) ++Short_Coordinates;
   Seen = true;
   return true;
@@ -381,11 +384,8 @@ void Data_Scan::Note_Units() {
   line += format.Zeros.Omit_Leading    ? ", leading zeros omitted"
           : format.Zeros.Omit_Trailing ? ", trailing zeros omitted"
                                        : ", no zeros omitted";
-  const bool metric = MachineSetup.UnitsofMeasurement == 1;
-  if (format.Inches && *format.Inches == metric) {
-    Report_Note(metric ? "The file says inches, the setup is metric; nothing was converted."
-                       : "The file says millimetres, the setup is inch; nothing was converted.");
-  }
+  Report_Unit(!format.Inches ? std::nullopt
+                             : std::optional(*format.Inches ? Unit_Inches : Unit_Millimetres));
   if (Short_Coordinates > 0) {
     Report_Note(std::to_string(Short_Coordinates) +
                 " coordinates have so few digits that their places shift under this number format. "

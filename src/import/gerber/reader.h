@@ -33,6 +33,7 @@ struct Gerber_Format_State {
   bool Absolute = false;
   std::string Format_X = "23", Format_Y = "23";  // digits before and behind the point
   std::optional<bool> Inches;                    // absent: the file names no unit
+  double Factor = 1;  // units of the setup in one of the file; of the apertures' scan
   // Held as read; no step uses them.
   std::string Sequence_Digits, G_Digits, M_Digits, D_Digits;
   std::string Image_Name;

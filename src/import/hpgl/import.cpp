@@ -9,10 +9,12 @@
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/path_sort.h"
 #include "import/pipeline/pipeline.h"
+#include "import/pipeline/placing.h"
 #include "import/pipeline/report.h"
 #include "platform/platform.h"
 
 #include <array>
+#include <functional>
 
 namespace norvik {
 
@@ -43,7 +45,9 @@ class Distinct_Writer {
 void Distinct_Writer::Write(const ImportLine& line) {
   const std::array<Nullable, 6> ends{line.X1, line.Y1, line.Z1, line.X2, line.Y2, line.Z2};
   // A full circle ends where it begins and has a length all the same.
-  const bool closed = line.X1 == line.X2 && line.Y1 == line.Y2 && line.Z1 == line.Z2 && !line.Type;
+  // So has the dot of a pen that went down and up, which drills with `HPGL_All_Pairs`.
+  const bool closed = line.X1 == line.X2 && line.Y1 == line.Y2 && line.Z1 == line.Z2 &&
+                      !line.Type && !MachineSetup.HPGL_All_Pairs;
   if (closed) {
     Count_Skipped("stroke of no length");
   } else if (ends == Before) {
@@ -91,6 +95,48 @@ void Sort_Records(const std::string& line_file) {
   writer.Close();
 }
 
+// A clockwise arc under incremental centres holds its end minus its centre.
+bool Holds_Centre_From_End(const ImportLine& line) {
+  return line.Type == Arc_Clockwise && MachineSetup.GC_IJ_Incremental;
+}
+
+void Turn_Centre_Over(ImportLine& line) {
+  if (!line.I || !line.J || !Holds_Centre_From_End(line)) return;
+  line.I = *line.X2 - *line.I;
+  line.J = *line.Y2 - *line.J;
+}
+
+void Place_Records(const std::string& line_file) {
+  Line_Store store;
+  store.Load(line_file, HPGL_Fault_Name);
+  ImportLine line;
+  const auto for_each = [&](const std::function<void()>& use) {
+    for (std::size_t n = 0; n < store.Size(); ++n) {
+      store.Get(n, line);
+      Turn_Centre_Over(line);  // now absolute
+      use();
+    }
+  };
+  const Placing placing([&](Drawing_Extent& extent, const Placing& turned) {
+    for_each([&] {
+      turned.Place(line);
+      extent.Take(*line.X1, *line.Y1);
+      extent.Take(*line.X2, *line.Y2);
+      if (line.Type && line.I && line.J) {
+        extent.Take_Arc(line.Type == Arc_Clockwise, {*line.X1, *line.Y1}, {*line.X2, *line.Y2},
+                        {*line.I, *line.J});
+      }
+    });
+  });
+  Line_File_Writer writer(line_file, Line_Form::Thirteen);
+  for_each([&] {
+    placing.Place(line);
+    Turn_Centre_Over(line);
+    writer.Write(line);
+  });
+  writer.Close();
+}
+
 }  // namespace
 
 void HPGL_Sort_Step(const std::string& line_file) {
@@ -119,6 +165,7 @@ bool Import_HPGL_File(const std::string& path) {
       constexpr double tenths = 10;
       HPGL_Import.Tool_Diameter = To_Int16(Decimal_Of(MachineSetup.HPGL_PenSize) * tenths);
     });
+    if (Is_Placed()) Trap(HPGL_Fault_Name, [&] { Place_Records(line_file); });
     HPGL_Sort_Step(line_file);
     HPGL_Add_Passes(line_file);
     Import_Status("Converting Graphic File: Processing");

@@ -6,11 +6,14 @@
 #include "core/paths.h"
 #include "core/rounding.h"
 #include "core/setup.h"
+#include "import/hpgl/full_reader.h"
 #include "import/hpgl/import.h"
 #include "import/hpgl/numbers.h"
+#include "import/hpgl/pens.h"
 #include "import/pipeline/numbers.h"
 #include "import/pipeline/pipeline.h"
 #include "import/pipeline/report.h"
+#include "import/pipeline/units.h"
 #include "platform/platform.h"
 
 #include <algorithm>
@@ -140,6 +143,13 @@ bool Command_Source::Next(std::string& command) {
   return false;
 }
 
+// True for the commands whose numbers are points.
+bool Moves_Pen(std::string_view command) {
+  return std::ranges::any_of(Mnemonics, [&](const Mnemonic& each) {
+    return each.Sets != Mode::Select_Pen && command.starts_with(each.Letters);
+  });
+}
+
 class Reader {
  public:
   Reader(const std::string& path, const std::string& line_file)
@@ -154,8 +164,6 @@ class Reader {
   void Count_Command(std::string_view command, bool known);
   void Count_Run_Together(std::string_view command);
   void Read_Parameters(const std::string& command);
-  void Select_Pen(double x);
-  std::string Feed_Text(const std::string& text);
   void Stroke_To(double x, double y);
   void Arc(const HPGL_Numbers& numbers, std::size_t first, double x, double y);
   void Write(double x, double y);
@@ -163,6 +171,7 @@ class Reader {
   Command_Source Commands;
   Line_File_Writer File;
   Import_Faults Faults{HPGL_Fault_Name};
+  const double Factor = Unit_Factor(Unit_Inches);
 
   double Last_X = 0, Last_Y = 0;
   bool Pen_Down = false;
@@ -171,6 +180,7 @@ class Reader {
   Nullable Arc_I, Arc_J;
   std::optional<std::int16_t> Arc_Type;  // of the last arc
   bool In_Text = false;                  // behind a label command, up to its end character or ";"
+  bool Lost_To_All_Pairs = false;        // the correction would have brought something
   bool In_Encoded = false;               // behind a PE, up to its semicolon
 };
 
@@ -186,10 +196,9 @@ void Reader::Load() {
     if (Commands.Ended_A_Text()) In_Text = false;
   }
   File.Close();
-  if (MachineSetup.UnitsofMeasurement == 1) {
-    Report_Note(
-        "The numbers of the file come out in inches, the setup is metric; nothing was "
-        "converted.");
+  Report_Unit(Unit_Inches);
+  if (Lost_To_All_Pairs) {
+    Report_Answer("HPGL_All_Pairs", "Commands of the file are not read as a plotter reads them.");
   }
   if (Commands.Dropped() > 0) {
     Report_Note("A command is longer than 16 million characters; its end was not read.");
@@ -222,6 +231,9 @@ void Reader::Count_Command(std::string_view command, bool known) {
     Count_Read(letters);
   } else {
     Count_Skipped(letters);
+    constexpr std::array<std::string_view, 15> read_in_full{
+        "SC", "IP", "RO", "CI", "EA", "ER", "RA", "RR", "EW", "WG", "PE", "PM", "EP", "FP", "AT"};
+    Lost_To_All_Pairs = Lost_To_All_Pairs || std::ranges::count(read_in_full, letters) > 0;
     In_Text = letters == "LB";
     In_Encoded = letters == "PE";
     if (In_Encoded) {
@@ -244,6 +256,7 @@ void Reader::Count_Run_Together(std::string_view command) {
         letters == before || (letters == "PA" && (before == "PU" || before == "PD"));
     before = letters;
     if (repeats) continue;
+    Lost_To_All_Pairs = true;
     Count_Skipped(std::string(letters) + " run together with " + std::string(command.substr(0, 2)));
     if (letters == "PU" || letters == "PD") {
       Report_Note(
@@ -258,7 +271,7 @@ void Reader::Read_Parameters(const std::string& command) {
   std::size_t p = 1;
   for (;;) {
     if (Application.EscFlag) return;
-    const Nullable x = numbers.Coordinate(p), y = numbers.Coordinate(p + 1);
+    Nullable x = numbers.Coordinate(p), y = numbers.Coordinate(p + 1);
     const std::size_t first = p;
     p += 2;
     if (Now == Mode::Select_Pen && x && *x > 0 && MachineSetup.HPGL_Multiple_Pen_Enable) {
@@ -268,12 +281,17 @@ void Reader::Read_Parameters(const std::string& command) {
         Report_Note("A pen number of 10 or more selects nothing.");
         return;
       }
-      Select_Pen(pen);
+      Take_HPGL_Pen(Record, To_Int16(pen), Faults);
     }
     if (!x || !y) {
+      // Behind an arc the fourth of its numbers stands alone.
+      const bool of_an_arc = first > 1 && (Now == Mode::Arc_Absolute || Now == Mode::Arc_Relative);
+      if (x && Moves_Pen(command) && !of_an_arc) Count_Skipped("numbers without a second one");
       Now = Mode::None;
       return;
     }
+    x = *x * Factor;
+    y = *y * Factor;
     if (In_Text || In_Encoded) {
       Report_Note(
           "Numbers inside texts or encoded strokes were read as coordinates. Look at the plot "
@@ -293,34 +311,12 @@ void Reader::Read_Parameters(const std::string& command) {
     const bool arc = Pen_Down && p == first + 3;
     const std::size_t used = arc ? first - 1 + arc_numbers : p - 1;
     if (numbers.Count() > used) {
+      Lost_To_All_Pairs = true;
       Count_Skipped("pairs behind the first",
                     static_cast<std::int64_t>(numbers.Count() - used + 1) / 2);
     }
     return;
   }
-}
-
-// Pen 9 can be selected, but no settings exist for it.
-void Reader::Select_Pen(double number) {
-  const auto pen = To_Int16(number);
-  Record.Pen = pen;
-  Record.Layer = std::to_string(pen);
-  const auto& feeds = MachineSetup.HPGL_Multiple_Pen_Cutting_IPM;
-  const bool has_row = pen >= feeds.first && pen <= feeds.last;
-  Record.Cut_Feed = has_row ? Feed_Text(feeds[pen]) : "";
-  Record.Plunge_Feed = has_row ? Feed_Text(MachineSetup.HPGL_Multiple_Pen_Plunge_IPM[pen]) : "";
-  const std::string depth = has_row ? Trim(MachineSetup.HPGL_Multiple_Pen_Plunge_Depth[pen]) : "";
-  Record.Z1.reset();
-  if (!depth.empty()) Faults.Try([&] { Record.Z1 = Foreign_Number(depth); });
-  Record.Z2 = Record.Z1;
-}
-
-// As a G-code word takes it. What is no number counts as not set.
-std::string Reader::Feed_Text(const std::string& text) {
-  std::string feed;
-  if (Trim(text).empty()) return feed;
-  Faults.Try([&] { feed = General_Text(Foreign_Number(text)); });
-  return feed;
 }
 
 void Reader::Write(double x, double y) {
@@ -377,7 +373,14 @@ void Reader::Arc(const HPGL_Numbers& numbers, std::size_t first, double x, doubl
 
 void HPGL_Load(const std::string& path, const std::string& line_file) {
   Import_Status("HPGL Conversion: Loading File...");
-  if (!Trap(HPGL_Fault_Name, [&] { Reader(path, line_file).Load(); })) Report_Unreadable();
+  const bool read = Trap(HPGL_Fault_Name, [&] {
+    if (MachineSetup.HPGL_All_Pairs) {
+      HPGL_Load_Full(path, line_file);
+    } else {
+      Reader(path, line_file).Load();
+    }
+  });
+  if (!read) Report_Unreadable();
 }
 
 }  // namespace norvik

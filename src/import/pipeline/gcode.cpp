@@ -111,6 +111,14 @@ void GCode_File::Rapid_XY_Formatted(double x, double y) {
   Import_Report.Motion.Rapid(x, y, {});
 }
 
+void GCode_File::Cut_XY_Formatted(double x, double y) {
+  Begin("G01");
+  Formatted_Word(" X", x);
+  Formatted_Word(" Y", y);
+  End();
+  Import_Report.Motion.Cut_To(x, y, {});
+}
+
 bool Write_Program(Import_Kind kind, std::string_view fault_name, double travel,
                    const std::function<void(GCode_File&)>& body) {
   const bool written = Trap(fault_name, [&] {

@@ -36,6 +36,7 @@ class GCode_File : public GCode_Lines {
   void Rapid_Z_Formatted(double z);
   void Cut_Z_Formatted(double z);
   void Rapid_XY_Formatted(double x, double y);
+  void Cut_XY_Formatted(double x, double y);
 
  private:
   void Formatted_Word(std::string_view letter, double value);

@@ -129,9 +129,7 @@ Line_File_Writer::Line_File_Writer(std::string path, Line_Form form, Mode mode,
       Form(form),
       XY_Precision(precision),
       Z_Precision(Line_Precision::Double),
-      File(Open_File(Path, mode == Mode::Append ? "ab" : "wb")) {
-  Buffer.reserve(Chunk + Chunk / 4);
-}
+      File(Open_File(Path, mode == Mode::Append ? "ab" : "wb")) {}
 
 void Line_File_Writer::Write(const ImportLine& line) {
   const std::size_t record_start = Buffer.size();
@@ -211,10 +209,11 @@ bool Line_File_Reader::Next_Text_Line(std::string_view& text) {
     Buffer.erase(0, At);
     At = 0;
     const std::size_t held = Buffer.size();
-    Buffer.resize(held + Chunk);
-    const std::size_t got = std::fread(Buffer.data() + held, 1, Chunk, File.get());
+    Buffer.resize(held + Next_Read);
+    const std::size_t got = std::fread(Buffer.data() + held, 1, Next_Read, File.get());
     Buffer.resize(held + got);
-    At_End = got < Chunk;
+    At_End = got < Next_Read;
+    Next_Read = std::min(Next_Read * 4, Chunk);
   }
 }
 

@@ -97,6 +97,7 @@ class Line_File_Reader {
   std::string Buffer;
   std::size_t At = 0;
   bool At_End = false;
+  std::size_t Next_Read = 4096;  // grows with the file, as most are small
   std::uint64_t Bytes_Taken = 0, Bytes_Total = 0;
 };
 

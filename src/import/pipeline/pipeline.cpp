@@ -192,7 +192,8 @@ Text_Source::Text_Source(const std::string& path) {
   std::fseek(File.get(), 0, SEEK_END);
   Bytes_Total = static_cast<std::uint64_t>(std::max(std::ftell(File.get()), 0L));
   std::rewind(File.get());
-  Buffer.resize(Read_Chunk);
+  Buffer.resize(Bytes_Total == 0 ? Read_Chunk
+                                 : std::min<std::uint64_t>(Bytes_Total + 1, Read_Chunk));
 }
 
 double Text_Source::Share() const {

@@ -1,14 +1,17 @@
 #include "import/pipeline/report.h"
 
 #include "core/axes.h"
+#include "core/corrections.h"
 #include "core/messages.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "import/pipeline/file_unit.h"
 #include "import/pipeline/numbers.h"
 
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <utility>
 
 namespace norvik {
 
@@ -112,7 +115,8 @@ std::string Reason_For_Nothing(const Import_Report_State& report) {
   }
   if (read) return "what was read of it makes no cutting move. Look at the notes below.";
   if (skipped) return "none of what it holds can be read. \"Not read\" below says what that is.";
-  return "it holds nothing that this import knows. Is it a file of this kind?";
+  return "it holds nothing that this import knows. Is it a file of this kind? A program of G-code "
+         "needs no import: File > Open takes it.";
 }
 
 // How the import ended, when it did not end well; empty otherwise.
@@ -157,10 +161,12 @@ void Motion_Tally::Cut_To(Nullable x, Nullable y, Nullable z) {
   Y = to_y;
   if (z) Z = z;
   if (Z) Cut[2].Take(*Z);
+  if (!Z) Cuts_Before_Z = true;
 }
 
 void Motion_Tally::Arc_To(bool clockwise, double x, double y, double i, double j) {
   ++Arcs;
+  if (!Z) Cuts_Before_Z = true;
   constexpr double turn = 2 * std::numbers::pi;
   // The centre is the candidate that lies equally far from both ends.
   double cx = i, cy = j, best = -1;
@@ -202,6 +208,20 @@ void Start_Import_Report(Import_Kind kind, const std::string& path) {
   Import_Report.Source = path;
 }
 
+std::string Words_About_Both_Sizes() {
+  const auto size_of = [](double factor) {
+    const auto& cut = Import_Report.Motion.Cut;
+    const auto length = [&](const Axis_Range& range) {
+      return range.From ? Figure((*range.To - *range.From) * factor) : "0";
+    };
+    return length(cut[0]) + " by " + length(cut[1]) + " ";
+  };
+  const File_Unit here = Unit_Of_Setup(), other = Other_Unit();
+  return "Its numbers taken as " + std::string(here.Name) + ", what is cut is " + size_of(1) +
+         std::string(here.Name) + " large; taken as " + std::string(other.Name) + ", " +
+         size_of(other.Millimetres / here.Millimetres) + std::string(here.Name) + ".";
+}
+
 void Finish_Import_Report(bool stopped, bool written) {
   Import_Report.Cancelled = Import_Report.Cancelled || stopped;
   Import_Report.Written = written;
@@ -209,6 +229,15 @@ void Finish_Import_Report(bool stopped, bool written) {
     Report_Note(
         "Arc centres in this program are absolute, but the setup reads I and J as incremental. "
         "Switch GC_IJ_Incremental off before it is run.");
+  }
+  if (Import_Report.Unit_Unknown && MachineSetup.Import_Convert_Units && !Nothing_Arrived()) {
+    Report_Note(Words_About_Both_Sizes());
+  }
+  if (Import_Report.Motion.Cuts_Before_Z) {
+    Report_Note(
+        "The drawing begins at X0 Y0, so that no travel and no plunge stand before its first cut: "
+        "it "
+        "runs at the height where the tool is. Write them in, or move the drawing.");
   }
 }
 
@@ -228,6 +257,14 @@ void Report_Note(std::string_view text) {
   auto& notes = Import_Report.Notes;
   if (notes.size() < Most_Notes && std::find(notes.begin(), notes.end(), text) == notes.end()) {
     notes.emplace_back(text);
+  }
+}
+
+void Report_Answer(std::string_view correction, std::string_view text) {
+  Report_Note(std::string(text) + " The correction " + std::string(correction) + " answers this.");
+  auto& answers = Import_Report.Answers;
+  if (std::find(answers.begin(), answers.end(), correction) == answers.end()) {
+    answers.emplace_back(correction);
   }
 }
 
@@ -269,6 +306,9 @@ std::vector<std::string> Import_Report_Lines() {
   Add_Motion(lines);
   Add_Table_Fit(lines);
   for (const std::string& note : report.Notes) lines.push_back("Note: " + note);
+  if (std::string corrections = Corrections_Line(); !corrections.empty()) {
+    lines.push_back(std::move(corrections));
+  }
   return lines;
 }
 

@@ -46,6 +46,7 @@ struct Motion_Tally {
   double Cut_Length = 0, Travel_Length = 0;
   std::int64_t Lifts = 0;  // rapid moves upwards in Z
   std::int64_t Arcs = 0;
+  bool Cuts_Before_Z = false;  // a cutting move in X or Y stands before the first Z word
 
   // An absent axis does not move.
   void Rapid(Nullable x, Nullable y, Nullable z);
@@ -63,10 +64,12 @@ struct Import_Report_State {
   };
   std::map<std::string, Kind_Count, std::less<>> Kinds;
   std::vector<std::string> Layers, Tools;
-  std::vector<std::string> Notes;  // each one line; what the operator should look at
+  std::vector<std::string> Notes;    // each one line; what the operator should look at
+  std::vector<std::string> Answers;  // keys of the corrections that notes offer
   Motion_Tally Motion;
-  bool Cancelled = false;  // by ESC, or in a window that the import opened
-  bool Written = true;     // false: there is no new program
+  bool Unit_Unknown = false;  // the file names no unit, and nobody has said which
+  bool Cancelled = false;     // by ESC, or in a window that the import opened
+  bool Written = true;        // false: there is no new program
 };
 extern Import_Report_State Import_Report;
 
@@ -74,6 +77,9 @@ extern Import_Report_State Import_Report;
 void Start_Import_Report(Import_Kind kind, const std::string& path);
 // `stopped`: ESC ended a phase; `written`: there is a program to open.
 void Finish_Import_Report(bool stopped, bool written);
+
+// How large what is cut is with the numbers of the file taken in either unit.
+std::string Words_About_Both_Sizes();
 
 // True when the program that was made cuts nothing: of the drawing nothing has arrived.
 bool Nothing_Arrived();
@@ -83,6 +89,8 @@ bool Nothing_Arrived();
 void Count_Read(std::string_view kind, std::int64_t count = 1);
 void Count_Skipped(std::string_view kind, std::int64_t count = 1);
 void Report_Note(std::string_view text);
+// A note on something that a correction answers, which is named behind it.
+void Report_Answer(std::string_view correction, std::string_view text);
 // The file to import exists and could not be read to its end.
 void Report_Unreadable();
 // Text lines were longer than `Text_Source` takes.

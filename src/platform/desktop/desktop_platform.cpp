@@ -8,14 +8,17 @@
 #include <map>
 #include <memory>
 
+#include <QAbstractButton>
 #include <QApplication>
 #include <QDateTime>
+#include <QDialogButtonBox>
 #include <QDir>
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QMessageBox>
 #include <QPrintDialog>
 #include <QPrinter>
+#include <QPushButton>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QTextDocument>
@@ -125,13 +128,16 @@ Box_Answer Show_Box(const std::string& title, const std::string& text, Box_Butto
   if (buttons == Box_Buttons::Yes_No_Cancel || careful) {
     wanted = QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel;
   }
-  if (buttons == Box_Buttons::Ok_Cancel) wanted = QMessageBox::Ok | QMessageBox::Cancel;
+  const bool continues = buttons == Box_Buttons::Continue_Cancel;
+  const bool ok_cancel = buttons == Box_Buttons::Ok_Cancel || continues;
+  if (ok_cancel) wanted = QMessageBox::Ok | QMessageBox::Cancel;
   QMessageBox box(buttons == Box_Buttons::Ok ? QMessageBox::Information : QMessageBox::Question,
                   QString::fromStdString(title.empty() ? "Norvik" : title),
                   QString::fromStdString(text), wanted, QApplication::activeWindow());
   box.setTextFormat(Qt::PlainText);
+  if (continues) box.button(QMessageBox::Ok)->setText("&Continue");
   // Enter pressed by habit does the less.
-  if (buttons == Box_Buttons::Ok_Cancel) box.setDefaultButton(QMessageBox::Cancel);
+  if (ok_cancel) box.setDefaultButton(QMessageBox::Cancel);
   if (buttons == Box_Buttons::Yes_No || careful) box.setDefaultButton(QMessageBox::No);
   switch (box.exec()) {
     case QMessageBox::Yes:
@@ -182,8 +188,34 @@ QString Dialog_Folder(const File_Dialog& ask) {
   return folder.isEmpty() || !QDir(folder).exists() ? QDir::homePath() : folder;
 }
 
+// The desktop's own dialog takes no further button, the toolkit's does.
+std::optional<std::string> Ask_Open_With_Options(const File_Dialog& ask) {
+  const QStringList filters = Toolkit_Filters(ask.Filter);
+  QFileDialog dialog(QApplication::activeWindow(), QString::fromStdString(ask.Title),
+                     Dialog_Folder(ask), filters.join(";;"));
+  dialog.setOption(QFileDialog::DontUseNativeDialog);
+  dialog.setFileMode(QFileDialog::ExistingFile);
+  dialog.selectNameFilter(filters.value(ask.Filter_Index - 1));
+  dialog.selectFile(QString::fromStdString(ask.File_Name));
+  bool options = false;
+  if (auto* buttons = dialog.findChild<QDialogButtonBox*>()) {
+    QPushButton* button = buttons->addButton("O&ptions...", QDialogButtonBox::ActionRole);
+    button->setObjectName("Command_Options");
+    button->setToolTip("How the import goes about it; then choose the import again");
+    QObject::connect(button, &QPushButton::clicked, &dialog, [&] {
+      options = true;
+      dialog.reject();
+    });
+  }
+  const bool accepted = dialog.exec() == QDialog::Accepted && !dialog.selectedFiles().isEmpty();
+  if (options) ask.On_Options();
+  if (!accepted) return std::nullopt;
+  return dialog.selectedFiles().front().toStdString();
+}
+
 std::optional<std::string> Ask_Open(const File_Dialog& ask) {
   Desktop.Before_Box();
+  if (ask.On_Options) return Ask_Open_With_Options(ask);
   const QStringList filters = Toolkit_Filters(ask.Filter);
   QString selected = filters.value(ask.Filter_Index - 1);
   const QString path = QFileDialog::getOpenFileName(

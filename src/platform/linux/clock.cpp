@@ -2,6 +2,7 @@
 #include "platform/linux/time_stamp_counter.h"
 #include "platform/period.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 
 #include <cmath>
 #include <ctime>
@@ -86,6 +87,13 @@ void Delay(std::int32_t microseconds) {
   Spin_Until(Spin_Now() + std::int64_t{microseconds} * 1'000);
 }
 
+void Sleep(std::int32_t microseconds) {
+  if (microseconds <= 0) return;
+  constexpr std::int32_t million = 1'000'000;
+  const std::timespec time{microseconds / million, microseconds % million * 1'000L};
+  ::clock_nanosleep(CLOCK_MONOTONIC, 0, &time, nullptr);
+}
+
 void Delay_In_Period(std::int32_t microseconds, std::int64_t period_ns) {
   Period_Keeper& keeper = Spin_Clock.Keeper;
   const std::int64_t asked = std::int64_t{microseconds} * 1'000;
@@ -99,6 +107,7 @@ void Install_Linux_Clock() {
   Platform.Monotonic_Clock = Kernel_Clock;
   Platform.Delay_Microseconds = Delay;
   Platform.Delay_In_Period = Delay_In_Period;
+  Resting.Sleep_Microseconds = Sleep;
 }
 
 }  // namespace norvik

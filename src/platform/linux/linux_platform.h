@@ -22,6 +22,7 @@
 // Where the kernel groups the programs of a session (autogroup), the group gets the same value.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 
@@ -29,9 +30,9 @@ namespace norvik {
 
 // --- Time ----------------------------------------------------------------------------------------
 
-// Fills Monotonic_Clock, Delay_Microseconds and Delay_In_Period. Waits spin on the time-stamp
-// counter where it runs at one rate in all states of the processor, on the monotonic clock
-// elsewhere. Calibrates for about 20 ms.
+// Fills Monotonic_Clock, Delay_Microseconds, Delay_In_Period and `Resting`. Delays spin on
+// the time-stamp counter where it runs at one rate in all states of the processor, on the monotonic
+// clock elsewhere. Calibrates for about 20 ms.
 void Install_Linux_Clock();
 
 // --- Ports ---------------------------------------------------------------------------------------
@@ -66,6 +67,9 @@ void Set_Port_Device(const std::string& path);
 // Fills the serial operations. A port is this process's alone while it is open; one that cannot be
 // opened is told with what gives it.
 void Install_Serial_Ports();
+
+// Writes the bytes to every serial port that is open, for a signal handler.
+void Write_Serial_Ports_In_Handler(const std::uint8_t* bytes, std::size_t count) noexcept;
 
 // --- Locks ---------------------------------------------------------------------------------------
 //

@@ -1,7 +1,9 @@
 #include "platform/linux/linux_platform.h"
 #include "platform/platform.h"
+#include "platform/rest.h"
 
 #include <array>
+#include <atomic>
 #include <cerrno>
 #include <cstdlib>
 #include <cstring>
@@ -36,6 +38,16 @@ struct Serial_Ports_State {
   int Last_Handle = 0;
 };
 Serial_Ports_State Serial_Ports;
+
+// The same files once more, for a signal handler; 0: none, otherwise the file's number and 1.
+std::array<std::atomic<int>, 8> Files_Of_Handler;
+
+void Note_File(int before, int now) {
+  for (auto& file : Files_Of_Handler) {
+    int expected = before + 1;
+    if (file.compare_exchange_strong(expected, now + 1)) return;
+  }
+}
 
 Open_Port* Find(int handle) {
   const auto found = Serial_Ports.Open.find(handle);
@@ -135,6 +147,7 @@ Serial_Opened Open(const std::string& device, std::int32_t baud) {
     Close_Device(port);
     return {0, Problem_Words(device, error)};
   }
+  Note_File(-1, port.File);
   const int handle = ++Serial_Ports.Last_Handle;
   Serial_Ports.Open.emplace(handle, std::move(port));
   return {handle, {}};
@@ -149,7 +162,7 @@ bool Write(int handle, const std::vector<std::uint8_t>& bytes) {
     const ssize_t count = ::write(port->File, bytes.data() + written, bytes.size() - written);
     if (count > 0) written += static_cast<std::size_t>(count);
     if (count < 0 && errno != EAGAIN && errno != EINTR) return false;
-    if (count <= 0) Platform.Delay_Microseconds(100);
+    if (count <= 0) Rest_Microseconds(100);
   }
   return port && written == bytes.size();
 }
@@ -192,6 +205,12 @@ std::vector<Serial_Port_Info> List() {
 
 }  // namespace
 
+void Write_Serial_Ports_In_Handler(const std::uint8_t* bytes, std::size_t count) noexcept {
+  for (const auto& file : Files_Of_Handler) {
+    if (file > 0 && ::write(file - 1, bytes, count) < 0) continue;  // nobody is left to be told
+  }
+}
+
 void Install_Serial_Ports() {
   Platform.Serial_Ports = List;
   Platform.Serial_Open = Open;
@@ -199,7 +218,10 @@ void Install_Serial_Ports() {
   Platform.Serial_Available = Available;
   Platform.Serial_Read = Read;
   Platform.Serial_Close = [](int handle) {
-    if (Open_Port* port = Find(handle)) Close_Device(*port);
+    if (Open_Port* port = Find(handle)) {
+      Note_File(port->File, -1);
+      Close_Device(*port);
+    }
     Serial_Ports.Open.erase(handle);
   };
 }

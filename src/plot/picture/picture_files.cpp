@@ -90,7 +90,8 @@ bool Bitmap_Is_Whole(const QByteArray& bytes) {
   }
   // All others hold all their rows, also those whose colours lie by masks.
   const std::int64_t row = (header->Width * header->Bits + 31) / 32 * 4;
-  return bytes.size() >= header->Pixels + row * header->Height;
+  const std::int64_t there = bytes.size() - header->Pixels;
+  return row > 0 && there >= 0 && header->Height <= there / row;
 }
 
 // Walks the segments of a JPEG to its end mark: a thumbnail within has one of its own.

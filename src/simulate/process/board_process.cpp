@@ -7,7 +7,9 @@
 #include "simulate/board/board_json.h"
 #include "simulate/board/board_options.h"
 #include "simulate/process/board_control.h"
+#include "simulate/process/board_text_panel.h"
 #include "simulate/process/control_socket.h"
+#include "simulate/process/panel_terminal.h"
 #include "simulate/process/pseudo_terminal.h"
 
 #include <algorithm>
@@ -21,6 +23,7 @@
 #include <utility>
 
 #include <poll.h>
+#include <unistd.h>
 
 namespace norvik {
 
@@ -81,6 +84,7 @@ class Board_Process {
   void Look_At_Settings();
   std::string Answer(int caller, const std::string& command);
   void Answer_Idle_Waits();
+  void Serve_Panel();
   void Tell_End();
 
   Board_Process_Options Options;
@@ -94,6 +98,8 @@ class Board_Process {
   std::vector<std::uint8_t> Received;
   std::vector<int> Watchers;
   std::vector<Idle_Wait> Idle_Waits;
+  std::unique_ptr<Panel_Terminal> Screen;  // null: no panel
+  Board_Panel_State Panel;
   std::string Settings_Told;
   bool Over = false;
 };
@@ -123,6 +129,9 @@ Board_Process::Board_Process(const Board_Process_Options& options, const Board_P
   if (!Options.Control_Socket.empty()) {
     Control = std::make_unique<Control_Socket>(Options.Control_Socket);
   }
+  if (Options.Panel) Screen = std::make_unique<Panel_Terminal>();
+  Panel.Steps_Per_Unit = Options.Steps_Per_Unit;
+  Panel.Port = Terminal->Path();
   Real_Start = Platform.Monotonic_Clock();
   Connect_Logs();
 }
@@ -155,7 +164,7 @@ void Board_Process::Tell_Event(std::int64_t time, const std::string& text) {
 // --------------------------------------------------------------------------------------
 
 std::int64_t Board_Process::Clock() const {
-  if (Options.Time != Board_Time::Real) return Board_Start;
+  if (Options.Time != Board_Time::Real || Panel.Time_Stands) return Board_Start;
   const auto passed = static_cast<double>(Platform.Monotonic_Clock() - Real_Start);
   return Board_Start + std::llround(passed * Options.Scale);
 }
@@ -170,7 +179,7 @@ void Board_Process::Set_Scale(double scale) {
 // is on its way as a whole, or for the adapter's next packet.
 std::int64_t Board_Process::Sleep_Time() const {
   std::int64_t sleep = Longest_Sleep;
-  if (Options.Time == Board_Time::Real) {
+  if (Options.Time == Board_Time::Real && !Panel.Time_Stands) {
     std::optional<std::int64_t> due;
     if (!Line.To_Board.Is_Empty()) {
       due = Line.To_Board.At(Line.To_Board.Size() - 1).Time;
@@ -195,6 +204,7 @@ void Board_Process::Sleep() {
   std::vector<pollfd> files;
   if (Terminal->Is_Open()) files.push_back({Terminal->Master(), POLLIN, 0});
   if (Control != nullptr) Control->Add_Files(files);
+  if (Screen != nullptr) files.push_back({STDIN_FILENO, POLLIN, 0});
   const std::int64_t sleep = Sleep_Time();
   const timespec time{sleep / Second, sleep % Second};
   ::ppoll(files.data(), files.size(), &time, nullptr);
@@ -296,6 +306,17 @@ void Board_Process::Answer_Idle_Waits() {
   std::erase_if(Watchers, [&](int watcher) { return !Control->Is_There(watcher); });
 }
 
+void Board_Process::Serve_Panel() {
+  for (const char key : Panel_Terminal::Keys()) {
+    Follow();
+    const std::int64_t now = Clock();
+    Take_Board_Key(Line, Panel, key);
+    Board_Start = now;
+    Real_Start = Platform.Monotonic_Clock();
+  }
+  Screen->Show(Board_Panel_Text(Line, Panel));
+}
+
 void Board_Process::Tell_End() {
   const Simulated_Board& board = Line.Board;
   Host.Tell(std::to_string(board.Counts.Frames) + " frames, " +
@@ -315,11 +336,12 @@ void Board_Process::Tell_End() {
 
 void Board_Process::Run() {
   Host.Tell("SIMULATED BOARD " + Name_Of(Options.Generation) + " at " + Terminal->Path());
-  while (!Over && !Host.Asked_To_Stop()) {
+  while (!Over && !Panel.Quit && !Host.Asked_To_Stop()) {
     Sleep();
     Take_From_Terminal();
     Follow();
     Give_To_Terminal();
+    if (Screen != nullptr) Serve_Panel();
     Follow_Cable();
     if (Control == nullptr) continue;
     Control->Serve([this](int caller, const std::string& line) { return Answer(caller, line); });
@@ -327,6 +349,7 @@ void Board_Process::Run() {
     Give_To_Terminal();
     Answer_Idle_Waits();
   }
+  Screen.reset();
   Tell_End();
 }
 

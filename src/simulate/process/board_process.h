@@ -34,6 +34,8 @@ struct Board_Process_Options {
   double Scale = 1;                     // of real time, 0.1 to 1000
   std::int64_t Frame_Time = 1'000'000;  // ns a frame
   bool Strict_Speed = false;            // wrong settings of the port give garbage
+  bool Panel = false;                   // a page of text on the terminal, with keys
+  double Steps_Per_Unit = 0;            // for its speeds; 0: in Hz only
 };
 
 struct Board_Process_Host {

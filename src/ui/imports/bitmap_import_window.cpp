@@ -1,6 +1,7 @@
 #include "ui/imports/bitmap_import_window.h"
 
 #include "app/bitmap_form.h"
+#include "app/main_form.h"
 #include "ui/widgets/theme.h"
 
 #include <QDir>
@@ -140,6 +141,13 @@ QWidget* Bitmap_Import_Window::Build_Foot() {
   QPushButton* cancel = Finger_Button("Command_Cancel", "Cancel");
   grid->addWidget(open, 0, 2);
   grid->addWidget(cancel, 1, 2);
+  QPushButton* options = Finger_Button("Command_Options", "O&ptions...");
+  options->setToolTip("Size, depth and distance of the points; then choose the picture again");
+  grid->addWidget(options, 1, 0);
+  connect(options, &QPushButton::clicked, this, [] {
+    Bitmap_Import_Command_Cancel_Click();
+    Main_Host.Show_Setting("Import: Pictures");
+  });
   grid->setColumnStretch(1, 1);
   connect(File_Name, &QLineEdit::editingFinished, this,
           [this] { Bitmap_Import_Text_FileName_Change(File_Name->text().toStdString()); });

@@ -1,10 +1,12 @@
 #include "ui/machine/axis_rows.h"
 
+#include "app/main_form.h"
 #include "control/displays/displays.h"
 #include "control/manual/panel_edits.h"
 #include "control/state/cnc_controls_form.h"
 #include "core/axes.h"
 #include "core/setup.h"
+#include "drive/finding.h"
 #include "ui/widgets/theme.h"
 
 #include <QEvent>
@@ -50,9 +52,16 @@ QPushButton* Lamp(const QString& tip) {
 // The label of the distance to go.
 QWidget* Build_Row(QGridLayout& grid, Form_Binding& binding, int axis) {
   const QString name = QString(QChar(Axis_Letter(axis)));
-  auto* title = new QLabel(name);
+  auto* title = new QPushButton(name);
+  title->setObjectName("Command_Axis_Setup_" + name);
   title->setFont(Bold_Font(1.9));
+  title->setFlat(true);
+  title->setFocusPolicy(Qt::NoFocus);
   title->setMinimumWidth(Text_Height());
+  title->setMaximumWidth(Text_Height() * 2);
+  title->setToolTip("Settings of the axes");
+  QObject::connect(title, &QPushButton::clicked, title,
+                   [axis] { Main_Host.Show_Setting(Axis_Key("Axis_SPI_", axis)); });
   grid.addWidget(title, axis, 0);
 
   auto* position = new Position_Label(axis);

@@ -232,6 +232,9 @@ QWidget* Controls_Window::Build_Status() {
   Binding.Label(status, "Label_CNC_Status", CNC_Controls.Label_CNC_Status);
   grid->addWidget(status, 0, 0);
   auto* activity = new QLabel;
+  // Room for the widest text, so that the E-stop beside it stays where it is.
+  activity->setMinimumWidth(
+      QFontMetrics(activity->font()).horizontalAdvance("pausing: ends with this move, 99.9 s "));
   Binding.Label(activity, "Label_CNC_Activity", CNC_Controls.Label_CNC_Activity);
   auto* step = new QLabel;
   Binding.Label(step, "Label_CNC_Step", CNC_Controls.Label_CNC_Step);
@@ -250,6 +253,7 @@ QWidget* Controls_Window::Build_Status() {
   estop->setIconSize({Finger_Height(), Finger_Height()});
   estop->setToolTip("Stops all motion at once (F12); press again to enable the motors");
   estop->setFocusPolicy(Qt::NoFocus);
+  Keep_Room_For(*estop, {"MOTORS ENABLED", "MOTORS DISABLED"});
   Binding.Button(estop, "Command_EStop", CNC_Controls.Command_EStop, Command_EStop_Click);
   grid->addWidget(estop, 0, 1, 3, 1);
   grid->setColumnStretch(0, 3);

@@ -4,6 +4,7 @@
 #include "control/manual/panel_edits.h"
 #include "control/manual/timing_edits.h"
 #include "control/safety/safety.h"
+#include "control/safety/spindle_slider.h"
 #include "control/state/cnc_controls_form.h"
 #include "core/setup.h"
 #include "ui/machine/knob_widget.h"
@@ -95,6 +96,16 @@ QWidget* Build_Outputs(Form_Binding& binding) {
   binding.Label(estop, "Label_EStop_State", CNC_Controls.Label_EStop_State);
   rows->addWidget(spindle, 3, 0);
   rows->addWidget(estop, 3, 1);
+  auto* rpm = new QLabel;
+  binding.Label(rpm, "Label_RPM", CNC_Controls.Label_RPM);
+  binding.Also([rpm] { rpm->setVisible(CNC_Controls.Slider_RPM.Visible); });
+  rows->addWidget(rpm, 4, 0, 1, 2);
+  auto* slider = new QSlider(Qt::Horizontal);
+  slider->setMinimumHeight(Finger_Height() * 2 / 3);
+  slider->setFocusPolicy(Qt::NoFocus);
+  slider->setToolTip("Speed of the spindle; the board takes it with its next move");
+  binding.Slider(slider, "Slider_RPM", CNC_Controls.Slider_RPM, Slider_RPM_Change);
+  rows->addWidget(slider, 5, 0, 1, 2);
   return Panel_Group("Outputs", rows);
 }
 

@@ -2,6 +2,8 @@
 #include "app/connect.h"
 #include "app/drive_session.h"
 #include "app/folders.h"
+#include "app/guide/guide.h"
+#include "app/guide/welcome.h"
 #include "app/main_form.h"
 #include "app/openers.h"
 #include "app/shutdown.h"
@@ -11,6 +13,7 @@
 #include "core/fault.h"
 #include "core/messages.h"
 #include "core/operation.h"
+#include "core/setup.h"
 #include "core/version.h"
 #include "drive/drive_host.h"
 #include "platform/desktop/desktop_platform.h"
@@ -166,6 +169,7 @@ int main(int argument_count, char** arguments) {
   Drive_Session_Host.Machine_Is_Real = [] {
     return !Port_Is_Simulated() && Port_Refusal().empty();
   };
+  Guide_Host.Port_Right = [] { return Direct_Port_Right(MachineSetup.Parallel_IODLL).Words; };
   Main_Host.Open_Port = [] { Main_Form.Port_Text = Choose_Port(); };
   End_On_Signals(application);
   Load_Main();
@@ -185,6 +189,7 @@ int main(int argument_count, char** arguments) {
     LoadRecentFile(file);
   });
   if (Application.ShutdownFlag) return 0;
+  if (files.isEmpty() && Shows_Welcome()) window.Show_Tool_Window("Welcome");
   if (!files.isEmpty()) LoadRecentFile(files.front().toStdString());
   if (Application.ShutdownFlag) return 0;
   return QApplication::exec();

@@ -9,6 +9,7 @@
 #include "app/main_form.h"
 #include "app/motion_menu.h"
 #include "app/openers.h"
+#include "app/options/options_form.h"
 #include "app/setup_apply.h"
 #include "app/shutdown.h"
 #include "app/startup.h"
@@ -20,8 +21,10 @@
 #include "control/run/cnc_controller.h"
 #include "control/safety/safety.h"
 #include "control/state/cnc_controls_form.h"
+#include "control/state/control_texts.h"
 #include "control/state/controller_state.h"
 #include "core/application.h"
+#include "core/corrections.h"
 #include "core/messages.h"
 #include "core/operation.h"
 #include "core/recent_files.h"
@@ -30,6 +33,8 @@
 #include "plot/nist_plot.h"
 #include "plot/view.h"
 #include "tools/motion_analyzer.h"
+#include "ui/guide/guide_window.h"
+#include "ui/guide/welcome_window.h"
 #include "ui/imports/bitmap_import_window.h"
 #include "ui/imports/dxf_layers_window.h"
 #include "ui/imports/gerber_layers_window.h"
@@ -38,6 +43,7 @@
 #include "ui/machine/port_io_window.h"
 #include "ui/main/about_box.h"
 #include "ui/main/error_log_window.h"
+#include "ui/main/manual_window.h"
 #include "ui/main/safety_bar.h"
 #include "ui/plot/plot_window.h"
 #include "ui/program/find_bar.h"
@@ -55,6 +61,7 @@
 #include <QMenuBar>
 #include <QMimeData>
 #include <QStatusBar>
+#include <QTimer>
 
 namespace norvik {
 
@@ -140,6 +147,8 @@ const std::vector<Menu_Row>& Menu_Rows() {
        QKeySequence(Qt::CTRL | Qt::Key_F11)},
       {"&Help", "Menu_Help_Error_Log", "&Error log",
        "What the program has noted: refusals, faults, stops", nullptr},
+      {"&Help", "Menu_Help_Manual", "&Manual", "The page about the window in front", nullptr,
+       QKeySequence::HelpContents},
   };
   return rows;
 }
@@ -218,12 +227,14 @@ Main_Frame::Main_Frame() : Area(new QMdiArea) {
 Main_Frame::~Main_Frame() {
   Close_Tool_Windows();
   Main_Host = {};
+  Options_Host = {};
   Compile_Host.Show_Progress = [](const std::string&) {};
   Compile_Host.Show_Motion_Analyzer = [] {};
   Recent_Host.List_Changed = [] {};
   Messages_Host.Panel_Changed = [](int) {};
   Bitmap_Host = {};
   Import_Host = {};
+  Guide_Host = {};
 }
 
 // --- Menus and status bar ------------------------------------------------------------------------
@@ -244,6 +255,8 @@ void Main_Frame::Build_Menus() {
       connect(action, &QAction::triggered, this, row.Chosen);
     } else if (QLatin1String(row.Name) == "Menu_Help_Error_Log") {
       connect(action, &QAction::triggered, this, [this] { Show_Tool_Window("Error_Log"); });
+    } else if (QLatin1String(row.Name) == "Menu_Help_Manual") {
+      connect(action, &QAction::triggered, this, &Main_Frame::Show_Manual);
     } else {
       connect(action, &QAction::triggered, this, &Main_Frame::Reset_Places);
     }
@@ -298,8 +311,10 @@ void Main_Frame::Build_Menus() {
   }
   Build_List_Entries();
   Build_Setup_Entries(*menus["&Setup"]);
+  Build_Guide_Entry(*menus["&Machine"]);
   Bar = new Safety_Bar;
   menuBar()->setCornerWidget(Bar, Qt::TopRightCorner);
+  Tool_Windows["Manual"] = {"&Manual", [] { return new Manual_Window; }, nullptr, true};
   Tool_Windows["Error_Log"] = {"&Error log", [] { return new Error_Log_Window; }, nullptr, true};
 }
 
@@ -327,9 +342,30 @@ void Main_Frame::Build_Setup_Entries(QMenu& menu) {
     action->setObjectName("Menu_Machine_" + name);
     action->setToolTip(row.Tip);
   }
+  QAction* axes = menu.addAction("&Axes...", this, [] { Show_Option("Axes"); });
+  axes->setObjectName("Menu_Machine_Axes");
+  axes->setToolTip("Steps, travels, speeds and switches of each axis");
   QAction* action = menu.addAction("&Diagnostics", this, Menu_Machine_Diagnostics);
   action->setObjectName("Menu_Machine_Diagnostics");
   action->setToolTip("The numbers of the last move");
+}
+
+void Main_Frame::Build_Guide_Entry(QMenu& menu) {
+  Tool_Windows["Guide"] = {"Set up a machine", [] { return new Guide_Window; }, nullptr, false};
+  // A guide that is under way goes on where it was.
+  const auto open = [this] {
+    if (!Tool_Window_Is_Open("Guide")) Open_Guide();
+    Show_Tool_Window("Guide");
+  };
+  Tool_Windows["Welcome"] = {"Welcome", [open] { return new Welcome_Window(open); }, nullptr, true};
+  menu.addSeparator();
+  QAction* action = menu.addAction("Set &up a machine...", this, open);
+  action->setObjectName("Menu_Machine_Guide");
+  action->setToolTip("From a bare machine to its first cut, page by page");
+  Guide_Host.Bring_To_Front = [this] { Show_Tool_Window("Guide"); };
+  Guide_Host.Open_Window = [this](const std::string& name) {
+    Show_Tool_Window(QString::fromStdString(name));
+  };
 }
 
 void Main_Frame::Build_Recent_Menu(QMenu& menu) {
@@ -363,6 +399,26 @@ void Main_Frame::Build_Status_Bar() {
   Set_Face(*Banner, Colors().Warn, Theme_Is_Dark() ? Qt::black : Qt::white);
   Banner->hide();
   statusBar()->addPermanentWidget(Banner);
+  Build_Corrections_Mark();
+}
+
+// How many corrections are on; windows, files and the companion change them.
+void Main_Frame::Build_Corrections_Mark() {
+  constexpr int look_ms = 1000;
+  auto* mark = new QLabel;
+  mark->setObjectName("Label_Corrections");
+  statusBar()->insertPermanentWidget(0, mark);
+  const auto refresh = [mark] {
+    const int on = Corrections_On();
+    mark->setVisible(on > 0);
+    if (on == 0) return;
+    mark->setText(on == 1 ? "1 correction on" : QString("%1 corrections on").arg(on));
+    mark->setToolTip(QString::fromStdString(Corrections_Line()));
+  };
+  auto* timer = new QTimer(mark);
+  connect(timer, &QTimer::timeout, mark, refresh);
+  timer->start(look_ms);
+  refresh();
 }
 
 void Main_Frame::Set_Banner(const QString& text) {
@@ -417,6 +473,13 @@ void Main_Frame::Connect_Hosts() {
     return Form_View{Place_Of(*frame), frame->isVisible(), true};
   };
   Main_Host.Unload_Other_Windows = [this] { Close_Tool_Windows(); };
+  Main_Host.Show_Window = [this](const std::string& name) {
+    for (const char* menu : {"Menu_Machine_", "Menu_Window_"}) {
+      if (auto* entry = findChild<QAction*>(menu + QString::fromStdString(name))) entry->trigger();
+    }
+  };
+  Main_Host.Show_Setting = [](const std::string& key_or_page) { Show_Option(key_or_page); };
+  Options_Host.Show = [this] { Show_Tool_Window("Options"); };
   Main_Host.Unload_Setup_Windows = [this] { Close_Setup_Windows(); };
   Compile_Host.Show_Progress = [this](const std::string& caption) {
     Progress->Show_Progress(QString::fromStdString(caption));
@@ -470,6 +533,19 @@ void Main_Frame::Show_Tool_Window(const QString& name) {
   frame->widget()->show();
   frame->show();
   Area->setActiveSubWindow(frame);
+}
+
+// At the place that the window and the control in front are about.
+void Main_Frame::Show_Manual() {
+  if (Anything_Moves()) return Tell(control_text::Not_While_Moving, 5);
+  const QMdiSubWindow* active = Area->activeSubWindow();
+  const QString window = active == nullptr ? QString() : active->widget()->objectName();
+  const QWidget* control = QApplication::focusWidget();
+  const Manual_Place place =
+      Manual_Place_Of(window, control == nullptr ? QString() : control->objectName());
+  Show_Tool_Window("Manual");
+  static_cast<Manual_Window*>(Tool_Windows["Manual"].Frame->widget())
+      ->Open_Page(place.Page, place.Text);
 }
 
 void Main_Frame::Start_Is_Over() {

@@ -54,12 +54,15 @@ class Main_Frame : public QMainWindow {
 
   void Build_Menus();
   void Build_Setup_Entries(QMenu& menu);
+  void Build_Guide_Entry(QMenu& menu);
   void Build_List_Entries();
   void Build_Recent_Menu(QMenu& menu);
   void Build_Status_Bar();
+  void Build_Corrections_Mark();
   void Show_Banner();
   void Connect_Hosts();
   void Restore_Place(const QString& name, QMdiSubWindow& frame);
+  void Show_Manual();
   void Tell_Area();
   void Reset_Places();
   void Keep_Place(const QString& name, const QWidget& frame);

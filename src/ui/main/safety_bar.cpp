@@ -54,6 +54,9 @@ Safety_Bar::Safety_Bar(QWidget* parent)
   State->setMinimumWidth(std::max(
       QFontMetrics(State->font()).horizontalAdvance("MOTORS DISABLED "),
       QFontMetrics(Activity->font()).horizontalAdvance("pausing: ends with this move, 99.9 s ")));
+  // Room for both from the start: the windows below must not move either.
+  setMinimumHeight(QFontMetrics(State->font()).height() + QFontMetrics(Activity->font()).height() +
+                   row->contentsMargins().top() + row->contentsMargins().bottom());
   auto* lines = new QVBoxLayout;
   lines->setSpacing(0);
   for (QLabel* line : {State, Activity}) {

@@ -1,10 +1,15 @@
 #include "ui/main/second_start.h"
 
+#include "core/scope.h"
+
 #include <array>
 #include <cstring>
+#include <deque>
 #include <utility>
 
+#include <QApplication>
 #include <QSocketNotifier>
+#include <QTimer>
 #include <sys/socket.h>
 #include <sys/stat.h>
 #include <sys/un.h>
@@ -28,12 +33,43 @@ int Open_Socket() {
   return ::socket(AF_UNIX, SOCK_DGRAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0);
 }
 
-void Take_Files(int socket, const std::function<void(const std::string&)>& open) {
-  constexpr std::size_t longest_path = 4096;
-  std::array<char, longest_path> path{};
-  const ssize_t length = ::recv(socket, path.data(), path.size(), 0);
-  if (length > 0) open(std::string(path.data(), static_cast<std::size_t>(length)));
-}
+// Files that were handed over and are not open yet. One that comes while a question stands open, or
+// while another is being opened, waits: a second question on top of the first would have no end.
+class Waiting_Files : public QObject {
+ public:
+  Waiting_Files(int socket, std::function<void(const std::string&)> open, QObject* owner)
+      : QObject(owner), Socket(socket), Open(std::move(open)) {
+    constexpr int look_ms = 200;
+    Look.setInterval(look_ms);
+    connect(&Look, &QTimer::timeout, this, &Waiting_Files::Open_Next);
+  }
+
+  void Take() {
+    constexpr std::size_t longest_path = 4096;
+    std::array<char, longest_path> path{};
+    const ssize_t length = ::recv(Socket, path.data(), path.size(), 0);
+    if (length <= 0) return;
+    Files.emplace_back(path.data(), static_cast<std::size_t>(length));
+    Look.start();
+    Open_Next();
+  }
+
+ private:
+  void Open_Next() {
+    if (Opening || QApplication::activeModalWidget() != nullptr) return;
+    if (Files.empty()) return Look.stop();
+    const std::string file = std::move(Files.front());
+    Files.pop_front();
+    const Value_In_Scope opening(Opening, true);
+    Open(file);
+  }
+
+  int Socket;
+  std::function<void(const std::string&)> Open;
+  std::deque<std::string> Files;
+  QTimer Look;
+  bool Opening = false;
+};
 
 }  // namespace
 
@@ -60,8 +96,8 @@ void Listen_For_Second_Starts(QObject& owner, std::function<void(const std::stri
     return;
   }
   auto* notifier = new QSocketNotifier(socket, QSocketNotifier::Read, &owner);
-  QObject::connect(notifier, &QSocketNotifier::activated, notifier,
-                   [socket, open = std::move(open)] { Take_Files(socket, open); });
+  auto* files = new Waiting_Files(socket, std::move(open), notifier);
+  QObject::connect(notifier, &QSocketNotifier::activated, files, &Waiting_Files::Take);
   QObject::connect(notifier, &QObject::destroyed, [socket] {
     ::close(socket);
     ::unlink(Socket_Name);

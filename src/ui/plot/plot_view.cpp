@@ -1,10 +1,14 @@
 #include "ui/plot/plot_view.h"
 
+#include "app/main_form.h"
+#include "plot/nist_plot.h"
 #include "plot/plot_form.h"
 #include "ui/widgets/theme.h"
 
 #include <cmath>
 
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -75,8 +79,21 @@ void Program_View::mousePressEvent(QMouseEvent* event) {
     Last_Middle = event->position();
     return;
   }
+  Tool_Was_Armed = Plot_Form.ZoomInActive || Plot_Form.ZoomWindowActive || Plot_Form.PanActive;
   const World_Point at = World_Of(*this, event->position());
   Picture1_Mouse_Down(Button_Of(event->button()), at.X, at.Y);
+}
+
+// The press of the button that opens the menu ends an armed tool instead, where there is one.
+void Program_View::contextMenuEvent(QContextMenuEvent* event) {
+  const bool ended_a_tool = event->reason() == QContextMenuEvent::Mouse && Tool_Was_Armed;
+  if (ended_a_tool) return;
+  auto* menu = new QMenu(this);
+  menu->setAttribute(Qt::WA_DeleteOnClose);
+  menu->addAction("Plot &options...", [] { Main_Host.Show_Setting("Plot"); })
+      ->setObjectName("Menu_Plot_Options");
+  menu->addAction("&Refresh plot", Plot_Refresh)->setObjectName("Menu_Plot_Refresh");
+  menu->popup(event->globalPos());
 }
 
 void Program_View::mouseMoveEvent(QMouseEvent* event) {

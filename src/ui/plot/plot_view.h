@@ -43,9 +43,11 @@ class Program_View : public Plot_View {
   void mouseMoveEvent(QMouseEvent* event) override;
   void mouseReleaseEvent(QMouseEvent* event) override;
   void wheelEvent(QWheelEvent* event) override;
+  void contextMenuEvent(QContextMenuEvent* event) override;
 
  private:
   QPointF Last_Middle;
+  bool Tool_Was_Armed = false;  // at the last press of a button
 };
 
 }  // namespace norvik

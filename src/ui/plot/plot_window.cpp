@@ -12,6 +12,7 @@
 #include "ui/widgets/theme.h"
 
 #include <algorithm>
+#include <utility>
 
 #include <QGridLayout>
 #include <QGroupBox>
@@ -109,6 +110,9 @@ Plot_Window::Plot_Window(QWidget* parent) : QWidget(parent) {
   Frame_Zoom = Build_Zoom_Frame();
   Frame_3D = Build_Viewpoint_Frame();
   Frame_Turn = Build_Turn_Frame();
+  Legend = new QLabel(this);
+  Legend->setObjectName("Label_Legend");
+  Legend->setTextFormat(Qt::RichText);
 
   Notice = new QLabel(this);
   Notice->setObjectName("Label_Plot_Notice");
@@ -220,7 +224,21 @@ void Plot_Window::Show_Notice() {
   Notice->setGeometry(QRect(Picture1->pos(), QSize(width, Notice->heightForWidth(width))));
 }
 
+// Which colour is what.
+void Plot_Window::Show_Legend() {
+  QString text;
+  for (const auto& [role, words] :
+       {std::pair(plot_role::Travel, "travel"), std::pair(plot_role::Cut, "cut"),
+        std::pair(plot_role::Deep_Cut, "deep cut")}) {
+    const QColor color = QColor::fromRgb(Argb(Current_Palette()[role]));
+    text += QString("%1<span style=\"color:%2\">&#9632;</span> %3")
+                .arg(text.isEmpty() ? "" : "<br>", color.name(), words);
+  }
+  if (Legend->text() != text) Legend->setText(text);
+}
+
 void Plot_Window::Show_Form() {
+  Show_Legend();
   Show_Notice();
   Zoom_In->setChecked(Plot_Form.Command_ZoomIn);
   Zoom_Win->setChecked(Plot_Form.Command_Zoom_Win);
@@ -239,7 +257,7 @@ void Plot_Window::Show_Form() {
 int Plot_Window::Place_Tools(int top) {
   const int gap = Text_Height() / 3;
   int left = gap, row_height = 0;
-  for (QWidget* frame : {Frame_Zoom, Frame_3D, Frame_Turn}) {
+  for (QWidget* frame : {Frame_Zoom, Frame_3D, Frame_Turn, static_cast<QWidget*>(Legend)}) {
     const QSize size = frame->sizeHint();
     if (left > gap && left + size.width() + gap > width()) {
       left = gap;

@@ -35,10 +35,12 @@ class Plot_Window : public QWidget {
   int Place_Tools(int top);
   void Place_Surfaces();
   void Show_Notice();
+  void Show_Legend();
 
   Program_View* Picture1;
   Plot_View* Picture_ZAxis;
   QWidget *Frame_Zoom, *Frame_3D, *Frame_Turn;
+  QLabel* Legend = nullptr;
   QLabel* Notice = nullptr;  // that the picture is not that of the text
   QToolButton *Zoom_In = nullptr, *Zoom_Win = nullptr, *Pan = nullptr;
   std::array<QSpinBox*, 3> Angles{};

@@ -7,6 +7,7 @@
 
 #include <QFontDatabase>
 #include <QHelpEvent>
+#include <QKeyEvent>
 #include <QMimeData>
 #include <QPainter>
 #include <QScrollBar>
@@ -60,6 +61,9 @@ GCode_Editor::GCode_Editor(QWidget* parent)
       Margin->update(0, area.y(), Margin->width(), area.height());
     }
   });
+  connect(document(), &QTextDocument::contentsChange, this, [this](int from, int, int added) {
+    Whole_Text_Changed = from == 0 && added >= document()->characterCount() - 1;
+  });
   Fit_Margin();
 }
 
@@ -86,10 +90,31 @@ void GCode_Editor::Replace_Text(const QString& text) {
   cursor.select(QTextCursor::Document);
   cursor.insertText(text);
   cursor.endEditBlock();
+  Keep_Line(line, top);
+  Fit_Margin();
+}
+
+void GCode_Editor::Keep_Line(int line, int top) {
   const QTextBlock block = document()->findBlockByNumber(std::min(line, blockCount() - 1));
   setTextCursor(QTextCursor(block));
   verticalScrollBar()->setValue(top);
-  Fit_Margin();
+}
+
+// The toolkit leaves the cursor behind what has come back, which may be a million lines away.
+void GCode_Editor::Keeping_Line_Of_Whole_Text(void (QPlainTextEdit::*step)()) {
+  const int line = textCursor().blockNumber();
+  const int top = verticalScrollBar()->value();
+  Whole_Text_Changed = false;
+  (this->*step)();
+  if (Whole_Text_Changed) Keep_Line(line, top);
+}
+
+void GCode_Editor::Step_Back() {
+  Keeping_Line_Of_Whole_Text(&QPlainTextEdit::undo);
+}
+
+void GCode_Editor::Step_Forth() {
+  Keeping_Line_Of_Whole_Text(&QPlainTextEdit::redo);
 }
 
 void GCode_Editor::Show_Line(int line) {
@@ -203,6 +228,12 @@ void GCode_Editor::resizeEvent(QResizeEvent* event) {
   QPlainTextEdit::resizeEvent(event);
   const QRect inside = contentsRect();
   Margin->setGeometry(inside.left(), inside.top(), Margin_Width(), inside.height());
+}
+
+void GCode_Editor::keyPressEvent(QKeyEvent* event) {
+  if (event->matches(QKeySequence::Undo)) return Step_Back();
+  if (event->matches(QKeySequence::Redo)) return Step_Forth();
+  QPlainTextEdit::keyPressEvent(event);
 }
 
 void GCode_Editor::mouseDoubleClickEvent(QMouseEvent* event) {

@@ -23,6 +23,9 @@ class GCode_Editor : public QPlainTextEdit {
   void Set_Program(const QString& text);
   // Replaces the text as one change that can be undone; the cursor keeps its line.
   void Replace_Text(const QString& text);
+  // One step back or forth. Where that step was the whole text, the cursor keeps its line.
+  void Step_Back();
+  void Step_Forth();
   // Selects a line, counted from 1 over all lines of the text, and scrolls to it.
   void Show_Line(int line);
   // Selects the first place that holds `text`; false when there is none.
@@ -49,6 +52,7 @@ class GCode_Editor : public QPlainTextEdit {
  protected:
   void paintEvent(QPaintEvent* event) override;
   void resizeEvent(QResizeEvent* event) override;
+  void keyPressEvent(QKeyEvent* event) override;
   void mouseDoubleClickEvent(QMouseEvent* event) override;
   bool canInsertFromMimeData(const QMimeData* source) const override;
   void insertFromMimeData(const QMimeData* source) override;
@@ -57,9 +61,12 @@ class GCode_Editor : public QPlainTextEdit {
   void Color_Visible_Blocks();
   void Show_Current_Line();
   void Fit_Margin();
+  void Keep_Line(int line, int top);
+  void Keeping_Line_Of_Whole_Text(void (QPlainTextEdit::*step)());
 
   QWidget* Margin;
   int Current_Line = 0;
+  bool Whole_Text_Changed = false;  // by the last change
   std::map<int, Mark> Marks;
 };
 

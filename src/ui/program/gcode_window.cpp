@@ -1,6 +1,8 @@
 #include "ui/program/gcode_window.h"
 
+#include "app/correction_switch.h"
 #include "app/gcode_form.h"
+#include "app/main_form.h"
 #include "app/program_findings.h"
 #include "app/transform_menu.h"
 #include "compiler/check/program_check.h"
@@ -27,6 +29,8 @@ namespace {
 // A list of thousands of the same finding helps nobody: so many are shown.
 constexpr int Most_Findings = 500;
 constexpr int Refresh_Ms = 250;
+constexpr int Correction_Role = Qt::UserRole + 1;  // of a finding: the key that answers it
+constexpr int Setting_Role = Qt::UserRole + 2;     // and the key behind it
 
 struct Tool_Row {
   const char* Name;
@@ -69,12 +73,7 @@ GCode_Window::GCode_Window(QWidget* parent) : QWidget(parent), Text_GCode(new GC
   rows->addWidget(Make_Adapt_Bar(Binding));
   auto* split = new QSplitter(Qt::Vertical);
   split->addWidget(Text_GCode);
-  Findings = new QListWidget;
-  Findings->setObjectName("List_Findings");
-  Findings->setWordWrap(true);
-  Findings->setAlternatingRowColors(true);
-  Findings->hide();
-  split->addWidget(Findings);
+  split->addWidget(Build_Findings());
   split->setStretchFactor(0, 4);
   split->setStretchFactor(1, 1);
   split->setChildrenCollapsible(false);
@@ -123,6 +122,52 @@ GCode_Window::~GCode_Window() {
   // What is typed is not lost with the window.
   Take_Typed_Text();
   Gcode_Host = {};
+}
+
+// The list, and under it the button of a chosen finding that a correction answers.
+QWidget* GCode_Window::Build_Findings() {
+  Findings = new QListWidget;
+  Findings->setObjectName("List_Findings");
+  Findings->setWordWrap(true);
+  Findings->setAlternatingRowColors(true);
+  Correct = new QPushButton;
+  Correct->setObjectName("Command_Switch_Correction_On");
+  Correct->setToolTip("What the correction changes stands under Corrections in the options");
+  Correct->hide();
+  Finding_Setting = new QPushButton("Change setting...");
+  Finding_Setting->setObjectName("Command_Finding_Setting");
+  Finding_Setting->setToolTip("Opens the options at the setting behind the chosen finding");
+  Finding_Setting->hide();
+  Findings_Area = new QWidget;
+  auto* rows = new QVBoxLayout(Findings_Area);
+  rows->setContentsMargins(0, 0, 0, 0);
+  rows->addWidget(Findings, 1);
+  auto* answers = new QHBoxLayout;
+  answers->addWidget(Correct);
+  answers->addWidget(Finding_Setting);
+  answers->addStretch(1);
+  rows->addLayout(answers);
+  Findings_Area->hide();
+  const auto chosen = [this] {
+    const QListWidgetItem* item = Findings->currentItem();
+    return item == nullptr ? QString() : item->data(Correction_Role).toString();
+  };
+  connect(Findings, &QListWidget::currentItemChanged, this, [this, chosen] {
+    Correct->setText("Switch on the correction " + chosen());
+    Correct->setVisible(!chosen().isEmpty());
+  });
+  connect(Correct, &QPushButton::clicked, this,
+          [chosen] { Switch_Correction_On(chosen().toStdString()); });
+  connect(Findings, &QListWidget::currentItemChanged, this, [this](const QListWidgetItem* item) {
+    Finding_Setting->setVisible(item != nullptr && !item->data(Setting_Role).toString().isEmpty());
+  });
+  connect(Finding_Setting, &QPushButton::clicked, this, [this] {
+    const QListWidgetItem* item = Findings->currentItem();
+    if (item != nullptr) {
+      Main_Host.Show_Setting(item->data(Setting_Role).toString().toStdString());
+    }
+  });
+  return Findings_Area;
 }
 
 QWidget* GCode_Window::Build_Tools() {
@@ -242,7 +287,7 @@ void GCode_Window::Show_Form() {
 }
 
 void GCode_Window::Undo() {
-  Text_GCode->undo();
+  Text_GCode->Step_Back();
 }
 
 void GCode_Window::Show_Findings() {
@@ -253,7 +298,7 @@ void GCode_Window::Show_Findings() {
   for (const Check_Finding& finding : found) {
     const Check_Grade grade = Info_Of(finding.Kind).Grade;
     const bool serious = grade == Check_Grade::Lost || grade == Check_Grade::Wrong;
-    const int line = finding.Macro ? 0 : Text_Line_Of_Step(finding.Line);
+    const int line = finding.Macro ? 0 : finding.Text_Line();
     QString text = QString::fromStdString(finding.What);
     if (!finding.Instead.empty()) text += "\nInstead: " + QString::fromStdString(finding.Instead);
     if (line > 0) {
@@ -266,13 +311,19 @@ void GCode_Window::Show_Findings() {
     if (finding.Macro) place = QString("Macro %1, line %2: ").arg(*finding.Macro).arg(finding.Line);
     auto* item = new QListWidgetItem(place + text, Findings);
     item->setData(Qt::UserRole, line);
+    const std::string_view correction = Info_Of(finding.Kind).Correction;
+    item->setData(Correction_Role,
+                  QString::fromUtf8(correction.data(), static_cast<qsizetype>(correction.size())));
+    const std::string_view setting = Setting_Of(finding.Kind);
+    item->setData(Setting_Role,
+                  QString::fromUtf8(setting.data(), static_cast<qsizetype>(setting.size())));
     item->setForeground(serious ? Colors().Stop : Findings->palette().color(QPalette::WindowText));
   }
   if (shown > Most_Findings) {
     new QListWidgetItem(QString("%1 more").arg(shown - Most_Findings), Findings);
   }
   Text_GCode->Set_Marks(std::move(marks));
-  Findings->setVisible(!found.empty());
+  Findings_Area->setVisible(!found.empty());
 }
 
 }  // namespace norvik

@@ -7,6 +7,7 @@
 #include <QWidget>
 
 class QListWidget;
+class QPushButton;
 
 namespace norvik {
 
@@ -28,6 +29,7 @@ class GCode_Window : public QWidget {
   void File_Dropped(const QString& path);
 
  private:
+  QWidget* Build_Findings();
   QWidget* Build_Tools();
   QWidget* Build_Steps();
   QWidget* Build_Transforms();
@@ -40,7 +42,10 @@ class GCode_Window : public QWidget {
   GCode_Editor* Text_GCode;
   Find_Bar* Find = nullptr;
   QLabel* Step_Line = nullptr;
+  QWidget* Findings_Area = nullptr;
   QListWidget* Findings = nullptr;
+  QPushButton* Correct = nullptr;
+  QPushButton* Finding_Setting = nullptr;
 };
 
 }  // namespace norvik

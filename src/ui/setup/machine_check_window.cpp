@@ -1,5 +1,7 @@
 #include "ui/setup/machine_check_window.h"
 
+#include "app/correction_switch.h"
+#include "app/main_form.h"
 #include "control/safety/machine_check.h"
 #include "ui/widgets/theme.h"
 
@@ -17,6 +19,7 @@ namespace norvik {
 namespace {
 
 constexpr int Text_Column = 0, Key_Column = 1;
+constexpr int Correction_Role = Qt::UserRole;  // of a text: the key that answers it
 
 QTableWidgetItem* Read_Only_Item(const std::string& text) {
   auto* item = new QTableWidgetItem(QString::fromStdString(text));
@@ -58,8 +61,11 @@ Machine_Check_Window::Machine_Check_Window(QWidget* parent) : QWidget(parent) {
   Findings = Findings_Table();
   rows->addWidget(Findings, 1);
   rows->addWidget(Build_Foot());
-  connect(Findings, &QTableWidget::itemSelectionChanged, this,
-          [this] { Copy->setEnabled(!Chosen_Key().isEmpty()); });
+  connect(Findings, &QTableWidget::itemSelectionChanged, this, [this] {
+    for (QPushButton* button : {Copy, Change}) button->setEnabled(!Chosen_Key().isEmpty());
+    Correct->setEnabled(!Chosen_Correction().isEmpty());
+  });
+  connect(Findings, &QTableWidget::itemDoubleClicked, this, [this] { Change->click(); });
   resize(Text_Height() * 44, Text_Height() * 28);
   Show_Findings();
 }
@@ -79,10 +85,25 @@ QWidget* Machine_Check_Window::Build_Foot() {
   };
   Copy = button("Command_Copy_Key", "Copy key", "The key of the chosen line, for a search",
                 &Machine_Check_Window::Copy_Key);
+  Correct = button("Command_Switch_Correction_On", "Switch correction on",
+                   "The machine does otherwise what the chosen line says, as a correction has it",
+                   [this] {
+                     if (Switch_Correction_On(Chosen_Correction().toStdString())) Show_Findings();
+                   });
+  Correct->setEnabled(false);
+  Change = button("Command_Change_Setting", "Change setting...",
+                  "Opens the options at the setting of the chosen line", [this] {
+                    if (!Chosen_Key().isEmpty()) Main_Host.Show_Setting(Chosen_Key().toStdString());
+                  });
   row->addStretch(1);
   button("Command_Refresh", "Check again", "Look at the setup as it is now",
          &Machine_Check_Window::Show_Findings);
   return foot;
+}
+
+QString Machine_Check_Window::Chosen_Correction() const {
+  const auto chosen = Findings->selectionModel()->selectedRows(Text_Column);
+  return chosen.isEmpty() ? QString() : chosen.front().data(Correction_Role).toString();
 }
 
 QString Machine_Check_Window::Chosen_Key() const {
@@ -107,11 +128,15 @@ void Machine_Check_Window::Show_Findings() {
   int row = 0;
   for (const Machine_Finding& finding : findings) {
     Findings->setItem(row, Text_Column, Read_Only_Item(finding.Text));
+    Findings->item(row, Text_Column)
+        ->setData(Correction_Role, QString::fromStdString(finding.Correction));
     Findings->setItem(row++, Key_Column, Read_Only_Item(finding.Key));
   }
   Nothing_Found->setVisible(findings.empty());
   Findings->setVisible(!findings.empty());
   Copy->setEnabled(false);
+  Correct->setEnabled(false);
+  Change->setEnabled(false);
 }
 
 }  // namespace norvik

@@ -23,11 +23,13 @@ class Machine_Check_Window : public QWidget {
   QWidget* Build_Foot();
   // The key of the chosen line; empty when there is none.
   QString Chosen_Key() const;
+  // The correction that answers the chosen line; empty when there is none.
+  QString Chosen_Correction() const;
   void Copy_Key();
 
   QLabel* Nothing_Found;
   QTableWidget* Findings;
-  QPushButton* Copy = nullptr;
+  QPushButton *Copy = nullptr, *Correct = nullptr, *Change = nullptr;
 };
 
 }  // namespace norvik

@@ -1,17 +1,14 @@
 #include "ui/setup/port_setup_window.h"
 
 #include "app/setup_apply.h"
-#include "core/operation.h"
 #include "core/setup.h"
 #include "drive/drive.h"
 #include "parallel/port_setup.h"
-#include "platform/platform.h"
-#include "serial/serial_session.h"
+#include "serial/serial_page.h"
 #include "ui/setup/pin_table.h"
 #include "ui/widgets/theme.h"
 
 #include <algorithm>
-#include <initializer_list>
 
 #include <QComboBox>
 #include <QFormLayout>
@@ -20,6 +17,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
+#include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -65,6 +63,15 @@ QLabel* Words(QFormLayout& form, const QString& title, const QString& name) {
   return words;
 }
 
+// A page that is larger than the window.
+QScrollArea* Scrolled(QWidget* page) {
+  auto* area = new QScrollArea;
+  area->setWidgetResizable(true);
+  area->setFrameShape(QFrame::NoFrame);
+  area->setWidget(page);
+  return area;
+}
+
 }  // namespace
 
 Port_Setup_Window::Port_Setup_Window(QWidget* parent) : QWidget(parent) {
@@ -76,7 +83,14 @@ Port_Setup_Window::Port_Setup_Window(QWidget* parent) : QWidget(parent) {
   left->addWidget(Build_Pages());
   Pins = new Pin_Table([this] { Show_Form(); });
   left->addWidget(Pins, 1);
-  columns->addLayout(left, 1);
+  auto* parallel = new QWidget;
+  parallel->setLayout(left);
+  Tabs = new QTabWidget;
+  Tabs->setObjectName("Tab_Port_Setup");
+  Tabs->addTab(parallel, "Parallel port");
+  Tabs->addTab(Scrolled(Serial.Board()), "Serial board");
+  Tabs->addTab(Scrolled(Serial.Encoders()), "Encoders");
+  columns->addWidget(Tabs, 1);
   columns->addWidget(Build_Side());
   rows->addLayout(columns, 1);
   Hint = new QLabel;
@@ -88,7 +102,15 @@ Port_Setup_Window::Port_Setup_Window(QWidget* parent) : QWidget(parent) {
   rows->addWidget(Build_Buttons());
   resize(Text_Height() * 56, Text_Height() * 52);
   Port_Setup_Form_Load();  // after the lists were filled, which choose their first line
+  Serial_Page_Form_Load();
   Show_Form();
+  Show_Fitting_Page();
+  constexpr int interval_ms = 500;
+  auto* timer = new QTimer(this);
+  timer->setObjectName("DRAVON_Timer1");
+  timer->setInterval(interval_ms);
+  connect(timer, &QTimer::timeout, this, &Port_Setup_Window::Look_At_Board);
+  timer->start();
 }
 
 QWidget* Port_Setup_Window::Build_Pages() {
@@ -122,7 +144,6 @@ QWidget* Port_Setup_Window::Build_Side() {
   form->setRowWrapPolicy(QFormLayout::WrapAllRows);
   form->setContentsMargins(0, 0, Text_Height() / 2, 0);
   Build_Port(*form);
-  Build_Board(*form);
   Build_Motors(*form);
   MCode_High = Field(*form, "Output 5 on by M", "Text_MCode_High",
                      "Number of the M code that switches output 5 on; empty: none",
@@ -144,7 +165,9 @@ void Port_Setup_Window::Build_Port(QFormLayout& form) {
   connect(Port_Type, &QComboBox::activated, this, [this] {
     Option_Port_Type_Click(static_cast<std::int16_t>(Port_Type->currentData().toInt()));
     Show_Form();
+    Show_Fitting_Page();
   });
+  Health = Words(form, "Board", "Label_Board_Health");
   Connector = List(form, "Connector at", "Combo_LPT_Pin_Port",
                    "Base address of the connector that Pin Setup means, for instance &&H378");
   Connector->setEditable(true);
@@ -166,38 +189,17 @@ void Port_Setup_Window::Build_Port(QFormLayout& form) {
   });
 }
 
-void Port_Setup_Window::Build_Board(QFormLayout& form) {
-  Serial_Port = List(form, "Serial port of the board", "Combo_Dravon_SerialPort",
-                     "Ports of this computer by their number; Apply opens the chosen one");
-  connect(Serial_Port, &QComboBox::activated, this, [this] { Show_Serial_Ports(); });
-  Port_Problem = Words(form, "Port", "Label_Serial_Port");
-  Board = Words(form, "Board", "Label_ComOK");
-  constexpr int interval_ms = 500;
-  auto* timer = new QTimer(this);
-  timer->setObjectName("DRAVON_Timer1");
-  timer->setInterval(interval_ms);
-  connect(timer, &QTimer::timeout, this, [this] {
-    if (isVisible()) Show_Board();
-  });
-  timer->start();
+void Port_Setup_Window::Show_Fitting_Page() {
+  const bool serial = Port_Setup.Option_Port_Type > 1;
+  if (serial != (Tabs->currentIndex() > 0)) Tabs->setCurrentIndex(serial ? 1 : 0);
 }
 
-// The port that is chosen: what the system says of it, and why it cannot be opened.
-void Port_Setup_Window::Show_Serial_Ports() {
-  const int number = std::max(Serial_Port->currentIndex(), 0) + 1;
-  const std::string device = Device_Of_Port(number);
-  std::string words = device.empty() ? "no port of this number" : device;
-  for (const Serial_Port_Info& port : Platform.Serial_Ports()) {
-    if (port.Device != device) continue;
-    if (!port.Description.empty()) words += ", " + port.Description;
-    if (!port.Problem.empty()) words += ". " + port.Problem;
-  }
-  Port_Problem->setText(Text(words));
-}
-
-void Port_Setup_Window::Show_Board() {
-  const bool serial = MachineSetup.Parallel_Port_Type > 1;
-  Board->setText(serial ? Text(Drive().Health()) : QString("none in use"));
+void Port_Setup_Window::Look_At_Board() {
+  if (!isVisible()) return;
+  const bool serial = Drive().Board.has_value();
+  if (serial && Tabs->currentIndex() > 0) DRAVON_Timer1_Tick();
+  Health->setText(serial ? Text(Drive().Health()) : QString("no serial board in use"));
+  Serial.Show_Board();
 }
 
 void Port_Setup_Window::Build_Motors(QFormLayout& form) {
@@ -250,15 +252,9 @@ void Port_Setup_Window::Show_Form() {
   Port_Type->addItem("Serial Port (Pelmar v5.xx", 3);
   const int type = std::min<int>(form.Option_Port_Type, 3);
   Port_Type->setCurrentIndex(Port_Type->findData(type));
-  Serial_Port->clear();
-  for (int number = 1; number <= Serial_Port_Count; ++number)
-    Serial_Port->addItem(QString::number(number));
-  Serial_Port->setCurrentIndex(std::clamp<int>(MachineSetup.Dravon_CommPort, 1, Serial_Port_Count) -
-                               1);
-  for (QWidget* part : std::initializer_list<QWidget*>{Serial_Port, Port_Problem, Board})
-    part->setEnabled(type > 1);
-  Show_Serial_Ports();
-  Show_Board();
+  for (int page = 1; page < Tabs->count(); ++page) Tabs->setTabEnabled(page, type > 1);
+  Serial.Show_Form();
+  Look_At_Board();
   Access->setCurrentIndex(Access->findData(form.Option_IODLL));
   Motors->setCurrentIndex(form.Option_MotorEnable < Motors->count() ? form.Option_MotorEnable : -1);
   Off_Time->setEnabled(form.Option_MotorEnable == 2);
@@ -270,8 +266,6 @@ void Port_Setup_Window::Show_Form() {
 }
 
 void Port_Setup_Window::Apply() {
-  if (!Anything_Moves())
-    MachineSetup.Dravon_CommPort = static_cast<std::int16_t>(Serial_Port->currentIndex() + 1);
   Port_Setup_Apply_Click();
   Show_Form();
 }

@@ -1,5 +1,8 @@
-// port_setup_window.h: the window `Port_Setup`: which pin or bit is what, motors, port access.
+// port_setup_window.h: the window `Port_Setup`: which pin or bit is what, motors, port access, and
+// the pages of a serial board.
 #pragma once
+
+#include "ui/setup/serial_page_view.h"
 
 #include <array>
 
@@ -10,6 +13,7 @@ class QFormLayout;
 class QLabel;
 class QLineEdit;
 class QRadioButton;
+class QTabWidget;
 
 namespace norvik {
 
@@ -23,12 +27,11 @@ class Port_Setup_Window : public QWidget {
   QWidget* Build_Pages();
   QWidget* Build_Side();
   void Build_Port(QFormLayout& form);
-  void Build_Board(QFormLayout& form);
   void Build_Motors(QFormLayout& form);
   QWidget* Build_Buttons();
   void Show_Form();
-  void Show_Serial_Ports();
-  void Show_Board();
+  void Show_Fitting_Page();
+  void Look_At_Board();
   void Apply();
 
   Pin_Table* Pins;
@@ -36,8 +39,9 @@ class Port_Setup_Window : public QWidget {
   QComboBox *Port_Type = nullptr, *Connector = nullptr, *Access = nullptr;
   QComboBox *Motors = nullptr, *Off_Time = nullptr;
   QLineEdit *MCode_High = nullptr, *MCode_Low = nullptr;
-  QComboBox* Serial_Port = nullptr;
-  QLabel *Port_Problem = nullptr, *Board = nullptr;
+  Serial_Page_View Serial;
+  QTabWidget* Tabs = nullptr;
+  QLabel* Health = nullptr;
   QLabel* Hint = nullptr;
 };
 

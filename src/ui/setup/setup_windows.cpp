@@ -2,6 +2,7 @@
 
 #include "ui/setup/jog_table_window.h"
 #include "ui/setup/machine_check_window.h"
+#include "ui/setup/options_window.h"
 #include "ui/setup/port_setup_window.h"
 #include "ui/setup/system_timing_window.h"
 
@@ -9,6 +10,8 @@ namespace norvik {
 
 const std::vector<Setup_Window_Row>& Setup_Window_Rows() {
   static const std::vector<Setup_Window_Row> rows = {
+      {"Options", "&Options...", "Every setting, page by page, and a search over them",
+       "Can't change the options", [] { return new Options_Window; }},
       {"Machine_Check", "Machine c&heck", "What in this setup may surprise you beside the machine",
        "", [] { return new Machine_Check_Window; }},
       {"Port_Setup", "&Port and pins...", "Which pin or bit is what", "Can't change the port setup",

@@ -49,6 +49,7 @@ Input_Button::Input_Button(int input, QWidget* parent) : QWidget(parent), Input(
     Button->setMinimumHeight(Finger_Height() * 6 / 5);
     Button->setIcon(EStop_Icon());
     Button->setIconSize(QSize(Finger_Height(), Finger_Height()) * 0.85);
+    Keep_Room_For(*Button, {"E-STOP PRESSED", "E-stop released", "reads not wired"});
   }
   row->addWidget(Button, 1);
   Faults = new QPushButton("...");

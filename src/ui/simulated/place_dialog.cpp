@@ -2,6 +2,7 @@
 
 #include "control/manual/jog_guard.h"
 #include "core/numbers.h"
+#include "simulate/board_port.h"
 #include "simulate/simulated_machine.h"
 #include "ui/widgets/theme.h"
 
@@ -50,6 +51,7 @@ void Place_Dialog::Put() {
   }
   const int axis = Axis->currentIndex() + 1;
   Place_Carriage(axis, *position);
+  Fit_Board_To_Machine();
   const double reached = True_Position(axis);
   QString words = Axis->currentText() + " stands at " + QString::number(reached, 'f', 4) + ".";
   if (std::abs(reached - *position) > 1e-9) words += " Further on is its hard stop.";

@@ -160,6 +160,7 @@ QWidget* Simulated_Window::Build_Hands() {
                         "Travel, backlash, switches, motors and drivers of the simulated machine");
   connect(believed, &QPushButton::clicked, this, [this] {
     Place_Where_Believed();
+    Fit_Board_To_Machine();
     Show_View();
   });
   connect(by_hand, &QPushButton::clicked, this, [this] {

@@ -71,13 +71,12 @@ Macro_Files_Window::Macro_Files_Window(QWidget* parent) : QWidget(parent) {
   connect(List, &QTableWidget::cellDoubleClicked, this, [] { MacroFiles_Command_Add_Click(); });
   resize(Text_Height() * 44, Text_Height() * 34);
 
-  Macro_Host.Form_Changed = [this] { Show_Form(); };
+  Listener.emplace(Macro_Host.Form_Changed, [this] { Show_Form(); });
   MacroFiles = {};
   Display_Macros();
 }
 
 Macro_Files_Window::~Macro_Files_Window() {
-  Macro_Host.Form_Changed = [] {};
   MacroFiles_Command_Close_Click();
 }
 

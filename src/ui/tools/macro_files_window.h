@@ -1,6 +1,10 @@
 // macro_files_window.h: the window `MacroFiles`: the files that M98 calls by number.
 #pragma once
 
+#include "ui/widgets/form_listener.h"
+
+#include <optional>
+
 #include <QWidget>
 
 class QPlainTextEdit;
@@ -24,6 +28,7 @@ class Macro_Files_Window : public QWidget {
   QTableWidget* List;
   QPlainTextEdit* First;
   bool Showing = false;
+  std::optional<Form_Listener> Listener;
 };
 
 }  // namespace norvik

@@ -26,7 +26,13 @@ class Analyzer_Model : public QAbstractTableModel {
 
   void Begin_Anew() {
     beginResetModel();
+    Shown_Rows = Grid_Rows();
     endResetModel();
+  }
+  // As many rows as before keep the chosen one and the place of the view.
+  void Look_Again() {
+    if (Shown_Rows == 0 || Grid_Rows() != Shown_Rows) return Begin_Anew();
+    emit dataChanged(index(0, 0), index(Shown_Rows - 1, grid_column::Count - 1));
   }
 
   int rowCount(const QModelIndex&) const override { return Grid_Rows(); }
@@ -53,6 +59,8 @@ class Analyzer_Model : public QAbstractTableModel {
   }
 
  private:
+  std::int32_t Shown_Rows = 0;
+
   static bool Is_Error(std::int32_t record) {
     const auto index = static_cast<std::size_t>(record - 1);
     return index < frmMotionAnalyzer.Checks.size() && frmMotionAnalyzer.Checks[index].Is_Error();
@@ -167,7 +175,7 @@ void Motion_Analyzer_Window::Add_Keys() {
 }
 
 void Motion_Analyzer_Window::Show_Data() {
-  Model->Begin_Anew();
+  Model->Look_Again();
   Chart->Show_Table(frmMotionAnalyzer.Wires.Rows);
 }
 

@@ -46,13 +46,9 @@ Sounds_Window::Sounds_Window(QWidget* parent) : QWidget(parent) {
   rows->addLayout(foot);
   resize(Text_Height() * 46, Text_Height() * 22);
 
-  Event_Sounds_Host.Form_Changed = [this] { Show_Form(); };
+  Listener.emplace(Event_Sounds_Host.Form_Changed, [this] { Show_Form(); });
   Event_Sounds = {};
   Display_Sounds();
-}
-
-Sounds_Window::~Sounds_Window() {
-  Event_Sounds_Host.Form_Changed = [] {};
 }
 
 void Sounds_Window::Show_Form() {

@@ -1,6 +1,10 @@
 // sounds_window.h: the window `Event_Sounds`: a sound for each event of the machine.
 #pragma once
 
+#include "ui/widgets/form_listener.h"
+
+#include <optional>
+
 #include <QWidget>
 
 class QListWidget;
@@ -10,7 +14,6 @@ namespace norvik {
 class Sounds_Window : public QWidget {
  public:
   explicit Sounds_Window(QWidget* parent = nullptr);
-  ~Sounds_Window() override;
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override;
@@ -19,6 +22,7 @@ class Sounds_Window : public QWidget {
   void Show_Form();
 
   QListWidget* List;
+  std::optional<Form_Listener> Listener;
 };
 
 }  // namespace norvik

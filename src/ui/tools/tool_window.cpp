@@ -103,13 +103,9 @@ Tool_Window::Tool_Window(QWidget* parent) : QWidget(parent) {
   Build_Foot(*rows);
   resize(Text_Height() * 48, Text_Height() * 34);
 
-  Tool_Host.Form_Changed = [this] { Show_Form(); };
+  Listener.emplace(Tool_Host.Form_Changed, [this] { Show_Form(); });
   Tool_Form_Load();
   List->setCurrentIndex(Model->index(0, tool_column::Diameter));
-}
-
-Tool_Window::~Tool_Window() {
-  Tool_Host.Form_Changed = [] {};
 }
 
 void Tool_Window::Build_Head(QVBoxLayout& rows) {

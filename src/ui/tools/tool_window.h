@@ -1,6 +1,10 @@
 // tool_window.h: the window `Tool`: 200 tools, edited in place, with a picture of the chosen one.
 #pragma once
 
+#include "ui/widgets/form_listener.h"
+
+#include <optional>
+
 #include <QWidget>
 
 class QLabel;
@@ -16,7 +20,6 @@ class Tool_Picture;
 class Tool_Window : public QWidget {
  public:
   explicit Tool_Window(QWidget* parent = nullptr);
-  ~Tool_Window() override;
 
  private:
   void Build_Head(QVBoxLayout& rows);
@@ -31,6 +34,7 @@ class Tool_Window : public QWidget {
   QLabel *Name, *Note;
   QLineEdit* Wanted;
   Tool_Picture* Picture;
+  std::optional<Form_Listener> Listener;
 };
 
 }  // namespace norvik

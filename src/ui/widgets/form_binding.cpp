@@ -99,6 +99,23 @@ void Form_Binding::Text(QLineEdit* widget, const QString& name, Text_Control& co
   });
 }
 
+void Form_Binding::Slider(QSlider* widget, const QString& name, Slider_Control& control,
+                          Handler changed) {
+  widget->setObjectName(name);
+  QObject::connect(widget, &QSlider::valueChanged, widget,
+                   [&control, changed = std::move(changed)](int value) {
+                     control.Value = value;
+                     changed();
+                   });
+  Copies.push_back([widget, &control] {
+    widget->setVisible(control.Visible);
+    if (widget->isSliderDown()) return;  // the operator has it in hand
+    const QSignalBlocker quiet(widget);
+    widget->setMaximum(control.Maximum);
+    widget->setValue(control.Value);
+  });
+}
+
 void Form_Binding::Combo(QComboBox* widget, const QString& name, Combo_Control& control,
                          Handler chosen) {
   widget->setObjectName(name);

@@ -15,6 +15,7 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QSlider>
 
 namespace norvik {
 
@@ -33,6 +34,8 @@ class Form_Binding {
   void Text(QLineEdit* widget, const QString& name, Text_Control& control, Handler committed);
   // What a window shows besides the record: copied with it.
   void Also(Handler copy) { Copies.push_back(std::move(copy)); }
+  // `changed` runs for every place that the operator brings it to.
+  void Slider(QSlider* widget, const QString& name, Slider_Control& control, Handler changed);
   void Combo(QComboBox* widget, const QString& name, Combo_Control& control, Handler chosen);
 
  private:

@@ -1,5 +1,7 @@
 #include "ui/widgets/theme.h"
 
+#include "ui/widgets/reader_names.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -17,6 +19,7 @@
 #include <QPainterPath>
 #include <QPalette>
 #include <QProxyStyle>
+#include <QPushButton>
 #include <QSlider>
 #include <QStyleFactory>
 #include <QStyleOption>
@@ -383,6 +386,7 @@ void Apply_Theme(QApplication& application) {
   // Further than any screen reaches: no drag begins.
   QApplication::setStartDragDistance(1'000'000);
   application.installEventFilter(new Calm_Mouse(&application));
+  Name_Controls_For_Readers(application);
   const QByteArray wanted = qgetenv("NORVIK_THEME").toLower();
   Theme.Dark = application.palette().color(QPalette::Window).lightness() < 128;
   if (wanted == "dark" || wanted == "light") Theme.Dark = wanted == "dark";
@@ -419,6 +423,18 @@ QFont Bold_Font(double scale) {
   font.setPointSizeF(font.pointSizeF() * scale);
   font.setBold(true);
   return font;
+}
+
+void Keep_Room_For(QPushButton& button, std::initializer_list<QString> captions) {
+  const QString shown = button.text();
+  int widest = 0;
+  for (const QString& caption : captions) {
+    button.setText(caption);
+    widest = std::max(widest, button.sizeHint().width());
+  }
+  button.setText(shown);
+  button.setMinimumWidth(widest);
+  button.setSizePolicy(QSizePolicy::Ignored, button.sizePolicy().verticalPolicy());
 }
 
 const Theme_Colors& Colors() {

@@ -5,11 +5,15 @@
 // every control that moves the machine is at least a gloved finger wide.
 #pragma once
 
+#include <initializer_list>
+
 #include <QColor>
 #include <QFont>
 #include <QIcon>
+#include <QString>
 
 class QApplication;
+class QPushButton;
 class QWidget;
 
 namespace norvik {
@@ -17,9 +21,10 @@ namespace norvik {
 // Chooses light or dark from the desktop's own palette and applies style and palette. The
 // environment variable NORVIK_THEME, "light" or "dark", overrules the desktop.
 //
-// It also takes two habits of the toolkit away that are wrong beside a machine. No text can be
-// dragged: a drag waits in a loop of its own, and a move that runs would stand still in it. A box
-// takes the wheel only when it has the focus: a panel that is scrolled changes nothing.
+// Controls without words of their own get a name for screen readers. It also takes two habits of
+// the toolkit away that are wrong beside a machine. No text can be dragged: a drag waits in a loop
+// of its own, and a move that runs would stand still in it. A box takes the wheel only when it has
+// the focus: a panel that is scrolled changes nothing.
 void Apply_Theme(QApplication& application);
 bool Theme_Is_Dark();
 
@@ -50,6 +55,9 @@ inline constexpr double Readable_Contrast = 4.5;
 // Paints the face of a button or label: invalid colours give it back its normal look. A button gets
 // the colour that is nearest to the wanted one and leaves its letters readable as it is painted.
 void Set_Face(QWidget& control, const QColor& wanted, const QColor& text);
+
+// A button whose caption changes keeps the width of the widest one: it must not move under a hand.
+void Keep_Room_For(QPushButton& button, std::initializer_list<QString> captions);
 
 // Signs drawn as shapes, sharp at every scale.
 enum class Sign {
