@@ -51,7 +51,8 @@ struct Adapt_Options {
   double Dwell_Factor = 1;                      // seconds for each P of G4
 
   // --- How it is written ---
-  std::optional<double> Chord_Tolerance;  // of arcs written as lines; absent: half the last digit
+  std::optional<double> Chord_Tolerance;  // of arcs written as lines; absent: a thousandth of a
+                                          // millimetre, half the last digit where that is more
   bool Simplify = false;
   std::optional<double> Tolerance;      // of Simplify; absent: one of the last digit
   std::int32_t Most_Lines = 5'000'000;  // run, loops unrolled

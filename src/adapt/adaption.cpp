@@ -165,7 +165,7 @@ void Adaption::Read_Line(std::int32_t number) {
   if (had_code && Line.Code.empty() && Line.Comments.empty()) return All.Out.Comment(Line.Raw);
   Read_Block(Line, All.Values, Block);
   if (Block.Assigns && Block.Empty()) {
-    if (Line.Comments.empty()) All.Out.Comment(Line.Raw);
+    All.Out.Comment(Line.Comments.empty() ? Line.Raw : std::string_view(Line.Code));
     return;
   }
   if (!All.Options.Simplify && Block.Sequence.size() <= 9) All.Out.Number_Lines(Block.Sequence);

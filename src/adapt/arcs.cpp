@@ -122,8 +122,8 @@ void Add_Across(const Arc_Move& move, const Axis_Words& from, double part, Axis_
 }
 
 void Write_Chords(Context& context, const Arc_Move& move) {
-  const double tolerance =
-      context.Options.Chord_Tolerance.value_or(context.Out.Numbers().Unit() / 2);
+  const double tolerance = context.Options.Chord_Tolerance.value_or(
+      std::max(context.Out.Numbers().Unit() / 2, context.Options.Millimetres ? 0.001 : 0.00004));
   Flat_Arc arc = move.Arc;
   arc.Sweep += (arc.Sweep < 0 ? -1 : 1) * (move.Turns - 1) * Full_Turn;
   const int count = Chord_Count(arc.Radius(), arc.Sweep, tolerance);

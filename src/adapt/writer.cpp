@@ -83,7 +83,7 @@ void Writer::Comment(std::string_view text) {
   const auto blank = [](char c) { return static_cast<unsigned char>(c) <= ' '; };
   while (!text.empty() && blank(text.front())) text.remove_prefix(1);
   while (!text.empty() && blank(text.back())) text.remove_suffix(1);
-  if (Has_Comment) Waiting += "; ";
+  if (!text.empty() && !Waiting.empty()) Waiting += "; ";
   Add_Cleaned(Waiting, text);
   Has_Comment = true;
 }

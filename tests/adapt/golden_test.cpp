@@ -115,6 +115,9 @@ constexpr Adapt_Row Rows[] = {
     // --- Expressions and flow ---
     {"Assignment_In_Parallel", "#1=3\nG0 X#1 #1=5\nX#1", "(#1=3)\nG0 X3.000\nG0 X5.000\n",
      "a line reads the values of before"},
+    {"Assignment_With_Comment", "#1=3 (depth)\nG0 Z#1", "(depth; #1=3)\nG0 Z3.000\n",
+     "the statement stays beside its comment"},
+    {"Empty_Comment", "G0 X1 (a) ()", "G0 X1.000 (a)\n", "what says nothing goes"},
     {"Loop", "#1=0\no1 while [#1 lt 2]\nG0 X#1\n#1=[#1+1]\no1 endwhile\nG0 X9",
      "(#1=0)\n(o1 while <#1 lt 2>)\nG0 X0.000\n(#1=<#1+1>)\n(o1 endwhile)\n(o1 while <#1 lt 2>)\n"
      "G0 X1.000\n(#1=<#1+1>)\n(o1 endwhile)\n(o1 while <#1 lt 2>)\nG0 X9.000\n",

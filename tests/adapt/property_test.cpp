@@ -222,8 +222,9 @@ TEST_F(Adapt_Property, Foreign_Spellings_Of_A_Path_Come_Out_Alike) {
 
 double Distance_To_Path(const std::array<double, 4>& point, const std::vector<Wire_Event>& path) {
   double least = 1e9;
-  for (std::size_t n = 1; n + 1 < path.size(); ++n) {
-    const auto &a = path[n - 1].End, &b = path[n].End;
+  const std::array<double, 4> origin{};  // all begin there
+  for (std::size_t n = 0; n + 1 < path.size(); ++n) {
+    const auto &a = n == 0 ? origin : path[n - 1].End, &b = path[n].End;
     double length = 0, along = 0, off = 0;
     for (std::size_t axis = 0; axis < 3; ++axis) {
       length += std::pow(b[axis] - a[axis], 2);
