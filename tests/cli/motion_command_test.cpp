@@ -27,7 +27,7 @@ struct Motion_Command_Test : Companion_Call_Test {
     };
     replace("=inch.tol", "=" + Tools_Path);
     replace("=macros/", "=" + Samples + "/macros/");
-    replace("Motion_File_Any_Length=True\n", "");
+    replace("Motion_File_Any_Length=True", "Motion_File_Any_Length=False");
     Write_File("inch.ini", machine);
   }
 
