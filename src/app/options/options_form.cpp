@@ -8,6 +8,7 @@
 #include "core/operation.h"
 #include "core/paths.h"
 #include "core/setup.h"
+#include "core/setup_rows.h"
 #include "drive/priority.h"
 
 #include <algorithm>
@@ -129,6 +130,18 @@ void Option_Change(Option_Field& field, std::string_view text) {
 
 void Option_Reset(Option_Field& field) {
   Option_Change(field, field.Default);
+}
+
+void Choose_Corrections(bool recommended) {
+  for (Option_Field& field : Options_Form.Fields) {
+    if (field.Machine == nullptr || field.Row->Group != page::Corrections) continue;
+    const std::string_view wanted = field.Machine->Recommended;
+    if (!recommended) Take_Typed(field, field.Default);
+    if (recommended && !wanted.empty()) Take_Typed(field, wanted);
+  }
+  Say_Consequences();
+  Options_Form.Label_Result.clear();
+  Options_Host.Form_Changed();
 }
 
 void Command_Increment_Click(int axis, int button) {

@@ -240,9 +240,25 @@ QWidget* Option_Page_View::Build_Increments() {
   return area;
 }
 
+QWidget* Option_Page_View::Build_Correction_Sets() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
+  row->setContentsMargins(0, 0, 0, 0);
+  QPushButton* off =
+      Button("Command_As_The_System_Was", "As the system &was", [] { Choose_Corrections(false); });
+  off->setToolTip("Switches all of them off");
+  QPushButton* on = Button("Command_Recommended", "&Recommended", [] { Choose_Corrections(true); });
+  on->setToolTip("Switches on those that suit every machine");
+  row->addWidget(off);
+  row->addWidget(on);
+  row->addStretch(1);
+  return area;
+}
+
 // What a page shows besides the settings themselves.
 void Option_Page_View::Build_Extras(QVBoxLayout& rows, std::string_view group) {
   if (group == page::Pictures) rows.addWidget(Build_Increments());
+  if (group == page::Corrections) rows.insertWidget(0, Build_Correction_Sets());
   if (group != page::Excellon) return;
   auto* format = new QLabel;
   format->setObjectName("Label_Excellon_Format");
