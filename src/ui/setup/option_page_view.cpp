@@ -39,13 +39,16 @@ std::size_t Place_Of(const Setting_Row& row, int index) {
   return 0;
 }
 
-// Help and range of a whole row; of a family, of its first entry where the entries differ.
+// Help of a whole row, with its range and factory value where the entries share one.
 QString Help_Of(const Setting_Row& row, bool with_range) {
   QString text = Words_Of(row.Help);
   if (!with_range) return text;
-  const int first = Offered_Entries(row).First;
-  return text + " " +
-         QString::fromStdString(Option_Range(Options_Form.Fields[Place_Of(row, first)]));
+  const auto [first, last] = Offered_Entries(row);
+  const Option_Field& one = Options_Form.Fields[Place_Of(row, first)];
+  const Option_Field& other = Options_Form.Fields[Place_Of(row, last)];
+  // Factory values of their own stand beside each entry, at its way back.
+  if (one.Default != other.Default) return text;
+  return text + " " + QString::fromStdString(Option_Range(one));
 }
 
 QString Title_Of(const Setting_Row& row) {
