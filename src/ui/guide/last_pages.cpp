@@ -48,9 +48,9 @@ class Timing_Page : public Guide_Page_Widget {
   }
 };
 
-class Corrections_Page : public Guide_Page_Widget {
+class Guide_Corrections_Page : public Guide_Page_Widget {
  public:
-  Corrections_Page() : Guide_Page_Widget(Guide_Page::Corrections) {
+  Guide_Corrections_Page() : Guide_Page_Widget(Guide_Page::Corrections) {
     auto* row = new QHBoxLayout;
     Add_Button(*row, "Command_As_The_System_Was", "As the system &was", "Switches all of them off",
                [] { Guide_Take_Corrections(false); });
@@ -60,13 +60,13 @@ class Corrections_Page : public Guide_Page_Widget {
     Rows().addLayout(row);
     Add_Text("Label_Corrections", [] {
       QString text;
-      for (const Setup_Row* row : Correction_List()) {
+      for (const Setup_Row* one : Correction_List()) {
         const auto words = [](std::string_view part) {
           return QString::fromUtf8(part.data(), std::ssize(part)).toHtmlEscaped();
         };
-        text += "<p><b>" + words(row->Label) + (Correction_Is_On(*row) ? ": on" : ": off") +
-                "</b>" + (row->Recommended.empty() ? "" : " (recommended)") + "<br>" +
-                words(row->Help) + "</p>";
+        text += "<p><b>" + words(one->Label) + (Correction_Is_On(*one) ? ": on" : ": off") +
+                "</b>" + (one->Recommended.empty() ? "" : " (recommended)") + "<br>" +
+                words(one->Help) + "</p>";
       }
       return text;
     });
@@ -151,7 +151,7 @@ Guide_Page_Widget* Make_Last_Page(Guide_Page page) {
     case Guide_Page::Time_Constant:
       return new Timing_Page;
     case Guide_Page::Corrections:
-      return new Corrections_Page;
+      return new Guide_Corrections_Page;
     case Guide_Page::Program:
       return new Program_Page;
     case Guide_Page::Finish:
