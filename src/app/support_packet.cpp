@@ -39,7 +39,8 @@ std::vector<std::string> Known_Folders() {
   std::vector<std::string> folders;
   const auto add = [&folders](const std::string& path) {
     const std::string folder = Without_End(PathDirectory(path));
-    if (folder.size() > 1) folders.push_back(folder);
+    const bool device = folder == "/dev" || folder.starts_with("/dev/");
+    if (folder.size() > 1 && !device) folders.push_back(folder);
   };
   if (const char* home = std::getenv("HOME")) folders.push_back(Without_End(home));
   add(Application.MachineFile);

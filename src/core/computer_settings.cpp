@@ -43,6 +43,8 @@ std::vector<Computer_Row> All_Rows() {
           "A log that has grown to this becomes the older one beside the new."),
       Row("Trace_Limit_MB", "Largest trace", Whole_Number, "100", Restart,
           "A trace that has grown to this becomes the older one beside the new."),
+      Row("Serial_Trace", "Trace of a serial board", Yes_No, "False", Reopen_Drive,
+          "Writes each motion that goes to the board into `TestFile2.csv` of that folder."),
   };
   constexpr double megabytes_at_most = 100'000, hour = 3'600;
   rows[0].Choices = {{"Auto", "what there is"},

@@ -63,7 +63,7 @@ bool Takes_Number_Or_Nothing(const Setting_Row& row) {
 std::string Wanted_Setting(const Setting_Row& row) {
   const std::string values = Setting_Values(row);
   const auto with_unit = [&](std::string text) {
-    return row.Unit.empty() ? text : text + " " + std::string(row.Unit);
+    return row.Unit.empty() ? text : text + (values.empty() ? " in " : " ") + std::string(row.Unit);
   };
   if (!row.Choices.empty()) return with_unit("one of " + values);
   const bool optional = Takes_Number_Or_Nothing(row);

@@ -182,6 +182,26 @@ TEST_F(Options_Test, A_Factory_Value_Is_One_Press_Away) {
   EXPECT_FALSE(Is_Edited(ramping));
 }
 
+TEST_F(Options_Test, Corrections_Are_Chosen_As_Sets_And_Applied_Like_Any_Setting) {
+  Type("Limit_Filter_Steps", "40");
+  Choose_Corrections(true);
+  int on = 0;
+  for (const Option_Field& field : Options_Form.Fields) {
+    if (field.Machine == nullptr || field.Machine->Recommended.empty()) continue;
+    ++on;
+    EXPECT_TRUE(Is_Not_Default(field)) << Option_Key(field);
+  }
+  EXPECT_GT(on, 3);
+  EXPECT_EQ(Field("Limit_Filter_Steps").Text, "40");  // depends on the machine
+  EXPECT_FALSE(MachineSetup.Home_Needs_Switch);
+  EXPECT_TRUE(Options_Command_Apply_Click());
+  EXPECT_TRUE(MachineSetup.Home_Needs_Switch);
+  Choose_Corrections(false);
+  EXPECT_TRUE(Options_Command_Apply_Click());
+  EXPECT_FALSE(MachineSetup.Home_Needs_Switch);
+  EXPECT_EQ(MachineSetup.Limit_Filter_Steps, 0);
+}
+
 // --- Apply -------------------------------------------------------------------------------------
 
 TEST_F(Options_Test, Nothing_Is_Applied_While_The_Machine_Moves_Or_A_Run_Is_Paused) {

@@ -2,15 +2,20 @@
 
 #include "app/options/option_pages.h"
 #include "control/state/control_texts.h"
+#include "core/application.h"
+#include "core/fault.h"
 #include "core/format.h"
 #include "core/messages.h"
 #include "core/numbers.h"
 #include "core/operation.h"
 #include "core/paths.h"
+#include "core/profile_file.h"
 #include "core/setup.h"
+#include "core/setup_rows.h"
 #include "drive/priority.h"
 
 #include <algorithm>
+#include <optional>
 
 namespace norvik {
 
@@ -18,6 +23,22 @@ Options_Form_Record Options_Form;
 Options_Host_Operations Options_Host;
 
 namespace {
+
+// While one of these stands, machine file and pointer file are read once and not for every key.
+struct Files_At_Hand {
+  Files_At_Hand() {
+    Hold(Machine, Application.MachineFile);
+    Hold(Pointer, Pointer_File());
+  }
+  std::optional<Profile_Session> Machine, Pointer;
+
+ private:
+  // A file that cannot be read reads as empty, key by key.
+  static void Hold(std::optional<Profile_Session>& session, const std::string& path) {
+    if (path.empty()) return;
+    Trap_With([](const Fault&) {}, [&] { session.emplace(path, Profile_Use::Reading); });
+  }
+};
 
 std::string Names_Of(After_Change need) {
   constexpr std::size_t most_named = 4;
@@ -64,6 +85,7 @@ void Options_Form_Load() {
   Options_Form.Unload_Waits = false;
   if (Options_Form.Applying) return;
   const std::string page = Options_Form.Page, key = Options_Form.Shown_Key;
+  const Files_At_Hand files;
   Options_Form = {};
   for (const Setting_Row* row : Option_Rows()) {
     const Index_Span entries = Offered_Entries(*row);
@@ -131,6 +153,18 @@ void Option_Reset(Option_Field& field) {
   Option_Change(field, field.Default);
 }
 
+void Choose_Corrections(bool recommended) {
+  for (Option_Field& field : Options_Form.Fields) {
+    if (field.Machine == nullptr || field.Row->Group != page::Corrections) continue;
+    const std::string_view wanted = field.Machine->Recommended;
+    if (!recommended) Take_Typed(field, field.Default);
+    if (recommended && !wanted.empty()) Take_Typed(field, wanted);
+  }
+  Say_Consequences();
+  Options_Form.Label_Result.clear();
+  Options_Host.Form_Changed();
+}
+
 void Command_Increment_Click(int axis, int button) {
   Option_Field* field = Find_Option(axis == 0 ? "BMAP_Increment_X" : "BMAP_Increment_Y");
   const auto increment = field == nullptr ? std::nullopt : Try_Number(field->Text);
@@ -155,6 +189,7 @@ std::string Display_Excellon_Format() {
 }
 
 void Display_Options_Info() {
+  const Files_At_Hand files;
   for (Option_Field& field : Options_Form.Fields) {
     Take_Stored(field);
     field.Text = field.Stored;
@@ -165,10 +200,13 @@ void Display_Options_Info() {
 }
 
 void Refresh_Options_Info() {
-  for (Option_Field& field : Options_Form.Fields) {
-    if (Is_Edited(field)) continue;
-    Take_Stored(field);
-    field.Text = field.Stored;
+  {
+    const Files_At_Hand files;
+    for (Option_Field& field : Options_Form.Fields) {
+      if (Is_Edited(field)) continue;
+      Take_Stored(field);
+      field.Text = field.Stored;
+    }
   }
   Options_Host.Form_Changed();
 }

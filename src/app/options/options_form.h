@@ -58,6 +58,9 @@ bool Show_Option(std::string_view key_or_page);
 void Option_Change(Option_Field& field, std::string_view text);
 // Back to the factory value, not applied yet.
 void Option_Reset(Option_Field& field);
+// The page of corrections: all off, as the system was, or those on that suit every machine, the
+// others as they are. Not applied yet.
+void Choose_Corrections(bool recommended);
 // Button 0 doubles the picture increment of an axis (0 X, 1 Y), button 1 halves it.
 void Command_Increment_Click(int axis, int button);
 // Digits in front of the point and behind it as "#", and what a number of the file means then.

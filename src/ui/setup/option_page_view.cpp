@@ -39,13 +39,16 @@ std::size_t Place_Of(const Setting_Row& row, int index) {
   return 0;
 }
 
-// Help and range of a whole row; of a family, of its first entry where the entries differ.
+// Help of a whole row, with its range and factory value where the entries share one.
 QString Help_Of(const Setting_Row& row, bool with_range) {
   QString text = Words_Of(row.Help);
   if (!with_range) return text;
-  const int first = Offered_Entries(row).First;
-  return text + " " +
-         QString::fromStdString(Option_Range(Options_Form.Fields[Place_Of(row, first)]));
+  const auto [first, last] = Offered_Entries(row);
+  const Option_Field& one = Options_Form.Fields[Place_Of(row, first)];
+  const Option_Field& other = Options_Form.Fields[Place_Of(row, last)];
+  // Factory values of their own stand beside each entry, at its way back.
+  if (one.Default != other.Default) return text;
+  return text + " " + QString::fromStdString(Option_Range(one));
 }
 
 QString Title_Of(const Setting_Row& row) {
@@ -240,9 +243,25 @@ QWidget* Option_Page_View::Build_Increments() {
   return area;
 }
 
+QWidget* Option_Page_View::Build_Correction_Sets() {
+  auto* area = new QWidget;
+  auto* row = new QHBoxLayout(area);
+  row->setContentsMargins(0, 0, 0, 0);
+  QPushButton* off =
+      Button("Command_As_The_System_Was", "As the system &was", [] { Choose_Corrections(false); });
+  off->setToolTip("Switches all of them off");
+  QPushButton* on = Button("Command_Recommended", "&Recommended", [] { Choose_Corrections(true); });
+  on->setToolTip("Switches on those that suit every machine");
+  row->addWidget(off);
+  row->addWidget(on);
+  row->addStretch(1);
+  return area;
+}
+
 // What a page shows besides the settings themselves.
 void Option_Page_View::Build_Extras(QVBoxLayout& rows, std::string_view group) {
   if (group == page::Pictures) rows.addWidget(Build_Increments());
+  if (group == page::Corrections) rows.insertWidget(0, Build_Correction_Sets());
   if (group != page::Excellon) return;
   auto* format = new QLabel;
   format->setObjectName("Label_Excellon_Format");

@@ -31,6 +31,7 @@ class Option_Page_View : public QScrollArea {
   QWidget* Build_Entries(const Option_Block& block);
   void Build_Extras(QVBoxLayout& rows, std::string_view group);
   QWidget* Build_Increments();
+  QWidget* Build_Correction_Sets();
   Option_Cell* Cell_Of(const Setting_Row& row, int index, bool narrow);
 
   std::vector<Option_Cell*> Cells;

@@ -185,7 +185,7 @@ void Options_Window::Search(const QString& words) {
   List_Found->clear();
   for (const Option_Found& found : Find_Options(words.toStdString())) {
     auto* item = new QListWidgetItem(
-        QString::fromStdString(found.Label) + "\n" + Words_Of(found.Page), List_Found);
+        QString::fromStdString(found.Label) + " (" + Words_Of(found.Page) + ")", List_Found);
     item->setData(Qt::UserRole, QString::fromStdString(found.Key));
   }
   const bool searching = !words.trimmed().isEmpty();
