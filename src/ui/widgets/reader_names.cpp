@@ -97,7 +97,7 @@ class Reader_Names : public QObject {
 
  protected:
   bool eventFilter(QObject* watched, QEvent* event) override {
-    if (event->type() != QEvent::Polish || !watched->isWidgetType()) return false;
+    if (event->type() != QEvent::Show || !watched->isWidgetType()) return false;
     auto* widget = static_cast<QWidget*>(watched);
     const bool named = !widget->accessibleName().isEmpty() || widget->isWindow();
     if (!named && Is_Control(*widget) && Said(*widget).isEmpty()) {

@@ -5,7 +5,7 @@ class QApplication;
 
 namespace norvik {
 
-// From now on every control gets a name before it is first shown: that of the label it belongs to
+// From now on every control gets a name when it is shown: that of the label it belongs to
 // or stands behind, its tip, or its hint. One that the window has named keeps its name.
 void Name_Controls_For_Readers(QApplication& application);
 
