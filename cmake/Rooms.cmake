@@ -24,10 +24,6 @@ function(Norvik_Room name)
     set(scope INTERFACE)
   endif()
 
-  if(NORVIK_TOGETHER AND sources)
-    set_target_properties(${target} PROPERTIES UNITY_BUILD ON UNITY_BUILD_BATCH_SIZE 8)
-  endif()
-
   set(published ${CMAKE_BINARY_DIR}/rooms/${name})
   file(GLOB headers CONFIGURE_DEPENDS RELATIVE ${CMAKE_CURRENT_SOURCE_DIR} *.h)
   file(REMOVE_RECURSE ${published})

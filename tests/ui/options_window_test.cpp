@@ -118,7 +118,7 @@ void Options_Window_Test::Walk(char decimal_sign) {
     if (!left_out(field)) Change(control, field);
     typed.push_back(field.Text);
     EXPECT_EQ(field.Error, "");
-    EXPECT_TRUE(left_out(field) || Is_Edited(field));
+    if (!left_out(field)) EXPECT_TRUE(Is_Edited(field));
   }
   Press(window, "Command_Apply");
   Expect_Taken(window);
@@ -128,7 +128,7 @@ void Options_Window_Test::Walk(char decimal_sign) {
     if (left_out(field)) continue;
     EXPECT_NE(field.Stored, before[i]);
     EXPECT_TRUE(Same_Value(*field.Row, In_File(field), field.Stored)) << In_File(field);
-    EXPECT_TRUE(Same_Value(*field.Row, typed[i], field.Stored) || !field.Note.empty()) << typed[i];
+    if (!Same_Value(*field.Row, typed[i], field.Stored)) EXPECT_NE(field.Note, "") << typed[i];
     QWidget& control = Looked_Up(window, field);
     auto& reset = In<QToolButton>(window, "Reset_" + control.objectName());
     if (Is_Not_Default(field)) {
@@ -144,9 +144,9 @@ void Options_Window_Test::Walk(char decimal_sign) {
     if (left_out(field)) continue;
     // The factory depths of layers follow the levels, which came back in the same stroke.
     const bool follows = field.Row->Key.find("ingDepth_") != std::string_view::npos;
-    if (follows) continue;
-    EXPECT_TRUE(Same_Value(*field.Row, field.Stored, field.Default)) << field.Stored;
-    EXPECT_TRUE(Same_Value(*field.Row, In_File(field), field.Default)) << In_File(field);
+    if (!follows) EXPECT_TRUE(Same_Value(*field.Row, field.Stored, field.Default)) << field.Stored;
+    if (!follows)
+      EXPECT_TRUE(Same_Value(*field.Row, In_File(field), field.Default)) << In_File(field);
   }
 }
 
@@ -221,8 +221,7 @@ TEST_F(Options_Window_Test, The_Other_Windows_Lead_To_Their_Settings) {
   Choose("Menu_Machine_Axes");
   EXPECT_EQ(shown(), "Axes: ");
   auto& picture = Find("Picture1");
-  QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5),
-                          picture.mapToGlobal(QPoint(5, 5)));
+  QContextMenuEvent event(QContextMenuEvent::Keyboard, QPoint(5, 5));
   QApplication::sendEvent(&picture, &event);
   Find<QAction>("Menu_Plot_Options").trigger();
   EXPECT_EQ(shown(), "Plot: ");
