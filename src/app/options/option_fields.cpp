@@ -53,6 +53,8 @@ std::string Why_Not(const Option_Field& field, std::string_view text) {
     if (!why_not.empty() && Is_Color(*field.Row)) return "Takes a colour such as #1E90FF.";
     return why_not;
   }
+  // What reads the pointer file takes any other word for no.
+  if (Is_Switch(*field.Row) && text != "True" && text != "False") return "Takes True or False.";
   return Why_Not_Setting(*field.Row, text);
 }
 

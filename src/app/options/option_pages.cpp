@@ -17,10 +17,11 @@ bool Is_Offered(const Setup_Row& row) {
   return row.Key != "INI_Save_Test";
 }
 
+// Families of one entry stand on lines of their own.
 bool Stand_Together(const Setting_Row& one, const Setting_Row& other) {
   const Index_Span a = Offered_Entries(one), b = Offered_Entries(other);
   return one.Is_Family && other.Is_Family && one.Entries == other.Entries && a.First == b.First &&
-         a.Last == b.Last;
+         a.Last == b.Last && a.First < a.Last;
 }
 
 Option_Block Block_Of(const Setting_Row& row) {

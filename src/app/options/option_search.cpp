@@ -71,6 +71,10 @@ std::vector<Option_Found> Find_Options(std::string_view words) {
     return std::ranges::any_of(
         wanted, [&](const std::string& word) { return label.find(word) != std::string::npos; });
   });
+  // Who types a key means that setting.
+  const std::string key = Upper(Trim(words));
+  std::ranges::stable_partition(found,
+                                [&](const Option_Found& one) { return Upper(one.Key) == key; });
   return found;
 }
 

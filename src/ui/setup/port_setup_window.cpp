@@ -100,7 +100,7 @@ Port_Setup_Window::Port_Setup_Window(QWidget* parent) : QWidget(parent) {
   Hint->setForegroundRole(QPalette::Link);
   rows->addWidget(Hint);
   rows->addWidget(Build_Buttons());
-  resize(Text_Height() * 62, Text_Height() * 52);
+  resize(Text_Height() * 67, Text_Height() * 52);
   Port_Setup_Form_Load();  // after the lists were filled, which choose their first line
   Serial_Page_Form_Load();
   Show_Form();
