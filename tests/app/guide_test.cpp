@@ -25,7 +25,6 @@ struct Guide_Test : App_Test {
     Load_Main();
     Open_Guide();
   }
-  ~Guide_Test() override { Guide_Form = {}; }
 
   void Make(const std::string& name, std::string_view point) {
     Guide_Form.Text_Name = name;

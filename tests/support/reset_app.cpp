@@ -3,6 +3,7 @@
 #include "app/drive_session.h"
 #include "app/forms.h"
 #include "app/gcode_form.h"
+#include "app/guide/guide.h"
 #include "app/main_form.h"
 #include "app/options/options_form.h"
 #include "app/program_findings.h"
@@ -25,6 +26,8 @@ void Reset_App() {
   Forms = {};
   Gcode_Form = {};
   Gcode_Host = {};
+  Guide_Form = {};
+  Guide_Host = {};
   Main_Form = {};
   Main_Host = {};
   Main_Window = {};

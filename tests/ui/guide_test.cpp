@@ -15,8 +15,6 @@ namespace {
 using testing::HasSubstr;
 
 struct Guide_Window_Test : Ui_Test {
-  ~Guide_Window_Test() override { Guide_Form = {}; }
-
   void Type(const QString& name, const QString& text) {
     auto& field = Find<QLineEdit>(name);
     field.selectAll();
