@@ -1,6 +1,6 @@
 // The pages that move the machine: motors, speeds, home switches.
+#include "app/guide/values.h"
 #include "core/axes.h"
-#include "core/format.h"
 #include "core/setup.h"
 #include "ui/guide/guide_page.h"
 #include "ui/widgets/panel_group.h"
@@ -18,7 +18,7 @@ Guide_Axis_Fields& Fields() {
 }
 
 QString Number(double value) {
-  return QString::fromStdString(Format_Number(value, "0.####"));
+  return QString::fromStdString(Guide_Number(value));
 }
 
 class Motors_Page : public Guide_Page_Widget {
