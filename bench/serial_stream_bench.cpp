@@ -106,9 +106,9 @@ void Measure_Terminal(int generation, double seconds, bool usb) {
   Platform = {};
   Install_Linux_Clock();
   if (board == 0) {
-    Board_Process_Options options{
-        .Generation = generation > 0 ? Board_Generation::Pelmar_V5 : Board_Generation::Dravon_V4,
-        .Link = link};
+    Board_Process_Options options;
+    options.Generation = generation > 0 ? Board_Generation::Pelmar_V5 : Board_Generation::Dravon_V4;
+    options.Link = link;
     if (usb) options.Options = {"usb_latency=1"};
     Run_Board_Process(options, {});
     std::_Exit(0);
