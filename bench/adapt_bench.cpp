@@ -6,6 +6,7 @@
 // scan of the text from left to right that finds each word's number, and a bare write of the new
 // bytes.
 #include "adapt/adapt.h"
+#include "best_time.h"
 #include "compiler/text/plain_number.h"
 #include "core/paths.h"
 #include "core/setup.h"
@@ -13,35 +14,16 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <string>
 
 #include <fcntl.h>
 #include <sys/resource.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace {
 
 using namespace norvik;
-
-constexpr int Rounds = 7;
-
-double Cpu_Seconds() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double Best(const std::function<void()>& body) {
-  double best = 1e9;
-  for (int round = 0; round < Rounds; ++round) {
-    const double start = Cpu_Seconds();
-    body();
-    best = std::min(best, Cpu_Seconds() - start);
-  }
-  return best;
-}
+using bench::Best;
 
 // The numbers of all words, added up so that nothing is left out.
 double Bare_Scan(const GCode_Text& program) {

@@ -8,6 +8,7 @@
 //            plus a bare write of the same bytes
 //   load     the motion file into a table in memory and a wire table on disk, against the same
 //   checks   the three checks of the analyzer, nanoseconds a row, its yields included
+#include "best_time.h"
 #include "compiler/tables/tables_io.h"
 #include "compiler/tables/value_stream.h"
 #include "compiler/wires/feed_pass.h"
@@ -18,34 +19,17 @@
 #include "tools/motion_analyzer.h"
 #include "tools/motion_file.h"
 
-#include <algorithm>
 #include <cmath>
 #include <cstdio>
-#include <ctime>
-#include <functional>
 #include <string>
 #include <utility>
 
 namespace norvik {
 namespace {
 
-constexpr int count = 300'000, rounds = 5;
+using bench::Best;
 
-double Seconds_Now() {
-  timespec now{};
-  ::clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double Best(const std::function<void()>& work) {
-  double best = 1e9;
-  for (int round = 0; round < rounds; ++round) {
-    const double start = Seconds_Now();
-    work();
-    best = std::min(best, Seconds_Now() - start);
-  }
-  return best;
-}
+constexpr int count = 300'000;
 
 void Set_Up() {
   MachineSetup.Axis_SPI.Fill(4000);

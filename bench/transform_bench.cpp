@@ -5,6 +5,7 @@
 // Times are of the processor, kernel included, best of several rounds. For each transform its time
 // and its ratio to a single pass over the same text that copies each line; for the exports the
 // ratio to the reader of the table plus a bare write of the same bytes.
+#include "best_time.h"
 #include "compiler/compile/compile.h"
 #include "compiler/state/compiler_state.h"
 #include "compiler/tables/tables_io.h"
@@ -19,35 +20,16 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <functional>
 #include <random>
 #include <string>
 
 #include <fcntl.h>
-#include <time.h>
 #include <unistd.h>
 
 namespace {
 
 using namespace norvik;
-
-constexpr int Rounds = 5;
-
-double Cpu_Seconds() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
-}
-
-double Best(const std::function<void()>& body) {
-  double best = 1e9;
-  for (int round = 0; round < Rounds; ++round) {
-    const double start = Cpu_Seconds();
-    body();
-    best = std::min(best, Cpu_Seconds() - start);
-  }
-  return best;
-}
+using bench::Best;
 
 // Straight moves with what programs usually have: a feed now and then, an arc, a comment.
 std::string Program_Of(std::int32_t lines) {

@@ -14,9 +14,8 @@ Row_Builder Correction(std::string_view key, std::string_view label) {
   return Key<Member>(Section, key).Called(page::Corrections, label).Saved(Save_Place::Corrections);
 }
 
-}  // namespace
-
-Setup_Row_List Correction_Rows() {
+// How programs run, how the machine moves by hand and by boards.
+Setup_Row_List Running_Rows() {
   return {
       Correction<&M::Run_In_Table_Order>("Run_In_Table_Order", "Run in the order of the table")
           .Recommends("True")
@@ -77,6 +76,12 @@ Setup_Row_List Correction_Rows() {
           .Named("The question before a Goto with G91")
           .Says("Off: a Goto line with G91 counts from zero. On: it counts from where the machine "
                 "is."),
+  };
+}
+
+// What is written to and read from files of programs.
+Setup_Row_List Program_File_Rows() {
+  return {
       Correction<&M::Export_All_Records>("Export_All_Records", "Export the whole table")
           .Recommends("True")
           .For("Everybody who exports programs that switch outputs or pause.")
@@ -105,6 +110,12 @@ Setup_Row_List Correction_Rows() {
                 "be lost or misread. On: it is adapted when it is opened, where it needs it; the "
                 "file "
                 "stays as it is."),
+  };
+}
+
+// How steps, ramps and homing come out.
+Setup_Row_List Engine_Rows() {
+  return {
       Correction<&M::Backlash_Even>("Backlash_Even", "Backlash by whole steps")
           .Recommends("True")
           .For("Every machine on a parallel port that takes up backlash.")
@@ -142,6 +153,12 @@ Setup_Row_List Correction_Rows() {
           .Says("Off: when the wire table is loaded for a run, the end speed of each move is "
                 "rounded to a whole number, so that the next move begins at another speed. On: it "
                 "stays as planned."),
+  };
+}
+
+// How drawings are read.
+Setup_Row_List Drawing_Reader_Rows() {
+  return {
       Correction<&M::Import_Convert_Units>("Import_Convert_Units", "Convert the units of drawings")
           .Recommends("True")
           .For("Everybody who imports drawings of other people.")
@@ -168,6 +185,12 @@ Setup_Row_List Correction_Rows() {
                 "wedges, polygons and encoded strokes are not read. On: all of these are read, "
                 "and a pen that goes down and up again drills."),
   };
+}
+
+}  // namespace
+
+Setup_Row_List Correction_Rows() {
+  return Joined({Running_Rows(), Program_File_Rows(), Engine_Rows(), Drawing_Reader_Rows()});
 }
 
 }  // namespace norvik

@@ -6,7 +6,6 @@
 #include "app/guide/values.h"
 #include "app/machine_menu.h"
 #include "app/setup_apply.h"
-#include "control/motion/motion.h"
 #include "core/application.h"
 #include "core/fault.h"
 #include "core/operation.h"
@@ -177,8 +176,7 @@ bool Guide_Make_Machine() {
     return Refuse(
         "There is a machine of this name. Type another one, or load it by Setup > Load "
         "machine setup and open the guide for one of its pages.");
-  if (!Stopped_For("Can't make a machine"))
-    return Refuse("Not while the machine moves or a run is paused. Press Stop, then try again.");
+  if (!May_Change("Can't make a machine")) return false;
   const auto points = Starting_Points();
   const auto chosen = static_cast<std::size_t>(std::max(Guide_Form.Combo_Starting_Point, 0));
   const Starting_Point& point = points[std::min(chosen, points.size() - 1)];
@@ -194,12 +192,11 @@ bool Guide_Make_Machine() {
 }
 
 void Guide_Choose_Drive(int type) {
+  if (!May_Change("Can't change the drive")) return;
   Port_Setup_Form_Load();
   Option_Port_Type_Click(static_cast<std::int16_t>(type));
   Port_Setup_Apply_Click();
   Guide_Form.Label_Hint.clear();
-  if (MachineSetup.Parallel_Port_Type != type)
-    Refuse("Not while the machine moves or a run is paused. Press Stop, then try again.");
   Guide_Host.Form_Changed();
 }
 

@@ -4,7 +4,6 @@
 #include "app/guide/guide.h"
 #include "app/guide/values.h"
 #include "control/manual/timing_edits.h"
-#include "control/motion/motion.h"
 #include "control/safety/machine_check.h"
 #include "core/application.h"
 #include "core/corrections.h"
@@ -69,10 +68,7 @@ void Guide_Find_Time_Constant() {
 }
 
 void Guide_Take_Corrections(bool recommended) {
-  if (!Stopped_For("Can't change the corrections")) {
-    Refuse("Not while the machine moves or a run is paused. Press Stop, then try again.");
-    return;
-  }
+  if (!May_Change("Can't change the corrections")) return;
   End_Drive_Session();
   Take_Corrections(recommended ? Correction_Set::Recommended : Correction_Set::As_The_System_Was);
   const bool saved = SaveMachineSetup();

@@ -62,10 +62,7 @@ std::string Guide_Drive_Words() {
 void Guide_Take_Layout(int index) {
   const auto layouts = Pin_Layouts();
   if (index < 0 || index >= std::ssize(layouts)) return;
-  if (!Stopped_For("Can't change the pins")) {
-    Refuse("Not while the machine moves or a run is paused. Press Stop, then try again.");
-    return;
-  }
+  if (!May_Change("Can't change the pins")) return;
   Port_Setup_Form_Load();
   Show_Pin_Layout(layouts[static_cast<std::size_t>(index)]);
   Port_Setup_Apply_Click();

@@ -52,8 +52,12 @@ bool Refuse(std::string_view hint) {
   return false;
 }
 
+bool May_Change(std::string_view what) {
+  return Stopped_For(what) || Refuse(Machine_Moves);
+}
+
 bool Take_Values(std::initializer_list<Guide_Value> values) {
-  if (!Stopped_For("Can't change the setup")) return Refuse(Machine_Moves);
+  if (!May_Change("Can't change the setup")) return false;
   std::vector<Earlier_Value> earlier;
   std::string refused;
   End_Drive_Session();

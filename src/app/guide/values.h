@@ -14,6 +14,10 @@ struct Guide_Value {
 // A hint instead of a change, for the handlers of the pages. Answers false.
 bool Refuse(std::string_view hint);
 
+// Nothing moves and no run is paused. Otherwise false, with a hint, and `what` ("Can't change the
+// pins") in status panel 1.
+bool May_Change(std::string_view what);
+
 // All of the values into setup and machine file, the drive's session ended before and begun anew
 // after it, or none of them and a hint: while the machine moves, or where one is no value of its
 // key. A file that can't be written is told; the values then hold until the program ends.

@@ -66,15 +66,15 @@ std::vector<Option_Found> Find_Options(std::string_view words) {
   const std::vector<std::string> wanted = Words_Of(words);
   if (wanted.empty()) return found;
   for (const Setting_Row* row : Option_Rows()) Find_In_Row(*row, wanted, found);
-  std::ranges::stable_partition(found, [&](const Option_Found& one) {
+  std::stable_partition(found.begin(), found.end(), [&](const Option_Found& one) {
     const std::string label = Upper(one.Label);
     return std::ranges::any_of(
         wanted, [&](const std::string& word) { return label.find(word) != std::string::npos; });
   });
   // Who types a key means that setting.
   const std::string key = Upper(Trim(words));
-  std::ranges::stable_partition(found,
-                                [&](const Option_Found& one) { return Upper(one.Key) == key; });
+  std::stable_partition(found.begin(), found.end(),
+                        [&](const Option_Found& one) { return Upper(one.Key) == key; });
   return found;
 }
 
