@@ -55,7 +55,9 @@ void Find_In_Row(const Setting_Row& row, const std::vector<std::string>& words,
   }
   for (int index = entries.First; index <= entries.Last; ++index) {
     const std::string key = Setting_Key(row, index), label = Setting_Label(row, index);
-    if (Holds_All(text + " " + label + " " + key, words)) found.push_back({key, label, page});
+    std::string all = text;
+    for (const std::string* part : {&label, &key}) all.append(1, ' ').append(*part);
+    if (Holds_All(all, words)) found.push_back({key, label, page});
   }
 }
 
